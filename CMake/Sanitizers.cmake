@@ -1,0 +1,6 @@
+# Address and undefined-behaviour sanitizers for the whole build; a finding ends the program that has it.
+option(ORVIK_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+if(ORVIK_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,0 +1,9 @@
+# One list of warnings for every target of ours, and every warning is an error.
+function(orvik_set_warnings target)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic
+        -Wconversion        # sizes and coordinates change their width often here; each change is written out
+        -Wshadow            # a hidden field reads like the field
+        -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
+        -Werror)
+endfunction()

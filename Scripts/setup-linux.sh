@@ -1,0 +1,100 @@
+#!/usr/bin/env bash
+# Installs what SnipBench needs on Debian 12 and is missing: packages from the configured Debian archive, and the font
+# of the labels from the configured npm registry. With nothing missing it fetches nothing and asks for no rights.
+#
+#   Scripts/setup-linux.sh           what building and running the program needs
+#   Scripts/setup-linux.sh --demo    and what the demo on a virtual display needs
+#   Scripts/setup-linux.sh --test    and what the tests need
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+textures=$root/Resources/UI/Textures
+
+packages=(
+    cmake ninja-build g++ libc6-dev
+    libfmt-dev rapidjson-dev libpng-dev libfreetype-dev
+    libx11-dev libxext-dev libxtst-dev libxrandr-dev libxfixes-dev libxi-dev
+    libegl-dev libgl-dev libopengl-dev
+    libegl1 libopengl0 libgl1-mesa-dri
+)
+demo_packages=(xvfb)
+test_packages=(xvfb openbox libgtest-dev libgmock-dev clang-format)
+
+font_package=@expo-google-fonts/mulish@0.4.2
+font_package_sha256=d452cc6e7ba464fb81ac3f782eeaa1435901a7605cd86097819526e52cc9a318
+font_sha256=1d3c2067fd5abaa56cf27ea560ccb7c162d39a624fef53cb947b85a966b0fdae
+
+case "${1:-}" in
+    "") ;;
+    --demo) packages+=("${demo_packages[@]}") ;;
+    --test) packages+=("${test_packages[@]}") ;;
+    *) echo "usage: $0 [--demo | --test]" >&2; exit 2 ;;
+esac
+
+has_sha256() # FILE HASH
+{
+    [ -f "$1" ] && [ "$(sha256sum <"$1")" = "$2  -" ]
+}
+
+has_font()
+{
+    has_sha256 "$textures/Mulish-Regular.ttf" "$font_sha256" && [ -f "$textures/Mulish-LICENSE.txt" ]
+}
+
+list_missing_packages()
+{
+    local installed
+    installed=$(dpkg-query -W -f '${db:Status-Abbrev}${Package}\n' "${packages[@]}" 2>/dev/null || true)
+    printf '%s\n' "${packages[@]}" | grep -Fxv -f <(sed -n 's/^ii //p' <<<"$installed") || true
+}
+
+install_packages() # PACKAGE...
+{
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            printf 'These packages are missing. Install them as root with this command, then start again:\n\n' >&2
+            printf '    apt-get update && apt-get install -y --no-install-recommends %s\n\n' "$*" >&2
+            exit 1
+        fi
+        as_root=(sudo)
+    fi
+    echo "Installing: $*" >&2
+    "${as_root[@]}" apt-get update -qq >&2
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "$@" >&2
+}
+
+install_font()
+(
+    scratch=$(mktemp -d)
+    trap 'rm -rf "$scratch"' EXIT
+    echo "Fetching the font: $font_package" >&2
+    cd "$scratch"
+    if ! archive=$(npm pack --silent "$font_package"); then
+        echo "The font can't be fetched with npm. Is there a network, and a registry in npm's settings?" >&2
+        exit 1
+    fi
+    if ! has_sha256 "$archive" "$font_package_sha256"; then
+        echo "The archive of $font_package isn't the expected one; the font is not installed." >&2
+        exit 1
+    fi
+    tar -xzf "$archive"
+    mkdir -p "$textures"
+    # The licence goes first: whoever finds the font finds its licence beside it.
+    mv -f package/LICENSE_FONT "$textures/Mulish-LICENSE.txt"
+    mv -f package/400Regular/Mulish_400Regular.ttf "$textures/Mulish-Regular.ttf"
+)
+
+if ! has_font && ! command -v npm >/dev/null; then
+    packages+=(npm)
+fi
+if command -v dpkg-query >/dev/null; then
+    mapfile -t missing < <(list_missing_packages)
+    if [ ${#missing[@]} -gt 0 ]; then
+        install_packages "${missing[@]}"
+    fi
+else
+    echo "This isn't a Debian system: what Debian calls ${packages[*]} has to be there already." >&2
+fi
+has_font || install_font

@@ -1,0 +1,180 @@
+#include "Application/Application.h"
+
+#include "Application/Options.h"
+#include "Application/ReturnCodes.h"
+#include "Core/System/Error/Exception.h"
+#include "Core/System/Log/FileLogSink.h"
+#include "Core/System/Log/Log.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Runtime/CommandLine.h"
+#include "Core/System/Text/Paths.h"
+#include "Core/System/Time/MonotonicClock.h"
+
+#include <iostream>
+
+namespace Orvik::SnipBench
+{
+namespace
+{
+
+namespace Log = System::Log;
+namespace Text = System::Text;
+using System::Runtime::CommandLine;
+
+constexpr Log::Context s_context{Log::StreamID::SnipBench};
+
+/// The system's number of the permission that `Permission` asks for.
+constexpr std::uint16_t s_capturePermission = 9;
+constexpr std::int64_t s_permissionDenialPause = 1'000'000'000; // nanoseconds
+
+constexpr std::uint64_t Id(Option option)
+{
+    return static_cast<std::uint64_t>(option);
+}
+
+void PrintLine(const std::string& text)
+{
+    std::cout << text << std::endl;
+}
+
+/// A picture that the tool can show has pixels, and blue, green and red in each.
+bool IsShowable(const System::Multimedia::Bitmap& bitmap)
+{
+    return bitmap.GetSize() > 0 && (bitmap.GetBitsPerPixel() == 24 || bitmap.GetBitsPerPixel() == 32);
+}
+
+} // namespace
+
+Application::Application() : System::Runtime::Application(L"SnipBench")
+{
+}
+
+Application::~Application() = default;
+
+void Application::Main(const System::Runtime::ApplicationParameters& parameters)
+{
+    RegisterReturnCodes(ReturnCodeRegistry::GetInstance());
+    const std::string_view name = RunSteps(parameters);
+    if (!name.empty())
+        SetReturnCode(name);
+}
+
+std::string_view Application::RunSteps(const System::Runtime::ApplicationParameters& parameters)
+{
+    if (parameters.commandLine == nullptr)
+        return ReturnCodeName::WrongParameters;
+    CommandLine& commandLine = *parameters.commandLine;
+    DeclareOptions(commandLine);
+    if (commandLine.Parse() != System::Runtime::ParseResult::Success)
+        return ReturnCodeName::WrongParameters;
+    if (commandLine.HasOption(Id(Option::Help)))
+    {
+        std::string usage;
+        GetUsage(usage);
+        PrintLine(usage);
+        return {};
+    }
+    if (commandLine.HasOption(Id(Option::ShowReturnCodes)))
+    {
+        std::string table;
+        if (ReturnCodeRegistry::GetInstance().WriteAll(0, table))
+            PrintLine(table);
+        return {};
+    }
+    if (commandLine.HasOption(Id(Option::Permission)) && !RequestPermission(s_capturePermission))
+    {
+        System::Time::Sleep(s_permissionDenialPause);
+        return {};
+    }
+    if (!commandLine.HasRequiredOptions())
+        return ReturnCodeName::WrongParameters;
+    LoadConfiguration(commandLine);
+    ReadOptions(commandLine);
+
+    Graphics::Tools::SnipBench::Parameters toolParameters;
+    toolParameters.cropToSelection = !m_annotate;
+    if (!m_inputFile.empty())
+    {
+        System::Multimedia::Bitmap& bitmap = toolParameters.bitmap;
+        if (!bitmap.Load(Text::PathToUtf8(m_inputFile)) || !IsShowable(bitmap))
+            return ReturnCodeName::LoadFileFailed;
+    }
+    try
+    {
+        InitializeSystems();
+    }
+    catch (const System::Error::Exception&)
+    {
+        return ReturnCodeName::InitializeSystemsFailed;
+    }
+    PrepareOutputDirectory();
+    return RunOverlay(std::move(toolParameters));
+}
+
+void Application::LoadConfiguration(const CommandLine& commandLine)
+{
+    // The results don't matter: a run goes on with the defaults after a bad configuration.
+    if (commandLine.HasOption(Id(Option::ConfigJson)))
+        (void)GetConfigCache().LoadFromString(commandLine.GetValue(Id(Option::ConfigJson)));
+    else if (commandLine.HasOption(Id(Option::ConfigFile)))
+        (void)GetConfigCache().LoadFromFile(Text::PathFromUtf8(commandLine.GetValue(Id(Option::ConfigFile))));
+}
+
+void Application::ReadOptions(const CommandLine& commandLine)
+{
+    m_outputDirectory = Text::PathFromUtf8(commandLine.GetValue(Id(Option::OutDirectory)));
+    m_fileFormat = commandLine.GetValue(Id(Option::OutFileType)).starts_with('b') ? "bmp" : "png";
+    m_oneShot = commandLine.GetBool(Id(Option::OneShot));
+    m_keepMask = commandLine.GetBool(Id(Option::KeepMask));
+    m_delay = ParseDelay(commandLine.GetValue(Id(Option::Delay)));
+    m_annotate = commandLine.GetBool(Id(Option::Annotate));
+    m_inputFile = Text::PathFromUtf8(commandLine.GetValue(Id(Option::File)));
+}
+
+void Application::PrepareOutputDirectory()
+{
+    if (m_outputDirectory.empty())
+    {
+        m_outputDirectory =
+            Text::Join(GetConfigCache().GetRootPath(), m_annotate ? ".temp/Annotations" : ".temp/Screenshots");
+    }
+    Text::CreateDirectories(m_outputDirectory);
+}
+
+void Application::SetReturnCode(std::string_view name)
+{
+    const ReturnCodeRegistry& registry = ReturnCodeRegistry::GetInstance();
+    if (!registry.FindCode(0, name, m_returnCode))
+        return;
+    if (std::string text; registry.WriteCode(0, m_returnCode, text))
+        PrintLine(text);
+}
+
+bool Application::RequestPermission(std::uint16_t /*kind*/)
+{
+    return true;
+}
+
+void Application::OnPostSystemInitialization(System::Runtime::Application& /*sender*/,
+                                             PostSystemInitializationEvent& event)
+{
+    std::uint32_t typeId = 0;
+    if (event.system->GetTypeId(typeId) != Log::Logger::s_typeID)
+        return;
+    const auto& sinks = static_cast<const Log::Logger*>(event.system)->GetSinks();
+    const auto& fileSink = static_cast<const Log::FileLogSink&>(*sinks[1]);
+    Log::Write(s_context, Log::MessageTypeID::Always, "v", VersionText, " Preview started.");
+    Log::Write(s_context, Log::MessageTypeID::Always, "Using '", Text::PathToUtf8(fileSink.GetCurrentPath()), "'.");
+}
+
+void Application::OnShutdownRequested()
+{
+    {
+        // Under the lock, or a delay that is about to begin its wait would sleep through the notice.
+        const std::scoped_lock lock(m_delayMutex);
+        m_running = false;
+    }
+    m_delayCondition.notify_all();
+}
+
+} // namespace Orvik::SnipBench

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Application/SnipFiles.h"
+#include "Core/Graphics/Renderer/Renderer.h"
+#include "Core/Graphics/Tools/SnipBench.h"
+#include "Core/Graphics/Tools/TimedLabel.h"
+#include "Core/System/Desktop/Window.h"
+#include "Core/System/Runtime/Application.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+namespace Orvik::SnipBench
+{
+
+/// The version text of the program.
+inline constexpr std::string_view VersionText = "0.3.0.2";
+
+/// The program: reads the options, covers a display with the overlay, runs the tool until the user is done, and says
+/// how it ended.
+class Application final : public System::Runtime::Application
+{
+public:
+    Application();
+    ~Application() override;
+
+    void Main(const System::Runtime::ApplicationParameters& parameters) override;
+    /// Writes the start banner once the `Logger` is up.
+    void OnPostSystemInitialization(System::Runtime::Application& sender,
+                                    PostSystemInitializationEvent& event) override;
+    /// Ends the frame loop, and a delay under way. From any thread.
+    void OnShutdownRequested() override;
+
+private:
+    /// Runs the program and names the return code; empty where none is to be set.
+    [[nodiscard]] std::string_view RunSteps(const System::Runtime::ApplicationParameters& parameters);
+    /// Sets the exit code by its name and prints its JSON object.
+    void SetReturnCode(std::string_view name);
+    /// Whether the run may go on. `kind` is the system's number of a permission; no desktop here asks for one.
+    [[nodiscard]] static bool RequestPermission(std::uint16_t kind);
+
+    void ReadOptions(const System::Runtime::CommandLine& commandLine);
+    void LoadConfiguration(const System::Runtime::CommandLine& commandLine);
+    void PrepareOutputDirectory();
+    [[nodiscard]] std::string_view RunOverlay(Graphics::Tools::SnipBench::Parameters parameters);
+    [[nodiscard]] bool ChooseDisplay();
+    [[nodiscard]] std::string_view OpenWindow();
+    void WaitForDelay(const System::Desktop::Window::ScopedLock& lock);
+    void StartTool(Graphics::Tools::SnipBench::Parameters parameters);
+    void RunFrameLoop();
+
+    [[nodiscard]] System::Tools::ToolContext MakeToolContext() const;
+    bool OnWindowEvent(const System::Desktop::WindowEvent& event);
+    bool OnResult(Graphics::Tools::SnipBench::Result& result);
+    void ShowSavedPath(const std::string& text, std::int64_t duration);
+
+    std::atomic<bool> m_running = true;
+    bool m_oneShot = false;
+    bool m_keepMask = false;
+    bool m_annotate = false;
+    std::int32_t m_delay = 0; ///< milliseconds
+    std::string m_fileFormat = "png";
+    std::filesystem::path m_outputDirectory;
+    std::filesystem::path m_inputFile;
+    std::uint16_t m_displayId = System::Device::Display::InvalidDisplayId;
+    std::unique_ptr<System::Desktop::Window> m_window;
+    Graphics::Renderer::Renderer m_renderer;
+    Graphics::Tools::TimedLabel m_savedPathLabel;
+    Graphics::Tools::SnipBench m_tool;
+    std::mutex m_delayMutex;
+    std::condition_variable m_delayCondition; ///< ends a delay when the run is asked to end
+};
+
+} // namespace Orvik::SnipBench

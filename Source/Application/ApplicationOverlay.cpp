@@ -1,0 +1,226 @@
+// The part of the program that has a screen: the overlay, the tool on it, and the frame loop.
+#include "Application/Application.h"
+
+#include "Application/ReturnCodes.h"
+#include "Core/System/Device/Cursor/Cursor.h"
+#include "Core/System/Device/Display/DisplayCache.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Time/MonotonicClock.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace Orvik::SnipBench
+{
+namespace
+{
+
+namespace Cursor = System::Device::Cursor;
+namespace Log = System::Log;
+using System::Desktop::Window;
+using System::Desktop::WindowEvent;
+using System::Desktop::WindowEventType;
+using System::Device::Display::DisplayCache;
+using System::Device::Display::DisplayDescriptor;
+using System::Tools::ToolContext;
+using System::Tools::ToolEventType;
+
+constexpr Log::Context s_context{Log::StreamID::SnipBench};
+
+constexpr const char* s_windowName = "Orvik::Snipping";
+constexpr std::uint8_t s_leftButton = 1;
+
+/// The pixel size of the message that tells where a file went, on a screen of 1080 rows.
+constexpr float s_savedPathSize = 24.0F;
+/// How far up from the bottom it stands, as a part of the screen's height.
+constexpr float s_savedPathHeight = 0.15F;
+constexpr float s_savedPathDepth = 1.5F;
+
+} // namespace
+
+std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters parameters)
+{
+    if (!ChooseDisplay())
+        return ReturnCodeName::InitializeSystemsFailed;
+    if (const std::string_view failure = OpenWindow(); !failure.empty())
+        return failure;
+    const DisplayDescriptor& display = *GetSystem<DisplayCache>().GetDisplay(m_displayId);
+    m_renderer.Resize(m_window->GetNativeWindow(), display.width, display.height);
+
+    {
+        const Window::ScopedLock lock = m_window->Lock();
+        m_window->Show(lock);
+        m_window->SetClickThrough(false);
+        m_tool.onResult = [this](Graphics::Tools::SnipBench::Result& result) { return OnResult(result); };
+        if (m_delay != 0)
+            WaitForDelay(lock);
+        if (m_running)
+            StartTool(std::move(parameters));
+        RunFrameLoop();
+        m_renderer.Shutdown(m_window->GetNativeWindow());
+        Cursor::ShowCursor(true);
+    }
+    // Only now: the lock is the window's own.
+    m_window.reset();
+    return ReturnCodeName::Success;
+}
+
+bool Application::ChooseDisplay()
+{
+    const DisplayCache& displays = GetSystem<DisplayCache>();
+    m_displayId = displays.GetActiveDisplayId();
+    if (m_displayId == System::Device::Display::InvalidDisplayId)
+        m_displayId = displays.GetDefaultDisplayId();
+    if (displays.GetDisplay(m_displayId) != nullptr)
+        return true;
+    Log::Write(s_context, Log::MessageTypeID::Error, "No valid display info for valid display id ", m_displayId, ".");
+    return false;
+}
+
+std::string_view Application::OpenWindow()
+{
+    // One pixel above the display and one pixel taller: an overlay of exactly a display's size would be taken for a
+    // full-screen program by the desktop.
+    const DisplayDescriptor& display = *GetSystem<DisplayCache>().GetDisplay(m_displayId);
+    m_window = std::make_unique<Window>(this, s_windowName, System::Math::Point{display.x, display.y - 1},
+                                        System::Desktop::WindowSize{display.width, display.height + 1U},
+                                        System::Desktop::WindowType::Overlay);
+    m_window->SetEventHandler([this](const WindowEvent& event) { return OnWindowEvent(event); });
+    if (!m_window->Create())
+    {
+        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to create snipping window.");
+        return ReturnCodeName::CreateWindowFailed;
+    }
+    if (!m_renderer.Initialize(m_window->GetNativeWindow(), m_window->GetWindowClassName()))
+    {
+        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to initialize renderer.");
+        return ReturnCodeName::InitializeRendererFailed;
+    }
+    return {};
+}
+
+void Application::WaitForDelay(const Window::ScopedLock& lock)
+{
+    m_window->Hide(lock);
+    {
+        std::unique_lock delayLock(m_delayMutex);
+        m_delayCondition.wait_for(delayLock, std::chrono::milliseconds(m_delay), [this] { return !m_running; });
+    }
+    m_window->Show(lock);
+}
+
+void Application::StartTool(Graphics::Tools::SnipBench::Parameters parameters)
+{
+    ToolContext context = MakeToolContext();
+    context.type = ToolEventType::MouseMove;
+    System::Math::Point position;
+    Cursor::GetCurrentPosition(position);
+    context.x = position.x;
+    context.y = position.y;
+    m_tool.Start(context, std::move(parameters), m_renderer);
+    Cursor::ShowCursor(false);
+    m_window->BringToFront();
+}
+
+void Application::RunFrameLoop()
+{
+    std::int64_t time = System::Time::GetMonotonicNanoseconds();
+    while (m_running)
+    {
+        const std::int64_t now = System::Time::GetMonotonicNanoseconds();
+        const std::int64_t elapsed = now - time;
+        time = now;
+        m_window->Update();
+        m_savedPathLabel.Tick(elapsed, m_renderer);
+        m_renderer.Render(m_window->GetNativeWindow());
+        // No frame limit: the rate is the display's, through `Render`. The time slice is given up all the same.
+        System::Time::Sleep(0);
+    }
+}
+
+ToolContext Application::MakeToolContext() const
+{
+    ToolContext context;
+    context.displayIds = {m_displayId, m_displayId};
+    return context;
+}
+
+bool Application::OnWindowEvent(const WindowEvent& event)
+{
+    ToolContext context = MakeToolContext();
+    switch (event.type)
+    {
+    case WindowEventType::Key:
+        context.type = ToolEventType::Key;
+        context.pressed = event.data.key.pressed != 0;
+        context.key = static_cast<std::uint8_t>(event.data.key.key);
+        m_tool.Update(context, m_renderer);
+        if (!context.pressed && event.data.key.key == System::Desktop::KeyCode::Escape)
+        {
+            m_tool.End(m_renderer);
+            m_running = false;
+        }
+        return true;
+    case WindowEventType::MouseMove:
+    {
+        // Where the pointer is now, not where it was when the event was made.
+        System::Math::Point position;
+        Cursor::GetCurrentPosition(position);
+        context.type = ToolEventType::MouseMove;
+        context.x = position.x;
+        context.y = position.y;
+        m_tool.Update(context, m_renderer);
+        return true;
+    }
+    case WindowEventType::MouseWheel:
+        context.type = ToolEventType::MouseWheel;
+        context.wheelDelta = event.data.wheelDelta;
+        m_tool.Update(context, m_renderer);
+        return true;
+    case WindowEventType::MouseButton:
+        context.type = ToolEventType::MouseButton;
+        context.pressed = event.data.mouseButton.pressed != 0;
+        context.leftButton = event.data.mouseButton.button == s_leftButton;
+        m_tool.Update(context, m_renderer);
+        return true;
+    case WindowEventType::Created:
+    case WindowEventType::DevicesChanged:
+    case WindowEventType::DisplayChanged:
+    case WindowEventType::HotKey:
+    case WindowEventType::Moved:
+    case WindowEventType::Resized:
+    case WindowEventType::Paint:
+        return false;
+    }
+    return false;
+}
+
+bool Application::OnResult(Graphics::Tools::SnipBench::Result& result)
+{
+    const SnipFileSettings settings{m_outputDirectory, m_fileFormat, m_keepMask,
+                                    [this](const std::string& text, std::int64_t duration)
+                                    { ShowSavedPath(text, duration); }};
+    if (m_annotate)
+        SaveAnnotation(result, settings);
+    else
+        SaveSnip(result, settings);
+    // It is never set again: the run may have been asked to end in the meantime.
+    if (m_oneShot)
+        m_running = false;
+    return !m_oneShot;
+}
+
+void Application::ShowSavedPath(const std::string& text, std::int64_t duration)
+{
+    Graphics::Renderer::Text* const label = m_savedPathLabel.Show(text.c_str(), duration, m_renderer);
+    if (label == nullptr)
+        return;
+    const auto size = static_cast<std::uint16_t>(std::max(m_renderer.GetUiScale() * s_savedPathSize, s_savedPathSize));
+    const float scale = Graphics::Renderer::TextRenderer::GetScale(size);
+    const auto& screen = m_renderer.GetScreenSize();
+    const float x = screen.width * 0.5F - static_cast<float>(label->width) * scale * 0.5F;
+    label->model = System::Math::Matrix4::ScaleAndTranslation(scale, scale, 0.0F, x, screen.height * s_savedPathHeight,
+                                                              s_savedPathDepth);
+}
+
+} // namespace Orvik::SnipBench

@@ -1,0 +1,31 @@
+// Where the process starts on Linux. There is no console to borrow here: standard output and standard error stay as
+// they are.
+#include "Application/Application.h"
+#include "Core/System/Processes/Process.h"
+#include "Core/System/Runtime/ApplicationParameters.h"
+#include "Core/System/Runtime/CommandLine.h"
+
+namespace
+{
+
+// Constructed before `main` and destroyed behind it, so that faults on both ends are reported.
+Orvik::SnipBench::Application s_application; // NOLINT(cert-err58-cpp)
+
+} // namespace
+
+int main()
+{
+    using namespace Orvik::System;
+
+    // The setup tool starts the program from a console that isn't its own; with a console of this platform that makes
+    // no difference.
+    Processes::EnumerateProcesses(Processes::MakeExecutableName("OrvikRemoteDeviceSetupTool"),
+                                  [](Processes::Process&) {});
+
+    Runtime::CommandLine commandLine;
+    commandLine.LoadArguments();
+    Runtime::ApplicationParameters parameters;
+    parameters.commandLine = &commandLine;
+    Runtime::Application::Run(parameters);
+    return Runtime::Application::GetInstance().m_returnCode;
+}

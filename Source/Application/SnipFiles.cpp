@@ -1,0 +1,122 @@
+#include "Application/SnipFiles.h"
+
+#include "Application/SnipJson.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Text/Paths.h"
+
+#include <fstream>
+
+namespace Orvik::SnipBench
+{
+namespace
+{
+
+namespace Log = System::Log;
+using System::GUID;
+using Result = Graphics::Tools::SnipBench::Result;
+
+constexpr Log::Context s_context{Log::StreamID::SnipBench};
+
+/// How long the path of a saved file is shown, in nanoseconds.
+constexpr std::int64_t s_savedPathDuration = 1'000'000'000;
+
+std::filesystem::path MakeFilePath(const SnipFileSettings& settings, const GUID& id, std::string_view extension)
+{
+    std::string name = id.ToString() + ".";
+    name += extension;
+    return System::Text::Join(settings.directory, name);
+}
+
+void ShowAbsolutePath(const SnipFileSettings& settings, const std::filesystem::path& path)
+{
+    const std::filesystem::path absolute = System::Text::MakeAbsolute(path);
+    if (settings.showSavedPath)
+        settings.showSavedPath(System::Text::PathToUtf8(absolute), s_savedPathDuration);
+}
+
+/// Writes the text as the whole file. A file that can't be opened passes in silence; one that can't be
+/// written is logged.
+void WriteMetaFile(const std::filesystem::path& path, const std::string& text)
+{
+    try
+    {
+        std::ofstream stream(path, std::ios::binary | std::ios::trunc);
+        if (!stream.is_open())
+            return;
+        stream.exceptions(std::ios::badbit | std::ios::failbit);
+        stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+        stream.close();
+    }
+    catch (const std::exception&)
+    {
+        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save meta file: ", path);
+    }
+}
+
+/// The rectangles of this process, and the identifier of the one picture they lie on.
+struct AnnotationList
+{
+    GUID imageId = System::GenerateGuid();
+    std::vector<AnnotationRecord> records;
+};
+
+AnnotationList& GetAnnotationList()
+{
+    static AnnotationList s_list;
+    return s_list;
+}
+
+} // namespace
+
+bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& format, const std::string& path)
+{
+    if (format == "png")
+        return bitmap.SavePng(path);
+    if (format == "bmp")
+        return bitmap.SaveBmp(path);
+    Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save image file: ", path);
+    return false;
+}
+
+void SaveSnip(Result& result, const SnipFileSettings& settings)
+{
+    if (result.snip == nullptr)
+        return;
+    const GUID id = System::GenerateGuid();
+    const std::filesystem::path imagePath = MakeFilePath(settings, id, settings.format);
+    ShowAbsolutePath(settings, imagePath);
+
+    if (result.polygon != nullptr && !settings.keepMask)
+        result.snip->ClearOutsidePolygon(*result.polygon, false);
+    if (!SaveImage(*result.snip, settings.format, System::Text::PathToUtf8(imagePath)))
+        return;
+    WriteMetaFile(MakeFilePath(settings, id, "json"), MakeMetaJson(id, result.startTime, result.snip->GetWidth(),
+                                                                   result.snip->GetHeight(), result.polygon));
+}
+
+void SaveAnnotation(Result& result, const SnipFileSettings& settings)
+{
+    if (result.capture == nullptr)
+        return;
+    if (result.bounds == nullptr)
+    {
+        Log::Write(s_context, Log::MessageTypeID::Error, "Expected valid rectangle in parameter 'info'.");
+        return;
+    }
+
+    AnnotationList& list = GetAnnotationList();
+    if (list.records.empty())
+    {
+        const std::filesystem::path imagePath = MakeFilePath(settings, list.imageId, settings.format);
+        if (!SaveImage(*result.capture, settings.format, System::Text::PathToUtf8(imagePath)))
+            return;
+    }
+    list.records.push_back({System::GenerateGuid(), *result.bounds});
+
+    const std::filesystem::path path = MakeFilePath(settings, list.imageId, "json");
+    ShowAbsolutePath(settings, path);
+    WriteMetaFile(path, MakeAnnotationJson(list.imageId, result.startTime, result.capture->GetWidth(),
+                                           result.capture->GetHeight(), list.records));
+}
+
+} // namespace Orvik::SnipBench

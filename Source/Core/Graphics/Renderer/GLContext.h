@@ -1,0 +1,104 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/System/Desktop/NativeWindow.h"
+
+#include <string>
+
+namespace Orvik::Graphics::Renderer
+{
+
+/// The entry points beyond OpenGL 1.1, in loading order. All have to be there, also those that nothing calls.
+struct EntryPoints
+{
+#define ORVIK_FOR_EACH_ENTRY_POINT(ENTRY)                                                                              \
+    ENTRY(PFNGLCREATESHADERPROC, glCreateShader)                                                                       \
+    ENTRY(PFNGLSHADERSOURCEPROC, glShaderSource)                                                                       \
+    ENTRY(PFNGLCOMPILESHADERPROC, glCompileShader)                                                                     \
+    ENTRY(PFNGLGETSHADERIVPROC, glGetShaderiv)                                                                         \
+    ENTRY(PFNGLGETSHADERINFOLOGPROC, glGetShaderInfoLog)                                                               \
+    ENTRY(PFNGLCREATEPROGRAMPROC, glCreateProgram)                                                                     \
+    ENTRY(PFNGLATTACHSHADERPROC, glAttachShader)                                                                       \
+    ENTRY(PFNGLDELETESHADERPROC, glDeleteShader)                                                                       \
+    ENTRY(PFNGLLINKPROGRAMPROC, glLinkProgram)                                                                         \
+    ENTRY(PFNGLUSEPROGRAMPROC, glUseProgram)                                                                           \
+    ENTRY(PFNGLGETPROGRAMIVPROC, glGetProgramiv)                                                                       \
+    ENTRY(PFNGLGETPROGRAMINFOLOGPROC, glGetProgramInfoLog)                                                             \
+    ENTRY(PFNGLGETUNIFORMLOCATIONPROC, glGetUniformLocation)                                                           \
+    ENTRY(PFNGLGETUNIFORMBLOCKINDEXPROC, glGetUniformBlockIndex)                                                       \
+    ENTRY(PFNGLUNIFORMBLOCKBINDINGPROC, glUniformBlockBinding)                                                         \
+    ENTRY(PFNGLUNIFORM1FPROC, glUniform1f)                                                                             \
+    ENTRY(PFNGLUNIFORM2FPROC, glUniform2f)                                                                             \
+    ENTRY(PFNGLUNIFORM4FPROC, glUniform4f)                                                                             \
+    ENTRY(PFNGLUNIFORM1IVPROC, glUniform1iv)                                                                           \
+    ENTRY(PFNGLUNIFORMMATRIX4FVPROC, glUniformMatrix4fv)                                                               \
+    ENTRY(PFNGLGENVERTEXARRAYSPROC, glGenVertexArrays)                                                                 \
+    ENTRY(PFNGLVERTEXATTRIBPOINTERPROC, glVertexAttribPointer)                                                         \
+    ENTRY(PFNGLENABLEVERTEXATTRIBARRAYPROC, glEnableVertexAttribArray)                                                 \
+    ENTRY(PFNGLBINDVERTEXARRAYPROC, glBindVertexArray)                                                                 \
+    ENTRY(PFNGLBINDBUFFERBASEPROC, glBindBufferBase)                                                                   \
+    ENTRY(PFNGLDELETEVERTEXARRAYSPROC, glDeleteVertexArrays)                                                           \
+    ENTRY(PFNGLDELETEBUFFERSPROC, glDeleteBuffers)                                                                     \
+    ENTRY(PFNGLGENBUFFERSPROC, glGenBuffers)                                                                           \
+    ENTRY(PFNGLBINDBUFFERPROC, glBindBuffer)                                                                           \
+    ENTRY(PFNGLBUFFERDATAPROC, glBufferData)                                                                           \
+    ENTRY(PFNGLBUFFERSUBDATAPROC, glBufferSubData)                                                                     \
+    ENTRY(PFNGLBINDBUFFERRANGEPROC, glBindBufferRange)                                                                 \
+    ENTRY(PFNGLACTIVETEXTUREPROC, glActiveTexture)                                                                     \
+    ENTRY(PFNGLGENERATEMIPMAPPROC, glGenerateMipmap)                                                                   \
+    ENTRY(PFNGLCOMPRESSEDTEXIMAGE2DPROC, glCompressedTexImage2D)                                                       \
+    ENTRY(PFNGLTEXIMAGE3DPROC, glTexImage3D)                                                                           \
+    ENTRY(PFNGLTEXSUBIMAGE3DPROC, glTexSubImage3D)                                                                     \
+    ENTRY(PFNGLDRAWARRAYSINSTANCEDPROC, glDrawArraysInstanced)
+
+#define ORVIK_DECLARE_ENTRY_POINT(Type, name) Type name = nullptr;
+    ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_DECLARE_ENTRY_POINT)
+#undef ORVIK_DECLARE_ENTRY_POINT
+
+    /// Whether none is null.
+    [[nodiscard]] bool IsComplete() const noexcept;
+};
+
+/// An OpenGL 3.3 core context on a window: double-buffered, 8 bits for each of red, green, blue and alpha, 24 for
+/// depth, 8 for stencil, 4 samples. There is no fallback. It belongs to the thread that created it.
+class GLContext
+{
+public:
+    GLContext() = default;
+    GLContext(const GLContext&) = delete;
+    GLContext& operator=(const GLContext&) = delete;
+    ~GLContext() = default;
+
+    /// Makes the context current on the window, loads the entry points and sets the state that everything is drawn
+    /// with. The result is `IsValid`. On failure one log line has said why, and nothing native is left.
+    /// `className` is the window's registered class, UTF-8.
+    bool Create(System::Desktop::NativeWindow window, const char* className);
+
+    /// Gives the context up and deletes it; the context isn't valid afterwards. Does nothing without one.
+    void Destroy(System::Desktop::NativeWindow window);
+
+    /// Shows what was drawn. Does nothing without a context, or when the window's server is gone.
+    void SwapBuffers(System::Desktop::NativeWindow window);
+
+    /// A context is current and all entry points are bound. Whatever draws tests it first.
+    [[nodiscard]] bool IsValid() const { return m_valid; }
+    [[nodiscard]] const EntryPoints& GetEntryPoints() const { return m_entryPoints; }
+    /// The text of `GL_VERSION`, which becomes the window's title as well; empty before `Create`.
+    [[nodiscard]] const std::string& GetVersion() const { return m_version; }
+
+private:
+    [[nodiscard]] bool CreatePlatform(System::Desktop::NativeWindow window, const char* className);
+    void DestroyPlatform(System::Desktop::NativeWindow window);
+    void SwapBuffersPlatform(System::Desktop::NativeWindow window);
+    static void SetFixedState();
+    /// Logs why there is no context. The line begins with the version, or with "OpenGL" as long as it isn't known.
+    void Report(const char* failure) const;
+
+    bool m_valid = false;
+    EntryPoints m_entryPoints;
+    void* m_handle = nullptr;  ///< the half's context
+    void* m_surface = nullptr; ///< what the half draws on, where that isn't the window itself
+    std::string m_version;
+};
+
+} // namespace Orvik::Graphics::Renderer

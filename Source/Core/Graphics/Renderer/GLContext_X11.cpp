@@ -1,0 +1,132 @@
+#include "Core/Graphics/Renderer/GLContext.h"
+
+#include "Core/System/Platform/EglDisplay.h"
+#include "Core/System/Platform/XConnection.h"
+
+#include <X11/Xatom.h>
+#include <array>
+
+namespace Orvik::Graphics::Renderer
+{
+namespace
+{
+
+using System::Platform::EglConfiguration;
+
+::Window ToXWindow(System::Desktop::NativeWindow window)
+{
+    return static_cast<::Window>(window);
+}
+
+/// Null if the window is gone or has another visual than the configuration.
+EGLSurface CreateSurface(const EglConfiguration& configuration, System::Desktop::NativeWindow window)
+{
+    System::Platform::XErrorScope errors(System::Platform::GetXDisplay());
+    EGLSurface const surface =
+        eglCreateWindowSurface(configuration.display, configuration.config, ToXWindow(window), nullptr);
+    if (surface == EGL_NO_SURFACE || !errors.HasFailed())
+        return surface;
+    eglDestroySurface(configuration.display, surface);
+    return EGL_NO_SURFACE;
+}
+
+EGLContext CreateCoreContext(const EglConfiguration& configuration)
+{
+    // clang-format off
+    constexpr std::array<EGLint, 7> attributes = {
+        EGL_CONTEXT_MAJOR_VERSION, 3,
+        EGL_CONTEXT_MINOR_VERSION, 3,
+        EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
+        EGL_NONE,
+    };
+    // clang-format on
+    // The current interface is a thread's own, and OpenGL ES at first.
+    if (eglBindAPI(EGL_OPENGL_API) == EGL_FALSE)
+        return EGL_NO_CONTEXT;
+    return eglCreateContext(configuration.display, configuration.config, EGL_NO_CONTEXT, attributes.data());
+}
+
+EntryPoints LoadEntryPoints()
+{
+    EntryPoints entryPoints;
+#define ORVIK_LOAD_ENTRY_POINT(Type, name) entryPoints.name = reinterpret_cast<Type>(eglGetProcAddress(#name));
+    ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_LOAD_ENTRY_POINT)
+#undef ORVIK_LOAD_ENTRY_POINT
+    return entryPoints;
+}
+
+/// Sets both of the title's properties: the one for window managers of the ICCCM, and EWMH's in UTF-8.
+void SetTitle(System::Desktop::NativeWindow window, const std::string& title)
+{
+    ::Display* const display = System::Platform::GetXDisplay();
+    if (display == nullptr || title.empty())
+        return;
+    const System::Platform::XErrorScope errors(display);
+    XStoreName(display, ToXWindow(window), title.c_str());
+    XChangeProperty(display, ToXWindow(window), XInternAtom(display, "_NET_WM_NAME", False),
+                    XInternAtom(display, "UTF8_STRING", False), 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(title.data()), static_cast<int>(title.size()));
+}
+
+} // namespace
+
+bool GLContext::CreatePlatform(System::Desktop::NativeWindow window, const char* /*className*/)
+{
+    const std::optional<EglConfiguration>& configuration = System::Platform::GetEglConfiguration();
+    if (!configuration || System::Platform::GetXDisplay() == nullptr)
+    {
+        Report(": Missing an EGL configuration for OpenGL with 4 samples.");
+        return false;
+    }
+    m_surface = CreateSurface(*configuration, window);
+    if (m_surface == EGL_NO_SURFACE)
+    {
+        Report(": Call to eglCreateWindowSurface failed.");
+        return false;
+    }
+
+    m_handle = CreateCoreContext(*configuration);
+    bool isBound = m_handle != EGL_NO_CONTEXT &&
+                   eglMakeCurrent(configuration->display, m_surface, m_surface, m_handle) == EGL_TRUE;
+    if (isBound)
+    {
+        m_version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
+        m_entryPoints = LoadEntryPoints();
+        isBound = m_entryPoints.IsComplete();
+    }
+    SetTitle(window, m_version);
+    if (!isBound)
+    {
+        Report(": Failed to bind all required OpenGL methods.");
+        DestroyPlatform(window);
+        m_handle = nullptr;
+        m_surface = nullptr;
+        return false;
+    }
+    // A driver that can't wait for the screen draws without.
+    eglSwapInterval(configuration->display, 1);
+    return true;
+}
+
+void GLContext::DestroyPlatform(System::Desktop::NativeWindow /*window*/)
+{
+    // With the server gone there is nothing left to free but memory, and the driver may ask the server for it.
+    ::Display* const connection = System::Platform::GetXDisplay();
+    if (connection == nullptr)
+        return;
+    EGLDisplay const display = System::Platform::GetEglConfiguration()->display;
+    const System::Platform::XErrorScope errors(connection);
+    eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    if (m_handle != EGL_NO_CONTEXT)
+        eglDestroyContext(display, m_handle);
+    eglDestroySurface(display, m_surface);
+}
+
+void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow /*window*/)
+{
+    if (System::Platform::GetXDisplay() == nullptr)
+        return;
+    eglSwapBuffers(System::Platform::GetEglConfiguration()->display, m_surface);
+}
+
+} // namespace Orvik::Graphics::Renderer

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/System/Math/Matrix4.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace Orvik::Graphics::Renderer
+{
+
+class Renderer;
+
+/// A polyline. Clients change the public values in place through the pointer of `Get`.
+struct Line
+{
+    std::uint16_t id = 0;
+    bool visible = true;
+    /// The prepared list: the client's points with one more at each end.
+    std::vector<System::Math::Vector4> points;
+    System::Math::Matrix4 model;
+    System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F};
+    float thickness = 1.0F; ///< pixels
+    float dashLength = 1.0F;
+    float gapLength = 0.0F; ///< 0 makes a solid line
+};
+
+/// Draws thick polylines. A point's first three components are its position; the fourth scales the line's opacity
+/// there.
+class LineRenderer
+{
+public:
+    /// Points of a prepared list; a client may give two fewer.
+    static constexpr std::size_t s_maxPoints = 64;
+
+    [[nodiscard]] bool Initialize(Renderer& renderer);
+    void Render(Renderer& renderer);
+    void Shutdown(Renderer& renderer);
+
+    /// Adds a line and stores its id in `id`. `points` is emptied. Returns `id`.
+    std::uint16_t& Create(std::uint16_t& id, std::vector<System::Math::Vector4>& points);
+
+    /// The line, or null. Good until the next `Create` or `Remove`.
+    [[nodiscard]] Line* Get(std::uint16_t id);
+
+    /// Replaces the points; `points` is emptied. Fewer than two are an assertion failure. False for an unknown id;
+    /// `points` then stays as it was.
+    bool Update(std::uint16_t id, std::vector<System::Math::Vector4>& points);
+
+    bool Remove(std::uint16_t id);
+
+    [[nodiscard]] GLuint GetProgram() const { return m_program; }
+    [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
+
+private:
+    /// False, after an assertion failure, if the line has too many points.
+    [[nodiscard]] bool DrawLine(Renderer& renderer, const Line& line);
+
+    ObjectStore<Line> m_objects;
+    GLuint m_program = 0;
+    GLuint m_pointBuffer = 0;
+    GLuint m_vertexArray = 0;
+    GLint m_modelLocation = -1;
+    GLint m_colorLocation = -1;
+    GLint m_thicknessLocation = -1;
+    GLint m_dashLengthLocation = -1;
+    GLint m_gapLengthLocation = -1;
+};
+
+} // namespace Orvik::Graphics::Renderer

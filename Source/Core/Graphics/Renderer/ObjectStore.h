@@ -1,0 +1,64 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace Orvik::Graphics::Renderer
+{
+
+/// The render objects of one kind, by value, in order of creation. `Object` has a field `id`, unsigned 16 bits. Ids
+/// count up from 1 over the whole process and are not reused before the counter wraps; 0 means no object.
+template <typename Object>
+class ObjectStore
+{
+public:
+    /// Appends an object with its start values and a new id. The reference is good until the next `Add` or `Remove`.
+    Object& Add()
+    {
+        Object& object = m_objects.emplace_back();
+        object.id = NextId();
+        return object;
+    }
+
+    /// The object, or null. Good until the next `Add` or `Remove`.
+    [[nodiscard]] Object* Find(std::uint16_t id)
+    {
+        const auto found =
+            std::find_if(m_objects.begin(), m_objects.end(), [id](const Object& object) { return object.id == id; });
+        return found != m_objects.end() ? &*found : nullptr;
+    }
+
+    /// Takes the object out; the last one moves into its place, so the order changes. Without such an object: false.
+    bool Remove(std::uint16_t id)
+    {
+        const auto found =
+            std::find_if(m_objects.rbegin(), m_objects.rend(), [id](const Object& object) { return object.id == id; });
+        if (found == m_objects.rend())
+            return false;
+        if (&*found != &m_objects.back())
+            *found = std::move(m_objects.back());
+        m_objects.pop_back();
+        return true;
+    }
+
+    void Clear() { m_objects.clear(); }
+
+    [[nodiscard]] auto begin() { return m_objects.begin(); } // NOLINT(readability-identifier-naming): for range-for
+    [[nodiscard]] auto end() { return m_objects.end(); }     // NOLINT(readability-identifier-naming)
+    [[nodiscard]] std::size_t GetCount() const { return m_objects.size(); }
+
+private:
+    static std::uint16_t NextId()
+    {
+        static std::uint16_t s_lastId = 0;
+        if (++s_lastId == 0)
+            ++s_lastId;
+        return s_lastId;
+    }
+
+    std::vector<Object> m_objects;
+};
+
+} // namespace Orvik::Graphics::Renderer

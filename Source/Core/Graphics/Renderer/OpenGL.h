@@ -1,0 +1,44 @@
+#pragma once
+
+// The OpenGL types, constants and function-pointer types of the Khronos header, without the system's own. The header
+// would pull in the Windows headers to learn the calling convention; it is told here instead.
+#if !defined(APIENTRY)
+#if defined(__MINGW32__)
+#define APIENTRY __stdcall
+#else
+#define APIENTRY
+#endif
+#define ORVIK_UNDEFINE_APIENTRY
+#endif
+
+#include <GL/glcorearb.h>
+
+// The entry points that the OpenGL library of every platform exports. Everything newer is in `GLContext`'s table.
+extern "C"
+{
+    void APIENTRY glClear(GLbitfield mask);
+    void APIENTRY glViewport(GLint x, GLint y, GLsizei width, GLsizei height);
+    void APIENTRY glEnable(GLenum capability);
+    void APIENTRY glDisable(GLenum capability);
+    void APIENTRY glBlendFunc(GLenum sourceFactor, GLenum targetFactor);
+    void APIENTRY glClearColor(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha);
+    void APIENTRY glClearDepth(GLdouble depth);
+    void APIENTRY glDrawArrays(GLenum mode, GLint first, GLsizei count);
+    void APIENTRY glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices);
+    const GLubyte* APIENTRY glGetString(GLenum name);
+    void APIENTRY glPolygonMode(GLenum face, GLenum mode);
+    void APIENTRY glPixelStorei(GLenum name, GLint value);
+    void APIENTRY glGenTextures(GLsizei count, GLuint* textures);
+    void APIENTRY glDeleteTextures(GLsizei count, const GLuint* textures);
+    void APIENTRY glBindTexture(GLenum target, GLuint texture);
+    void APIENTRY glTexImage2D(GLenum target, GLint level, GLint internalFormat, GLsizei width, GLsizei height,
+                               GLint border, GLenum format, GLenum type, const void* pixels);
+    void APIENTRY glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
+                                  GLenum format, GLenum type, const void* pixels);
+    void APIENTRY glTexParameteri(GLenum target, GLenum name, GLint value);
+}
+
+#if defined(ORVIK_UNDEFINE_APIENTRY)
+#undef APIENTRY
+#undef ORVIK_UNDEFINE_APIENTRY
+#endif

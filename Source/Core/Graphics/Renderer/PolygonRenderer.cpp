@@ -1,0 +1,189 @@
+#include "Core/Graphics/Renderer/PolygonRenderer.h"
+
+#include "Core/Graphics/Renderer/Renderer.h"
+#include "Core/Graphics/Renderer/ShaderProgram.h"
+
+#include <utility>
+
+namespace Orvik::Graphics::Renderer
+{
+namespace
+{
+
+constexpr GLuint s_positionAttribute = 0;
+constexpr GLuint s_colorAttribute = 1;
+
+template <typename Element>
+GLsizeiptr GetByteSize(const std::vector<Element>& elements)
+{
+    return static_cast<GLsizeiptr>(elements.size() * sizeof(Element));
+}
+
+/// Gives the bound buffer the data of a vertex attribute.
+template <typename Element>
+void SetAttribute(const EntryPoints& gl, GLuint attribute, GLuint buffer, const std::vector<Element>& elements)
+{
+    gl.glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    gl.glBufferData(GL_ARRAY_BUFFER, GetByteSize(elements), elements.data(), GL_DYNAMIC_DRAW);
+    gl.glVertexAttribPointer(attribute, static_cast<GLint>(std::tuple_size_v<Element>), GL_FLOAT, GL_FALSE, 0, nullptr);
+    gl.glEnableVertexAttribArray(attribute);
+}
+
+void CreateBuffers(const EntryPoints& gl, Polygon& polygon)
+{
+    gl.glGenVertexArrays(1, &polygon.gpuData.vertexArray);
+    gl.glGenBuffers(1, &polygon.gpuData.positionBuffer);
+    gl.glGenBuffers(1, &polygon.gpuData.colorBuffer);
+    gl.glBindVertexArray(polygon.gpuData.vertexArray);
+    SetAttribute(gl, s_positionAttribute, polygon.gpuData.positionBuffer, polygon.positions);
+    SetAttribute(gl, s_colorAttribute, polygon.gpuData.colorBuffer, polygon.colors);
+}
+
+template <typename Element>
+void ReplaceContents(const EntryPoints& gl, GLuint buffer, const std::vector<Element>& elements)
+{
+    gl.glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    gl.glBufferSubData(GL_ARRAY_BUFFER, 0, GetByteSize(elements), elements.data());
+}
+
+template <typename Element>
+void ReplaceBuffer(const EntryPoints& gl, GLuint buffer, const std::vector<Element>& elements)
+{
+    gl.glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    gl.glBufferData(GL_ARRAY_BUFFER, GetByteSize(elements), elements.data(), GL_DYNAMIC_DRAW);
+}
+
+} // namespace
+
+bool PolygonRenderer::Initialize(Renderer& renderer)
+{
+    const GLContext& context = renderer.GetContext();
+    m_program = CreateProgram(context, "polygon.vert", "polygon.frag");
+    if (m_program == 0 || !context.IsValid())
+        return false;
+    m_modelLocation = context.GetEntryPoints().glGetUniformLocation(m_program, "model");
+    return true;
+}
+
+void PolygonRenderer::Render(Renderer& renderer)
+{
+    if (!renderer.GetContext().IsValid())
+        return;
+    const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
+    gl.glUseProgram(m_program);
+    const std::lock_guard lock(m_mutex);
+    Flush(renderer);
+    for (const Polygon& polygon : m_objects)
+    {
+        if (!polygon.visible || polygon.gpuData.vertexArray == 0)
+            continue;
+        gl.glUniformMatrix4fv(m_modelLocation, 1, GL_FALSE, polygon.model.elements.data());
+        gl.glBindVertexArray(polygon.gpuData.vertexArray);
+        glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(polygon.gpuData.uploadedCount));
+        gl.glBindVertexArray(0);
+    }
+}
+
+void PolygonRenderer::Shutdown(Renderer& renderer)
+{
+    const std::lock_guard lock(m_mutex);
+    if (renderer.GetContext().IsValid())
+    {
+        for (const Polygon& polygon : m_objects)
+            m_pendingDeletes.push_back(polygon.gpuData);
+        DeletePending(renderer);
+    }
+    m_pendingUpdates.clear();
+    m_pendingDeletes.clear();
+    m_objects.Clear();
+}
+
+std::uint16_t& PolygonRenderer::Create(std::uint16_t& id, std::vector<std::array<float, 3>>& positions,
+                                       std::vector<std::array<float, 4>>& colors)
+{
+    const std::lock_guard lock(m_mutex);
+    Polygon& polygon = m_objects.Add();
+    polygon.positions = std::exchange(positions, {});
+    polygon.colors = std::exchange(colors, {});
+    id = polygon.id;
+    m_pendingUpdates.push_back(id);
+    return id;
+}
+
+Polygon* PolygonRenderer::Get(std::uint16_t id)
+{
+    return m_objects.Find(id);
+}
+
+bool PolygonRenderer::Update(std::uint16_t id)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_objects.Find(id) == nullptr)
+        return false;
+    m_pendingUpdates.push_back(id);
+    return true;
+}
+
+bool PolygonRenderer::Remove(std::uint16_t id)
+{
+    const std::lock_guard lock(m_mutex);
+    const Polygon* const polygon = m_objects.Find(id);
+    if (polygon == nullptr)
+        return false;
+    m_pendingDeletes.push_back(polygon->gpuData);
+    return m_objects.Remove(id);
+}
+
+void PolygonRenderer::Flush(Renderer& renderer)
+{
+    for (const std::uint16_t id : m_pendingUpdates)
+    {
+        Polygon* const polygon = m_objects.Find(id);
+        // Without a colour for each vertex the drawing would read behind the buffer.
+        if (polygon != nullptr && polygon->colors.size() == polygon->positions.size())
+            Upload(renderer, *polygon);
+    }
+    m_pendingUpdates.clear();
+    DeletePending(renderer);
+}
+
+void PolygonRenderer::Upload(Renderer& renderer, Polygon& polygon)
+{
+    const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
+    const auto count = static_cast<std::uint32_t>(polygon.positions.size());
+    if (polygon.gpuData.uploadedCount == 0)
+    {
+        // A polygon that had no vertices so far has objects all the same.
+        if (polygon.gpuData.vertexArray != 0)
+            m_pendingDeletes.push_back(polygon.gpuData);
+        polygon.gpuData.uploadedCount = count;
+        CreateBuffers(gl, polygon);
+    }
+    else if (polygon.gpuData.uploadedCount == count)
+    {
+        ReplaceContents(gl, polygon.gpuData.positionBuffer, polygon.positions);
+        ReplaceContents(gl, polygon.gpuData.colorBuffer, polygon.colors);
+    }
+    else
+    {
+        polygon.gpuData.uploadedCount = count;
+        ReplaceBuffer(gl, polygon.gpuData.positionBuffer, polygon.positions);
+        ReplaceBuffer(gl, polygon.gpuData.colorBuffer, polygon.colors);
+    }
+    gl.glBindBuffer(GL_ARRAY_BUFFER, 0);
+    gl.glBindVertexArray(0);
+}
+
+void PolygonRenderer::DeletePending(Renderer& renderer)
+{
+    const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
+    for (const Polygon::GpuData& gpuData : m_pendingDeletes)
+    {
+        gl.glDeleteBuffers(1, &gpuData.colorBuffer);
+        gl.glDeleteBuffers(1, &gpuData.positionBuffer);
+        gl.glDeleteVertexArrays(1, &gpuData.vertexArray);
+    }
+    m_pendingDeletes.clear();
+}
+
+} // namespace Orvik::Graphics::Renderer

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/System/Math/Matrix4.h"
+
+#include <array>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+namespace Orvik::Graphics::Renderer
+{
+
+class Renderer;
+
+/// A mesh of triangles with a colour at each vertex.
+struct Polygon
+{
+    struct GpuData
+    {
+        GLuint vertexArray = 0;
+        GLuint positionBuffer = 0;
+        GLuint colorBuffer = 0;
+        std::uint32_t uploadedCount = 0; ///< vertices; 0 means that the three objects don't exist yet
+    };
+
+    std::uint16_t id = 0;
+    GpuData gpuData;
+    bool visible = true;
+    std::vector<std::array<float, 3>> positions;
+    std::vector<std::array<float, 4>> colors; ///< as many as positions
+    System::Math::Matrix4 model;
+};
+
+/// Draws triangle meshes. Changes are queued and uploaded by the next `Render`, so that a thread without the context
+/// may make them.
+class PolygonRenderer
+{
+public:
+    [[nodiscard]] bool Initialize(Renderer& renderer);
+    void Render(Renderer& renderer);
+    void Shutdown(Renderer& renderer);
+
+    /// Adds a polygon, queues its upload and stores its id in `id`. Both lists are emptied. Returns `id`.
+    std::uint16_t& Create(std::uint16_t& id, std::vector<std::array<float, 3>>& positions,
+                          std::vector<std::array<float, 4>>& colors);
+    /// The polygon, or null. Good until the next `Create` or `Remove`.
+    [[nodiscard]] Polygon* Get(std::uint16_t id);
+    /// Queues the upload of changed positions or colours. False for an unknown id.
+    bool Update(std::uint16_t id);
+    /// Takes the polygon out; its OpenGL objects go at the next `Render`.
+    bool Remove(std::uint16_t id);
+
+    [[nodiscard]] GLuint GetProgram() const { return m_program; }
+
+private:
+    void Flush(Renderer& renderer);
+    void Upload(Renderer& renderer, Polygon& polygon);
+    void DeletePending(Renderer& renderer);
+
+    ObjectStore<Polygon> m_objects;
+    std::vector<std::uint16_t> m_pendingUpdates;
+    std::vector<Polygon::GpuData> m_pendingDeletes;
+    std::mutex m_mutex;
+    GLuint m_program = 0;
+    GLint m_modelLocation = -1;
+};
+
+} // namespace Orvik::Graphics::Renderer

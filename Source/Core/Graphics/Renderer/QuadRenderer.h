@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/System/Math/Matrix4.h"
+
+#include <cstdint>
+
+namespace Orvik::Graphics::Renderer
+{
+
+class Renderer;
+
+/// A square of side 1 with its corner at the origin and one colour.
+struct Quad
+{
+    std::uint16_t id = 0;
+    bool visible = true;
+    System::Math::Matrix4 model;
+    System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F};
+};
+
+/// Draws rectangles of one colour each.
+class QuadRenderer
+{
+public:
+    [[nodiscard]] bool Initialize(Renderer& renderer);
+    void Render(Renderer& renderer);
+    void Shutdown(Renderer& renderer);
+
+    /// Adds a quad and stores its id in `id`. Returns `id`.
+    std::uint16_t& Create(std::uint16_t& id);
+    /// The quad, or null. Good until the next `Create` or `Remove`.
+    [[nodiscard]] Quad* Get(std::uint16_t id);
+    bool Remove(std::uint16_t id);
+
+    [[nodiscard]] GLuint GetProgram() const { return m_program; }
+
+private:
+    ObjectStore<Quad> m_objects;
+    GLuint m_program = 0;
+    GLuint m_vertexArray = 0;
+    GLuint m_vertexBuffer = 0;
+    GLint m_modelLocation = -1;
+    GLint m_colorLocation = -1;
+};
+
+} // namespace Orvik::Graphics::Renderer

@@ -1,0 +1,132 @@
+#include "Core/Graphics/Renderer/ShaderProgram.h"
+
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Runtime/DirectoryCache.h"
+#include "Core/System/Text/Paths.h"
+
+#include <array>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <system_error>
+
+namespace Orvik::Graphics::Renderer
+{
+namespace
+{
+
+constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
+
+constexpr GLsizei s_logSize = 512; ///< a longer log is cut
+
+/// No shader comes near it; a file that does isn't one.
+constexpr std::uintmax_t s_maxFileSize = 1024U * 1024U;
+
+std::uintmax_t GetFileSize(const std::filesystem::path& path)
+{
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (error)
+        throw std::filesystem::filesystem_error("file_size", path, error);
+    if (size > s_maxFileSize)
+        throw std::length_error("The file is too large.");
+    return size;
+}
+
+bool ReadShaderFile(const char* file, std::vector<char>& text)
+{
+    std::string path;
+    System::Runtime::GetShaderPath(file, path);
+    const std::filesystem::path nativePath = System::Text::PathFromUtf8(path);
+    std::ifstream stream(nativePath, std::ios::binary);
+    if (!stream.is_open())
+    {
+        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Can't open shader: ", path);
+        return false;
+    }
+    // Asked after the opening, so that a file that isn't there is told as one that can't be opened.
+    const auto size = static_cast<std::size_t>(GetFileSize(nativePath));
+    text.resize(size + 1);
+    stream.read(text.data(), static_cast<std::streamsize>(size));
+    text.back() = '\0';
+    return true;
+}
+
+/// Loads and compiles one stage. False if it doesn't compile; without its file `shader` is 0.
+bool CompileStage(const GLContext& context, const char* file, GLenum type, std::vector<char>& text, GLuint& shader)
+{
+    if (!LoadShaderFile(file, text))
+        return true;
+    shader = CompileShader(context, text.data(), type);
+    return shader != 0;
+}
+
+} // namespace
+
+GLuint CreateProgram(const GLContext& context, const char* vertexFile, const char* fragmentFile)
+{
+    if (!context.IsValid())
+        return 0;
+    std::vector<char> text;
+    GLuint vertexShader = 0;
+    GLuint fragmentShader = 0;
+    if (!CompileStage(context, vertexFile, GL_VERTEX_SHADER, text, vertexShader) ||
+        !CompileStage(context, fragmentFile, GL_FRAGMENT_SHADER, text, fragmentShader))
+        return 0;
+
+    const EntryPoints& gl = context.GetEntryPoints();
+    const GLuint program = gl.glCreateProgram();
+    gl.glAttachShader(program, vertexShader);
+    gl.glAttachShader(program, fragmentShader);
+    gl.glDeleteShader(vertexShader);
+    gl.glDeleteShader(fragmentShader);
+    gl.glLinkProgram(program);
+    GLint status = GL_FALSE;
+    gl.glGetProgramiv(program, GL_LINK_STATUS, &status);
+    // Some drivers link a program without one of its stages, which draws nothing.
+    if (status != GL_FALSE && vertexShader != 0 && fragmentShader != 0)
+        return program;
+
+    std::array<char, s_logSize> log = {};
+    gl.glGetProgramInfoLog(program, s_logSize, nullptr, log.data());
+    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "OpenGL: Failed to link program (", vertexFile,
+                       ", ", fragmentFile, ") with error ", log.data());
+    return 0;
+}
+
+GLuint CompileShader(const GLContext& context, const char* source, GLenum type)
+{
+    if (!context.IsValid())
+        return 0;
+    const EntryPoints& gl = context.GetEntryPoints();
+    const GLuint shader = gl.glCreateShader(type);
+    gl.glShaderSource(shader, 1, &source, nullptr);
+    gl.glCompileShader(shader);
+    GLint status = GL_FALSE;
+    gl.glGetShaderiv(shader, GL_COMPILE_STATUS, &status);
+    if (status != GL_FALSE)
+        return shader;
+
+    std::array<char, s_logSize> log = {};
+    gl.glGetShaderInfoLog(shader, s_logSize, nullptr, log.data());
+    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "OpenGL: Failed to compile shader type ", type,
+                       " with error ", log.data());
+    return 0;
+}
+
+bool LoadShaderFile(const char* file, std::vector<char>& text)
+{
+    try
+    {
+        return ReadShaderFile(file, text);
+    }
+    catch (const std::exception& exception)
+    {
+        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to load shader: ", exception.what());
+        return false;
+    }
+}
+
+} // namespace Orvik::Graphics::Renderer

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/System/Math/Matrix4.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace Orvik::Graphics::Renderer
+{
+
+class Renderer;
+
+/// A character of the font, as the atlas holds it. Pixels of the 96-pixel font.
+struct Glyph
+{
+    std::uint32_t layer = 0; ///< the character's code minus 32
+    std::uint32_t width = 0;
+    std::uint32_t rows = 0;
+    std::int32_t left = 0;
+    std::int32_t top = 0;
+    std::uint32_t advance = 0; ///< 1/64 pixel
+};
+
+/// A string. It is laid out in pixels of the 96-pixel font; `model` scales and places it.
+struct Text
+{
+    std::uint16_t id = 0;
+    bool visible = true;
+    std::int64_t width = 0; ///< pen position behind the last glyph of the last line
+    System::Math::Matrix4 model;
+    System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F};
+    std::vector<std::uint32_t> instanceIndices;
+    std::vector<System::Math::Matrix4> instanceModels;
+};
+
+/// Draws short strings of printable ASCII, over everything else.
+class TextRenderer
+{
+public:
+    [[nodiscard]] bool Initialize(Renderer& renderer);
+    void Render(Renderer& renderer);
+    void Shutdown(Renderer& renderer);
+
+    /// Adds a text and stores its id in `id`. Returns `id`.
+    std::uint16_t& Create(std::uint16_t& id, const char* text, std::uint64_t length, Renderer& renderer);
+    std::uint16_t& Create(std::uint16_t& id, const char* text, Renderer& renderer);
+
+    /// The text, or null. Good until the next `Create` or `Remove`.
+    [[nodiscard]] Text* Get(std::uint16_t id);
+
+    /// Replaces the string: up to `length` characters, ending at a zero. A character outside ASCII 32 to 126 and line
+    /// feed is skipped with a warning. False for an unknown id.
+    bool SetText(std::uint16_t id, const char* text, std::uint64_t length, Renderer& renderer);
+    bool SetText(std::uint16_t id, const char* text, Renderer& renderer);
+
+    bool Remove(std::uint16_t id);
+
+    /// What scales a text to that height in pixels.
+    [[nodiscard]] static float GetScale(std::uint16_t pixelSize);
+
+    [[nodiscard]] GLuint GetProgram() const { return m_program; }
+    [[nodiscard]] const std::vector<Glyph>& GetGlyphs() const { return m_glyphs; }
+    [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
+
+private:
+    [[nodiscard]] bool CreateAtlas(Renderer& renderer);
+    void DrawText(Renderer& renderer, const Text& text);
+
+    ObjectStore<Text> m_objects;
+    std::vector<Glyph> m_glyphs;
+    GLuint m_program = 0;
+    GLuint m_vertexArray = 0;
+    GLuint m_vertexBuffer = 0;
+    GLuint m_atlas = 0;
+    GLint m_modelLocation = -1;
+    GLint m_colorLocation = -1;
+    GLint m_instanceModelsLocation = -1;
+    GLint m_instanceIndicesLocation = -1;
+};
+
+} // namespace Orvik::Graphics::Renderer

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/System/Math/Matrix4.h"
+
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+namespace Orvik::Graphics::Renderer
+{
+
+class Renderer;
+
+/// An image on a quad of side 1 around the origin; `model` gives it size and place.
+struct Texture
+{
+    struct GpuData
+    {
+        GLuint handle = 0; ///< the texture's OpenGL name, 0 before the first upload
+        std::uint16_t width = 0;
+        std::uint16_t height = 0;
+    };
+
+    std::uint16_t id = 0;
+    GpuData gpuData;
+    bool visible = true;
+    System::Math::Matrix4 model;
+    System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F}; ///< multiplies the image's colour
+};
+
+/// Draws images. Enlarged they show hard pixel squares, shrunk they are filtered. They are opaque.
+class TextureRenderer
+{
+public:
+    [[nodiscard]] bool Initialize(Renderer& renderer);
+    void Render(Renderer& renderer);
+    void Shutdown(Renderer& renderer);
+
+    /// Adds a texture, stores its id in `id` and uploads the pixels: `height` rows from the top, tightly packed, in
+    /// the order blue, green, red and, with 32 bits per pixel, alpha. Returns `id`.
+    std::uint16_t& Create(std::uint16_t& id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
+                          const void* pixels, Renderer& renderer);
+
+    /// The texture, or null. Good until the next `Create` or `Remove`.
+    [[nodiscard]] Texture* Get(std::uint16_t id);
+
+    /// Replaces the pixels in place. Another size than the first upload's is an assertion failure. False for an
+    /// unknown id or without a context; nothing changes then.
+    bool UpdateBitmap(std::uint16_t id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
+                      const void* pixels, Renderer& renderer);
+
+    /// Takes the texture out. Its OpenGL object goes at the next `Render`, so this may run away from the drawing.
+    bool Remove(std::uint16_t id);
+
+    [[nodiscard]] GLuint GetProgram() const { return m_program; }
+    [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
+
+private:
+    void DeletePending();
+
+    ObjectStore<Texture> m_objects;
+    std::vector<GLuint> m_pendingDeletes;
+    std::mutex m_mutex;
+    GLuint m_program = 0;
+    GLuint m_vertexArray = 0;
+    GLuint m_vertexBuffer = 0;
+    GLuint m_indexBuffer = 0;
+    GLint m_modelLocation = -1;
+    GLint m_colorLocation = -1;
+};
+
+} // namespace Orvik::Graphics::Renderer

@@ -1,0 +1,225 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/Renderer.h"
+#include "Core/System/Math/Matrix4.h"
+#include "Core/System/Math/Point.h"
+#include "Core/System/Math/Rectangle.h"
+#include "Core/System/Multimedia/Bitmap.h"
+#include "Core/System/Tools/ToolContext.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+namespace Orvik::System::Desktop
+{
+class Window;
+} // namespace Orvik::System::Desktop
+
+namespace Orvik::Graphics::Tools
+{
+
+enum class SnipState : std::uint8_t
+{
+    Inactive,  ///< not started, or ended; input is ignored
+    Ready,     ///< the capture is on screen, nothing is being selected
+    Selecting, ///< a rectangle is being dragged or a polygon is being placed
+};
+
+enum class SnipMode : std::uint8_t
+{
+    Rectangle,
+    Polygon,
+};
+
+/// The interactive tool: shows a capture, lets the user select on it, and hands each selection to `onResult`. It knows
+/// no window and draws nothing itself: it changes render objects. One thread.
+class SnipBench
+{
+public:
+    /// The colour of a selection's outline.
+    static constexpr System::Math::Vector4 SelectionColour = {141.0F / 255.0F, 65.0F / 255.0F, 184.0F / 255.0F, 1.0F};
+
+    struct Parameters
+    {
+        bool cropToSelection = false;
+        System::Desktop::Window* window = nullptr; ///< handed on to the capture; not owned
+        System::Multimedia::Bitmap bitmap;         ///< the picture to snip; empty: the display is captured
+    };
+
+    /// One finished selection. Everything is borrowed for the length of the callback.
+    struct Result
+    {
+        std::int64_t startTime;                    ///< ticks of the system clock when the tool was set up
+        System::Multimedia::Bitmap* capture;       ///< the whole capture
+        System::Multimedia::Bitmap* snip;          ///< the selection cut out, empty without cropping; may be changed
+        System::Math::Rectangle* bounds;           ///< the bounding box, capture pixels
+        std::vector<System::Math::Point>* polygon; ///< null for a rectangle; else the closed ring relative to bounds
+    };
+
+    using ResultHandler = std::function<bool(Result&)>;
+
+    /// Receives each selection; true lets the tool go on, false ends it, as does an empty handler. Set before `Start`.
+    ResultHandler onResult;
+
+    /// Takes the parameters' picture or a capture of the context's display and shows it. The context's position is the
+    /// pointer's, screen pixels. Without a picture the tool stays inactive; a log line has said so. Calling it on
+    /// a running tool is an assertion failure.
+    void Start(System::Tools::ToolContext& context, Parameters parameters, Renderer::Renderer& renderer);
+
+    /// Takes one input.
+    void Update(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+
+    /// Removes everything from the screen. Harmless on an inactive tool.
+    void End(Renderer::Renderer& renderer);
+
+    /// Chooses what the next selections are. Only while the tool is `Ready`; otherwise nothing happens and the result
+    /// is false. Every start chooses `Rectangle`.
+    bool SetMode(SnipMode mode);
+
+    /// Sets the magnifier's zoom, an even number. 0 and odd numbers are assertion failures. Nothing happens while the
+    /// tool is inactive.
+    void ChangeMagnifier(Renderer::Renderer& renderer, std::uint16_t magnification);
+
+    struct Size
+    {
+        std::uint16_t width;
+        std::uint16_t height;
+    };
+    [[nodiscard]] Size GetMagnifierSize() const { return {m_magnifierWidth, m_magnifierHeight}; }
+
+    [[nodiscard]] SnipState GetState() const { return m_snipState; }
+    [[nodiscard]] SnipMode GetMode() const { return m_snipMode; }
+
+protected:
+    [[nodiscard]] bool GetDisplayCapture(System::Tools::ToolContext& context, Renderer::Renderer& renderer,
+                                         System::Desktop::Window* window);
+    [[nodiscard]] bool Setup(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+
+private:
+    friend class SnipBenchProbe; ///< reads the fields in tests
+
+    /// A rectangle being dragged, window pixels.
+    struct RectangleModeData
+    {
+        std::uint16_t anchorX = 0;
+        std::uint16_t anchorY = 0;
+        std::uint16_t x = 0;
+        std::uint16_t y = 0;
+        std::uint16_t width = 0;
+        std::uint16_t height = 0;
+    };
+
+    /// A polygon being placed, window pixels.
+    struct PolygonModeData
+    {
+        std::vector<System::Math::Point> points;
+    };
+
+    /// Where the magnifier stands, window pixels.
+    struct MagnifierPlace
+    {
+        float margin;      ///< between it and the cursor
+        float left;        ///< its left edge
+        std::uint16_t top; ///< its top edge, y downward
+    };
+
+    // SnipBench.cpp: the state machine's frame.
+    [[nodiscard]] bool CanShowCapture() const;
+    void UpdateZoom(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void UpdateCursorKeys(const System::Tools::ToolContext& context) const;
+    [[nodiscard]] static bool HasArea(const System::Math::Rectangle& bounds);
+    /// Cuts the selection out and hands it over to the receiver, which has to be there. Whether the tool goes on.
+    [[nodiscard]] bool Deliver(System::Math::Rectangle& bounds, std::vector<System::Math::Point>* polygon);
+
+    // SnipBenchCoordinates.cpp: from the screen to the window to the capture.
+    /// The display with that id; null also where there is no display system.
+    [[nodiscard]] static const System::Device::Display::DisplayDescriptor* FindDisplay(std::uint16_t id);
+    /// What `ToWindowLocal` subtracts from a screen position on that display.
+    [[nodiscard]] static System::Math::Point GetDisplayOrigin(const System::Tools::ToolContext& context);
+    [[nodiscard]] static System::Math::Point ToWindowLocal(const System::Tools::ToolContext& context);
+    /// A mouse move to another place than the cursor's.
+    [[nodiscard]] bool IsMove(const System::Tools::ToolContext& context) const;
+    void MoveCursor(const System::Math::Point& position);
+    /// The drawn image's top left corner, window pixels; never negative.
+    [[nodiscard]] System::Math::Point GetImageCorner() const;
+    /// The cursor's place in the drawn image, 16 bits each; not divided by the scale.
+    [[nodiscard]] System::Math::Point GetImagePosition() const;
+    [[nodiscard]] std::int32_t ToCaptureX(std::int32_t windowX) const;
+    [[nodiscard]] std::int32_t ToCaptureY(std::int32_t windowY) const;
+    void ChooseMagnifierSize();
+    void ChooseDisplayScale();
+
+    // SnipBenchRectangle.cpp: a rectangle, from the press to the release.
+    void UpdateRectangleMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void UpdateReadyRectangle(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void StartRectangle();
+    void GrowRectangle(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void FinishRectangle(Renderer::Renderer& renderer);
+    void ResetRectangleMode(Renderer::Renderer& renderer);
+    [[nodiscard]] System::Math::Rectangle GetRectangleBounds() const;
+    void CreateSelectionLine(Renderer::Renderer& renderer);
+    void RemoveSelectionLine(Renderer::Renderer& renderer);
+    void HideSelectionLine(Renderer::Renderer& renderer) const;
+
+    // SnipBenchPolygon.cpp: a polygon, click by click.
+    void UpdatePolygonMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void PlaceVertex(Renderer::Renderer& renderer);
+    void RemoveVertex(Renderer::Renderer& renderer);
+    void FinishPolygon(System::Math::Rectangle& bounds, Renderer::Renderer& renderer);
+    void ResetPolygonMode(Renderer::Renderer& renderer);
+    void UpdatePolygonOutline(Renderer::Renderer& renderer);
+    [[nodiscard]] bool ClosesPolygon() const;
+    [[nodiscard]] System::Math::Rectangle GetPolygonBounds() const;
+    /// Repeats the first vertex at the end, and gives the ring relative to the bounds, capture pixels.
+    [[nodiscard]] std::vector<System::Math::Point> CloseRing(const System::Math::Rectangle& bounds);
+
+    // SnipBenchMagnifier.cpp: what follows the cursor.
+    void CreateMagnifierObjects(Renderer::Renderer& renderer);
+    void CreateMagnifierTexture(Renderer::Renderer& renderer);
+    void CreateMagnifierLines(Renderer::Renderer& renderer);
+    void CreateMagnifierLabels(Renderer::Renderer& renderer);
+    void UpdateMagnifier(Renderer::Renderer& renderer);
+    [[nodiscard]] MagnifierPlace PlaceMagnifier() const;
+    void UpdateMagnifierTexture(const MagnifierPlace& place, Renderer::Renderer& renderer) const;
+    void UpdateMagnifierLines(const MagnifierPlace& place, Renderer::Renderer& renderer) const;
+    void UpdateMagnifierLabels(const MagnifierPlace& place, Renderer::Renderer& renderer) const;
+    /// The capture's part under the magnifier, at the size that the capture is shown at.
+    [[nodiscard]] System::Multimedia::Bitmap CutRegion(std::int32_t x, std::int32_t y) const;
+    bool UpdateCaptureTexture(Renderer::Renderer& renderer);
+
+    SnipState m_snipState = SnipState::Inactive;
+    SnipMode m_snipMode = SnipMode::Rectangle;
+    std::uint8_t m_controlFlag = 0; ///< bit 0 while Left Control is held; nothing reads it
+    bool m_cropToSelection = false;
+    std::uint16_t m_windowWidth = 0;
+    std::uint16_t m_windowHeight = 0;
+    std::uint16_t m_magnification = 1;
+    std::uint16_t m_magnifierWidth = 256;
+    std::uint16_t m_magnifierHeight = 256;
+    std::uint16_t m_regionWidth = 256; ///< capture pixels that the magnifier shows, at least 1
+    std::uint16_t m_regionHeight = 256;
+    std::int64_t m_startTime = 0; ///< ticks of the system clock
+    System::Multimedia::Bitmap m_capture;
+    std::uint16_t m_captureTexture = 0;
+    std::uint16_t m_magnifierTexture = 0;
+    std::array<std::uint16_t, 2> m_magnifierDividers = {0, 0};
+    std::uint16_t m_magnificationLabel = 0;
+    std::array<std::uint16_t, 2> m_crosshairLines = {0, 0};
+    std::uint16_t m_coordinatesLabel = 0;
+    std::uint16_t m_selectionLine = 0;
+    std::uint16_t m_sizeLabel = 0; ///< nothing creates it
+    std::int32_t m_cursorX = 0;    ///< window pixels, y downward, within the drawn image
+    std::int32_t m_cursorY = 0;
+    float m_displayScale = 1.0F; ///< window pixels per capture pixel, a power of one half
+    RectangleModeData m_rectangleModeData;
+    PolygonModeData m_polygonModeData;
+};
+
+/// The closed outline of a rectangle of that size with its corner at the origin, drawn inward: five points, the first
+/// repeated at the end.
+[[nodiscard]] std::array<System::Math::Vector4, 5> MakeRectangleOutline(std::uint16_t width, std::uint16_t height,
+                                                                        float thickness);
+
+} // namespace Orvik::Graphics::Tools

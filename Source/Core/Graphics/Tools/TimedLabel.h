@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/Renderer.h"
+
+#include <cstdint>
+
+namespace Orvik::Graphics::Tools
+{
+
+/// A text that goes away by itself.
+class TimedLabel
+{
+public:
+    /// Shows `text` (zero-terminated) for `duration` nanoseconds, in place of an earlier one. Returns the text object,
+    /// which the caller places, or null.
+    Renderer::Text* Show(const char* text, std::int64_t duration, Renderer::Renderer& renderer);
+
+    /// Lets time pass, in nanoseconds. True in the one call that took the text away.
+    bool Tick(std::int64_t elapsed, Renderer::Renderer& renderer);
+
+private:
+    std::uint16_t m_id = 0;
+    std::int64_t m_remaining = 0; ///< nanoseconds
+};
+
+} // namespace Orvik::Graphics::Tools

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+
+namespace Orvik::System::Constexpr
+{
+
+/// A text that can be a template argument: up to `Capacity` - 1 characters, zero-terminated, zeros behind.
+template <std::size_t Capacity>
+struct CharacterArray
+{
+    constexpr CharacterArray() = default;
+
+    /// A literal. One that is too long doesn't compile.
+    template <std::size_t Size>
+    requires(Size <= Capacity) consteval CharacterArray(
+        const char (&text)[Size]) // NOLINT(google-explicit-constructor): meant as a conversion
+    {
+        for (std::size_t index = 0; index < Size; ++index)
+            characters[index] = text[index];
+    }
+
+    char characters[Capacity] = {};
+};
+
+} // namespace Orvik::System::Constexpr

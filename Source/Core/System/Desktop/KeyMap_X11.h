@@ -1,0 +1,24 @@
+#pragma once
+
+// Private to the X11 half.
+
+#include "Core/System/Desktop/KeyCode.h"
+#include "Core/System/Platform/X11Headers.h"
+
+namespace Orvik::System::Desktop
+{
+
+/// The key of a keysym of the unshifted level, or `Undefined`. Both levels of the keypad give the keypad's keys.
+[[nodiscard]] KeyCode FindKey(KeySym symbol);
+
+/// The key of a key event by its layout: by keysym, or by its place on the keyboard where the layout's keysyms are
+/// letters that no key is named after. `Undefined` if neither tells.
+[[nodiscard]] KeyCode TranslateKey(const XKeyEvent& event);
+
+/// The keysym of a key event at the unshifted level of the event's layout.
+[[nodiscard]] KeySym GetUnshiftedSymbol(const XKeyEvent& event);
+
+/// Whether `release` and the event behind it are an auto-repeat, as a server without detectable auto-repeat shows it.
+[[nodiscard]] bool IsRepeatPair(const XKeyEvent& release, const XEvent& next);
+
+} // namespace Orvik::System::Desktop

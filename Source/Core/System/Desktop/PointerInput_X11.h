@@ -1,0 +1,59 @@
+#pragma once
+
+// Private to the X11 half.
+
+#include "Core/System/Desktop/EventData_X11.h"
+#include "Core/System/Desktop/ScrollAxes.h"
+#include "Core/System/Platform/X11Headers.h"
+
+#include <X11/extensions/XInput2.h>
+#include <optional>
+
+namespace Orvik::System::Desktop
+{
+
+/// The pointer has moved.
+struct PointerMotion
+{
+    ::Window window = None;
+    int x = 0; ///< window pixels
+    int y = 0;
+};
+
+/// The pointing devices, read by XInput 2 where the server has it (2.1, for wheels that tell fractions of a notch), or
+/// else by core events alone. The process's one; it belongs to the thread of the X connection.
+class PointerInput
+{
+public:
+    [[nodiscard]] static PointerInput& GetInstance();
+
+    /// Asks for the pointer events of a window. Core events stay in use where a core grab reports instead.
+    void Select(::Display* display, ::Window window);
+
+    [[nodiscard]] bool IsInputEvent(const XEvent& event) const;
+
+    /// A motion that carries nothing else.
+    [[nodiscard]] std::optional<PointerMotion> ReadPlainMotion(const XEvent& event, const EventData& data) const;
+
+    /// The notches of a motion that turns a wheel.
+    [[nodiscard]] float TakeNotches(const XIDeviceEvent& event);
+
+    /// Whether a button event only repeats for old clients what a scroll axis has told.
+    [[nodiscard]] bool IsEmulatedWheel(const XIDeviceEvent& event) const;
+
+    /// A device has other axes, or another device moves the pointer; the event tells where the axes are.
+    void OnDeviceChanged(const XIDeviceChangedEvent& event);
+
+    /// Reads all axes anew: they may have moved unseen.
+    void RefreshAxes(::Display* display);
+
+private:
+    void Initialize(::Display* display);
+    [[nodiscard]] bool HasScroll(const XIDeviceEvent& event) const;
+
+    bool m_isInitialized = false;
+    int m_opcode = 0; ///< 0 without the extension
+    ScrollAxes m_axes;
+};
+
+} // namespace Orvik::System::Desktop

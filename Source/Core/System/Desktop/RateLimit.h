@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Orvik::System::Desktop
+{
+
+/// Lets something happen so many times within a period and no more; with the next period it may happen again.
+class RateLimit
+{
+public:
+    /// `period` is in nanoseconds.
+    constexpr RateLimit(std::uint32_t count, std::int64_t period) : m_count(count), m_period(period) {}
+
+    /// Whether it may happen at `now`, a time of the monotonic clock; if so, it counts.
+    [[nodiscard]] constexpr bool Take(std::int64_t now)
+    {
+        if (m_taken == 0 || now - m_begin >= m_period)
+        {
+            m_begin = now;
+            m_taken = 0;
+        }
+        if (m_taken >= m_count)
+            return false;
+        ++m_taken;
+        return true;
+    }
+
+private:
+    std::uint32_t m_count;
+    std::int64_t m_period;
+    std::uint32_t m_taken = 0;
+    std::int64_t m_begin = 0;
+};
+
+} // namespace Orvik::System::Desktop

@@ -1,0 +1,213 @@
+#include "Core/System/Desktop/Window.h"
+
+#include "Core/System/Error/Assertion.h"
+
+#include <utility>
+
+namespace Orvik::System::Desktop
+{
+
+Window::Window(void* owner, const char* name, const Math::Point& position, const WindowSize& size, WindowType type)
+    : m_owner(owner), m_type(type), m_size(size), m_position(position), m_name(name)
+{
+    ORVIK_ASSERT(name != nullptr && *name != '\0', "Parameter 'name' name must be a valid name for the window.");
+}
+
+Window::~Window()
+{
+    Destroy();
+}
+
+void Window::Hook2()
+{
+}
+
+void Window::Hook3()
+{
+}
+
+bool Window::OnNativeWindowCreated(NativeWindow /*nativeWindow*/)
+{
+    return true;
+}
+
+void Window::OnVisibleUpdate()
+{
+}
+
+void Window::Hook6()
+{
+}
+
+void Window::Hook7()
+{
+}
+
+void Window::SetEventHandler(EventHandler handler)
+{
+    m_eventHandler = std::move(handler);
+}
+
+bool Window::Create()
+{
+    if (m_className == nullptr)
+    {
+        m_className = m_name;
+        if (!RegisterClassPlatform())
+            return false;
+        ChangeState(WindowState::Undefined, WindowState::Registered);
+    }
+    ChangeState(WindowState::Registered, WindowState::Creating);
+    if (!CreatePlatform())
+        return false;
+    ChangeState(WindowState::Creating, WindowState::Hidden);
+    return true;
+}
+
+void Window::Update()
+{
+    // Only this thread's own steps lead from one case to another; there is nothing to wait for.
+    switch (m_state.load(std::memory_order_relaxed))
+    {
+    case WindowState::Undefined:
+    case WindowState::Registered:
+    case WindowState::Creating:
+        ORVIK_ASSERT(false, "Illegal switch case.");
+        return;
+    case WindowState::Hidden:
+        PumpMessagePlatform();
+        return;
+    case WindowState::Visible:
+        PumpVisible();
+        OnVisibleUpdate();
+        return;
+    case WindowState::ClosePending:
+    {
+        Destroy();
+        auto expected = WindowState::ClosePending;
+        const bool succesfullyChangedState = m_state.compare_exchange_strong(expected, WindowState::Closed);
+        ORVIK_ASSERT(succesfullyChangedState, "Window can't be set closed due to an race condition.");
+        return;
+    }
+    case WindowState::Closed:
+        return;
+    }
+    ORVIK_ASSERT(false, "Implementation of case directive is missing.");
+}
+
+// The hook's first run belongs to the step, its second to `Update`: a surface that draws in it draws twice a step.
+void Window::PumpVisible()
+{
+    PumpMessagePlatform();
+    OnVisibleUpdate();
+}
+
+void Window::Show(const ScopedLock& /*lock*/)
+{
+    if (m_state.load() != WindowState::Hidden)
+        return;
+    ChangeState(WindowState::Hidden, WindowState::Visible);
+    if (m_handle != NativeWindow::None)
+        ShowPlatform();
+}
+
+void Window::Hide(const ScopedLock& /*lock*/)
+{
+    if (m_state.load() == WindowState::Hidden)
+        return;
+    if (m_handle != NativeWindow::None)
+        HidePlatform();
+    ChangeState(WindowState::Visible, WindowState::Hidden);
+}
+
+bool Window::IsVisible(const ScopedLock& /*lock*/) const
+{
+    return m_state.load() == WindowState::Visible;
+}
+
+Window::ScopedLock Window::Lock()
+{
+    return ScopedLock(m_mutex);
+}
+
+void Window::SetClickThrough(bool enabled)
+{
+    if (m_handle != NativeWindow::None)
+        SetClickThroughPlatform(enabled);
+}
+
+void Window::BringToFront()
+{
+    if (m_handle != NativeWindow::None)
+        BringToFrontPlatform();
+}
+
+bool Window::DeliverKey(KeyCode key, bool pressed)
+{
+    WindowEvent event{.type = WindowEventType::Key};
+    event.data.key = {.pressed = static_cast<std::uint8_t>(pressed), .key = key};
+    return Deliver(event);
+}
+
+bool Window::DeliverMouseMove(std::int32_t x, std::int32_t y)
+{
+    WindowEvent event{.type = WindowEventType::MouseMove};
+    event.data.mouseMove = {.x = x, .y = y};
+    return Deliver(event);
+}
+
+bool Window::DeliverMouseWheel(float notches)
+{
+    WindowEvent event{.type = WindowEventType::MouseWheel};
+    event.data.wheelDelta = notches;
+    return Deliver(event);
+}
+
+bool Window::DeliverMouseButton(std::uint8_t button, bool pressed)
+{
+    WindowEvent event{.type = WindowEventType::MouseButton};
+    event.data.mouseButton = {.pressed = static_cast<std::uint8_t>(pressed), .button = button};
+    return Deliver(event);
+}
+
+bool Window::DeliverHotKey(std::uint64_t value)
+{
+    WindowEvent event{.type = WindowEventType::HotKey};
+    event.data.hotKey = value;
+    return Deliver(event);
+}
+
+bool Window::DeliverPlain(WindowEventType type)
+{
+    return Deliver(WindowEvent{.type = type});
+}
+
+bool Window::DeliverClose()
+{
+    if (!m_eventHandler)
+        return false;
+    m_state.store(WindowState::ClosePending, std::memory_order_relaxed);
+    return true;
+}
+
+void Window::ChangeState(WindowState from, WindowState to)
+{
+    const bool succesfullyChangedState = m_state.compare_exchange_strong(from, to);
+    ORVIK_ASSERT(succesfullyChangedState, "Window state can't be changed due to an race condition.");
+}
+
+void Window::Destroy()
+{
+    if (m_handle != NativeWindow::None)
+        DestroyPlatform();
+    // The class is this window's own if it has the window's very name.
+    if (m_className == m_name)
+        UnregisterClassPlatform();
+}
+
+bool Window::Deliver(const WindowEvent& event)
+{
+    return m_eventHandler && m_eventHandler(event);
+}
+
+} // namespace Orvik::System::Desktop

@@ -1,0 +1,152 @@
+#pragma once
+
+#include "Core/System/Desktop/NativeWindow.h"
+#include "Core/System/Desktop/WindowEvent.h"
+#include "Core/System/Math/Point.h"
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace Orvik::System::Desktop
+{
+
+enum class WindowType : std::uint8_t
+{
+    Overlapped = 1, ///< an ordinary window with a frame
+    Popup,          ///< a dialog
+    ToolPopup,      ///< without frame and task-bar entry
+    Overlay,        ///< always on top, no task-bar entry, takes no activation until told, per-pixel alpha
+    MessageOnly,    ///< without a surface
+};
+
+enum class WindowState : std::uint8_t
+{
+    Undefined,    ///< constructed; no class registered
+    Registered,   ///< the class exists
+    Creating,     ///< the native window is being created
+    Hidden,       ///< the window exists and isn't shown
+    Visible,      ///< the window is shown
+    ClosePending, ///< the user or the system asked to close; the next `Update` destroys
+    Closed,       ///< the native window is gone
+};
+
+struct WindowSize
+{
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+};
+
+/// One desktop window, driven a step at a time by its owner's loop. The thread that calls `Create` owns the native
+/// window and makes all other calls, but for those that take the lock.
+class Window
+{
+public:
+    using EventHandler = std::function<bool(const WindowEvent&)>;
+    using ScopedLock = std::unique_lock<std::mutex>;
+
+    /// `name` is the title and names the class; it isn't copied and outlives the window. Null or empty is an assertion
+    /// failure. `position` is the top left corner in screen pixels, `size` the client area in pixels. Nothing
+    /// native is made yet.
+    Window(void* owner, const char* name, const Math::Point& position, const WindowSize& size, WindowType type);
+
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    virtual ~Window();
+    virtual void Hook2(); ///< nothing; it keeps its place in the order, like the other three
+    virtual void Hook3();
+    /// The native window exists. False cancels the creation.
+    [[nodiscard]] virtual bool OnNativeWindowCreated(NativeWindow nativeWindow);
+    /// Runs twice in each `Update` of a visible window.
+    virtual void OnVisibleUpdate();
+    virtual void Hook6();
+    virtual void Hook7();
+
+    /// The one receiver of events. It returns whether it has dealt with the event.
+    void SetEventHandler(EventHandler handler);
+
+    /// Creates the native window, hidden. False if the system refuses; a log line has then said why, and
+    /// nothing native is left behind.
+    [[nodiscard]] bool Create();
+
+    /// One step: handles one message at most, or destroys a window that was asked to close.
+    void Update();
+
+    // These three want the lock of `Lock` as a proof.
+    void Show(const ScopedLock& lock);
+    void Hide(const ScopedLock& lock);
+    [[nodiscard]] bool IsVisible(const ScopedLock& lock) const;
+
+    /// Locks the window against being shown or hidden. A second lock on the same thread is an error of the standard
+    /// library.
+    [[nodiscard]] ScopedLock Lock();
+
+    /// Whether mouse and keyboard pass the window by.
+    void SetClickThrough(bool enabled);
+
+    /// Brings the window to the front and gives it the keyboard.
+    void BringToFront();
+
+    [[nodiscard]] NativeWindow GetNativeWindow() const { return m_handle; }
+    /// The registered class, null before `Create`.
+    [[nodiscard]] const char* GetWindowClassName() const { return m_className; }
+    [[nodiscard]] WindowState GetState() const { return m_state.load(); }
+    [[nodiscard]] WindowType GetType() const { return m_type; }
+
+    // What the halves call when a native message has come: one door for each kind. The result is the handler's, false
+    // without a handler.
+    bool DeliverKey(KeyCode key, bool pressed);
+    bool DeliverMouseMove(std::int32_t x, std::int32_t y);
+    bool DeliverMouseWheel(float notches);
+    bool DeliverMouseButton(std::uint8_t button, bool pressed);
+    bool DeliverHotKey(std::uint64_t value);
+    /// A kind that carries nothing.
+    bool DeliverPlain(WindowEventType type);
+    /// The user or the system asks to close. The handler isn't called; without one the state doesn't change
+    /// and the result is false.
+    bool DeliverClose();
+
+private:
+    struct Native; ///< defined in each half
+    struct NativeDeleter
+    {
+        void operator()(Native* native) const noexcept; ///< in each half, where `Native` is complete
+    };
+
+    [[nodiscard]] bool RegisterClassPlatform();
+    void UnregisterClassPlatform();
+    /// Sets `m_handle` when all is done; the events that come with the creation still find none.
+    [[nodiscard]] bool CreatePlatform();
+    /// Comes twice for a window that was closed before its end: the second call does nothing.
+    void DestroyPlatform();
+    void ShowPlatform();
+    void HidePlatform();
+    /// Handles one native message at most, of any window of the thread.
+    void PumpMessagePlatform();
+    void SetClickThroughPlatform(bool enabled);
+    void BringToFrontPlatform();
+
+    void ChangeState(WindowState from, WindowState to);
+    void PumpVisible();
+    void Destroy();
+    bool Deliver(const WindowEvent& event);
+
+    NativeWindow m_handle = NativeWindow::None;
+    void* m_owner;
+    std::atomic<WindowState> m_state{WindowState::Undefined};
+    EventHandler m_eventHandler;
+    WindowType m_type;
+    WindowSize m_size;
+    Math::Point m_position;
+    const char* m_className = nullptr;
+    const char* m_name;
+    std::string m_auxiliaryText; ///< stays empty in this program
+    std::mutex m_mutex;
+    std::unique_ptr<Native, NativeDeleter> m_native;
+};
+
+} // namespace Orvik::System::Desktop

@@ -1,0 +1,330 @@
+#include "Core/System/Desktop/KeyMap_X11.h"
+#include "Core/System/Desktop/WindowHints_X11.h"
+#include "Core/System/Desktop/WindowNative_X11.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Platform/XConnection.h"
+#include "Core/System/Time/MonotonicClock.h"
+
+#include <X11/XKBlib.h>
+#include <X11/Xresource.h>
+#include <X11/extensions/Xrandr.h>
+#include <cmath>
+
+namespace Orvik::System::Desktop
+{
+namespace
+{
+
+constexpr Log::Context s_context{Log::StreamID::System};
+
+// An overlay comes back to the front when something covers it. Against somebody who does the same it gives in.
+constexpr std::uint32_t s_raiseCount = 6;
+constexpr std::int64_t s_raisePeriod = 10'000'000'000;
+
+/// Under which the windows are kept with the connection.
+XContext GetRegistry()
+{
+    static const XContext s_registry = XUniqueContext();
+    return s_registry;
+}
+
+bool EnableDetectableRepeat(::Display* display)
+{
+    Bool isSupported = False;
+    return XkbSetDetectableAutoRepeat(display, True, &isSupported) != False && isSupported != False;
+}
+
+/// Asks for changes of the screens' layout. Returns the number of that event, 0 without RandR.
+int SelectScreenChanges(::Display* display, ::Window window)
+{
+    int firstEvent = 0;
+    int ignored = 0;
+    if (XRRQueryExtension(display, &firstEvent, &ignored) == False)
+        return 0;
+    XRRSelectInput(display, window, RRScreenChangeNotifyMask);
+    return firstEvent + RRScreenChangeNotify;
+}
+
+/// Goes on to the newest of the motions that stand at the front of the queue, one behind the other and for the same
+/// window. The window sees where the pointer is and not where it was, however fast the mouse reports.
+PointerMotion SkipToNewest(::Display* display, PointerMotion motion)
+{
+    const PointerInput& input = PointerInput::GetInstance();
+    while (XEventsQueued(display, QueuedAlready) > 0)
+    {
+        XEvent next = {};
+        XPeekEvent(display, &next);
+        const EventData data(display, next);
+        const std::optional<PointerMotion> newer = input.ReadPlainMotion(next, data);
+        if (!newer || newer->window != motion.window)
+            break;
+        XEvent taken = {};
+        XNextEvent(display, &taken);
+        motion = *newer;
+    }
+    return motion;
+}
+
+} // namespace
+
+void Window::PumpMessagePlatform()
+{
+    if (!m_native || !m_native->IsUsable())
+        return;
+    ::Display* const display = m_native->display;
+    m_native->claim.Retry();
+    if (m_native->DeliverQueuedRelease())
+        return;
+    // The server may go while the queue is asked.
+    if (XPending(display) <= 0 || !m_native->IsUsable())
+        return;
+    XEvent event = {};
+    XNextEvent(display, &event);
+    const EventData data(display, event);
+    const std::optional<PointerMotion> motion = PointerInput::GetInstance().ReadPlainMotion(event, data);
+    if (!motion)
+    {
+        Native::Dispatch(event, data, *m_native);
+        return;
+    }
+    const PointerMotion newest = SkipToNewest(display, *motion);
+    if (Native* const native = Native::Find(display, newest.window))
+        native->OnMotion(newest);
+}
+
+Window::Native::Native(Window& owner, ::Display* connection, ::Window created, Colormap map)
+    : window(owner),
+      display(connection),
+      id(created),
+      colormap(map),
+      claim(connection, created),
+      position(owner.m_position),
+      size(owner.m_size),
+      raises(s_raiseCount, s_raisePeriod)
+{
+    XSaveContext(display, id, GetRegistry(), reinterpret_cast<XPointer>(this));
+    if (owner.m_type == WindowType::MessageOnly)
+        return;
+    hasDetectableRepeat = EnableDetectableRepeat(display);
+    screenChangeEvent = SelectScreenChanges(display, id);
+    PointerInput::GetInstance().Select(display, id);
+}
+
+Window::Native::~Native()
+{
+    if (!IsUsable())
+        return;
+    XDeleteContext(display, id, GetRegistry());
+    // Somebody else may have destroyed the window.
+    const Platform::XErrorScope scope(display);
+    claim.End();
+    XDestroyWindow(display, id);
+    if (colormap != None)
+        XFreeColormap(display, colormap);
+}
+
+Window::Native* Window::Native::Find(::Display* display, ::Window window)
+{
+    XPointer found = nullptr;
+    if (XFindContext(display, window, GetRegistry(), &found) != 0)
+        return nullptr;
+    return reinterpret_cast<Native*>(found);
+}
+
+bool Window::Native::IsUsable() const
+{
+    return Platform::GetXDisplay() == display;
+}
+
+void Window::Native::Dispatch(XEvent& event, const EventData& data, Native& pumping)
+{
+    if (event.type == MappingNotify)
+        XRefreshKeyboardMapping(&event.xmapping);
+    else if (PointerInput::GetInstance().IsInputEvent(event))
+        pumping.HandleInput(data);
+    else if (Native* const native = Find(pumping.display, event.xany.window))
+        native->Handle(event);
+}
+
+bool Window::Native::DeliverQueuedRelease()
+{
+    const KeyCode key = keys.TakeQueuedRelease();
+    if (key == KeyCode::Undefined)
+        return false;
+    window.DeliverKey(key, false);
+    return true;
+}
+
+void Window::Native::Handle(XEvent& event)
+{
+    // clang-format off
+    switch (event.type)
+    {
+    case KeyPress: OnKeyPress(event.xkey); return;
+    case KeyRelease: OnKeyRelease(event.xkey); return;
+    case ButtonPress: OnButton(event.xbutton.button, true); return;
+    case ButtonRelease: OnButton(event.xbutton.button, false); return;
+    case FocusOut: OnFocusOut(event.xfocus); return;
+    case MapNotify: OnMap(); return;
+    case ConfigureNotify: OnConfigure(event.xconfigure); return;
+    case Expose: OnExpose(event.xexpose); return;
+    case VisibilityNotify: OnVisibility(event.xvisibility); return;
+    case ClientMessage: OnClientMessage(event.xclient); return;
+    default: break;
+    }
+    // clang-format on
+    if (screenChangeEvent != 0 && event.type == screenChangeEvent)
+        OnScreenChange(event);
+}
+
+// Events of the devices themselves name no window; the one that pumps stands for all.
+void Window::Native::HandleInput(const EventData& data)
+{
+    PointerInput& input = PointerInput::GetInstance();
+    if (const auto* const motion = data.Get<XIDeviceEvent>(XI_Motion))
+    {
+        if (Native* const native = Find(display, motion->event))
+            native->OnScroll(*motion);
+    }
+    else if (const auto* const press = data.Get<XIDeviceEvent>(XI_ButtonPress))
+        OnInputButton(*press, true);
+    else if (const auto* const release = data.Get<XIDeviceEvent>(XI_ButtonRelease))
+        OnInputButton(*release, false);
+    else if (const auto* const change = data.Get<XIDeviceChangedEvent>(XI_DeviceChanged))
+        input.OnDeviceChanged(*change);
+    else if (data.Get<XIEnterEvent>(XI_Enter) != nullptr)
+        input.RefreshAxes(display);
+    else if (data.Get<XIHierarchyEvent>(XI_HierarchyChanged) != nullptr)
+    {
+        input.RefreshAxes(display);
+        window.DeliverPlain(WindowEventType::DevicesChanged);
+    }
+}
+
+void Window::Native::OnMotion(const PointerMotion& motion)
+{
+    pointer = {motion.x, motion.y};
+    window.DeliverMouseMove(motion.x, motion.y);
+}
+
+void Window::Native::OnScroll(const XIDeviceEvent& event)
+{
+    const float notches = PointerInput::GetInstance().TakeNotches(event);
+    if (notches != 0.0F)
+        window.DeliverMouseWheel(notches);
+    const Math::Point now{static_cast<std::int32_t>(std::floor(event.event_x)),
+                          static_cast<std::int32_t>(std::floor(event.event_y))};
+    if (now != pointer)
+        OnMotion({id, now.x, now.y});
+}
+
+void Window::Native::OnInputButton(const XIDeviceEvent& event, bool pressed)
+{
+    Native* const native = Find(display, event.event);
+    if (native != nullptr && !PointerInput::GetInstance().IsEmulatedWheel(event))
+        native->OnButton(static_cast<unsigned int>(event.detail), pressed);
+}
+
+// Buttons 4 and 5 are the notches of a wheel; the others beyond the third are nobody's.
+void Window::Native::OnButton(unsigned int button, bool pressed)
+{
+    if (button == Button1 || button == Button3)
+        window.DeliverMouseButton(static_cast<std::uint8_t>(button), pressed);
+    else if (button == Button4 && pressed)
+        window.DeliverMouseWheel(1.0F);
+    else if (button == Button5 && pressed)
+        window.DeliverMouseWheel(-1.0F);
+}
+
+void Window::Native::OnKeyPress(const XKeyEvent& event)
+{
+    const KeyCode key = TranslateKey(event);
+    if (key == KeyCode::Undefined)
+    {
+        OnUndefinedKey(event);
+        return;
+    }
+    keys.Press(static_cast<std::uint8_t>(event.keycode), key);
+    window.DeliverKey(key, true);
+}
+
+void Window::Native::OnKeyRelease(const XKeyEvent& event)
+{
+    if (!hasDetectableRepeat && XEventsQueued(display, QueuedAfterReading) > 0)
+    {
+        XEvent next = {};
+        XPeekEvent(display, &next);
+        if (IsRepeatPair(event, next))
+            return;
+    }
+    const KeyCode key = keys.Release(static_cast<std::uint8_t>(event.keycode), TranslateKey(event));
+    if (key == KeyCode::Undefined)
+        OnUndefinedKey(event);
+    else
+        window.DeliverKey(key, false);
+}
+
+void Window::Native::OnUndefinedKey(const XKeyEvent& event) const
+{
+    Log::Write(s_context, Log::MessageTypeID::Warning, "Found undefined virtual key: ", GetUnshiftedSymbol(event));
+}
+
+// With the keyboard grabbed, releases come here wherever the focus is.
+void Window::Native::OnFocusOut(const XFocusChangeEvent& event)
+{
+    const bool isRealLoss =
+        event.detail == NotifyAncestor || event.detail == NotifyNonlinear || event.detail == NotifyNonlinearVirtual;
+    if (isRealLoss && !claim.HoldsKeyboard())
+        keys.LetGo();
+}
+
+void Window::Native::OnMap()
+{
+    window.DeliverPlain(WindowEventType::Resized);
+    window.DeliverPlain(WindowEventType::Moved);
+}
+
+void Window::Native::OnConfigure(const XConfigureEvent& event)
+{
+    const Math::Point newPosition{event.x, event.y};
+    const WindowSize newSize{static_cast<std::uint32_t>(event.width), static_cast<std::uint32_t>(event.height)};
+    const bool isMoved = newPosition != position;
+    const bool isResized = newSize.width != size.width || newSize.height != size.height;
+    position = newPosition;
+    size = newSize;
+    if (isMoved)
+        window.DeliverPlain(WindowEventType::Moved);
+    if (isResized)
+        window.DeliverPlain(WindowEventType::Resized);
+}
+
+// An exposure comes in pieces that count down; drawing is for the whole window.
+void Window::Native::OnExpose(const XExposeEvent& event)
+{
+    if (event.count == 0)
+        window.DeliverPlain(WindowEventType::Paint);
+}
+
+void Window::Native::OnVisibility(const XVisibilityEvent& event)
+{
+    if (window.m_type == WindowType::Overlay && event.state != VisibilityUnobscured &&
+        raises.Take(Time::GetMonotonicNanoseconds()))
+    {
+        XRaiseWindow(display, id);
+        XFlush(display);
+    }
+}
+
+void Window::Native::OnClientMessage(const XClientMessageEvent& event)
+{
+    if (IsDeleteRequest(event))
+        window.DeliverClose();
+}
+
+void Window::Native::OnScreenChange(XEvent& event)
+{
+    XRRUpdateConfiguration(&event);
+    window.DeliverPlain(WindowEventType::DisplayChanged);
+}
+
+} // namespace Orvik::System::Desktop

@@ -1,0 +1,48 @@
+#pragma once
+
+// Private to the X11 half: what a window tells window managers and compositors, after ICCCM and EWMH.
+
+#include "Core/System/Desktop/Window.h"
+#include "Core/System/Platform/X11Headers.h"
+
+namespace Orvik::System::Desktop
+{
+
+/// What a window type means on X11.
+struct WindowTraits
+{
+    const char* typeName;    ///< the EWMH window type
+    bool isOverrideRedirect; ///< window managers leave it alone
+    bool isInputOnly;        ///< it has no surface and is never mapped
+    bool hasFrame;
+    bool isResizable;
+    bool isAbove;
+    bool skipsTaskbar;
+};
+
+/// Null for a value that is no window type.
+[[nodiscard]] const WindowTraits* FindWindowTraits(WindowType type);
+
+struct WindowGeometry
+{
+    Math::Point position; ///< screen pixels
+    WindowSize size;      ///< pixels
+};
+
+/// Title, class, protocols, type and process of a new window.
+void SetWindowHints(::Display* display, ::Window window, const char* name, const WindowTraits& traits,
+                    const WindowGeometry& geometry);
+
+/// The states that a window wants when it is mapped. A window manager takes them away when it is unmapped.
+void SetStateHints(::Display* display, ::Window window, const WindowTraits& traits);
+
+/// Whether a window manager is to give the window the keyboard.
+void SetInputHint(::Display* display, ::Window window, bool takesInput);
+
+/// Asks the window manager to activate the window.
+void RequestActivation(::Display* display, ::Window window);
+
+/// Whether the message is the window manager's wish to close the window.
+[[nodiscard]] bool IsDeleteRequest(const XClientMessageEvent& message);
+
+} // namespace Orvik::System::Desktop

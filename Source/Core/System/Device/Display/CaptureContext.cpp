@@ -1,0 +1,78 @@
+#include "Core/System/Device/Display/CaptureContext.h"
+
+#include "Core/System/Desktop/Window.h"
+#include "Core/System/Error/Assertion.h"
+#include "Core/System/Error/SystemError.h"
+#include "Core/System/Log/LogSite.h"
+
+#include <cstring>
+#include <limits>
+
+namespace Orvik::System::Device::Display
+{
+namespace
+{
+
+constexpr Log::Context s_context{Log::StreamID::System};
+
+/// The callback gets the sides in 16 bits: a longer one could only lie to it.
+bool IsCapturable(const Math::Rectangle& region)
+{
+    constexpr std::uint32_t longest = std::numeric_limits<std::uint16_t>::max();
+    const std::uint32_t width = region.GetWidth();
+    const std::uint32_t height = region.GetHeight();
+    return width > 0 && width <= longest && height > 0 && height <= longest;
+}
+
+} // namespace
+
+CaptureContext::CaptureContext() : m_platformContext(CreatePlatform())
+{
+}
+
+CaptureContext::~CaptureContext() = default;
+
+bool CaptureContext::Initialize(std::uint16_t displayId, const Math::Rectangle& region)
+{
+    m_displayId = displayId;
+    m_region = region;
+    m_platformContext = CreatePlatform();
+    return IsCapturable(region) && InitializePlatform(region);
+}
+
+bool CaptureContext::Capture(const Callback& callback)
+{
+    Log::Write(s_context, Log::MessageTypeID::Verbose, "Called: Capture");
+    if (m_window == nullptr)
+        return CopyScreen(callback);
+    const Desktop::Window::ScopedLock lock = m_window->Lock();
+    if (!m_window->IsVisible(lock))
+        return CopyScreen(callback);
+    m_window->Hide(lock);
+    AwaitRepaintPlatform();
+    const bool isCopied = CopyScreen(callback);
+    m_window->Show(lock);
+    return isCopied;
+}
+
+bool CaptureContext::CopyScreen(const Callback& callback)
+{
+    if (!CopyScreenPlatform())
+    {
+        Log::Write(s_context, Log::MessageTypeID::Error, "Capture failed: ", Error::FormatLastError(), ".");
+        return false;
+    }
+    const Types::Buffer<const unsigned char> pixels = GetPixelsPlatform();
+    const std::uint64_t requiredSize = pixels.GetSize();
+    const Types::Buffer<unsigned char> targetImageBuffer =
+        callback(static_cast<std::uint16_t>(m_region.GetWidth()), static_cast<std::uint16_t>(m_region.GetHeight()),
+                 requiredSize);
+    ORVIK_ASSERT(targetImageBuffer.GetSize() >= requiredSize,
+                 "Provided buffer for image is expected to match or exceed the required size.");
+    if (targetImageBuffer.GetSize() < requiredSize) // where the program goes on after an assertion
+        return false;
+    std::memcpy(targetImageBuffer.data, pixels.data, requiredSize);
+    return true;
+}
+
+} // namespace Orvik::System::Device::Display

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Core/System/Device/Display/DisplayDescriptor.h"
+#include "Core/System/Math/Rectangle.h"
+#include "Core/System/Types/Buffer.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace Orvik::System::Desktop
+{
+class Window;
+} // namespace Orvik::System::Desktop
+
+namespace Orvik::System::Device::Display
+{
+
+/// The system resources of a capture; each half has its own.
+struct PlatformCaptureContext;
+
+/// Takes a picture of a rectangle of the screen. What it needs is acquired by `Initialize`, so that `Capture` is one
+/// copy from the screen and one in memory. One thread.
+class CaptureContext
+{
+public:
+    /// Gets width and height in pixels and the number of bytes; returns memory of at least that many bytes, which
+    /// stays valid until `Capture` returns. Width and height are cut to 16 bits.
+    using Callback =
+        std::function<Types::Buffer<unsigned char>(std::uint16_t width, std::uint16_t height, std::uint64_t bytes)>;
+
+    CaptureContext();
+    ~CaptureContext();
+    CaptureContext(const CaptureContext&) = delete;
+    CaptureContext& operator=(const CaptureContext&) = delete;
+
+    /// Acquires the resources for `region`, screen pixels. False if it has no pixels or a side beyond 65,535, and if
+    /// the screen can't be read; nothing is logged, and nothing of an earlier region is left.
+    [[nodiscard]] bool Initialize(std::uint16_t displayId, const Math::Rectangle& region);
+
+    /// The window to take out of the picture, or null. Not owned.
+    void SetWindow(Desktop::Window* window) { m_window = window; }
+
+    /// Copies the screen into the callback's memory: rows from the top, tightly packed, blue, green, red and a fourth
+    /// byte without meaning. A visible window is hidden for the time of the copy. False with a log line if the copy
+    /// fails; the callback hasn't been called then. A buffer that is too small is an assertion failure.
+    bool Capture(const Callback& callback);
+
+private:
+    using PlatformContextPointer = std::unique_ptr<PlatformCaptureContext, void (*)(PlatformCaptureContext*)>;
+
+    [[nodiscard]] static PlatformContextPointer CreatePlatform();
+    [[nodiscard]] bool InitializePlatform(const Math::Rectangle& region);
+    /// Waits until a window that was just hidden is gone from the screen, and what lies below is drawn.
+    void AwaitRepaintPlatform();
+    /// Copies the screen into the resources' own pixels. Parts of the region beyond the screen become black. On failure
+    /// the system's last error tells why.
+    [[nodiscard]] bool CopyScreenPlatform();
+    /// The pixels of the last copy, and their number of bytes: 4 for each pixel of the region.
+    [[nodiscard]] Types::Buffer<const unsigned char> GetPixelsPlatform() const;
+    [[nodiscard]] bool CopyScreen(const Callback& callback);
+
+    std::uint16_t m_displayId = InvalidDisplayId;
+    Math::Rectangle m_region;
+    PlatformContextPointer m_platformContext;
+    Desktop::Window* m_window = nullptr;
+};
+
+} // namespace Orvik::System::Device::Display

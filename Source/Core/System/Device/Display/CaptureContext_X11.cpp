@@ -1,0 +1,191 @@
+#include "Core/System/Device/Display/CaptureContext.h"
+
+#include "Core/System/Device/Display/PixelConverter.h"
+#include "Core/System/Platform/XConnection.h"
+#include "Core/System/Platform/XScreenReader.h"
+#include "Core/System/Time/MonotonicClock.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+
+namespace Orvik::System::Device::Display
+{
+namespace
+{
+
+/// How long other clients and a compositing manager get to draw what a hidden window leaves behind: six frames at
+/// 60 Hz. Nothing tells when they are done, and a window that moves by itself is never done.
+constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
+
+constexpr std::size_t s_pixelBytes = 4;
+
+/// A part of the screen, half-open. 64 bits, for the far sides of a region may lie beyond 32.
+struct Area
+{
+    std::int64_t left = 0;
+    std::int64_t top = 0;
+    std::int64_t right = 0;
+    std::int64_t bottom = 0;
+
+    [[nodiscard]] bool IsEmpty() const { return left >= right || top >= bottom; }
+    bool operator==(const Area&) const = default;
+};
+
+struct FreeMemory
+{
+    void operator()(unsigned char* memory) const noexcept { std::free(memory); }
+};
+
+Area GetArea(const Math::Rectangle& region)
+{
+    return {region.left, region.top, std::int64_t{region.left} + region.GetWidth(),
+            std::int64_t{region.top} + region.GetHeight()};
+}
+
+/// The screen as it is now. Its size may have changed since the connection was opened.
+Area GetRootArea(::Display* display)
+{
+    Platform::XErrorScope errors(display);
+    ::Window ignoredRoot = None;
+    int x = 0;
+    int y = 0;
+    unsigned int width = 0;
+    unsigned int height = 0;
+    unsigned int border = 0;
+    unsigned int depth = 0;
+    if (XGetGeometry(display, DefaultRootWindow(display), &ignoredRoot, &x, &y, &width, &height, &border, &depth) == 0)
+        return {};
+    return {0, 0, width, height};
+}
+
+Area Intersect(const Area& first, const Area& second)
+{
+    return {std::max(first.left, second.left), std::max(first.top, second.top), std::min(first.right, second.right),
+            std::min(first.bottom, second.bottom)};
+}
+
+PixelLayout GetLayout(const XImage& image)
+{
+    return {static_cast<std::uint32_t>(image.red_mask), static_cast<std::uint32_t>(image.green_mask),
+            static_cast<std::uint32_t>(image.blue_mask), static_cast<std::uint32_t>(image.bits_per_pixel),
+            image.byte_order == MSBFirst};
+}
+
+} // namespace
+
+struct PlatformCaptureContext
+{
+    Area region;
+    std::unique_ptr<Platform::XScreenReader> reader;
+    std::optional<PixelConverter> converter;
+    std::unique_ptr<unsigned char[], FreeMemory> pixels; ///< `bytes` of them, packed rows of the region from the top
+    std::size_t bytes = 0;
+    Area drawn; ///< what of `pixels` was written since they were allocated
+
+    [[nodiscard]] bool AllocatePixels();
+    [[nodiscard]] std::size_t GetRowBytes() const
+    {
+        return static_cast<std::size_t>(region.right - region.left) * s_pixelBytes;
+    }
+    void CopyRows(const XImage& image, const Area& visible);
+    /// 0, or the error number that tells why not.
+    [[nodiscard]] int CopyScreen(::Display* display);
+};
+
+bool PlatformCaptureContext::AllocatePixels()
+{
+    bytes = GetRowBytes() * static_cast<std::size_t>(region.bottom - region.top);
+    // Cleared by the system as it is touched, so that a region far larger than the screen costs no memory by itself.
+    drawn = {};
+    pixels.reset();
+    pixels.reset(static_cast<unsigned char*>(std::calloc(bytes, 1)));
+    return pixels != nullptr;
+}
+
+void PlatformCaptureContext::CopyRows(const XImage& image, const Area& visible)
+{
+    const auto width = static_cast<std::uint32_t>(image.width);
+    const auto sourceStride = static_cast<std::size_t>(image.bytes_per_line);
+    const auto firstRow = static_cast<std::size_t>(visible.top - region.top);
+    const std::size_t firstByte = static_cast<std::size_t>(visible.left - region.left) * s_pixelBytes;
+    for (std::size_t row = 0; row < static_cast<std::size_t>(image.height); ++row)
+    {
+        const auto* const source = reinterpret_cast<const unsigned char*>(image.data) + row * sourceStride;
+        converter->ConvertRow(source, width, pixels.get() + (firstRow + row) * GetRowBytes() + firstByte);
+    }
+}
+
+int PlatformCaptureContext::CopyScreen(::Display* display)
+{
+    if (display == nullptr || reader == nullptr || !converter)
+        return EINVAL;
+    const Area visible = Intersect(region, GetRootArea(display));
+    if (visible.IsEmpty())
+        return ENXIO;
+    const Platform::XImagePointer image = reader->Read(static_cast<int>(visible.left), static_cast<int>(visible.top),
+                                                       static_cast<unsigned int>(visible.right - visible.left),
+                                                       static_cast<unsigned int>(visible.bottom - visible.top));
+    if (image == nullptr)
+        return EIO;
+    // Fresh memory is black: what an earlier copy of a larger screen showed must not stay.
+    const bool isFit = pixels != nullptr && (drawn.IsEmpty() || drawn == visible);
+    if (!isFit && !AllocatePixels())
+        return ENOMEM;
+    drawn = visible;
+    CopyRows(*image, visible);
+    return 0;
+}
+
+CaptureContext::PlatformContextPointer CaptureContext::CreatePlatform()
+{
+    return {new PlatformCaptureContext, [](PlatformCaptureContext* context) { delete context; }};
+}
+
+bool CaptureContext::InitializePlatform(const Math::Rectangle& region)
+{
+    ::Display* const display = Platform::GetXDisplay();
+    if (display == nullptr)
+        return false;
+    PlatformCaptureContext& context = *m_platformContext;
+    context.region = GetArea(region);
+    if (!context.AllocatePixels())
+        return false;
+
+    const Area visible = Intersect(context.region, GetRootArea(display));
+    const auto width = static_cast<unsigned int>(std::max<std::int64_t>(visible.right - visible.left, 1));
+    const auto height = static_cast<unsigned int>(std::max<std::int64_t>(visible.bottom - visible.top, 1));
+    context.reader = std::make_unique<Platform::XScreenReader>(display, width, height);
+    // One pixel tells the format of all.
+    const Platform::XImagePointer pixel = context.reader->Read(0, 0, 1, 1);
+    if (pixel == nullptr)
+        return false;
+    context.converter = PixelConverter::Create(GetLayout(*pixel));
+    return context.converter.has_value();
+}
+
+void CaptureContext::AwaitRepaintPlatform()
+{
+    if (::Display* const display = Platform::GetXDisplay())
+        XSync(display, False);
+    Time::Sleep(s_repaintNanoseconds);
+}
+
+bool CaptureContext::CopyScreenPlatform()
+{
+    const int error = m_platformContext->CopyScreen(Platform::GetXDisplay());
+    if (error == 0)
+        return true;
+    errno = Platform::GetXDisplay() == nullptr ? ENOTCONN : error;
+    return false;
+}
+
+Types::Buffer<const unsigned char> CaptureContext::GetPixelsPlatform() const
+{
+    return {m_platformContext->pixels.get(), m_platformContext->bytes};
+}
+
+} // namespace Orvik::System::Device::Display

@@ -1,0 +1,81 @@
+#include "Core/System/Device/Display/DisplayCache.h"
+
+#include "Core/System/Log/Log.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Types/Utilities.h"
+
+#include <algorithm>
+
+namespace Orvik::System::Device::Display
+{
+
+DisplayCache::DisplayCache() = default;
+
+DisplayCache::~DisplayCache()
+{
+    Log::Write(m_logContext, Log::MessageTypeID::Debug, "Display cache destroyed.");
+}
+
+bool DisplayCache::Initialize(const Runtime::IConfig* /*config*/)
+{
+    BindLogStream();
+    return InitializePlatform();
+}
+
+void DisplayCache::OnConfigured()
+{
+}
+
+std::uint16_t DisplayCache::GetDefaultDisplayId() const
+{
+    if (m_activeDisplayId < InvalidDisplayId)
+        return m_activeDisplayId;
+    if (m_primaryDisplayId < InvalidDisplayId)
+        return m_primaryDisplayId;
+    return m_displays.empty() ? InvalidDisplayId : m_displays.front().id;
+}
+
+const DisplayDescriptor* DisplayCache::GetDisplay(std::uint16_t id) const
+{
+    return id == 0 || id > m_displays.size() ? nullptr : &m_displays[id - 1U];
+}
+
+void DisplayCache::BindLogStream()
+{
+    m_logContext.stream = Log::StreamID::DisplayCache;
+    Log::UpdateContext(&m_logContext);
+}
+
+void DisplayCache::IterateThroughDevices()
+{
+    IterateThroughDevicesPlatform();
+    for (const DisplayDescriptor& display : m_displays)
+    {
+        if (display.isPrimary)
+            m_primaryDisplayId = display.id;
+        m_desktopBounds.left = std::min<std::int32_t>(m_desktopBounds.left, display.x);
+        m_desktopBounds.top = std::min<std::int32_t>(m_desktopBounds.top, display.y);
+        m_desktopBounds.right = std::max(m_desktopBounds.right, display.x + display.width);
+        m_desktopBounds.bottom = std::max(m_desktopBounds.bottom, display.y + display.height);
+        LogDisplay(display);
+    }
+}
+
+DisplayDescriptor& DisplayCache::AddDisplay()
+{
+    const auto id = Types::SafeCast<std::uint16_t>(m_displays.size() + 1);
+    DisplayDescriptor& display = m_displays.emplace_back();
+    display.id = id;
+    return display;
+}
+
+void DisplayCache::LogDisplay(const DisplayDescriptor& display) const
+{
+    const char* const kind = display.hostDisplayId != InvalidDisplayId ? " virtual" : "";
+    const char* const primary = display.id == m_primaryDisplayId ? " primary" : "";
+    const char* const end = display.id == m_activeDisplayId ? " active." : ".";
+    Log::Write(m_logContext, Log::MessageTypeID::Always, "'", display.name, "' #", display.id, " (", display.x, ",",
+               display.y, " ", display.width, "x", display.height, ")", kind, primary, end);
+}
+
+} // namespace Orvik::System::Device::Display

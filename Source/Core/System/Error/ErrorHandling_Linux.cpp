@@ -1,0 +1,134 @@
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Error/SignalThread.h"
+#include "Core/System/Runtime/Application.h"
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace Orvik::System::Error
+{
+namespace
+{
+
+/// Signals that are raised where the fault is.
+constexpr std::array s_faultSignals = {SIGSEGV, SIGILL, SIGABRT, SIGFPE, SIGBUS};
+
+/// Writing to a pipe that nobody reads, or beyond the limit of a file's size, fails like any other writing.
+constexpr std::array s_ignoredSignals = {SIGPIPE, SIGXFSZ};
+
+/// Reporting takes milliseconds, unless the fault lies where a lock is held that reporting needs as well.
+constexpr unsigned s_reportTimeLimit = 5; // seconds
+
+ErrorHandling* s_errorHandling = nullptr;
+std::array<struct sigaction, s_faultSignals.size()> s_previousActions = {};
+std::atomic<int> s_signalBeingReported = 0; ///< 0 for none
+
+/// Where a fault is reported on: the thread's own stack may be what has run out.
+alignas(std::max_align_t) std::array<std::byte, std::size_t{256} * 1024> s_alternateStack;
+stack_t s_previousStack = {};
+
+/// Unblocks a signal for the calling thread.
+void LetThrough(int signal)
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, signal);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+/// Ends a process whose report doesn't come to its end, by the signal that was to be reported. Calls only what may be
+/// called at any instant.
+extern "C" void OnReportTimeout(int /*signal*/)
+{
+    const int signal = s_signalBeingReported;
+    struct sigaction action = {};
+    action.sa_handler = SIG_DFL;
+    sigaction(signal, &action, nullptr);
+    LetThrough(signal);
+    raise(signal);
+}
+
+void LimitReportTime(int signal)
+{
+    s_signalBeingReported = signal;
+    struct sigaction action = {};
+    action.sa_handler = &OnReportTimeout;
+    sigaction(SIGALRM, &action, nullptr);
+    LetThrough(SIGALRM);
+    alarm(s_reportTimeLimit);
+}
+
+extern "C" void OnSignal(int signal) noexcept
+{
+    LimitReportTime(signal);
+    s_errorHandling->HandleSignal(signal == SIGBUS ? SIGSEGV : signal);
+    alarm(0);
+    // The delivery has reset the signal to its default action. It arrives when this handler returns, at the fault.
+    raise(signal);
+}
+
+/// On the signal thread.
+void OnRequest(int signal)
+{
+    Runtime::Application* const application = Runtime::Application::FindInstance();
+    if (application == nullptr)
+    {
+        LetThrough(signal); // nothing is there that could end by itself
+        raise(signal);
+        return;
+    }
+    // A run that is over takes its Systems down, and needs neither to be asked nor to be logged about.
+    if (std::atomic_ref(application->m_returnCode) == Runtime::Application::UnsetReturnCode)
+        s_errorHandling->HandleSignal(signal);
+}
+
+void UseAlternateStack()
+{
+    stack_t stack = {};
+    stack.ss_sp = s_alternateStack.data();
+    stack.ss_size = s_alternateStack.size();
+    sigaltstack(&stack, &s_previousStack);
+}
+
+} // namespace
+
+void ErrorHandling::InstallSignalHandlersPlatform()
+{
+    s_errorHandling = this;
+    UseAlternateStack();
+    for (std::size_t index = 0; index < s_faultSignals.size(); ++index)
+    {
+        struct sigaction action = {};
+        action.sa_handler = &OnSignal;
+        action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
+        sigaction(s_faultSignals[index], &action, &s_previousActions[index]);
+    }
+    for (const int signal : s_ignoredSignals)
+        std::signal(signal, SIG_IGN);
+    SignalThread::Start(&OnRequest);
+}
+
+void ErrorHandling::RemoveSignalHandlersPlatform() noexcept
+{
+    SignalThread::Stop();
+    for (std::size_t index = 0; index < s_faultSignals.size(); ++index)
+        sigaction(s_faultSignals[index], &s_previousActions[index], nullptr);
+    sigaltstack(&s_previousStack, nullptr);
+    s_errorHandling = nullptr;
+}
+
+void ErrorHandling::AbortPlatform(int signal)
+{
+    if (s_signalBeingReported == 0)
+        std::abort();
+    // A fault ends the process by its own signal, which a debugger or a core dump is to show: only the line that an
+    // abort writes is left to do.
+    if (signal != SIGABRT)
+        ReportSignal(SIGABRT);
+}
+
+} // namespace Orvik::System::Error

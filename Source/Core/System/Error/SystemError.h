@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace Orvik::System::Error
+{
+
+/// Describes the calling thread's last system error: the system's message without a trailing full stop or line end,
+/// a blank, and the code in upper-case hexadecimal in parentheses, such as "Permission denied (D)". "None (0)" if
+/// there is none. Writes to `text` and returns it. Call it right behind the failed call, before anything else
+/// can change the error.
+std::string& FormatLastError(std::string& text);
+
+/// The same as a new string.
+[[nodiscard]] std::string FormatLastError();
+
+/// The last system error of the calling thread, 0 if there is none.
+[[nodiscard]] std::uint32_t GetLastErrorPlatform() noexcept;
+
+/// The system's own text for a code, as the system gives it.
+[[nodiscard]] std::string GetErrorMessagePlatform(std::uint32_t code);
+
+} // namespace Orvik::System::Error

@@ -1,0 +1,232 @@
+#include "Core/System/Log/FileLogSink.h"
+
+#include "Core/System/Error/Assertion.h"
+#include "Core/System/Error/Exception.h"
+#include "Core/System/Text/Paths.h"
+#include "Core/System/Time/Timestamp.h"
+
+#include <chrono>
+#include <limits>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace Orvik::System::Log
+{
+namespace
+{
+
+using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
+
+constexpr std::int64_t s_ticksPerDay = 864'000'000'000;
+constexpr std::int64_t s_ticksPerSecond = 10'000'000;
+/// From the beginning of 1601, where file times of Windows begin, to that of 1970.
+constexpr std::int64_t s_epochDistance = 0x19DB1DED53E8000;
+
+[[noreturn]] void ThrowFileError(const char* operation, const std::filesystem::path& path, const std::error_code& error)
+{
+    throw std::filesystem::filesystem_error(operation, path, error);
+}
+
+std::uint64_t GetFileSize(const std::filesystem::path& path)
+{
+    std::error_code error;
+    const std::uint64_t size = std::filesystem::file_size(path, error);
+    if (error)
+        ThrowFileError("file_size", path, error);
+    return size;
+}
+
+/// Ticks since 1970.
+std::int64_t GetWriteTime(const std::filesystem::path& path)
+{
+    std::error_code error;
+    const std::filesystem::file_time_type time = std::filesystem::last_write_time(path, error);
+    if (error)
+        ThrowFileError("last_write_time", path, error);
+    const auto systemTime = std::chrono::file_clock::to_sys(time);
+    return std::chrono::floor<Ticks>(systemTime.time_since_epoch()).count();
+}
+
+/// A file system that doesn't keep the time gives the beginning of its clock: 1970 or 1601.
+bool IsUnset(std::int64_t writeTime)
+{
+    return writeTime == 0 || writeTime == -s_epochDistance;
+}
+
+/// The write time, in ticks since 1970, before which a file has expired. An age that reaches back beyond all clocks
+/// expires nothing.
+std::int64_t GetExpiryLimit(std::uint32_t days)
+{
+    if (days > std::numeric_limits<std::int64_t>::max() / s_ticksPerDay)
+        return std::numeric_limits<std::int64_t>::min();
+    return Time::GetSystemTicks() - std::int64_t{days} * s_ticksPerDay;
+}
+
+} // namespace
+
+FileLogSink::FileLogSink(std::filesystem::path directory, std::string fileName, std::uint64_t maxFileSize,
+                         std::uint32_t maxFileAge)
+    : m_fileName(std::move(fileName)), m_directory(std::move(directory)), m_maxFileSize(maxFileSize),
+      m_maxFileAge(maxFileAge)
+{
+}
+
+bool FileLogSink::Open()
+{
+    using namespace Error;
+    if (m_stream.is_open())
+        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStatusError, "Log file is expected to be closed."));
+    if (m_isOpen)
+        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStateError));
+
+    if (!Text::Exists(m_directory) && !Text::CreateDirectories(m_directory))
+    {
+        throw ExceptionWithDetails(
+            ORVIK_HERE, ErrorDetails(LogNotInitializedError, "Failed to create directory for the log file."));
+    }
+    std::filesystem::path latest;
+    DeleteExpiredLogFiles(&latest);
+    if (latest.empty() || GetFileSize(latest) >= m_maxFileSize)
+        return OpenNewLogFile();
+
+    OpenForAppend(latest);
+    return m_isOpen;
+}
+
+bool FileLogSink::OpenNewLogFile()
+{
+    using namespace Error;
+    if (m_stream.is_open())
+        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStatusError, "Log file is expected to be closed."));
+    if (m_isOpen)
+        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStateError));
+
+    const std::int64_t now = Time::GetSystemTicks() / s_ticksPerSecond;
+    const std::string name = m_fileName + "_" + Time::FormatLocalFileTime(now) + ".log";
+    const std::filesystem::path path = Text::Join(m_directory, Text::PathFromUtf8(name));
+
+    // Emptied first, then written at its end: another sink may continue the same file, and neither may overwrite
+    // the other's lines.
+    if (!std::ofstream(path, std::ios::out | std::ios::trunc).is_open())
+        return false;
+    OpenForAppend(path);
+    return m_isOpen;
+}
+
+void FileLogSink::OpenForAppend(const std::filesystem::path& path)
+{
+    m_stream.open(path, std::ios::out | std::ios::app);
+    if (!m_stream.is_open())
+        return;
+    m_currentPath = path;
+    m_isOpen = true;
+}
+
+void FileLogSink::DeleteExpiredLogFiles(std::filesystem::path* latest)
+{
+    std::int64_t newest = std::numeric_limits<std::int64_t>::min();
+    for (const std::filesystem::path& path : FindLogFiles())
+    {
+        const std::int64_t writeTime = GetWriteTime(path);
+        if (GetExpiryLimit(m_maxFileAge) > writeTime)
+        {
+            std::error_code error;
+            const bool wasSuccessful = std::filesystem::remove(path, error);
+            if (error)
+                ThrowFileError("remove", path, error);
+            ORVIK_ASSERT(wasSuccessful, "Failed to delete log file.");
+        }
+        else if (latest != nullptr && !IsUnset(writeTime) && writeTime > newest)
+        {
+            newest = writeTime;
+            *latest = path;
+        }
+    }
+}
+
+std::vector<std::filesystem::path> FileLogSink::FindLogFiles() const
+{
+    std::error_code error;
+    std::filesystem::directory_iterator iterator(m_directory, error);
+    if (error)
+        ThrowFileError("directory_iterator::directory_iterator", m_directory, error);
+
+    std::vector<std::filesystem::path> files;
+    while (iterator != std::filesystem::directory_iterator())
+    {
+        if (IsLogFile(*iterator))
+            files.push_back(iterator->path());
+        iterator.increment(error);
+        if (error)
+            ThrowFileError("directory_iterator::operator++", m_directory, error);
+    }
+    return files;
+}
+
+bool FileLogSink::IsLogFile(const std::filesystem::directory_entry& entry) const
+{
+    std::error_code error;
+    const std::filesystem::file_status status = entry.status(error);
+    if (status.type() == std::filesystem::file_type::none)
+        ThrowFileError("directory_entry::status", entry.path(), error);
+    if (!std::filesystem::is_regular_file(status) || entry.path().extension() != ".log")
+        return false;
+
+    // The century is the whole test of the time that has to follow. Report files, which go on with "_ERROR_", fail it
+    // and are neither continued nor deleted.
+    return Text::PathToUtf8(entry.path().filename()).starts_with(m_fileName + "_2");
+}
+
+void FileLogSink::Write(const std::string& line)
+{
+    using namespace Error;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_stream.is_open())
+        {
+            if (!m_isOpen)
+                return;
+            throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStateError));
+        }
+        m_stream << line << std::flush;
+    }
+    SplitLogFileIfNeeded();
+}
+
+bool FileLogSink::HasReachedMaxSize()
+{
+    std::filesystem::path path;
+    {
+        const std::lock_guard lock(m_mutex);
+        path = m_currentPath;
+    }
+    // Asked of the file system: other processes may write to the file as well.
+    return GetFileSize(path) >= m_maxFileSize;
+}
+
+void FileLogSink::SplitLogFileIfNeeded()
+{
+    using namespace Error;
+    if (!HasReachedMaxSize())
+        return;
+
+    const std::uint64_t splitCount = m_splitCount;
+    std::unique_lock lock(m_mutex, std::try_to_lock);
+    while (!lock.owns_lock())
+    {
+        if (m_splitCount != splitCount)
+            return; // another thread has split the file meanwhile
+        std::this_thread::yield();
+        (void)lock.try_lock();
+    }
+    ++m_splitCount;
+    m_stream.close();
+    m_isOpen = false;
+    if (!OpenNewLogFile())
+        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStatusError, "Couldn't open new log file."));
+    if (!m_stream.is_open())
+        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStateError));
+}
+
+} // namespace Orvik::System::Log

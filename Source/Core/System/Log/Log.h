@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/LoggerConfig.h"
+#include "Core/System/Log/Sink.h"
+#include "Core/System/Runtime/System.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace Orvik::System::Log
+{
+
+/// The System that turns messages into lines and hands them to its sinks, on the thread that logs. It is the receiver
+/// of all log sites from its construction to its destruction, and drops what comes while it has no sinks.
+/// Lines may come from any thread; everything else belongs to the main thread.
+class Logger final : public Runtime::SystemBase<Logger, "LogSystem", 9, GUID{0x4392DED52813410E, 0xA3BB393A4153F1F9},
+                                                LoggerConfig>,
+                     public IMessageReceiver
+{
+public:
+    static constexpr std::uint32_t s_typeID = 0x5FC2C68D;
+
+    Logger();
+    ~Logger() override;
+
+    /// Opens the sinks: the console, then the file. Throws if the file can't be opened; the console then stays.
+    [[nodiscard]] bool Initialize(const Runtime::IConfig* config) override;
+    void OnConfigured() override;
+    /// Releases the sinks.
+    void OnShutdown() override;
+
+    [[nodiscard]] bool AcceptsStream(std::uint32_t stream) const override;
+    /// Builds the line and gives it to every sink. A sink that throws is reported on the error stream and left out
+    /// from then on: a log line never ends the program.
+    void Receive(std::uint32_t stream, MessageTypeID severity, const std::string& text) override;
+
+    /// Writes a message past the severity gate; the stream gate holds.
+    template <std::uint32_t stream, MessageTypeID severity, typename... Pieces>
+    void Write(const Pieces&... pieces)
+    {
+        if (!AcceptsStream(stream))
+            return;
+        std::ostringstream text;
+        (text << ... << pieces);
+        Receive(stream, severity, text.str());
+    }
+
+    /// Sets the threshold of `context` to the least severity that its stream is configured with. A stream without one
+    /// leaves it as it is.
+    void ApplySeverity(Context& context) const;
+
+    /// The console sink, then the file sink. An entry is empty if its sink couldn't be opened.
+    [[nodiscard]] const std::vector<std::shared_ptr<Sink>>& GetSinks() const { return m_sinks; }
+
+private:
+    void WriteToSink(std::size_t index, const std::string& line);
+    void LeaveOut(std::size_t index, const std::string& reason);
+
+    std::uint32_t m_enabledStreams = 0;
+    std::vector<std::uint32_t> m_streamSeverities;
+    std::vector<std::shared_ptr<Sink>> m_sinks;
+    std::atomic<std::uint32_t> m_failedSinks{0}; ///< a bit for each entry of `m_sinks` that is left out
+};
+
+/// Adds a context to those that the `Logger` sets up when it is initialised, and sets it up at once if that is over.
+/// `context` has to live as long as the process. May be called by static constructors in any order.
+void RegisterContext(Context* context);
+
+/// Gives `context` the threshold that the configuration has for its stream. Does nothing without a `Logger`.
+void UpdateContext(Context* context);
+
+} // namespace Orvik::System::Log

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Core/System/Error/Assertion.h"
+
+#include <cstdint>
+#include <limits>
+
+namespace Orvik::System::Math
+{
+
+/// Four sides. `right` and `bottom` are the first column and row behind the area: a rectangle from 10 to 20 is ten
+/// pixels wide.
+struct Rectangle
+{
+    std::int32_t left = 0;
+    std::int32_t top = 0;
+    std::int32_t right = 0;
+    std::int32_t bottom = 0;
+
+    constexpr bool operator==(const Rectangle&) const = default;
+
+    /// The distance between left and right, whichever is greater. Only the most negative 32-bit difference can't be
+    /// told, and is an assertion failure.
+    [[nodiscard]] std::uint32_t GetWidth() const
+    {
+        const std::uint64_t width = GetDistance(left, right);
+        ORVIK_ASSERT(width <= std::numeric_limits<uint32_t>::max(),
+                     "Value must never exceed the maximum of an 4-byte unsigned integer.");
+        return static_cast<std::uint32_t>(width);
+    }
+
+    /// The same for top and bottom.
+    [[nodiscard]] std::uint32_t GetHeight() const
+    {
+        const std::uint64_t height = GetDistance(top, bottom);
+        ORVIK_ASSERT(height <= std::numeric_limits<uint32_t>::max(),
+                     "Value must never exceed the maximum of an 4-byte unsigned integer.");
+        return static_cast<std::uint32_t>(height);
+    }
+
+private:
+    // The difference is taken in 32 bits and wraps. Its most negative value has no absolute value in 32 bits; it stays
+    // negative, and reads as a number beyond the limit.
+    static constexpr std::uint64_t GetDistance(std::int32_t from, std::int32_t to) noexcept
+    {
+        const auto difference =
+            static_cast<std::int32_t>(static_cast<std::uint32_t>(to) - static_cast<std::uint32_t>(from));
+        const bool hasAbsolute = difference != std::numeric_limits<std::int32_t>::min();
+        return static_cast<std::uint64_t>(std::int64_t{difference < 0 && hasAbsolute ? -difference : difference});
+    }
+};
+
+} // namespace Orvik::System::Math

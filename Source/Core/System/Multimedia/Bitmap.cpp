@@ -1,0 +1,205 @@
+#include "Core/System/Multimedia/Bitmap.h"
+
+#include "Core/System/Error/Assertion.h"
+#include "Core/System/Multimedia/PolygonMask.h"
+#include "Core/System/Text/Paths.h"
+#include "Core/System/Utilities/Image.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace Orvik::System::Multimedia
+{
+namespace
+{
+
+constexpr std::size_t s_maximumBytes = std::numeric_limits<std::int32_t>::max();
+
+// Bytes of a row; more than a bitmap's stride can hold are cut.
+constexpr std::uint16_t GetCutStride(std::uint16_t width, std::uint8_t bytesPerPixel)
+{
+    return static_cast<std::uint16_t>(std::uint32_t{width} * bytesPerPixel);
+}
+
+} // namespace
+
+void Bitmap::FreeMemory::operator()(std::uint8_t* memory) const noexcept
+{
+    std::free(memory);
+}
+
+Bitmap::Bitmap(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel)
+{
+    SetSize(width, height, bitsPerPixel);
+}
+
+Bitmap::Bitmap(Bitmap&& other) noexcept
+{
+    TakeFields(other);
+}
+
+Bitmap& Bitmap::operator=(Bitmap&& other) // NOLINT(performance-noexcept-move-constructor): see the declaration
+{
+    ORVIK_ASSERT(this != &other, "Assignment to itself.");
+    TakeFields(other);
+    return *this;
+}
+
+void Bitmap::TakeFields(Bitmap& other) noexcept
+{
+    m_imageBuffer = std::move(other.m_imageBuffer);
+    m_width = std::exchange(other.m_width, std::uint16_t{0});
+    m_height = std::exchange(other.m_height, std::uint16_t{0});
+    m_stride = std::exchange(other.m_stride, std::uint16_t{0});
+    m_bitsPerPixel = std::exchange(other.m_bitsPerPixel, std::uint8_t{0});
+    m_bytesPerPixel = std::exchange(other.m_bytesPerPixel, std::uint8_t{0});
+}
+
+void Bitmap::SetSize(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel)
+{
+    if (width == m_width && height == m_height && bitsPerPixel == m_bitsPerPixel)
+        return;
+    Reallocate(width, height, bitsPerPixel,
+               [](std::size_t bytes) { return Pixels(static_cast<std::uint8_t*>(std::malloc(bytes))); });
+}
+
+// Asks for at least one byte: no memory for none would look like a failure.
+void Bitmap::Reallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel, Allocate allocate)
+{
+    *this = Bitmap();
+    const auto bytesPerPixel = static_cast<std::uint8_t>(bitsPerPixel >> 3);
+    const std::uint16_t stride = GetCutStride(width, bytesPerPixel);
+    const std::size_t bytes = std::size_t{stride} * height;
+    if (bytes <= s_maximumBytes)
+        m_imageBuffer = allocate(std::max(bytes, std::size_t{1}));
+    ORVIK_ASSERT(m_imageBuffer != nullptr, "Failed to allocate buffer for bitmap.");
+    if (m_imageBuffer == nullptr)
+        return;
+
+    m_width = width;
+    m_height = height;
+    m_stride = stride;
+    m_bitsPerPixel = bitsPerPixel;
+    m_bytesPerPixel = bytesPerPixel;
+}
+
+// The system hands out great blocks as zeros already, without touching them; so a file that merely claims to be huge
+// takes no memory.
+Bitmap Bitmap::MakeCleared(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel)
+{
+    Bitmap bitmap;
+    bitmap.Reallocate(width, height, bitsPerPixel,
+                      [](std::size_t bytes) { return Pixels(static_cast<std::uint8_t*>(std::calloc(bytes, 1))); });
+    return bitmap;
+}
+
+// The sizes are a file's word: they have to fit the fields and the number of bytes before anything is asked for.
+std::optional<Bitmap> Bitmap::MakeForFile(std::int64_t width, std::int64_t height, std::int64_t bitsPerPixel)
+{
+    constexpr std::int64_t maximumField = std::numeric_limits<std::uint16_t>::max();
+    constexpr std::int64_t maximumBits = std::numeric_limits<std::uint8_t>::max();
+    if (width < 0 || width > maximumField || height < 0 || height > maximumField)
+        return std::nullopt;
+    if (bitsPerPixel < 0 || bitsPerPixel > maximumBits)
+        return std::nullopt;
+    const std::int64_t rowBytes = width * (bitsPerPixel >> 3);
+    if (rowBytes > maximumField || rowBytes * height > static_cast<std::int64_t>(s_maximumBytes))
+        return std::nullopt;
+    return MakeCleared(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
+                       static_cast<std::uint8_t>(bitsPerPixel));
+}
+
+void Bitmap::CopyFromImageBuffer(const std::uint8_t* data, std::uint64_t byteCount)
+{
+    // Signed like `GetSize`; a count beyond that is too large all the same.
+    constexpr auto maximum = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    const auto bytes = static_cast<std::int64_t>(std::min(byteCount, maximum));
+    ORVIK_ASSERT(bytes <= GetSize(), "Buffer overflow detected.");
+    const std::int64_t copied = std::min(bytes, std::int64_t{GetSize()});
+    if (copied > 0)
+        std::memcpy(m_imageBuffer.get(), data, static_cast<std::size_t>(copied));
+}
+
+// Everything is counted in 64 bits, so that no position is too far away.
+Bitmap Bitmap::Crop(std::int32_t x, std::int32_t y, std::uint32_t width, std::uint32_t height) const
+{
+    Bitmap result = MakeCleared(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), m_bitsPerPixel);
+    const std::int64_t sourceStride = m_stride;
+    const std::int64_t targetStride = result.m_stride;
+    const std::int64_t leftByte = std::int64_t{x} * m_bytesPerPixel;
+    const std::int64_t targetByte = std::max(-leftByte, std::int64_t{0});
+    const std::int64_t sourceByte = std::clamp(leftByte, std::int64_t{0}, sourceStride);
+    const std::int64_t rowBytes = std::min(sourceByte - targetByte + targetStride, sourceStride) - sourceByte;
+    if (rowBytes <= 0)
+        return result;
+
+    const std::int64_t targetFirst = std::max(-std::int64_t{y}, std::int64_t{0});
+    const std::int64_t sourceFirst = std::max(std::int64_t{y}, std::int64_t{0});
+    const std::int64_t sourceEnd = std::min(std::int64_t{m_height}, result.m_height - targetFirst + sourceFirst);
+    for (std::int64_t row = sourceFirst; row < sourceEnd; ++row)
+    {
+        const std::int64_t targetRow = row - sourceFirst + targetFirst;
+        std::memcpy(result.GetPixels() + targetRow * targetStride + targetByte,
+                    GetPixels() + row * sourceStride + sourceByte, static_cast<std::size_t>(rowBytes));
+    }
+    return result;
+}
+
+void Bitmap::Resize(std::uint32_t width, std::uint32_t height, ResizeMethod method)
+{
+    Bitmap target = MakeCleared(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), m_bitsPerPixel);
+    if (HasWholeRows() && target.HasWholeRows())
+    {
+        Utilities::Image::Resize(target.GetPixels(), GetPixels(), m_width, m_height, target.m_width, target.m_height,
+                                 m_bitsPerPixel, method);
+    }
+    *this = std::move(target);
+}
+
+void Bitmap::ClearOutsidePolygon(std::span<const Math::Point> polygon, bool valueToClear)
+{
+    const bool isSupported = m_bytesPerPixel == 3 || m_bytesPerPixel == 4;
+    if (!isSupported || !HasWholeRows())
+        return;
+
+    const PolygonMask mask(m_width, m_height, polygon);
+    for (std::uint16_t y = 0; y < m_height; ++y)
+    {
+        std::uint8_t* row = GetPixels() + std::size_t{m_stride} * y;
+        std::uint16_t x = 0;
+        while (x < m_width)
+        {
+            const std::uint16_t end = mask.FindRunEnd(x, y);
+            if (mask.Contains(x, y) == valueToClear)
+                std::memset(row + std::size_t{x} * m_bytesPerPixel, 0, std::size_t{m_bytesPerPixel} * (end - x));
+            x = end;
+        }
+    }
+}
+
+bool Bitmap::Load(const std::string& path)
+{
+    const std::size_t dot = path.rfind('.');
+    if (dot == std::string::npos || dot == 0)
+        return false;
+
+    // Opening a pipe that nobody writes to would never end.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(Text::PathFromUtf8(path), error))
+        return false;
+
+    const std::string_view extension = std::string_view(path).substr(dot + 1);
+    if (extension == "bmp")
+        return LoadBmp(path);
+    if (extension == "png")
+        return LoadPng(path);
+    return false;
+}
+
+} // namespace Orvik::System::Multimedia

@@ -1,0 +1,206 @@
+// PNG files through libpng; nothing else knows it.
+
+#include "Core/System/Multimedia/Bitmap.h"
+
+#include "Core/System/Text/Files.h"
+
+#include <csetjmp>
+#include <png.h>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace Orvik::System::Multimedia
+{
+namespace
+{
+
+// libpng compares the first two numbers with its own and refuses to work with another release line.
+constexpr const char* s_libraryVersion = "1.6.46";
+
+// libpng must not get control back from here.
+[[noreturn]] void ReturnToStep(png_structp png, png_const_charp /*message*/)
+{
+    png_longjmp(png, 1);
+}
+
+// A picture that reads in spite of a flaw is good enough, and nobody waits for the text on standard error.
+void IgnoreWarning(png_structp /*png*/, png_const_charp /*message*/)
+{
+}
+
+// Runs calls of libpng. False if one of them failed. libpng leaves a failed call by a jump back to here, which skips
+// destructors: what needs one stays outside of the step.
+template <typename Step>
+[[nodiscard]] bool RunStep(png_structp png, const Step& step)
+{
+    static_assert(std::is_trivially_destructible_v<Step>);
+    if (setjmp(png_jmpbuf(png)) != 0)
+        return false;
+    step();
+    return true;
+}
+
+class Reader
+{
+public:
+    Reader()
+        : m_png(png_create_read_struct(s_libraryVersion, nullptr, &ReturnToStep, &IgnoreWarning)),
+          m_info(m_png != nullptr ? png_create_info_struct(m_png) : nullptr)
+    {
+    }
+    ~Reader() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    [[nodiscard]] bool IsReady() const { return m_info != nullptr; }
+    [[nodiscard]] std::uint32_t GetWidth() const { return png_get_image_width(m_png, m_info); }
+    [[nodiscard]] std::uint32_t GetHeight() const { return png_get_image_height(m_png, m_info); }
+
+    [[nodiscard]] bool ReadHeader(std::FILE* file) const;
+    [[nodiscard]] bool RequestBgra() const;
+    [[nodiscard]] bool ReadRows(std::uint8_t* pixels, std::size_t pixelBytes) const;
+
+private:
+    void RequestTransformations() const;
+
+    png_structp m_png;
+    png_infop m_info;
+};
+
+bool Reader::ReadHeader(std::FILE* file) const
+{
+    return RunStep(m_png,
+                   [this, file]
+                   {
+                       png_init_io(m_png, file);
+                       png_read_info(m_png, m_info);
+                   });
+}
+
+bool Reader::RequestBgra() const
+{
+    return RunStep(m_png, [this] { RequestTransformations(); });
+}
+
+// Everything becomes blue, green, red, alpha with 8 bits, except for a palette without transparency: that one gets no
+// alpha and stays at three bytes to the pixel.
+void Reader::RequestTransformations() const
+{
+    const png_byte colourType = png_get_color_type(m_png, m_info);
+    const png_byte bitDepth = png_get_bit_depth(m_png, m_info);
+    if (bitDepth == 16)
+        png_set_strip_16(m_png);
+    if (colourType == PNG_COLOR_TYPE_PALETTE)
+        png_set_palette_to_rgb(m_png);
+    if (colourType == PNG_COLOR_TYPE_GRAY && bitDepth < 8)
+        png_set_expand_gray_1_2_4_to_8(m_png);
+    if (png_get_valid(m_png, m_info, PNG_INFO_tRNS) != 0)
+        png_set_tRNS_to_alpha(m_png);
+    if (colourType == PNG_COLOR_TYPE_GRAY || colourType == PNG_COLOR_TYPE_RGB)
+        png_set_filler(m_png, 255, PNG_FILLER_AFTER);
+    if (colourType == PNG_COLOR_TYPE_GRAY || colourType == PNG_COLOR_TYPE_GRAY_ALPHA)
+        png_set_gray_to_rgb(m_png);
+    png_set_bgr(m_png);
+    png_set_interlace_handling(m_png);
+    png_read_update_info(m_png, m_info);
+}
+
+// The rows lie one behind the other at libpng's size of a row, which is smaller than the bitmap's for a palette without
+// transparency.
+bool Reader::ReadRows(std::uint8_t* pixels, std::size_t pixelBytes) const
+{
+    const std::size_t rowBytes = png_get_rowbytes(m_png, m_info);
+    std::vector<png_bytep> rows(GetHeight());
+    if (rowBytes * rows.size() > pixelBytes)
+        return false;
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        rows[row] = pixels + row * rowBytes;
+    return RunStep(m_png, [this, &rows] { png_read_image(m_png, rows.data()); });
+}
+
+class Writer
+{
+public:
+    Writer()
+        : m_png(png_create_write_struct(s_libraryVersion, nullptr, &ReturnToStep, &IgnoreWarning)),
+          m_info(m_png != nullptr ? png_create_info_struct(m_png) : nullptr)
+    {
+    }
+    ~Writer() { png_destroy_write_struct(&m_png, &m_info); }
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+
+    [[nodiscard]] bool IsReady() const { return m_info != nullptr; }
+    [[nodiscard]] bool Write(std::FILE* file, const Bitmap& bitmap, int colourType) const;
+
+private:
+    void WriteHeader(const Bitmap& bitmap, int colourType) const;
+
+    png_structp m_png;
+    png_infop m_info;
+};
+
+bool Writer::Write(std::FILE* file, const Bitmap& bitmap, int colourType) const
+{
+    return RunStep(m_png,
+                   [this, file, &bitmap, colourType]
+                   {
+                       png_init_io(m_png, file);
+                       WriteHeader(bitmap, colourType);
+                       const std::size_t stride = bitmap.GetStride();
+                       for (std::size_t row = 0; row < bitmap.GetHeight(); ++row)
+                           png_write_row(m_png, bitmap.GetPixels() + row * stride);
+                       png_write_end(m_png, nullptr);
+                   });
+}
+
+void Writer::WriteHeader(const Bitmap& bitmap, int colourType) const
+{
+    constexpr int bitDepth = 8;
+    png_set_IHDR(m_png, m_info, bitmap.GetWidth(), bitmap.GetHeight(), bitDepth, colourType, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_set_bgr(m_png);
+    png_write_info(m_png, m_info);
+}
+
+} // namespace
+
+bool Bitmap::LoadPng(const std::string& path)
+{
+    const Text::File file = Text::OpenFile(path, "rb");
+    if (file == nullptr)
+        return false;
+    const Reader reader;
+    if (!reader.IsReady() || !reader.ReadHeader(file.get()))
+        return false;
+    constexpr std::uint8_t bitsPerPixel = 32;
+    std::optional<Bitmap> picture = MakeForFile(reader.GetWidth(), reader.GetHeight(), bitsPerPixel);
+    if (!picture || !reader.RequestBgra())
+        return false;
+    if (!reader.ReadRows(picture->GetPixels(), static_cast<std::size_t>(picture->GetSize())))
+        return false;
+
+    *this = std::move(*picture);
+    return true;
+}
+
+bool Bitmap::SavePng(const std::string& path) const
+{
+    const bool isRgb = m_bytesPerPixel == 3;
+    const std::size_t writtenRowBytes = std::size_t{m_width} * (isRgb ? 3 : 4);
+    if (m_stride < writtenRowBytes)
+        return false;
+
+    Text::File file = Text::OpenFile(path, "wb");
+    if (file == nullptr)
+        return false;
+    const Writer writer;
+    if (!writer.IsReady())
+        return false;
+    const bool isWritten = writer.Write(file.get(), *this, isRgb ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA);
+    const bool isClosed = Text::Close(std::move(file));
+    return isWritten && isClosed;
+}
+
+} // namespace Orvik::System::Multimedia

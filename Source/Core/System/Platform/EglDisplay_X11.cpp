@@ -1,0 +1,116 @@
+#include "Core/System/Platform/EglDisplay.h"
+
+#include "Core/System/Platform/XConnection.h"
+
+#include <EGL/eglext.h>
+#include <array>
+#include <vector>
+
+namespace Orvik::System::Platform
+{
+namespace
+{
+
+constexpr int s_alphaVisualDepth = 32;
+
+EGLint GetAttribute(EGLDisplay display, EGLConfig config, EGLint attribute)
+{
+    EGLint value = 0;
+    eglGetConfigAttrib(display, config, attribute, &value);
+    return value;
+}
+
+/// `eglChooseConfig` takes more bits for as good; a picture of 10 bits to the colour isn't.
+bool HasEightBitColors(EGLDisplay display, EGLConfig config)
+{
+    constexpr std::array<EGLint, 4> channels = {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE, EGL_ALPHA_SIZE};
+    for (const EGLint channel : channels)
+    {
+        if (GetAttribute(display, config, channel) != 8)
+            return false;
+    }
+    return true;
+}
+
+std::vector<EGLConfig> ChooseConfigs(EGLDisplay display)
+{
+    // clang-format off
+    constexpr std::array<EGLint, 21> attributes = {
+        EGL_SURFACE_TYPE, EGL_WINDOW_BIT,
+        EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
+        EGL_RED_SIZE, 8,
+        EGL_GREEN_SIZE, 8,
+        EGL_BLUE_SIZE, 8,
+        EGL_ALPHA_SIZE, 8,
+        EGL_DEPTH_SIZE, 24,
+        EGL_STENCIL_SIZE, 8,
+        EGL_SAMPLE_BUFFERS, 1,
+        EGL_SAMPLES, 4,
+        EGL_NONE,
+    };
+    // clang-format on
+    EGLint count = 0;
+    if (eglChooseConfig(display, attributes.data(), nullptr, 0, &count) == EGL_FALSE || count <= 0)
+        return {};
+    std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
+    if (eglChooseConfig(display, attributes.data(), configs.data(), count, &count) == EGL_FALSE)
+        return {};
+    configs.resize(static_cast<std::size_t>(count));
+    std::erase_if(configs, [display](EGLConfig config) { return !HasEightBitColors(display, config); });
+    return configs;
+}
+
+std::optional<XVisualInfo> FindVisual(::Display* connection, EGLDisplay display, EGLConfig config)
+{
+    XVisualInfo wanted = {};
+    wanted.visualid = static_cast<VisualID>(GetAttribute(display, config, EGL_NATIVE_VISUAL_ID));
+    wanted.screen = DefaultScreen(connection);
+    int count = 0;
+    XVisualInfo* const found = XGetVisualInfo(connection, VisualIDMask | VisualScreenMask, &wanted, &count);
+    if (found == nullptr)
+        return std::nullopt;
+    const XVisualInfo visual = *found;
+    XFree(found);
+    return visual;
+}
+
+/// The first configuration on a visual with alpha, or else the first that has a visual.
+std::optional<EglConfiguration> FindConfiguration(::Display* connection, EGLDisplay display)
+{
+    std::optional<EglConfiguration> result;
+    for (EGLConfig const config : ChooseConfigs(display))
+    {
+        const std::optional<XVisualInfo> visual = FindVisual(connection, display, config);
+        if (!visual)
+            continue;
+        if (visual->depth == s_alphaVisualDepth)
+            return EglConfiguration{display, config, *visual};
+        if (!result)
+            result = EglConfiguration{display, config, *visual};
+    }
+    return result;
+}
+
+std::optional<EglConfiguration> OpenConfiguration()
+{
+    ::Display* const connection = GetXDisplay();
+    if (connection == nullptr)
+        return std::nullopt;
+    // The plain eglGetDisplay would guess what kind of display this is.
+    EGLDisplay const display = eglGetPlatformDisplay(EGL_PLATFORM_X11_KHR, connection, nullptr);
+    if (display == EGL_NO_DISPLAY || eglInitialize(display, nullptr, nullptr) == EGL_FALSE)
+        return std::nullopt;
+    if (eglBindAPI(EGL_OPENGL_API) == EGL_FALSE)
+        return std::nullopt;
+    return FindConfiguration(connection, display);
+}
+
+} // namespace
+
+const std::optional<EglConfiguration>& GetEglConfiguration()
+{
+    static const std::optional<EglConfiguration> s_configuration = OpenConfiguration();
+    return s_configuration;
+}
+
+} // namespace Orvik::System::Platform

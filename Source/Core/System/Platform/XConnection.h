@@ -1,0 +1,45 @@
+#pragma once
+
+// Private to the X11 halves.
+
+#include "Core/System/Platform/X11Headers.h"
+
+#include <string>
+
+namespace Orvik::System::Platform
+{
+
+/// The process's one connection to the X server, opened at the first call, closed at exit. Null if there is no server
+/// or it is gone. Its thread is the main thread. An X error that no `XErrorScope` awaits is logged and changes nothing
+/// else; when the server goes away the run is asked to end.
+[[nodiscard]] ::Display* GetXDisplay();
+
+/// Watches for X errors while it lives. X errors arrive late, so both ends wait for the server. Scopes may nest.
+class XErrorScope
+{
+public:
+    explicit XErrorScope(::Display* display);
+    ~XErrorScope();
+    XErrorScope(const XErrorScope&) = delete;
+    XErrorScope& operator=(const XErrorScope&) = delete;
+
+    /// Whether an error has come since the scope began, or the connection is missing. Waits for the server first.
+    [[nodiscard]] bool HasFailed();
+
+    /// The last error of the scope, such as "BadAlloc (insufficient resources for operation) (B)", or that there is no
+    /// connection. Call it behind `HasFailed`.
+    [[nodiscard]] std::string GetErrorText() const;
+
+private:
+    friend int RecordXError(::Display* display, XErrorEvent* error);
+
+    ::Display* m_display;
+    XErrorScope* m_outer;
+    int m_errorCode = 0;
+};
+
+/// The text of an X error code and the code in hexadecimal in parentheses, in the form of `FormatLastError`. The code 0
+/// stands for a missing connection.
+[[nodiscard]] std::string FormatXError(int errorCode);
+
+} // namespace Orvik::System::Platform

@@ -1,0 +1,131 @@
+#include "Core/System/Platform/XConnection.h"
+
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Runtime/Application.h"
+
+#include <array>
+#include <cstdlib>
+#include <fmt/format.h>
+
+namespace Orvik::System::Platform
+{
+
+int RecordXError(::Display* display, XErrorEvent* error);
+
+namespace
+{
+
+constexpr Log::Context s_context{Log::StreamID::System};
+
+/// What the process knows of its server. Trivial to destroy: windows that outlive the connection at the end of the
+/// process still find it closed.
+struct Connection
+{
+    ::Display* display = nullptr;
+    bool isTried = false;
+    XErrorScope* innermostScope = nullptr;
+};
+
+constinit Connection s_connection;
+
+/// The server is gone. Xlib would end the process here; the run ends by itself instead.
+int ReportLostServer(::Display* display)
+{
+    if (display != s_connection.display)
+        return 0;
+    s_connection.display = nullptr;
+    Log::Write(s_context, Log::MessageTypeID::Error, "The connection to the X server is lost.");
+    if (Runtime::Application::FindInstance() != nullptr)
+        Runtime::Application::RequestShutdown();
+    return 0;
+}
+
+void StayInProcess(::Display* /*display*/, void* /*data*/)
+{
+}
+
+void CloseConnection()
+{
+    if (s_connection.display == nullptr)
+        return;
+    ::Display* const display = s_connection.display;
+    s_connection.display = nullptr;
+    XCloseDisplay(display);
+}
+
+void OpenConnection()
+{
+    s_connection.isTried = true;
+    XSetErrorHandler(&RecordXError);
+    XSetIOErrorHandler(&ReportLostServer);
+    s_connection.display = XOpenDisplay(nullptr);
+    if (s_connection.display == nullptr)
+        return;
+    XSetIOErrorExitHandler(s_connection.display, &StayInProcess, nullptr);
+    std::atexit(&CloseConnection);
+}
+
+std::string FormatErrorOf(::Display* display, int errorCode)
+{
+    std::array<char, 256> text = {};
+    XGetErrorText(display, errorCode, text.data(), static_cast<int>(text.size()));
+    return fmt::format("{} ({:X})", text.data(), errorCode);
+}
+
+} // namespace
+
+::Display* GetXDisplay()
+{
+    if (!s_connection.isTried)
+        OpenConnection();
+    return s_connection.display;
+}
+
+int RecordXError(::Display* display, XErrorEvent* error)
+{
+    if (s_connection.innermostScope != nullptr)
+    {
+        s_connection.innermostScope->m_errorCode = error->error_code;
+        return 0;
+    }
+    Log::Write(s_context, Log::MessageTypeID::Warning, "X error: ", FormatErrorOf(display, error->error_code),
+               ", request ", int{error->request_code}, ".", int{error->minor_code}, ", resource ", error->resourceid,
+               ".");
+    return 0;
+}
+
+std::string FormatXError(int errorCode)
+{
+    ::Display* const display = GetXDisplay();
+    if (errorCode == 0 || display == nullptr)
+        return "No connection to the X server (0)";
+    return FormatErrorOf(display, errorCode);
+}
+
+XErrorScope::XErrorScope(::Display* display) : m_display(display), m_outer(s_connection.innermostScope)
+{
+    if (m_display != nullptr)
+        XSync(m_display, False);
+    s_connection.innermostScope = this;
+}
+
+XErrorScope::~XErrorScope()
+{
+    if (m_display != nullptr && m_display == s_connection.display)
+        XSync(m_display, False);
+    s_connection.innermostScope = m_outer;
+}
+
+bool XErrorScope::HasFailed()
+{
+    if (m_display != nullptr && m_display == s_connection.display)
+        XSync(m_display, False);
+    return m_errorCode != 0 || m_display == nullptr || m_display != s_connection.display;
+}
+
+std::string XErrorScope::GetErrorText() const
+{
+    return FormatXError(m_errorCode);
+}
+
+} // namespace Orvik::System::Platform

@@ -1,0 +1,91 @@
+#include "Core/System/Processes/Process.h"
+
+#include "Core/System/Error/SystemError.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Processes/ProcessPlatform.h"
+
+#include <vector>
+
+namespace Orvik::System::Processes
+{
+namespace
+{
+
+constexpr Log::Context s_context{Log::StreamID::System};
+
+void LogMissingHandle(const Process& process)
+{
+    Log::Write(s_context, Log::MessageTypeID::Error, "Failed to get process '", process.id,
+               "' handle: ", Error::FormatLastError());
+}
+
+} // namespace
+
+Process GetCurrentProcess()
+{
+    return {GetCurrentProcessIdPlatform()};
+}
+
+std::string& GetName(const Process& process, std::string& text)
+{
+    switch (ReadProcessNamePlatform(process.id, text))
+    {
+    case ProcessResult::Done:
+        break;
+    case ProcessResult::NoHandle:
+        LogMissingHandle(process);
+        break;
+    case ProcessResult::Failed:
+        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to get name of process '", process.id,
+                   "': ", Error::FormatLastError());
+        break;
+    }
+    return text;
+}
+
+void Terminate(Process& process)
+{
+    switch (EndProcessPlatform(process.id))
+    {
+    case ProcessResult::Done:
+        Log::Write(s_context, Log::MessageTypeID::Verbose, "Process '", process.id, "' terminated successfully.");
+        break;
+    case ProcessResult::NoHandle:
+        LogMissingHandle(process);
+        break;
+    case ProcessResult::Failed:
+        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to terminate process '", process.id,
+                   "': ", Error::FormatLastError());
+        break;
+    }
+    process.id = 0;
+}
+
+std::uint32_t EnumerateProcesses(std::string_view name, const std::function<void(Process&)>& callback)
+{
+    std::vector<std::uint64_t> ids;
+    if (!ListProcessIdsPlatform(ids))
+    {
+        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to enumerate processes: ", Error::FormatLastError());
+        return 0;
+    }
+    std::uint32_t count = 0;
+    // One string for all: where a process has no name to be found, that of the one before stands in.
+    std::string processName;
+    for (const std::uint64_t id : ids)
+    {
+        Process process{id};
+        if (id == 0 || (!name.empty() && GetName(process, processName) != name))
+            continue;
+        callback(process);
+        ++count;
+    }
+    return count;
+}
+
+std::string MakeExecutableName(std::string_view name)
+{
+    return std::string(name) + ".exe";
+}
+
+} // namespace Orvik::System::Processes

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace Orvik::System::Processes
+{
+
+/// A process id, 0 for no process.
+struct Process
+{
+    std::uint64_t id = 0;
+};
+
+[[nodiscard]] Process GetCurrentProcess();
+
+/// Writes the base name of the process's executable to `text`, UTF-8, and returns it. `text` stays as it was if the
+/// name can't be found; a log line tells why.
+std::string& GetName(const Process& process, std::string& text);
+
+/// Ends the process and sets its id to 0, whether that worked or not; a log line tells.
+void Terminate(Process& process);
+
+/// Calls `callback` for each running process of that name, case sensitive, or for all if `name` is empty. Returns the
+/// number of calls.
+std::uint32_t EnumerateProcesses(std::string_view name, const std::function<void(Process&)>& callback);
+
+/// The name with ".exe" added.
+[[nodiscard]] std::string MakeExecutableName(std::string_view name);
+
+} // namespace Orvik::System::Processes

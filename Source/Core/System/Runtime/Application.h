@@ -1,0 +1,179 @@
+#pragma once
+
+#include "Core/System/Error/Assertion.h"
+#include "Core/System/Runtime/ApplicationConfigCache.h"
+#include "Core/System/Runtime/ApplicationParameters.h"
+#include "Core/System/Runtime/CurrentThread.h"
+#include "Core/System/Runtime/Execution/CapabilityListeners.h"
+#include "Core/System/Runtime/Execution/CommandRegistry.h"
+#include "Core/System/Runtime/System.h"
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Orvik::System::Log
+{
+class Logger;
+} // namespace Orvik::System::Log
+
+namespace Orvik::System::Threads
+{
+class ThreadManager;
+} // namespace Orvik::System::Threads
+
+namespace Orvik::System::Device::Display
+{
+class DisplayCache;
+} // namespace Orvik::System::Device::Display
+
+namespace Orvik::System::Runtime
+{
+
+/// Owns a System that is known by name only. The deleter holds the plain function that deletes it.
+template <typename T>
+using SystemPointer = std::unique_ptr<T, std::function<void(T*)>>;
+
+/// The process-wide singleton of the framework. It owns the Systems, the configuration and the exit code, and says in
+/// which order a run goes. The program derives from it. Everything here runs on the main thread unless it says
+/// otherwise.
+class Application
+{
+public:
+    /// What `m_returnCode` is while nobody has set it.
+    static constexpr std::int32_t UnsetReturnCode = std::numeric_limits<std::int32_t>::min();
+
+    /// Told before a System is initialised; a handler that clears `proceed` leaves the System as it is.
+    struct PreSystemInitializationEvent
+    {
+        ISystem* system;
+        const IConfig* config;
+        bool proceed = true;
+    };
+
+    /// Told when a System is initialised.
+    struct PostSystemInitializationEvent
+    {
+        ISystem* system;
+    };
+
+    /// A second application at a time is an assertion failure.
+    explicit Application(std::wstring name);
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+    virtual ~Application();
+
+    /// The program's own work. The base version starts the frame: directories, configuration, error handling.
+    virtual void Main(const ApplicationParameters& parameters);
+    virtual void OnPreSystemInitialization(Application& sender, PreSystemInitializationEvent& event);
+    virtual void OnPostSystemInitialization(Application& sender, PostSystemInitializationEvent& event);
+    /// `rootPath` is borrowed for the call.
+    virtual void OnConfigurationReady(Application& sender, const std::filesystem::path* rootPath);
+    [[nodiscard]] virtual bool IsHeadless() const; ///< nothing calls it
+    /// Asks a program without a main-loop System to end by itself. From any thread.
+    virtual void OnShutdownRequested();
+
+    /// A whole run: ends other instances if asked to, starts the frame, runs the program, ends the Systems. The exit
+    /// code is in `m_returnCode` afterwards. What the program's `Main` throws leaves here.
+    static void Run(const ApplicationParameters& parameters);
+
+    /// The singleton. Without one: an assertion failure.
+    [[nodiscard]] static Application& GetInstance()
+    {
+        ORVIK_ASSERT(s_instance != nullptr, "Ilegal attempt to access a non-existent application instance.");
+        return *s_instance;
+    }
+
+    /// The singleton, or null. From any thread.
+    [[nodiscard]] static Application* FindInstance() noexcept { return std::atomic_ref(s_instance).load(); }
+
+    /// A System of the framework, or null if it doesn't exist (yet).
+    template <typename T>
+    [[nodiscard]] static T* TryGetSystem()
+    {
+        ORVIK_ASSERT(s_instance != nullptr, "No application instance was created.");
+        return s_instance->GetSlot(static_cast<T*>(nullptr)).get();
+    }
+
+    /// A System that has to exist.
+    template <typename T>
+    [[nodiscard]] static T& GetSystem();
+
+    /// Creates the Systems in their order. Reports and swallows what their initialisation throws.
+    void InitializeSystems();
+
+    /// Ends the Systems in reverse order and settles the exit code. Called from another thread than the one that
+    /// brought the Systems up: an assertion failure.
+    void ShutdownSystems();
+
+    /// Appends the usage text.
+    static void GetUsage(std::string& text);
+
+    /// Asks the main loop to end. From any thread.
+    static void RequestShutdown();
+
+    [[nodiscard]] const std::wstring& GetName() const { return m_name; }
+    [[nodiscard]] ApplicationConfigCache& GetConfigCache() { return m_configCache; }
+
+    /// The exit code of the process. Read by fault reporting without a lock.
+    std::int32_t m_returnCode = UnsetReturnCode;
+
+protected:
+    struct SystemEntry
+    {
+        std::unique_ptr<ISystem> system;
+        bool runsOnMainThread = false;
+    };
+
+    /// Puts a new System into `slot` and initialises it. Throws a `SystemCreationException` or a
+    /// `SystemInitializationException`; the System then stays in its slot. Defined in SystemCreation.h.
+    template <typename T>
+    void CreateAndInitialize(SystemPointer<T>& slot, const IConfig* config);
+
+    /// False if the System doesn't come up and doesn't tolerate that.
+    [[nodiscard]] bool InitializeSystem(SystemLifecycle& system, const IConfig* config);
+
+    std::wstring m_name;
+    SystemPointer<Log::Logger> m_logSystem;
+    SystemPointer<Threads::ThreadManager> m_threadManager;
+    SystemPointer<Device::Display::DisplayCache> m_displaySystem;
+    std::vector<SystemEntry> m_systems;
+    ApplicationConfigCache m_configCache;
+    Execution::CapabilityListeners m_capabilityListeners;
+    Execution::CommandRegistry m_commandRegistry;
+    CurrentThreadPointer m_mainThreadState;  ///< keeps the main thread known to the thread layer
+    CommandLine* m_commandLine = nullptr;    ///< not owned
+    void* m_extension = nullptr;             ///< not owned
+    Threads::Thread* m_mainThread = nullptr; ///< set while the Systems come up; not owned
+    ISystem* m_mainLoopSystem = nullptr;     ///< not owned
+
+private:
+    [[nodiscard]] SystemPointer<Log::Logger>& GetSlot(Log::Logger*) { return m_logSystem; }
+    [[nodiscard]] SystemPointer<Threads::ThreadManager>& GetSlot(Threads::ThreadManager*) { return m_threadManager; }
+    [[nodiscard]] SystemPointer<Device::Display::DisplayCache>& GetSlot(Device::Display::DisplayCache*)
+    {
+        return m_displaySystem;
+    }
+    void InitializeLogger();
+    void ShutdownSystem(SystemEntry& entry);
+
+    static Application* s_instance;
+};
+
+template <typename T>
+T& Application::GetSystem()
+{
+    ORVIK_ASSERT(s_instance != nullptr, "No application instance was created.");
+    if constexpr (std::is_same_v<T, Device::Display::DisplayCache>)
+    {
+        ORVIK_ASSERT(s_instance->m_displaySystem.get() != nullptr,
+                     "Illegal attempt to get the 'Display System' before it was created.");
+    }
+    return *s_instance->GetSlot(static_cast<T*>(nullptr));
+}
+
+} // namespace Orvik::System::Runtime

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "Core/System/Error/Assertion.h"
+#include "Core/System/Runtime/Config.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orvik::System::Runtime
+{
+
+struct JsonDocument; ///< holds a parsed document
+struct JsonSchema;   ///< holds a compiled schema
+
+/// The configuration document, its schema, the typed configurations, and the two directories that everything else is
+/// found from. Main thread only.
+class ApplicationConfigCache
+{
+public:
+    ApplicationConfigCache();
+    ~ApplicationConfigCache();
+    ApplicationConfigCache(const ApplicationConfigCache&) = delete;
+    ApplicationConfigCache& operator=(const ApplicationConfigCache&) = delete;
+
+    /// Finds the directories and loads the schema. `executablePath` is the first command-line argument or null; it
+    /// serves where the system doesn't tell the program's path. Always true: a missing or broken schema is logged
+    /// and leaves the cache without validation.
+    bool Initialize(const char* executablePath);
+
+    /// Replaces the document by the parsed text. False if it can't be parsed or doesn't match the schema; there is
+    /// no document then, and `GetError` tells why.
+    bool LoadFromString(const std::string& json);
+
+    /// The same from a file.
+    bool LoadFromFile(const std::filesystem::path& file);
+
+    /// Looks for a schema file below "Resources/Schemas" beside the directory "Binaries" that the program lies in, and
+    /// from the working directory if it lies in none. False if there is no such file; `path` is untouched then. Throws
+    /// the file-system error "exists" if that can't be told.
+    [[nodiscard]] bool FindSchemaFile(const std::string& name, std::filesystem::path& path) const;
+
+    /// Checks a document. False if it doesn't match, or is nested too deeply to be checked; `error` tells why.
+    [[nodiscard]] static bool ValidateDocument(const JsonSchema* schema, const JsonDocument* document,
+                                               std::string& error);
+
+    /// The directory of the running program, from which resources and default output directories are found. Empty
+    /// if it can't be told.
+    [[nodiscard]] std::filesystem::path GetRootPath() const;
+
+    /// The user's data directory: ".orvik" in the home directory.
+    [[nodiscard]] const std::filesystem::path& GetDataDirectory() const { return m_dataDirectory; }
+
+    /// The text of the last failure.
+    [[nodiscard]] const std::string& GetError() const { return m_error; }
+
+    /// The configuration of that type, or null. Stays valid for the life of the cache.
+    [[nodiscard]] IConfig* GetConfig(std::uint32_t typeId) const;
+
+    /// Makes the one configuration of its type: defaults, then its section of the document. `Config_Type` names the
+    /// section as `s_systemName`. A second one, and a section that it refuses, are assertion failures.
+    template <typename Config_Type>
+    Config_Type* AddConfig()
+    {
+        ORVIK_ASSERT(GetConfig(Config_Type::s_typeID) == nullptr, "Config already exists.");
+        auto owner = std::make_unique<Config_Type>();
+        Config_Type* const config = owner.get();
+        m_configs.push_back({Config_Type::s_typeID, std::move(owner)});
+        const bool success = InitializeConfig(config, Config_Type::s_systemName);
+        ORVIK_ASSERT(success, "Failed to initialize configuration.");
+        return config;
+    }
+
+    /// Gives `config` its defaults and applies the section `name` if the document has it. False if the section
+    /// is refused.
+    [[nodiscard]] bool InitializeConfig(IConfig* config, std::string_view name);
+
+    /// The object under "configuration" with that name, or null. A section of another type is as good as none.
+    [[nodiscard]] const rapidjson::Value* FindSection(std::string_view name) const;
+
+private:
+    struct Record
+    {
+        std::uint32_t typeId;
+        std::unique_ptr<IConfig> config;
+    };
+
+    /// The absolute path of the program, UTF-8. Empty if the system doesn't tell; the last system error is set then.
+    [[nodiscard]] static std::string FindExecutablePathPlatform();
+
+    void LoadSchema(const std::filesystem::path& path);
+    /// Parses and validates. Null after a failure; `m_error` tells why.
+    [[nodiscard]] std::unique_ptr<JsonDocument> ReadDocument(const std::string& json);
+    /// Keeps the text of a failure, logs it and returns false.
+    bool FailLoading(std::string error);
+
+    std::filesystem::path m_dataDirectory;
+    std::string m_executableDirectory;
+    std::unique_ptr<JsonDocument> m_document;
+    std::unique_ptr<JsonSchema> m_schema;
+    std::string m_error;
+    std::vector<Record> m_configs;
+};
+
+} // namespace Orvik::System::Runtime

@@ -1,0 +1,88 @@
+#include "Core/System/Runtime/DirectoryCache.h"
+
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Runtime/Application.h"
+#include "Core/System/Text/Paths.h"
+
+#include <cstdlib>
+#include <initializer_list>
+
+namespace Orvik::System::Runtime
+{
+namespace
+{
+
+constexpr Log::Context s_context{Log::StreamID::System};
+
+/// Below the directory that holds "Binaries": where an installation and the source tree have their resources.
+std::string& ResolveResource(std::initializer_list<const char*> directories, const std::string& file,
+                             std::string& result)
+{
+    const std::string rootPath = Text::PathToUtf8(Application::GetInstance().GetConfigCache().GetRootPath());
+    std::filesystem::path path = rootPath.empty() ? std::filesystem::path() : FindRootDirectory(rootPath, "Binaries");
+    for (const char* directory : directories)
+        path = Text::Join(path, directory);
+    path = Text::Join(path, Text::PathFromUtf8(file)).lexically_normal().make_preferred();
+    result = Text::PathToUtf8(path);
+    return result;
+}
+
+} // namespace
+
+DirectoryCache& DirectoryCache::GetInstance()
+{
+    static DirectoryCache s_cache;
+    return s_cache;
+}
+
+bool DirectoryCache::Initialize()
+{
+    *this = {};
+    InitializePlatform();
+    return !m_userProfile.value.empty() && !m_localAppData.value.empty() && !m_appData.value.empty() &&
+           !m_localLow.empty() && !m_startup.empty();
+}
+
+bool DirectoryCache::ReadEnvironmentEntry(const char* name, Entry& entry)
+{
+    entry = {name, {}};
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): read before any thread is started
+    if (value == nullptr)
+    {
+        Log::Write(s_context, Log::MessageTypeID::Warning,
+                   "Failed to retrieve the users home directory from environment.");
+        return false;
+    }
+    entry.value = value;
+    return !entry.value.empty();
+}
+
+std::filesystem::path FindRootDirectory(const std::string& path, const std::string& name)
+{
+    const std::filesystem::path wanted = Text::PathFromUtf8(name);
+    std::filesystem::path current = Text::MakeAbsolute(Text::PathFromUtf8(path)).lexically_normal();
+    while (current.has_relative_path())
+    {
+        if (current.filename() == wanted)
+            return current.parent_path().make_preferred();
+        current = current.parent_path();
+    }
+    return {};
+}
+
+std::string& GetSchemaPath(const std::string& file, std::string& result)
+{
+    return ResolveResource({"Resources", "Schemas"}, file, result);
+}
+
+std::string& GetShaderPath(const std::string& file, std::string& result)
+{
+    return ResolveResource({"Resources", "UI", "Shaders"}, file, result);
+}
+
+std::string& GetTexturePath(const std::string& file, std::string& result)
+{
+    return ResolveResource({"Resources", "UI", "Textures"}, file, result);
+}
+
+} // namespace Orvik::System::Runtime

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace Orvik::System::Runtime
+{
+
+/// Where things lie: the user's directories, read once from the environment, and the program's resource files. One
+/// object for the process; written by `Initialize`, only read afterwards.
+class DirectoryCache
+{
+public:
+    /// A variable's name and its value, empty if it isn't set. UTF-8.
+    struct Entry
+    {
+        std::string name;
+        std::string value;
+    };
+
+    [[nodiscard]] static DirectoryCache& GetInstance();
+
+    /// Reads the environment. False if a directory isn't told; it is empty then, and the rest stands.
+    bool Initialize();
+
+    [[nodiscard]] const Entry& GetUserProfile() const { return m_userProfile; }
+    [[nodiscard]] const Entry& GetLocalAppData() const { return m_localAppData; }
+    [[nodiscard]] const Entry& GetAppData() const { return m_appData; }
+    [[nodiscard]] const std::string& GetLocalLow() const { return m_localLow; }
+    [[nodiscard]] const std::string& GetStartup() const { return m_startup; }
+
+private:
+    void InitializePlatform();
+    static bool ReadEnvironmentEntry(const char* name, Entry& entry);
+
+    Entry m_userProfile;
+    Entry m_localAppData;
+    Entry m_appData;
+    std::string m_localLow;
+    std::string m_startup;
+};
+
+/// The directory that holds the nearest directory called `name`, from `path` upward, `path` itself included. Empty if
+/// there is none. Throws the file-system error "absolute" if `path` can't be made absolute.
+[[nodiscard]] std::filesystem::path FindRootDirectory(const std::string& path, const std::string& name);
+
+/// Resource files by their names: below "Resources" beside the directory "Binaries" that the program lies in, and
+/// relative to the working directory for a program that lies in none. Write to `result`, UTF-8, and return it.
+/// Nobody looks whether the file exists.
+std::string& GetSchemaPath(const std::string& file, std::string& result);
+std::string& GetShaderPath(const std::string& file, std::string& result);
+std::string& GetTexturePath(const std::string& file, std::string& result);
+
+} // namespace Orvik::System::Runtime

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <memory>
+#include <rapidjson/document.h>
+#include <rapidjson/schema.h>
+
+namespace Orvik::System::Runtime
+{
+
+// What `ApplicationConfigCache` keeps of the JSON library, out of its header.
+
+struct JsonDocument
+{
+    std::unique_ptr<rapidjson::Document> document; ///< null if there wasn't the memory for one
+};
+
+struct JsonSchema
+{
+    std::unique_ptr<rapidjson::SchemaDocument> schema; ///< null if none was compiled
+};
+
+} // namespace Orvik::System::Runtime

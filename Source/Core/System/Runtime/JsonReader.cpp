@@ -1,0 +1,150 @@
+#include "Core/System/Runtime/JsonReader.h"
+
+#include <algorithm>
+#include <array>
+#include <istream>
+#include <rapidjson/istreamwrapper.h>
+#include <rapidjson/pointer.h>
+
+namespace Orvik::System::Runtime
+{
+namespace
+{
+
+/// Levels of nesting that are left to recursion; a configuration has four.
+constexpr int s_maxDepth = 512;
+/// Steps of a reference to a reference in a schema.
+constexpr int s_maxReferences = 64;
+
+constexpr std::array<const char*, 18> s_parseErrorTexts = {
+    "No error.",
+    "The document is empty.",
+    "The document root must not be followed by other values.",
+    "Invalid value.",
+    "Missing a name for object member.",
+    "Missing a colon after a name of object member.",
+    "Missing a comma or '}' after an object member.",
+    "Missing a comma or ']' after an array element.",
+    "Incorrect hex digit after \\u escape in string.",
+    "The surrogate pair in string is invalid.",
+    "Invalid escape character in string.",
+    "Missing a closing quotation mark in string.",
+    "Invalid encoding in string.",
+    "Number too big to be stored in double.",
+    "Miss fraction part in number.",
+    "Miss exponent in number.",
+    "Terminate parsing due to Handler error.",
+    "Unspecific syntax error.",
+};
+
+template <typename Stream>
+JsonParseResult Parse(Stream& stream, rapidjson::Document& document)
+{
+    document.ParseStream<rapidjson::kParseIterativeFlag>(stream);
+    JsonParseResult result{document.GetParseError(), document.GetErrorOffset()};
+    // The one error that the iterative parser names differently: it calls a document empty that begins with what can't
+    // begin a value.
+    if (result.error == rapidjson::kParseErrorDocumentEmpty && stream.Peek() != '\0')
+        result.error = rapidjson::kParseErrorValueInvalid;
+    return result;
+}
+
+/// Recurses `levels` deep at most.
+bool IsWithinDepth(const rapidjson::Value& value, int levels)
+{
+    const auto isWithin = [levels](const rapidjson::Value& child) { return IsWithinDepth(child, levels - 1); };
+    if (value.IsArray())
+        return levels > 0 && std::all_of(value.Begin(), value.End(), isWithin);
+    if (value.IsObject())
+    {
+        return levels > 0 && std::all_of(value.MemberBegin(), value.MemberEnd(),
+                                         [&isWithin](const auto& member) { return isWithin(member.value); });
+    }
+    return true;
+}
+
+/// The library takes it for granted that the keyword "patternProperties" is an object, and that "dependencies" lists
+/// names.
+bool IsKeywordSound(const rapidjson::Value::Member& member)
+{
+    const std::string_view name(member.name.GetString(), member.name.GetStringLength());
+    if (name == "patternProperties")
+        return member.value.IsObject();
+    if (name != "dependencies" || !member.value.IsObject())
+        return true;
+    const auto isName = [](const rapidjson::Value& value) { return value.IsString(); };
+    return std::all_of(member.value.MemberBegin(), member.value.MemberEnd(),
+                       [&isName](const auto& dependency)
+                       {
+                           return !dependency.value.IsArray() ||
+                                  std::all_of(dependency.value.Begin(), dependency.value.End(), isName);
+                       });
+}
+
+/// Whether the references that begin with `object` lead to something else than a reference, or nowhere.
+bool DoReferencesEnd(const rapidjson::Value& object, const rapidjson::Document& schema)
+{
+    const rapidjson::Value* target = &object;
+    for (int step = 0; step < s_maxReferences; ++step)
+    {
+        if (!target->IsObject())
+            return true;
+        const auto reference = target->FindMember("$ref");
+        if (reference == target->MemberEnd() || !reference->value.IsString())
+            return true;
+        const std::string text(reference->value.GetString(), reference->value.GetStringLength());
+        const rapidjson::Pointer pointer(text.c_str(), text.size());
+        if (!text.starts_with('#') || !pointer.IsValid())
+            return true;
+        target = pointer.Get(schema);
+        if (target == nullptr)
+            return true;
+    }
+    return false;
+}
+
+/// `value` is shallow.
+bool IsPartCompilable(const rapidjson::Value& value, const rapidjson::Document& schema)
+{
+    const auto isCompilable = [&schema](const rapidjson::Value& child) { return IsPartCompilable(child, schema); };
+    if (value.IsArray())
+        return std::all_of(value.Begin(), value.End(), isCompilable);
+    if (!value.IsObject())
+        return true;
+    return DoReferencesEnd(value, schema) &&
+           std::all_of(value.MemberBegin(), value.MemberEnd(),
+                       [&isCompilable](const rapidjson::Value::Member& member)
+                       { return IsKeywordSound(member) && isCompilable(member.value); });
+}
+
+} // namespace
+
+JsonParseResult ParseJson(const std::string& text, rapidjson::Document& document)
+{
+    rapidjson::StringStream stream(text.c_str());
+    return Parse(stream, document);
+}
+
+JsonParseResult ParseJson(std::istream& stream, rapidjson::Document& document)
+{
+    rapidjson::IStreamWrapper wrapper(stream);
+    return Parse(wrapper, document);
+}
+
+const char* GetParseErrorText(rapidjson::ParseErrorCode error) noexcept
+{
+    const auto index = static_cast<std::size_t>(error);
+    return index < s_parseErrorTexts.size() ? s_parseErrorTexts[index] : "Unknown error.";
+}
+
+bool IsShallow(const rapidjson::Value& value)
+{
+    return IsWithinDepth(value, s_maxDepth);
+}
+
+bool IsCompilable(const rapidjson::Document& schema)
+{
+    return IsShallow(schema) && IsPartCompilable(schema, schema);
+}
+
+} // namespace Orvik::System::Runtime

@@ -1,0 +1,34 @@
+// How an `Application` makes a System: apart from Application.h, since only the units that know the System as a whole
+// have a use for it.
+#pragma once
+
+#include "Core/System/Error/Exception.h"
+#include "Core/System/Runtime/Application.h"
+
+#include <new>
+#include <type_traits>
+
+namespace Orvik::System::Runtime
+{
+
+template <typename T>
+void Application::CreateAndInitialize(SystemPointer<T>& slot, const IConfig* config)
+{
+    if constexpr (std::is_same_v<T, Log::Logger>)
+        ORVIK_ASSERT(config != nullptr, "Function parameter 'config' must be non-null.");
+
+    // No memory leaves the slot empty: that is the one way in which a creation fails.
+    slot = SystemPointer<T>(new (std::nothrow) T, [](T* system) { delete system; });
+    if (slot == nullptr)
+    {
+        throw Error::SystemCreationException(ORVIK_HERE,
+                                             Error::SystemCreationErrorDetails(T::s_name.data(), T::s_guid));
+    }
+    if (!InitializeSystem(*slot, config))
+    {
+        throw Error::SystemInitializationException(
+            ORVIK_HERE, Error::SystemInitializationErrorDetails(T::s_name.data(), T::s_guid));
+    }
+}
+
+} // namespace Orvik::System::Runtime

@@ -1,0 +1,103 @@
+// The order of a run. Up here because a run begins and ends with rooms that lie above the `Application`: threads,
+// processes, error handling.
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Error/Exception.h"
+#include "Core/System/Log/Log.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Processes/Process.h"
+#include "Core/System/Runtime/Application.h"
+#include "Core/System/Runtime/CommandLine.h"
+#include "Core/System/Runtime/DirectoryCache.h"
+#include "Core/System/Threads/Thread.h"
+
+#include <iostream>
+#include <sstream>
+
+namespace Orvik::System::Runtime
+{
+namespace
+{
+
+constexpr Log::Context s_context{Log::StreamID::System};
+
+void TerminateOtherInstances()
+{
+    const Processes::Process current = Processes::GetCurrentProcess();
+    std::string name;
+    Processes::GetName(current, name);
+    // Without its own name the program would end everything, and without its own id itself.
+    if (name.empty() || current.id == 0)
+        return;
+    Processes::EnumerateProcesses(name,
+                                  [&current](Processes::Process& process)
+                                  {
+                                      if (process.id != current.id)
+                                          Processes::Terminate(process);
+                                  });
+}
+
+const char* GetExecutablePath(const CommandLine* commandLine)
+{
+    if (commandLine == nullptr || commandLine->arguments.empty())
+        return nullptr;
+    return commandLine->arguments.front().c_str();
+}
+
+} // namespace
+
+void Application::Run(const ApplicationParameters& parameters)
+{
+    if (parameters.terminateOtherInstances)
+        TerminateOtherInstances();
+    Application& application = GetInstance();
+    application.Application::Main(parameters);
+    application.Main(parameters);
+    application.ShutdownSystems();
+}
+
+void Application::Main(const ApplicationParameters& parameters)
+{
+    m_mainThreadState.reset(Threads::GetMainThread());
+    Threads::SetCurrentToMainThread();
+    m_commandLine = parameters.commandLine;
+    m_extension = parameters.extension;
+    try
+    {
+        if (!DirectoryCache::GetInstance().Initialize())
+        {
+            Log::Write(s_context, Log::MessageTypeID::Warning,
+                       "Failed to initialize DirectoryCache. Running with unresolved directories.");
+        }
+        if (!m_configCache.Initialize(GetExecutablePath(m_commandLine)))
+        {
+            throw Error::ExceptionWithDetails(
+                ORVIK_HERE,
+                Error::ErrorDetails(Error::ProgramStartupError, "Failed to initialize configuration cache."));
+        }
+        if (!Error::ErrorHandling::GetInstance().Initialize(this))
+        {
+            throw Error::ExceptionWithDetails(
+                ORVIK_HERE, Error::ErrorDetails(Error::ProgramStartupError, "Failed to initialize error handling."));
+        }
+    }
+    catch (const Error::Exception& exception)
+    {
+        std::ostringstream message;
+        exception.WriteMessage(message);
+        std::cerr << message.str() << std::endl;
+        return;
+    }
+    const std::filesystem::path rootPath = m_configCache.GetRootPath();
+    OnConfigurationReady(*this, &rootPath);
+}
+
+void Application::OnPostSystemInitialization(Application& sender, PostSystemInitializationEvent& event)
+{
+    ORVIK_ASSERT(&sender == this, "Event from different application instance shall not be received.");
+    GUID guid;
+    if (event.system->GetGuid(guid) != Log::Logger::s_guid)
+        return;
+    Error::ErrorHandling::GetInstance().SetLogger(static_cast<Log::Logger*>(event.system));
+}
+
+} // namespace Orvik::System::Runtime

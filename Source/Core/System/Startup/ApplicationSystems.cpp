@@ -1,0 +1,87 @@
+// How the Systems come up and go down: the one place that knows all of them.
+#include "Core/System/Device/Display/DisplayCache.h"
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Error/Exception.h"
+#include "Core/System/Log/Log.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Runtime/Application.h"
+#include "Core/System/Runtime/SystemCreation.h"
+#include "Core/System/Threads/ThreadManager.h"
+
+#include <exception>
+#include <iostream>
+
+namespace Orvik::System::Runtime
+{
+namespace
+{
+
+constexpr Log::Context s_context{Log::StreamID::System};
+
+} // namespace
+
+void Application::InitializeLogger()
+{
+    // There is no log to write to yet: what goes wrong here is told on the error stream.
+    try
+    {
+        CreateAndInitialize(m_logSystem, m_configCache.AddConfig<Log::LoggerConfig>());
+    }
+    catch (const std::exception& exception)
+    {
+        std::cerr << "Exception: " << exception.what() << std::endl;
+        Error::ErrorHandling::GetInstance().ReportStdException(exception, true);
+    }
+    catch (Error::Exception& exception)
+    {
+        exception.Report();
+    }
+    catch (...)
+    {
+        std::cerr << "Unkown exception." << std::endl;
+    }
+}
+
+void Application::InitializeSystems()
+{
+    try
+    {
+        InitializeLogger();
+        CreateAndInitialize(m_threadManager, nullptr);
+        m_mainThread = &Threads::Thread::GetCurrent();
+        CreateAndInitialize(m_displaySystem, nullptr);
+    }
+    catch (const std::exception& exception)
+    {
+        Log::Write(s_context, Log::MessageTypeID::Error, "Exception: ", exception.what());
+        Error::ErrorHandling::GetInstance().ReportStdException(exception, true);
+    }
+    catch (Error::Exception& exception)
+    {
+        exception.Report();
+    }
+    catch (...)
+    {
+        Log::Write(s_context, Log::MessageTypeID::Error, "Unkown exception.");
+    }
+}
+
+void Application::ShutdownSystems()
+{
+    ORVIK_ASSERT(m_mainThread == nullptr || m_mainThread == &Threads::Thread::GetCurrent(),
+                 "Must be called from main thread.");
+    for (auto entry = m_systems.rbegin(); entry != m_systems.rend(); ++entry)
+    {
+        if (entry->system != nullptr && entry->system.get() != m_mainLoopSystem)
+            ShutdownSystem(*entry);
+    }
+    if (m_mainLoopSystem != nullptr)
+        m_mainLoopSystem->OnShutdown();
+    Log::Write(s_context, Log::MessageTypeID::Verbose, "Successful shutdown. See you soon!");
+    if (m_logSystem != nullptr)
+        m_logSystem->OnShutdown();
+    if (m_returnCode == UnsetReturnCode)
+        m_returnCode = 0;
+}
+
+} // namespace Orvik::System::Runtime

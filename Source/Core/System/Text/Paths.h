@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace Orvik::System::Text
+{
+
+/// A path from UTF-8, with the preferred separator everywhere. Where paths are bytes (Linux) the text is taken as it
+/// is, valid UTF-8 or not.
+[[nodiscard]] std::filesystem::path PathFromUtf8(std::string_view text);
+
+/// The bare path as UTF-8, without quotes.
+[[nodiscard]] std::string PathToUtf8(const std::filesystem::path& path);
+
+/// `directory` joined with `name`, each "/" of the result changed to the preferred separator.
+[[nodiscard]] std::filesystem::path Join(const std::filesystem::path& directory, const std::filesystem::path& name);
+
+/// Makes `path` absolute. Throws `std::filesystem::filesystem_error` with the operation "absolute" and the path.
+[[nodiscard]] std::filesystem::path MakeAbsolute(const std::filesystem::path& path);
+
+/// Whether anything of that name exists. Throws `std::filesystem::filesystem_error` with the operation "exists" and the
+/// path if that can't be told.
+[[nodiscard]] bool Exists(const std::filesystem::path& path);
+
+/// Creates a directory with all its parents; one that exists is no error. Throws
+/// `std::filesystem::filesystem_error` with the operation "create_directories" and the path.
+/// Returns whether anything was created.
+bool CreateDirectories(const std::filesystem::path& path);
+
+} // namespace Orvik::System::Text

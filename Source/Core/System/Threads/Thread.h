@@ -1,0 +1,67 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace Orvik::System::Threads
+{
+
+class ThreadManager;
+
+/// The layer's object for one thread of execution. Every thread that the framework knows has one.
+class Thread
+{
+public:
+    /// The id of the main thread, and of a slot that isn't in use.
+    static constexpr std::uint16_t InvalidId = 0xFFFF;
+
+    /// No thread.
+    Thread();
+
+    /// Takes over a running thread. `manager` is told when the object ends; not owned, may be null.
+    Thread(std::thread thread, ThreadManager* manager);
+
+    Thread(const Thread&) = delete;
+    Thread& operator=(const Thread&) = delete;
+
+    /// Waits for the thread to end. One that would have to wait for itself ends the process with the standard
+    /// resource-deadlock error.
+    ~Thread();
+
+    /// The object of the calling thread. A thread that the layer doesn't know is an assertion failure.
+    [[nodiscard]] static Thread& GetCurrent();
+
+    [[nodiscard]] std::uint16_t GetId() const { return m_id; }
+    [[nodiscard]] std::uint32_t GetPriority() const { return m_priority; }
+
+    /// 0, 1, 5 and 6: nothing runs here; 2, 3 and 4: the thread is active; there are no others. From any thread.
+    [[nodiscard]] std::uint64_t GetState() const { return m_state.load(); }
+    void SetState(std::uint64_t state) { m_state.store(state); }
+
+private:
+    friend Thread* GetMainThread();
+
+    Thread(std::uint64_t state, std::uint32_t priority);
+
+    std::thread m_thread;
+    ThreadManager* m_manager = nullptr;       ///< told at the end of the thread; not owned
+    std::unique_ptr<std::byte[]> m_workspace; ///< data of the thread
+    std::function<void()> m_function;         ///< what the thread runs
+    std::uint16_t m_id = InvalidId;           ///< number of the slot
+    std::uint32_t m_priority = 0;             ///< scheduling class
+    std::string m_name;
+    std::atomic<std::uint64_t> m_state{0};
+};
+
+/// The object of the main thread. It is made at the first call, from any thread, and lives until the process ends.
+[[nodiscard]] Thread* GetMainThread();
+
+/// Makes the calling thread known as the main thread.
+void SetCurrentToMainThread();
+
+} // namespace Orvik::System::Threads

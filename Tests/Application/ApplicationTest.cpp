@@ -1,0 +1,418 @@
+// The whole program on the desktop of the null halves: real options, Systems, tool and files; input and screen are
+// values.
+#include "Application/Application.h"
+
+#include "Core/Graphics/Renderer/GLRecorder.h"
+#include "Core/System/Platform/NullDesktop.h"
+#include "Core/System/Runtime/CommandLine.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <thread>
+
+namespace Orvik::SnipBench
+{
+namespace
+{
+
+using Graphics::Renderer::GLRecorder;
+using System::Desktop::KeyCode;
+using System::Desktop::Window;
+using System::Math::Point;
+using System::Multimedia::Bitmap;
+using System::Platform::NullDesktop;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::IsSupersetOf;
+using testing::Not;
+
+std::string MakeCodeObject(const std::string& name, int code)
+{
+    return "{\n    \"name\": \"" + name + "\",\n    \"code\": " + std::to_string(code) + "\n}\n";
+}
+
+std::string ReadFile(const std::filesystem::path& path)
+{
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory)
+{
+    std::vector<std::filesystem::path> files;
+    if (std::filesystem::exists(directory))
+        std::copy(std::filesystem::directory_iterator(directory), {}, std::back_inserter(files));
+    return files;
+}
+
+class ApplicationTest : public testing::Test
+{
+protected:
+    ApplicationTest()
+    {
+        setenv("HOME", home.GetPath().c_str(), 1);
+        GLRecorder::GetInstance().Reset();
+        desktop.Reset();
+        AddDisplay(0, 0, 200, 100);
+        desktop.screenPixel = [](std::int32_t x, std::int32_t y)
+        { return static_cast<std::uint32_t>(x & 0xFF) | static_cast<std::uint32_t>(y & 0xFF) << 8; };
+        commandLine.arguments = {"SnipBench"};
+    }
+
+    void AddDisplay(std::int16_t x, std::int16_t y, std::uint16_t width, std::uint16_t height)
+    {
+        System::Device::Display::DisplayDescriptor display;
+        display.name = "Null";
+        display.x = x;
+        display.y = y;
+        display.width = width;
+        display.height = height;
+        desktop.displays.push_back(display);
+    }
+
+    void AddArguments(const std::vector<std::string>& arguments)
+    {
+        commandLine.arguments.insert(commandLine.arguments.end(), arguments.begin(), arguments.end());
+    }
+
+    void UseOutput() { AddArguments({"-o", output.GetPath().string()}); }
+
+    void Move(Point position)
+    {
+        desktop.messages.emplace_back(
+            [this, position](Window& window)
+            {
+                desktop.cursorPosition = position;
+                window.DeliverMouseMove(position.x, position.y);
+            });
+    }
+
+    void Button(std::uint8_t button, bool pressed)
+    {
+        desktop.messages.emplace_back([button, pressed](Window& window)
+                                      { window.DeliverMouseButton(button, pressed); });
+    }
+
+    void Key(KeyCode key, bool pressed)
+    {
+        desktop.messages.emplace_back([key, pressed](Window& window) { window.DeliverKey(key, pressed); });
+    }
+
+    void Drag(Point from, Point to)
+    {
+        Move(from);
+        Button(1, true);
+        Move(to);
+        Button(1, false);
+    }
+
+    void Escape()
+    {
+        Key(KeyCode::Escape, true);
+        Key(KeyCode::Escape, false);
+    }
+
+    /// Runs the program to its end and keeps what it printed.
+    std::int32_t Run(bool hasCommandLine = true)
+    {
+        System::Runtime::ApplicationParameters parameters;
+        parameters.terminateOtherInstances = false;
+        parameters.commandLine = hasCommandLine ? &commandLine : nullptr;
+        Application application;
+        running = &application;
+        testing::internal::CaptureStdout();
+        System::Runtime::Application::Run(parameters);
+        printed = testing::internal::GetCapturedStdout();
+        running = nullptr;
+        return application.m_returnCode;
+    }
+
+    /// The text of the one log file.
+    [[nodiscard]] std::string ReadLog() const
+    {
+        const auto files = ListFiles(home.GetPath() / ".orvik/Logs");
+        return files.size() == 1 ? ReadFile(files[0]) : std::string();
+    }
+
+    NullDesktop& desktop = NullDesktop::GetInstance();
+    Tests::TemporaryDirectory home;
+    Tests::TemporaryDirectory output;
+    System::Runtime::CommandLine commandLine;
+    std::string printed;
+    std::atomic<Application*> running = nullptr;
+};
+
+TEST_F(ApplicationTest, HelpPrintsTheUsageAndNoCode)
+{
+    AddArguments({"-s", "true", "-h"});
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(printed, testing::StartsWith("Usage: SnipBench [option(s)]\n\n"));
+    EXPECT_THAT(printed, EndsWith("\t-Help            -h    Prints this help. \n\n"));
+    EXPECT_THAT(printed, Not(HasSubstr("\"code\"")));
+    EXPECT_THAT(desktop.windowCalls, IsEmpty());
+    EXPECT_EQ(ReadLog(), "");
+}
+
+TEST_F(ApplicationTest, ShowReturnCodesPrintsTheTableAlone)
+{
+    AddArguments({"-src"});
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(printed, testing::StartsWith("{\n    \"parameters\": ["));
+    EXPECT_THAT(printed, EndsWith("    ]\n}\n"));
+    EXPECT_EQ(ReadLog(), "");
+}
+
+TEST_F(ApplicationTest, ABadArgumentEndsAsWrongParameters)
+{
+    AddArguments({"-x"});
+    EXPECT_EQ(Run(), -1);
+    EXPECT_EQ(printed, MakeCodeObject("Wrong Parameter(s)", -1));
+}
+
+TEST_F(ApplicationTest, NoCommandLineEndsAsWrongParameters)
+{
+    EXPECT_EQ(Run(false), -1);
+    EXPECT_EQ(printed, MakeCodeObject("Wrong Parameter(s)", -1));
+}
+
+TEST_F(ApplicationTest, APictureThatCannotBeLoadedEndsBeforeAnySystem)
+{
+    AddArguments({"-f", (output.GetPath() / "missing.png").string()});
+    EXPECT_EQ(Run(), -2);
+    EXPECT_EQ(printed, MakeCodeObject("Failed to load file", -2));
+    EXPECT_EQ(ReadLog(), "");
+    EXPECT_THAT(desktop.windowCalls, IsEmpty());
+}
+
+TEST_F(ApplicationTest, APictureThatCannotBeShownIsNoPicture)
+{
+    Bitmap gray(4, 4, 8);
+    const std::string path = (output.GetPath() / "gray.bmp").string();
+    ASSERT_TRUE(gray.SaveBmp(path));
+    ASSERT_TRUE(Bitmap().Load(path)) << "the file itself is readable";
+    AddArguments({"-f", path});
+    EXPECT_EQ(Run(), -2);
+    EXPECT_THAT(desktop.captures, IsEmpty());
+}
+
+TEST_F(ApplicationTest, NoDisplayEndsAsFailedSystems)
+{
+    desktop.displays.clear();
+    UseOutput();
+    EXPECT_EQ(Run(), -3);
+    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Failed to initialize systems", -3)));
+    EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Error: No valid display info for valid display id 65535.\n"));
+}
+
+TEST_F(ApplicationTest, AWindowThatCannotBeCreatedHasItsCode)
+{
+    desktop.windowCreates = false;
+    UseOutput();
+    EXPECT_EQ(Run(), -4);
+    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Failed to create window", -4)));
+    EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Error: Failed to create snipping window.\n"));
+}
+
+TEST_F(ApplicationTest, ARendererThatCannotStartHasItsCode)
+{
+    GLRecorder::GetInstance().contextCreates = false;
+    UseOutput();
+    EXPECT_EQ(Run(), -5);
+    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Failed to initialize renderer", -5)));
+    EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Error: Failed to initialize renderer.\n"));
+}
+
+TEST_F(ApplicationTest, ADragOnTheCapturedDisplayLeavesTwoFiles)
+{
+    UseOutput();
+    Drag({10, 20}, {110, 70});
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
+    const auto files = ListFiles(output.GetPath());
+    ASSERT_EQ(files.size(), 2U);
+    const auto& image = files[files[0].extension() == ".png" ? 0 : 1];
+    Bitmap snip;
+    ASSERT_TRUE(snip.Load(image.string()));
+    ASSERT_EQ(snip.GetWidth(), 100);
+    ASSERT_EQ(snip.GetHeight(), 50);
+    EXPECT_EQ(snip.GetPixels()[0], 10);
+    EXPECT_EQ(snip.GetPixels()[1], 20);
+    EXPECT_EQ(snip.GetPixels()[3], 255) << "opaque";
+    EXPECT_EQ(snip.GetPixels()[snip.GetSize() - 4], 109);
+    EXPECT_EQ(snip.GetPixels()[snip.GetSize() - 3], 69);
+}
+
+TEST_F(ApplicationTest, TheLogBeginsWithVersionAndFile)
+{
+    UseOutput();
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    const auto files = ListFiles(home.GetPath() / ".orvik/Logs");
+    ASSERT_EQ(files.size(), 1U);
+    EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] v0.3.0.2 Preview started.\n"));
+    EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Using '" + files[0].string() + "'.\n"));
+}
+
+TEST_F(ApplicationTest, TheOverlayComesUpInOrder)
+{
+    UseOutput();
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(desktop.windowCalls, ElementsAre("RegisterClass", "Create", "Show", "SetClickThrough(false)",
+                                                 "BringToFront", "Destroy", "UnregisterClass"));
+    EXPECT_TRUE(desktop.cursorVisible) << "shown again at the end";
+}
+
+TEST_F(ApplicationTest, ADelayTakesTheWindowOffTheScreen)
+{
+    UseOutput();
+    AddArguments({"-d", "30"});
+    Escape();
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(30));
+    EXPECT_THAT(desktop.windowCalls, ElementsAre("RegisterClass", "Create", "Show", "SetClickThrough(false)", "Hide",
+                                                 "Show", "BringToFront", "Destroy", "UnregisterClass"));
+}
+
+TEST_F(ApplicationTest, EscapeActsOnTheRelease)
+{
+    UseOutput();
+    Key(KeyCode::Escape, true);
+    Drag({10, 10}, {20, 20});
+    Key(KeyCode::Escape, true);
+    Drag({10, 10}, {30, 30});
+    Key(KeyCode::Escape, false);
+    Drag({10, 10}, {40, 40});
+    EXPECT_EQ(Run(), 0);
+    EXPECT_EQ(ListFiles(output.GetPath()).size(), 4U);
+    EXPECT_EQ(desktop.messages.size(), 4U) << "the last drag is never pumped";
+}
+
+TEST_F(ApplicationTest, OneShotEndsWithTheFirstSelection)
+{
+    UseOutput();
+    AddArguments({"-s", "true"});
+    Drag({10, 10}, {20, 20});
+    Drag({10, 10}, {30, 30});
+    EXPECT_EQ(Run(), 0);
+    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U);
+    EXPECT_EQ(desktop.messages.size(), 4U);
+}
+
+TEST_F(ApplicationTest, AFailedCaptureLeavesAnInactiveToolUntilEscape)
+{
+    desktop.captureInitializes = false;
+    UseOutput();
+    Drag({10, 10}, {20, 20});
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(ListFiles(output.GetPath()), IsEmpty());
+    EXPECT_THAT(ReadLog(), HasSubstr(" | Graphics] Error: Failed to get display capture.\n"));
+}
+
+TEST_F(ApplicationTest, AWindowClosedByTheSystemDoesNotEndTheLoop)
+{
+    UseOutput();
+    desktop.messages.emplace_back([](Window& window) { window.DeliverClose(); });
+    std::thread stopper(
+        [this]
+        {
+            while (running == nullptr)
+                std::this_thread::yield();
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            EXPECT_NE(running.load(), nullptr) << "the run goes on without its window";
+            System::Runtime::Application::RequestShutdown();
+        });
+    EXPECT_EQ(Run(), 0);
+    stopper.join();
+}
+
+TEST_F(ApplicationTest, ARequestToEndWakesALongDelay)
+{
+    UseOutput();
+    AddArguments({"-d", "600000"});
+    std::thread stopper(
+        [this]
+        {
+            while (running == nullptr)
+                std::this_thread::yield();
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            System::Runtime::Application::RequestShutdown();
+        });
+    EXPECT_EQ(Run(), 0);
+    stopper.join();
+    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
+    EXPECT_THAT(desktop.captures, IsEmpty()) << "nothing is captured for a run that is over";
+}
+
+TEST_F(ApplicationTest, TheActiveDisplayIsTheOneThatIsSnipped)
+{
+    AddDisplay(200, 50, 64, 32);
+    desktop.activeDisplayId = 2;
+    UseOutput();
+    AddArguments({"-s", "true"});
+    Drag({210, 60}, {220, 65});
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(desktop.captures, ElementsAre(System::Math::Rectangle{200, 50, 264, 82}));
+    const auto files = ListFiles(output.GetPath());
+    ASSERT_EQ(files.size(), 2U);
+    Bitmap snip;
+    ASSERT_TRUE(snip.Load(files[files[0].extension() == ".png" ? 0 : 1].string()));
+    EXPECT_EQ(snip.GetWidth(), 10);
+    EXPECT_EQ(snip.GetPixels()[0], 210);
+}
+
+TEST_F(ApplicationTest, AMissingOutputDirectoryIsMadeWithItsParents)
+{
+    const std::filesystem::path directory = output.GetPath() / "a/b/c";
+    AddArguments({"-o", directory.string(), "-s", "true"});
+    Drag({10, 10}, {20, 20});
+    EXPECT_EQ(Run(), 0);
+    EXPECT_EQ(ListFiles(directory).size(), 2U);
+}
+
+TEST_F(ApplicationTest, AnOutputDirectoryThatCannotBeMadeLeavesAsAnError)
+{
+    std::ofstream(output.GetPath() / "file") << "in the way";
+    AddArguments({"-o", (output.GetPath() / "file/directory").string()});
+    try
+    {
+        Run();
+        ADD_FAILURE();
+    }
+    catch (const std::filesystem::filesystem_error& error)
+    {
+        printed = testing::internal::GetCapturedStdout();
+        EXPECT_THAT(error.what(), HasSubstr("create_directories"));
+    }
+}
+
+TEST_F(ApplicationTest, ADelayWithoutDigitsLeavesAsAnError)
+{
+    AddArguments({"-d", "abc"});
+    EXPECT_THROW(Run(), std::invalid_argument);
+    printed = testing::internal::GetCapturedStdout();
+}
+
+TEST_F(ApplicationTest, ConfigJsonGoesBeforeConfigFile)
+{
+    UseOutput();
+    AddArguments({"-c", "missing.json", "-cj",
+                  R"({"configuration":{"LogSystem":{"streams":{"DisplayCache":{"severity":"Debug"}}}}})"});
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
+}
+
+} // namespace
+} // namespace Orvik::SnipBench

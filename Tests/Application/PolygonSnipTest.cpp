@@ -1,0 +1,272 @@
+// A polygon from its first click to its files: the program's tool and the program's receiver, input as values.
+#include "Application/SnipFiles.h"
+#include "Application/SnipJson.h"
+#include "Core/Graphics/Tools/SnipBench.h"
+#include "Core/System/Desktop/KeyCode.h"
+#include "Tests/Support/AssertionTrap.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TestApplication.h"
+
+#include <algorithm>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+
+namespace Orvik::SnipBench
+{
+namespace
+{
+
+using Graphics::Tools::SnipMode;
+using Graphics::Tools::SnipState;
+using System::Math::Point;
+using System::Multimedia::Bitmap;
+using System::Tools::ToolContext;
+using System::Tools::ToolEventType;
+using testing::ElementsAre;
+
+constexpr auto s_window = System::Desktop::NativeWindow{1};
+
+class PolygonSnip : public testing::Test
+{
+protected:
+    PolygonSnip()
+    {
+        EXPECT_TRUE(renderer.Initialize(s_window, "PolygonSnip"));
+        renderer.Resize(s_window, 200, 100);
+        application.CreateDisplayCache();
+        settings = {directory.GetPath(), "png", false, {}};
+        tool.onResult = [this](Graphics::Tools::SnipBench::Result& result)
+        {
+            ring = *result.polygon;
+            bounds = *result.bounds;
+            SaveSnip(result, settings);
+            return true;
+        };
+        Graphics::Tools::SnipBench::Parameters parameters;
+        parameters.cropToSelection = true;
+        parameters.bitmap = MakePicture();
+        ToolContext context;
+        tool.Start(context, std::move(parameters), renderer);
+        EXPECT_TRUE(tool.SetMode(SnipMode::Polygon));
+    }
+
+    /// Every byte of it is 90 or 255, so that a cleared pixel stands out.
+    static Bitmap MakePicture()
+    {
+        Bitmap picture(200, 100, 32);
+        for (std::int32_t offset = 0; offset < picture.GetSize(); ++offset)
+            picture.GetPixels()[offset] = offset % 4 == 3 ? 255 : 90;
+        return picture;
+    }
+
+    void MoveTo(Point position)
+    {
+        ToolContext context;
+        context.type = ToolEventType::MouseMove;
+        context.x = position.x;
+        context.y = position.y;
+        tool.Update(context, renderer);
+    }
+
+    void Release(bool left)
+    {
+        ToolContext context;
+        context.type = ToolEventType::MouseButton;
+        context.leftButton = left;
+        context.pressed = false;
+        tool.Update(context, renderer);
+    }
+
+    void Click(Point position)
+    {
+        MoveTo(position);
+        Release(true);
+    }
+
+    [[nodiscard]] std::filesystem::path FindFile(const std::string& extension) const
+    {
+        for (const auto& entry : std::filesystem::directory_iterator(directory.GetPath()))
+        {
+            if (entry.path().extension() == extension)
+                return entry.path();
+        }
+        return {};
+    }
+
+    [[nodiscard]] std::string ReadMeta() const
+    {
+        std::ifstream stream(FindFile(".json"), std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+
+    /// Whether the saved picture has its pixel there, or transparent black.
+    [[nodiscard]] bool IsKept(const Bitmap& snip, int x, int y) const
+    {
+        const std::uint8_t* pixel = snip.GetPixels() + y * snip.GetStride() + x * 4;
+        if (std::all_of(pixel, pixel + 4, [](std::uint8_t byte) { return byte == 0; }))
+            return false;
+        EXPECT_THAT(std::vector<int>(pixel, pixel + 4), ElementsAre(90, 90, 90, 255)) << x << ", " << y;
+        return true;
+    }
+
+    [[nodiscard]] Bitmap LoadSnip() const
+    {
+        Bitmap snip;
+        EXPECT_TRUE(snip.Load(FindFile(".png").string()));
+        return snip;
+    }
+
+    Tests::TestApplication application;
+    Tests::TemporaryDirectory directory;
+    SnipFileSettings settings;
+    Graphics::Renderer::Renderer renderer;
+    Graphics::Tools::SnipBench tool;
+    std::vector<Point> ring;
+    System::Math::Rectangle bounds;
+};
+
+TEST_F(PolygonSnip, ATriangleIsCutOutAndMasked)
+{
+    Click({20, 10});
+    Click({120, 10});
+    Click({20, 60});
+    EXPECT_EQ(tool.GetState(), SnipState::Selecting);
+    Click({25, 12});
+    EXPECT_EQ(tool.GetState(), SnipState::Ready);
+    EXPECT_EQ(bounds, (System::Math::Rectangle{20, 10, 120, 60}));
+    EXPECT_THAT(ring, ElementsAre(Point{0, 0}, Point{100, 0}, Point{0, 50}, Point{0, 0}));
+
+    const Bitmap snip = LoadSnip();
+    ASSERT_EQ(snip.GetWidth(), 100);
+    ASSERT_EQ(snip.GetHeight(), 50);
+    EXPECT_TRUE(IsKept(snip, 0, 0));
+    EXPECT_TRUE(IsKept(snip, 99, 0)) << "the top edge belongs to the shape";
+    EXPECT_TRUE(IsKept(snip, 40, 25));
+    EXPECT_FALSE(IsKept(snip, 60, 25));
+    EXPECT_FALSE(IsKept(snip, 99, 49));
+    const std::string id = FindFile(".json").stem().string();
+    const std::string meta = ReadMeta();
+    EXPECT_THAT(meta, testing::HasSubstr("\"id\": \"" + id + "\""));
+    EXPECT_THAT(meta, testing::EndsWith(R"(    "image": {
+        "size": {
+            "width": 100,
+            "height": 50
+        },
+        "mask": [
+            {
+                "x": 0,
+                "y": 0
+            },
+            {
+                "x": 100,
+                "y": 0
+            },
+            {
+                "x": 0,
+                "y": 50
+            },
+            {
+                "x": 0,
+                "y": 0
+            }
+        ]
+    }
+})"));
+}
+
+TEST_F(PolygonSnip, WithTheMaskKeptThePictureIsAsCut)
+{
+    settings.keepMask = true;
+    Click({20, 10});
+    Click({120, 10});
+    Click({20, 60});
+    Click({20, 10});
+    const Bitmap snip = LoadSnip();
+    EXPECT_TRUE(IsKept(snip, 99, 49));
+    EXPECT_TRUE(IsKept(snip, 60, 25));
+    EXPECT_NE(ReadMeta().find("\"mask\": ["), std::string::npos);
+}
+
+TEST_F(PolygonSnip, ItClosesWithinSixteenPixelsOfTheFirstVertexAndNotBeyond)
+{
+    Click({50, 50});
+    Click({150, 50});
+    Click({150, 90});
+    Click({66, 51}); // 16 * 16 + 1: a fourth vertex
+    EXPECT_EQ(tool.GetState(), SnipState::Selecting);
+    Click({66, 50}); // 16 * 16: closes
+    EXPECT_EQ(tool.GetState(), SnipState::Ready);
+    EXPECT_EQ(ring.size(), 5U);
+}
+
+TEST_F(PolygonSnip, ASelfCrossingRingHasHoles)
+{
+    // A pentagram, drawn in one go: its middle is crossed twice.
+    Click({100, 10});
+    Click({125, 88});
+    Click({60, 40});
+    Click({140, 40});
+    Click({75, 88});
+    Click({100, 10});
+    ASSERT_EQ(ring.size(), 6U);
+    const Bitmap snip = LoadSnip();
+    EXPECT_FALSE(IsKept(snip, 100 - 60, 55 - 10)) << "the middle";
+    EXPECT_TRUE(IsKept(snip, 100 - 60, 25 - 10)) << "the upper arm";
+    EXPECT_FALSE(IsKept(snip, 2, 2)) << "outside";
+}
+
+TEST_F(PolygonSnip, SixtyOneVerticesAreDrawnAndDelivered)
+{
+    for (int vertex = 0; vertex < 61; ++vertex)
+    {
+        Click({40 + vertex * 2, vertex % 2 == 0 ? 20 : 80});
+        renderer.Render(s_window);
+    }
+    Click({40, 20});
+    EXPECT_EQ(tool.GetState(), SnipState::Ready);
+    EXPECT_EQ(ring.size(), 62U) << "with the first repeated";
+    renderer.Render(s_window);
+}
+
+TEST_F(PolygonSnip, TheOutlineOfSixtyTwoVerticesIsTooLongToDraw)
+{
+    for (int vertex = 0; vertex < 62; ++vertex)
+        Click({40 + vertex * 2, vertex % 2 == 0 ? 20 : 80});
+    MoveTo({10, 90});
+    EXPECT_ASSERTION(renderer.Render(s_window), "line.points.size() <= s_maxPoints",
+                     "Line object can't draw so many points!");
+}
+
+TEST_F(PolygonSnip, ASlipIsTakenBackByTheRightButton)
+{
+    Click({20, 10});
+    Click({120, 10});
+    Click({190, 90});
+    Release(false);
+    Click({20, 60});
+    Click({20, 10});
+    EXPECT_EQ(bounds, (System::Math::Rectangle{20, 10, 120, 60}));
+}
+
+TEST_F(PolygonSnip, SpaceWorksLikeTheLeftButton)
+{
+    const auto releaseSpace = [this](Point position)
+    {
+        MoveTo(position);
+        ToolContext context;
+        context.type = ToolEventType::Key;
+        context.key = static_cast<std::uint8_t>(System::Desktop::KeyCode::Space);
+        context.pressed = false;
+        tool.Update(context, renderer);
+    };
+    releaseSpace({20, 10});
+    releaseSpace({120, 10});
+    releaseSpace({20, 60});
+    releaseSpace({20, 10});
+    EXPECT_EQ(bounds, (System::Math::Rectangle{20, 10, 120, 60}));
+}
+
+} // namespace
+} // namespace Orvik::SnipBench

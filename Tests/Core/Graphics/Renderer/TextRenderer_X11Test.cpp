@@ -1,0 +1,179 @@
+#include "Core/Graphics/Renderer/FontFile.h"
+#include "Tests/Core/Graphics/Renderer/RendererFixture_X11.h"
+
+#include <array>
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+using Graphics::Renderer::FontFile;
+using Graphics::Renderer::GlyphBitmap;
+using Graphics::Renderer::Text;
+using System::Math::Matrix4;
+
+constexpr std::int32_t s_width = 320;
+constexpr std::int32_t s_height = 200;
+
+Text& AddText(RendererScene& scene, const char* string, const Matrix4& model)
+{
+    std::uint16_t id = 0;
+    auto& texts = scene.GetRenderer().GetTextRenderer();
+    texts.Create(id, string, scene.GetRenderer());
+    Text* const text = texts.Get(id);
+    text->model = model;
+    return *text;
+}
+
+GlyphBitmap RenderGlyph(char character)
+{
+    FontFile font;
+    EXPECT_TRUE(font.InitializeLibrary());
+    EXPECT_TRUE(font.Open("Resources/UI/Textures/Mulish-Regular.ttf", 96));
+    return font.Render(static_cast<std::uint32_t>(character)).value();
+}
+
+/// The sum of all light, in fully white pixels.
+double GetLight(const Frame& frame)
+{
+    double light = 0.0;
+    for (std::int32_t y = 0; y < frame.GetHeight(); ++y)
+    {
+        for (std::int32_t x = 0; x < frame.GetWidth(); ++x)
+            light += frame.At(x, y).red / 255.0;
+    }
+    return light;
+}
+
+} // namespace
+
+class GlyphAtFontSize : public testing::TestWithParam<char>
+{
+};
+
+TEST_P(GlyphAtFontSize, IsTheFontsOwnPicture)
+{
+    RendererScene scene(s_width, s_height);
+    const char character = GetParam();
+    AddText(scene, std::string(1, character).c_str(), Matrix4::Translation(100, 80, 1.0F));
+    const Frame frame = scene.Draw();
+    const GlyphBitmap glyph = RenderGlyph(character);
+    const std::int32_t left = 100 + glyph.left;
+    const std::int32_t top = s_height - (80 + glyph.top);
+    for (std::int32_t y = 0; y < s_height; ++y)
+    {
+        for (std::int32_t x = 0; x < s_width; ++x)
+        {
+            const std::int32_t column = x - left;
+            const std::int32_t row = y - top;
+            const bool isInside = column >= 0 && row >= 0 && column < static_cast<std::int32_t>(glyph.width) &&
+                                  row < static_cast<std::int32_t>(glyph.rows);
+            const std::size_t index = static_cast<std::size_t>(row) * glyph.width + static_cast<std::size_t>(column);
+            // Two steps of 255: the sampling of 16 taps and the blending round.
+            ASSERT_NEAR(frame.At(x, y).red, isInside ? glyph.coverage.at(index) : 0, 2) << x << ", " << y;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Characters, GlyphAtFontSize, testing::Values('A', 'g', '@', 'j', '~', '!', '.', 'W'));
+
+TEST(TextPixels, TheSecondGlyphStandsBehindTheFirstsAdvance)
+{
+    RendererScene scene(s_width, s_height);
+    AddText(scene, "Hi", Matrix4::Translation(20, 80, 1.0F));
+    const Frame frame = scene.Draw();
+    const GlyphBitmap first = RenderGlyph('H');
+    const GlyphBitmap second = RenderGlyph('i');
+    const std::int32_t left = 20 + static_cast<std::int32_t>(first.advance >> 6U) + second.left;
+    // The middle of the i's stem, a few pixels above the line.
+    EXPECT_EQ(frame.At(left + static_cast<std::int32_t>(second.width) / 2, s_height - 90), s_white);
+    EXPECT_EQ(frame.At(left - 3, s_height - 90), s_black);
+}
+
+TEST(TextPixels, ASmallTextKeepsItsWeight)
+{
+    RendererScene scene(s_width, s_height);
+    Text& text = AddText(scene, "123, 456", Matrix4::Translation(5, 80, 1.0F));
+    text.model = Matrix4::ScaleAndTranslation(0.5F, 0.5F, 0.0F, 5, 80, 1.0F);
+    const double half = GetLight(scene.Draw());
+    const float small = Graphics::Renderer::TextRenderer::GetScale(16);
+    text.model = Matrix4::ScaleAndTranslation(small, small, 0.0F, 5, 80, 1.0F);
+    const double light = GetLight(scene.Draw());
+    // A sixth of the size against a half: a ninth of the area. Single taps would be a quarter off and more, and
+    // differ from place to place.
+    EXPECT_NEAR(light / (half / 9.0), 1.0, 0.06);
+}
+
+TEST(TextPixels, TheColourIsScaledByTheCoverage)
+{
+    RendererScene scene(s_width, s_height);
+    AddText(scene, "I", Matrix4::Translation(20, 80, 1.0F)).color = {1.0F, 0.5F, 0.0F, 0.5F};
+    const GlyphBitmap glyph = RenderGlyph('I');
+    const Pixel stem = scene.Draw().At(20 + glyph.left + static_cast<std::int32_t>(glyph.width) / 2, s_height - 100);
+    EXPECT_NEAR(stem.red, 127.5, 1.0);
+    EXPECT_NEAR(stem.green, 63.75, 1.0);
+    EXPECT_EQ(stem.blue, 0);
+}
+
+TEST(TextPixels, TextLiesOverWhatIsNearer)
+{
+    RendererScene scene(s_width, s_height);
+    AddText(scene, "I", Matrix4::Translation(20, 80, -5.0F)).color = {0.0F, 1.0F, 0.0F, 1.0F};
+    std::uint16_t quad = 0;
+    scene.GetRenderer().GetQuadRenderer().Create(quad);
+    scene.GetRenderer().GetQuadRenderer().Get(quad)->model =
+        Matrix4::ScaleAndTranslation(s_width, s_height, 1, 0, 0, 5.0F);
+    const GlyphBitmap glyph = RenderGlyph('I');
+    const Frame frame = scene.Draw();
+    EXPECT_EQ(frame.At(20 + glyph.left + static_cast<std::int32_t>(glyph.width) / 2, s_height - 100),
+              (Pixel{0, 255, 0}));
+    EXPECT_EQ(frame.At(5, 5), s_white);
+}
+
+TEST(TextPixels, WhatComesAfterTextIsTestedForDepthAgain)
+{
+    RendererScene scene(s_width, s_height);
+    AddText(scene, "I", Matrix4::Translation(20, 80, 1.0F));
+    auto& quads = scene.GetRenderer().GetQuadRenderer();
+    std::array<std::uint16_t, 2> ids = {};
+    for (std::uint16_t& id : ids)
+        quads.Create(id);
+    quads.Get(ids[0])->model = Matrix4::ScaleAndTranslation(50, 50, 1, 100, 0, 1.0F);
+    quads.Get(ids[1])->model = Matrix4::ScaleAndTranslation(50, 50, 1, 100, 0, 0.5F);
+    quads.Get(ids[1])->color = {1.0F, 0.0F, 0.0F, 1.0F};
+    EXPECT_EQ(scene.Draw().At(120, s_height - 20), s_white);
+    EXPECT_EQ(scene.Draw().At(120, s_height - 20), s_white);
+}
+
+TEST(TextPixels, ALongTextIsDrawnWhole)
+{
+    RendererScene scene(s_width, s_height);
+    Text& text = AddText(scene, std::string(130, 'l').c_str(), {});
+    const float scale = 300.0F / static_cast<float>(text.width);
+    text.model = Matrix4::ScaleAndTranslation(scale, scale, 0.0F, 10, 80, 1.0F);
+    const Frame frame = scene.Draw();
+    std::int32_t last = 0;
+    for (std::int32_t x = 0; x < s_width; ++x)
+    {
+        for (std::int32_t y = 0; y < s_height; ++y)
+            last = frame.At(x, y) != s_black ? x : last;
+    }
+    EXPECT_NEAR(last, 309, 3);
+}
+
+TEST(TextPixels, ASecondLineStandsBelowTheFirst)
+{
+    RendererScene scene(s_width, s_height);
+    const float scale = 0.5F;
+    AddText(scene, "\nI", Matrix4::ScaleAndTranslation(scale, scale, 0.0F, 20, 100, 1.0F));
+    const Frame frame = scene.Draw();
+    for (std::int32_t y = 0; y < s_height - 100; ++y)
+    {
+        for (std::int32_t x = 0; x < s_width; ++x)
+            ASSERT_EQ(frame.At(x, y), s_black);
+    }
+    EXPECT_GT(frame.CountDrawn(), 50);
+}
+
+} // namespace Orvik::Tests

@@ -1,0 +1,409 @@
+#include "Core/System/Processes/Process.h"
+
+#include "Tests/Core/System/Processes/TestProcess.h"
+#include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/RefusedSystemCall.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace Orvik::System::Processes
+{
+namespace
+{
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Tests::RunInChild;
+using Tests::TestProcess;
+
+std::string GetOwnName()
+{
+    return std::filesystem::read_symlink("/proc/self/exe").filename().string();
+}
+
+std::string GetNameOf(std::uint64_t id)
+{
+    std::string name = "unchanged";
+    return GetName({id}, name);
+}
+
+/// A number that no process has: that of one which has ended.
+std::uint64_t GetEndedId(const Tests::TemporaryDirectory& directory)
+{
+    TestProcess process(directory.GetPath(), "snip-ended");
+    process.Kill();
+    return process.GetId();
+}
+
+/// Terminates a process and tells how long that took.
+std::chrono::milliseconds TimeTermination(std::uint64_t id)
+{
+    const auto start = std::chrono::steady_clock::now();
+    Process process{id};
+    Terminate(process);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+}
+
+class ProcessTest : public testing::Test
+{
+protected:
+    Tests::TemporaryDirectory m_directory;
+};
+
+/// The statement's child process sees the first of these lines, and no other; it exits with 0 then.
+int ExpectOneLine(const Tests::LogRecorder& recorder, const std::string& line)
+{
+    return recorder.GetLines() == std::vector<std::string>{line} ? 0 : 1;
+}
+
+} // namespace
+
+TEST_F(ProcessTest, TheCurrentProcessIsTheCaller)
+{
+    EXPECT_EQ(GetCurrentProcess().id, static_cast<std::uint64_t>(getpid()));
+}
+
+TEST_F(ProcessTest, TheNameIsTheExecutablesBaseName)
+{
+    EXPECT_EQ(GetNameOf(GetCurrentProcess().id), GetOwnName());
+    const TestProcess process(m_directory.GetPath(), "snip-name-that-is-longer-than-fifteen-bytes");
+    EXPECT_EQ(GetNameOf(process.GetId()), "snip-name-that-is-longer-than-fifteen-bytes");
+}
+
+TEST_F(ProcessTest, GetNameReturnsTheStringItWrote)
+{
+    std::string text;
+    EXPECT_EQ(&GetName(GetCurrentProcess(), text), &text);
+}
+
+TEST_F(ProcessTest, AnExecutableThatWasReplacedKeepsItsName)
+{
+    const TestProcess process(m_directory.GetPath(), "snip-replaced");
+    std::filesystem::remove(m_directory.GetPath() / "snip-replaced");
+    EXPECT_EQ(GetNameOf(process.GetId()), "snip-replaced");
+}
+
+TEST_F(ProcessTest, WhereTheExecutableCannotBeReadTheKernelsNameStandsIn)
+{
+    // A process that has ended and wasn't asked for has no executable any more.
+    TestProcess process(m_directory.GetPath(), "snip-unasked");
+    kill(static_cast<pid_t>(process.GetId()), SIGKILL);
+    process.WaitUntilEnded();
+    const Tests::LogRecorder recorder;
+    EXPECT_EQ(GetNameOf(process.GetId()), "snip-unasked");
+    EXPECT_THAT(recorder.GetLines(), IsEmpty());
+}
+
+TEST_F(ProcessTest, AProcessThatIsGoneLeavesTheTextAndIsLogged)
+{
+    const std::uint64_t id = GetEndedId(m_directory);
+    const Tests::LogRecorder recorder;
+    EXPECT_EQ(GetNameOf(id), "unchanged");
+    EXPECT_THAT(recorder.GetLines(), ElementsAre("System Error: Failed to get process '" + std::to_string(id) +
+                                                 "' handle: No such file or directory (2)"));
+}
+
+TEST_F(ProcessTest, NumbersThatAreNoProcessAreNotCut)
+{
+    const Tests::LogRecorder recorder;
+    EXPECT_EQ(GetNameOf(0), "unchanged");
+    EXPECT_EQ(GetNameOf(0x100000000 + GetCurrentProcess().id), "unchanged");
+    EXPECT_EQ(GetNameOf(0xFFFFFFFFFFFFFFFF), "unchanged");
+    ASSERT_EQ(recorder.GetLines().size(), 3U);
+    EXPECT_EQ(recorder.GetLines()[0], "System Error: Failed to get process '0' handle: No such process (3)");
+    EXPECT_EQ(recorder.GetLines()[2],
+              "System Error: Failed to get process '18446744073709551615' handle: No such process (3)");
+}
+
+TEST_F(ProcessTest, ANameThatCannotBeReadLeavesTheTextAndIsLogged)
+{
+    EXPECT_EQ(RunInChild(
+                  []
+                  {
+                      const std::uint64_t id = GetCurrentProcess().id;
+                      const Tests::LogRecorder recorder;
+                      // Directories can still be opened as places, files can't be opened.
+                      Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+                      Tests::RefuseSystemCallWithout(SYS_openat, 2, O_PATH, EACCES);
+                      if (GetNameOf(id) != "unchanged")
+                          return 2;
+                      return ExpectOneLine(recorder, "System Error: Failed to get name of process '" +
+                                                         std::to_string(id) + "': Permission denied (D)");
+                  }),
+              0);
+}
+
+TEST_F(ProcessTest, TerminateAsksToEndAndReturnsAtOnce)
+{
+    TestProcess target(m_directory.GetPath(), "snip-polite");
+    const Tests::LogRecorder recorder;
+    EXPECT_LT(TimeTermination(target.GetId()), 1000ms);
+    EXPECT_EQ(target.GetEndSignal(), SIGTERM);
+    EXPECT_THAT(recorder.GetLines(), IsEmpty());
+}
+
+TEST_F(ProcessTest, TerminateClearsTheId)
+{
+    const TestProcess target(m_directory.GetPath(), "snip-cleared");
+    Process process{target.GetId()};
+    Terminate(process);
+    EXPECT_EQ(process.id, 0U);
+}
+
+TEST_F(ProcessTest, AProcessThatDoesNotEndIsKilledAfterThreeSeconds)
+{
+    TestProcess target(m_directory.GetPath(), "snip-deaf", TestProcess::Kind::IgnoresRequests);
+    const std::chrono::milliseconds duration = TimeTermination(target.GetId());
+    EXPECT_GE(duration, 2900ms);
+    EXPECT_LT(duration, 4000ms);
+    EXPECT_EQ(target.GetEndSignal(), SIGKILL);
+}
+
+TEST_F(ProcessTest, AProcessThatEndsWithinItsTimeIsNotWaitedForLonger)
+{
+    TestProcess target(m_directory.GetPath(), "snip-slow", TestProcess::Kind::IgnoresRequests);
+    std::thread ending(
+        [&target]
+        {
+            std::this_thread::sleep_for(400ms);
+            kill(static_cast<pid_t>(target.GetId()), SIGINT);
+        });
+    const std::chrono::milliseconds duration = TimeTermination(target.GetId());
+    ending.join();
+    EXPECT_GE(duration, 300ms);
+    EXPECT_LT(duration, 1500ms);
+    EXPECT_EQ(target.GetEndSignal(), SIGINT);
+}
+
+TEST_F(ProcessTest, AProcessThatHasEndedAndWasNotAskedForCountsAsGone)
+{
+    TestProcess target(m_directory.GetPath(), "snip-zombie");
+    kill(static_cast<pid_t>(target.GetId()), SIGKILL);
+    target.WaitUntilEnded();
+    const Tests::LogRecorder recorder;
+    EXPECT_LT(TimeTermination(target.GetId()), 1000ms);
+    EXPECT_THAT(recorder.GetLines(), IsEmpty());
+}
+
+TEST_F(ProcessTest, TerminatingAProcessThatIsGoneIsLogged)
+{
+    Process process{GetEndedId(m_directory)};
+    const std::string id = std::to_string(process.id);
+    const Tests::LogRecorder recorder;
+    Terminate(process);
+    EXPECT_EQ(process.id, 0U);
+    EXPECT_THAT(recorder.GetLines(),
+                ElementsAre("System Error: Failed to get process '" + id + "' handle: No such file or directory (2)"));
+}
+
+TEST_F(ProcessTest, NoProcessIsNotTerminated)
+{
+    // As a signal's target 0 would be the caller's own group, and the other one, cut to 32 bits, the caller itself.
+    const Tests::LogRecorder recorder;
+    (void)TimeTermination(0);
+    (void)TimeTermination(0x100000000 + GetCurrentProcess().id);
+    ASSERT_EQ(recorder.GetLines().size(), 2U);
+    EXPECT_EQ(recorder.GetLines()[0], "System Error: Failed to get process '0' handle: No such process (3)");
+}
+
+TEST_F(ProcessTest, AProcessOfAnotherUserIsNotTerminated)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "Only root can start a process of another user.";
+    TestProcess target(m_directory.GetPath(), "snip-other", TestProcess::Kind::OtherUser);
+    const Tests::LogRecorder recorder;
+    EXPECT_LT(TimeTermination(target.GetId()), 1000ms);
+    EXPECT_FALSE(target.HasEnded());
+    EXPECT_THAT(recorder.GetLines(),
+                ElementsAre("System Error: Failed to get process '" + std::to_string(target.GetId()) +
+                            "' handle: Operation not permitted (1)"));
+}
+
+TEST_F(ProcessTest, AGuardedProcessOfAnotherUserIsNotTerminated)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "Only root can start a process of another user.";
+    // The system shows its files as root's.
+    TestProcess target(m_directory.GetPath(), "snip-guarded", TestProcess::Kind::OtherUserGuarded);
+    (void)TimeTermination(target.GetId());
+    EXPECT_FALSE(target.HasEnded());
+}
+
+TEST_F(ProcessTest, AProcessOfAnotherUserIsNotTerminatedByAnOrdinaryOne)
+{
+    if (geteuid() == 0)
+        GTEST_SKIP() << "Root is no ordinary user.";
+    const Tests::LogRecorder recorder;
+    (void)TimeTermination(1);
+    EXPECT_THAT(recorder.GetLines(),
+                ElementsAre("System Error: Failed to get process '1' handle: Operation not permitted (1)"));
+}
+
+TEST_F(ProcessTest, ARefusedSignalIsLogged)
+{
+    TestProcess target(m_directory.GetPath(), "snip-refused");
+    const std::uint64_t id = target.GetId();
+    EXPECT_EQ(RunInChild(
+                  [id]
+                  {
+                      const Tests::LogRecorder recorder;
+                      Tests::RefuseSystemCall(SYS_pidfd_send_signal, EPERM);
+                      Tests::RefuseSystemCall(SYS_kill, EPERM);
+                      (void)TimeTermination(id);
+                      return ExpectOneLine(recorder, "System Error: Failed to terminate process '" +
+                                                         std::to_string(id) + "': Operation not permitted (1)");
+                  }),
+              0);
+    EXPECT_FALSE(target.HasEnded());
+}
+
+TEST_F(ProcessTest, WithoutProcessDescriptorsAProcessEndsAsWell)
+{
+    TestProcess target(m_directory.GetPath(), "snip-old-kernel");
+    const std::uint64_t id = target.GetId();
+    EXPECT_EQ(RunInChild(
+                  [id]
+                  {
+                      Tests::RefuseSystemCall(SYS_pidfd_open, ENOSYS);
+                      return TimeTermination(id) < 1000ms ? 0 : 1;
+                  }),
+              0);
+    EXPECT_EQ(target.GetEndSignal(), SIGTERM);
+}
+
+TEST_F(ProcessTest, WithoutProcessDescriptorsADeafProcessIsKilledAsWell)
+{
+    TestProcess target(m_directory.GetPath(), "snip-old-deaf", TestProcess::Kind::IgnoresRequests);
+    const std::uint64_t id = target.GetId();
+    EXPECT_EQ(RunInChild(
+                  [id]
+                  {
+                      Tests::RefuseSystemCall(SYS_pidfd_open, ENOSYS);
+                      const std::chrono::milliseconds duration = TimeTermination(id);
+                      return duration >= 2900ms && duration < 4000ms ? 0 : 1;
+                  }),
+              0);
+    EXPECT_EQ(target.GetEndSignal(), SIGKILL);
+}
+
+TEST_F(ProcessTest, EnumeratesAllWithoutAName)
+{
+    const TestProcess process(m_directory.GetPath(), "snip-any");
+    std::set<std::uint64_t> ids;
+    const std::uint32_t count = EnumerateProcesses({}, [&ids](Process& found) { ids.insert(found.id); });
+    EXPECT_EQ(count, ids.size());
+    EXPECT_TRUE(ids.contains(GetCurrentProcess().id));
+    EXPECT_TRUE(ids.contains(process.GetId()));
+    EXPECT_FALSE(ids.contains(0));
+}
+
+TEST_F(ProcessTest, EnumeratesThoseOfTheName)
+{
+    const TestProcess first(m_directory.GetPath(), "snip-listed");
+    const TestProcess second(m_directory.GetPath(), "snip-listed");
+    const TestProcess other(m_directory.GetPath(), "snip-listed-not");
+    std::vector<std::uint64_t> ids;
+    EXPECT_EQ(EnumerateProcesses("snip-listed", [&ids](Process& process) { ids.push_back(process.id); }), 2U);
+    EXPECT_THAT(ids, testing::UnorderedElementsAre(first.GetId(), second.GetId()));
+}
+
+TEST_F(ProcessTest, NamesHaveToBeTheSameByteForByte)
+{
+    const TestProcess process(m_directory.GetPath(), "snip-exact");
+    const auto ignore = [](Process&) {};
+    EXPECT_EQ(EnumerateProcesses("snip-exact", ignore), 1U);
+    EXPECT_EQ(EnumerateProcesses("Snip-Exact", ignore), 0U);
+    EXPECT_EQ(EnumerateProcesses("snip-exac", ignore), 0U);
+    EXPECT_EQ(EnumerateProcesses("snip-exact ", ignore), 0U);
+}
+
+TEST_F(ProcessTest, TheCallbackMayEndWhatItGets)
+{
+    TestProcess first(m_directory.GetPath(), "snip-instance");
+    TestProcess second(m_directory.GetPath(), "snip-instance");
+    EXPECT_EQ(EnumerateProcesses("snip-instance", [](Process& process) { Terminate(process); }), 2U);
+    EXPECT_EQ(first.GetEndSignal(), SIGTERM);
+    EXPECT_EQ(second.GetEndSignal(), SIGTERM);
+}
+
+TEST_F(ProcessTest, AProcessThatEndsMeanwhileGoesUnderTheNameBefore)
+{
+    // Two in a row, with no other process between their numbers, so that the first one's name is the one before.
+    for (int attempt = 0; attempt < 100; ++attempt)
+    {
+        TestProcess first(m_directory.GetPath(), "snip-row");
+        TestProcess second(m_directory.GetPath(), "snip-row");
+        if (second.GetId() != first.GetId() + 1)
+            continue;
+        const Tests::LogRecorder recorder;
+        std::vector<std::uint64_t> ids;
+        EXPECT_EQ(EnumerateProcesses("snip-row",
+                                     [&](Process& process)
+                                     {
+                                         ids.push_back(process.id);
+                                         second.Kill();
+                                     }),
+                  2U);
+        EXPECT_THAT(ids, ElementsAre(first.GetId(), second.GetId()));
+        EXPECT_THAT(recorder.GetLines(),
+                    testing::Contains("System Error: Failed to get process '" + std::to_string(second.GetId()) +
+                                      "' handle: No such file or directory (2)"));
+        return;
+    }
+    FAIL() << "No two processes got numbers in a row.";
+}
+
+TEST_F(ProcessTest, AProcessThatEndsMeanwhileIsNotMatchedByAnotherName)
+{
+    for (int attempt = 0; attempt < 100; ++attempt)
+    {
+        const TestProcess first(m_directory.GetPath(), "snip-row-one");
+        const TestProcess between(m_directory.GetPath(), "snip-row-two");
+        TestProcess last(m_directory.GetPath(), "snip-row-one");
+        if (last.GetId() != between.GetId() + 1)
+            continue;
+        EXPECT_EQ(EnumerateProcesses("snip-row-one", [&last](Process&) { last.Kill(); }), 1U);
+        return;
+    }
+    FAIL() << "No two processes got numbers in a row.";
+}
+
+TEST_F(ProcessTest, AListThatCannotBeReadIsLogged)
+{
+    EXPECT_EQ(RunInChild(
+                  []
+                  {
+                      const Tests::LogRecorder recorder;
+                      Tests::RefuseSystemCall(SYS_openat, EACCES);
+                      bool isCalled = false;
+                      if (EnumerateProcesses({}, [&isCalled](Process&) { isCalled = true; }) != 0 || isCalled)
+                          return 2;
+                      return ExpectOneLine(recorder,
+                                           "System Error: Failed to enumerate processes: Permission denied (D)");
+                  }),
+              0);
+}
+
+TEST_F(ProcessTest, AnExecutableNameHasItsExtensionAdded)
+{
+    EXPECT_EQ(MakeExecutableName("SnipBench"), "SnipBench.exe");
+    EXPECT_EQ(MakeExecutableName("SnipBench.exe"), "SnipBench.exe.exe");
+    EXPECT_EQ(MakeExecutableName(""), ".exe");
+}
+
+} // namespace Orvik::System::Processes

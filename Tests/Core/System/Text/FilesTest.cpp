@@ -1,0 +1,68 @@
+#include "Core/System/Text/Files.h"
+
+#include "Tests/Support/BinaryFile.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+
+namespace Orvik::System::Text
+{
+namespace
+{
+
+using Tests::Bytes;
+
+TEST(Files, AFileUnderAUtf8NameIsWrittenAndReadBack)
+{
+    const Tests::TemporaryDirectory directory;
+    const std::string path = (directory.GetPath() / "gr\xC3\xB6\xC3\x9F"
+                                                    "e.bin")
+                                 .string();
+
+    File written = OpenFile(path, "wb");
+    ASSERT_NE(written, nullptr);
+    EXPECT_EQ(std::fputs("abc", written.get()), 1);
+    EXPECT_TRUE(Close(std::move(written)));
+
+    EXPECT_EQ(Tests::ReadBytes(path), (Bytes{'a', 'b', 'c'}));
+    const File read = OpenFile(path, "rb");
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(std::fgetc(read.get()), 'a');
+}
+
+TEST(Files, AFileThatIsNotThereIsNull)
+{
+    const Tests::TemporaryDirectory directory;
+    EXPECT_EQ(OpenFile((directory.GetPath() / "missing").string(), "rb"), nullptr);
+}
+
+TEST(Files, ADirectoryThatIsNotThereGetsNoFile)
+{
+    const Tests::TemporaryDirectory directory;
+    EXPECT_EQ(OpenFile((directory.GetPath() / "missing" / "file").string(), "wb"), nullptr);
+}
+
+TEST(Files, ClosingTellsThatTheDiskIsFull)
+{
+    File file = OpenFile("/dev/full", "wb");
+    ASSERT_NE(file, nullptr);
+    EXPECT_NE(std::fputs("abc", file.get()), EOF) << "the bytes wait in the buffer";
+    EXPECT_FALSE(Close(std::move(file)));
+}
+
+TEST(Files, AFileIsClosedWithItsObject)
+{
+    const Tests::TemporaryDirectory directory;
+    const std::string path = (directory.GetPath() / "file").string();
+    {
+        const File file = OpenFile(path, "wb");
+        ASSERT_NE(file, nullptr);
+        std::fputs("abc", file.get());
+        EXPECT_EQ(std::filesystem::file_size(path), 0U) << "the bytes wait in the buffer";
+    }
+    EXPECT_EQ(std::filesystem::file_size(path), 3U);
+}
+
+} // namespace
+} // namespace Orvik::System::Text

@@ -1,0 +1,80 @@
+#include "Core/System/Types/Guid.h"
+
+#include <gtest/gtest.h>
+#include <regex>
+#include <set>
+
+namespace Orvik::System
+{
+namespace
+{
+
+TEST(Guid, TextHasUpperCaseGroupsInBraces)
+{
+    EXPECT_EQ((GUID{0x4F723C6FB0AE4AC7, 0x94A56A92D5DBD05E}).ToString(), "{4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E}");
+    EXPECT_EQ((GUID{0x0000000100020003, 0x0004000000000005}).ToString(), "{00000001-0002-0003-0004-000000000005}");
+    EXPECT_EQ(GUID().ToString(), "{00000000-0000-0000-0000-000000000000}");
+    EXPECT_EQ((GUID{0xFFFFFFFFFFFFFFFF, 0xFFFFFFFFFFFFFFFF}).ToString(), "{FFFFFFFF-FFFF-FFFF-FFFF-FFFFFFFFFFFF}");
+}
+
+TEST(Guid, ParsesBothForms)
+{
+    constexpr GUID expected{0x4F723C6FB0AE4AC7, 0x94A56A92D5DBD05E};
+    EXPECT_EQ(ParseGuid("{4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E}"), expected);
+    EXPECT_EQ(ParseGuid("4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E"), expected);
+    EXPECT_EQ(ParseGuid("{4f723c6f-b0ae-4ac7-94a5-6a92d5dbd05e}"), expected);
+    EXPECT_EQ(ParseGuid("4f723c6F-B0aE-4Ac7-94a5-6A92d5dbD05e"), expected);
+}
+
+TEST(Guid, AnythingElseParsesToZero)
+{
+    for (const char* text : {
+             "",
+             "{",
+             "{}",
+             "4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05",
+             "4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E0",
+             "{4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E",
+             "4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E}",
+             "(4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E)",
+             "{4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E} ",
+             "4G723C6F-B0AE-4AC7-94A5-6A92D5DBD05E",
+             "4F723C6FB-0AE-4AC7-94A5-6A92D5DBD05E",
+             "4F723C6F0B0AE-4AC7-94A5-6A92D5DBD05E",
+             "4F723C6F-B0AE-4AC7-94A5-6A92D5DBD0-E",
+             "4F723C6F-B0AE-4AC7-94A5-6A92D5DBD0 E",
+         })
+        EXPECT_EQ(ParseGuid(text), GUID()) << text;
+}
+
+TEST(Guid, ParsedTextIsTheTextAgain)
+{
+    const GUID guid = GenerateGuid();
+    EXPECT_EQ(ParseGuid(guid.ToString()), guid);
+    EXPECT_NE(guid, GUID());
+}
+
+TEST(Guid, GeneratedOnesAreDifferentRandomUuids)
+{
+    constexpr std::size_t count = 300;
+    const std::regex form("\\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\\}");
+    std::set<std::string> texts;
+    for (std::size_t index = 0; index < count; ++index)
+    {
+        const std::string text = GenerateGuid().ToString();
+        EXPECT_EQ(text.size(), 38U);
+        EXPECT_TRUE(std::regex_match(text, form)) << text;
+        texts.insert(text);
+    }
+    EXPECT_EQ(texts.size(), count);
+}
+
+TEST(Guid, EqualityComparesBothHalves)
+{
+    EXPECT_EQ((GUID{1, 2}), (GUID{1, 2}));
+    EXPECT_NE((GUID{1, 2}), (GUID{1, 3}));
+    EXPECT_NE((GUID{1, 2}), (GUID{0, 2}));
+}
+
+} // namespace
+} // namespace Orvik::System

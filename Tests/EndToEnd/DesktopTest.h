@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Tests/EndToEnd/ProgramTest.h"
+#include "Tests/Support/Desktop/InputDriver.h"
+#include "Tests/Support/Desktop/OverlayWatcher.h"
+#include "Tests/Support/Desktop/Screen.h"
+#include "Tests/Support/VirtualDisplay.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace Orvik::Tests
+{
+
+/// Runs the built program on a virtual display of 800 by 600 pixels, with a person at it.
+///
+/// A selection reads the mouse's position when the program gets to it, so these operations wait for the crosshair of
+/// each step before the next. They throw `std::runtime_error` if it doesn't come.
+class DesktopTest : public ProgramTest
+{
+protected:
+    static constexpr int s_width = 800;
+    static constexpr int s_height = 600;
+
+    DesktopTest();
+
+    /// Starts the program and waits for its first frame. `cursor` is where its crosshair then is.
+    [[nodiscard]] ChildProcess StartOverlay(const Arguments& arguments, Position cursor = {s_width / 2, s_height / 2});
+
+    void MoveTo(Position position) { MoveTo(position, position); }
+    /// The same where the crosshair can't follow the mouse all the way.
+    void MoveTo(Position position, Position cursor);
+    void Drag(Position from, Position to);
+    /// Taps an arrow key that moves the cursor by one pixel.
+    void TapArrow(const std::string& name, Position cursor);
+    /// Ends the run by Escape and waits for its end.
+    [[nodiscard]] ChildResult EndByEscape(ChildProcess& process);
+
+    /// Writes `picture` as a PNG file into the working directory and returns its path.
+    [[nodiscard]] std::string AddPicture(const Picture& picture, const std::string& name = "picture.png") const;
+    [[nodiscard]] std::filesystem::path GetOutput() const { return m_installation.GetWork() / "out"; }
+
+    std::optional<VirtualDisplay> m_display;
+    std::optional<InputDriver> m_input;
+    std::optional<Screen> m_screen;
+    std::optional<OverlayWatcher> m_overlay;
+};
+
+} // namespace Orvik::Tests

@@ -1,0 +1,225 @@
+// How a run comes to its end.
+#include "Tests/EndToEnd/DesktopTest.h"
+#include "Tests/EndToEnd/OutputFiles.h"
+
+#include <csignal>
+#include <thread>
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+constexpr std::chrono::milliseconds s_politeLimit{2500};
+
+class Ending : public DesktopTest
+{
+protected:
+    [[nodiscard]] ChildProcess StartOnPicture()
+    {
+        return StartOverlay({"-f", AddPicture(MakeTestPicture(s_width, s_height)), "-o", GetOutput().string()});
+    }
+
+    void ExpectEndBySignal(ChildProcess& process, int signal) const
+    {
+        process.SendSignal(signal);
+        EXPECT_TRUE(process.HasEndedWithin(s_politeLimit));
+        ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    }
+
+    /// Nothing holds the keyboard or the pointer, and no overlay is left.
+    void ExpectFreeDesktop()
+    {
+        EXPECT_EQ(m_overlay->GetState(), OverlayWatcher::State::Missing);
+        EXPECT_TRUE(m_input->CanGrab());
+    }
+};
+
+TEST_F(Ending, EscapeEndsAtItsReleaseAndNotAtItsPress)
+{
+    ChildProcess process = StartOnPicture();
+    m_input->PressKey("Escape");
+    EXPECT_FALSE(process.HasEndedWithin(std::chrono::milliseconds(1000)));
+    m_input->ReleaseKey("Escape");
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_TRUE(ListFiles(GetOutput()).empty());
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, EscapeEndsASelectionUnderWay)
+{
+    ChildProcess process = StartOnPicture();
+    MoveTo({10, 20});
+    m_input->PressButton(1);
+    MoveTo({110, 70});
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+    m_input->ReleaseButton(1);
+    EXPECT_TRUE(ListFiles(GetOutput()).empty());
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, NoOtherKeyEndsTheRun)
+{
+    ChildProcess process = StartOnPicture();
+    for (const char* key : {"Return", "q", "F4", "Delete", "BackSpace", "Control_L", "Alt_L", "Tab"})
+        m_input->TapKey(key);
+    EXPECT_FALSE(process.HasEndedWithin(std::chrono::milliseconds(500)));
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_F(Ending, OneShotLeavesAFreeDesktop)
+{
+    ChildProcess process =
+        StartOverlay({"-f", AddPicture(MakeTestPicture(s_width, s_height)), "-s", "true", "-o", GetOutput().string()});
+    Drag({10, 20}, {110, 70});
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, OneShotIsOnlyOnForATrueValue)
+{
+    for (const char* value : {"1", "yes", "on", "false"})
+    {
+        const std::filesystem::path directory = m_installation.GetWork() / value;
+        m_input->MoveTo({s_width / 2, s_height / 2});
+        ChildProcess process =
+            StartOverlay({"-f", AddPicture(MakeTestPicture(s_width, s_height)), "-s", value, "-o", directory.string()});
+        Drag({10, 20}, {110, 70});
+        (void)WaitForSnips(directory, 1);
+        EXPECT_FALSE(process.HasEndedWithin(std::chrono::milliseconds(300))) << value;
+        ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+    }
+}
+
+TEST_F(Ending, TerminateEndsTheLoop)
+{
+    ChildProcess process = StartOnPicture();
+    ExpectEndBySignal(process, SIGTERM);
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, InterruptEndsTheLoop)
+{
+    ChildProcess process = StartOnPicture();
+    ExpectEndBySignal(process, SIGINT);
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, HangUpEndsTheLoop)
+{
+    ChildProcess process = StartOnPicture();
+    ExpectEndBySignal(process, SIGHUP);
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, TerminateDuringASelection)
+{
+    ChildProcess process = StartOnPicture();
+    MoveTo({10, 20});
+    m_input->PressButton(1);
+    MoveTo({110, 70});
+    ExpectEndBySignal(process, SIGTERM);
+    m_input->ReleaseButton(1);
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, TerminateEndsADelay)
+{
+    ChildProcess process = Start({"-d", "60000", "-o", GetOutput().string()});
+    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    ExpectEndBySignal(process, SIGTERM);
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, InterruptEndsADelay)
+{
+    ChildProcess process = Start({"-d", "60000", "-o", GetOutput().string()});
+    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    ExpectEndBySignal(process, SIGINT);
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, AKilledRunLeavesAFreeDesktop)
+{
+    ChildProcess process = StartOnPicture();
+    process.SendSignal(SIGKILL);
+    EXPECT_EQ(process.Wait(s_endLimit).signal, SIGKILL);
+    EXPECT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Missing));
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, AServerThatGoesAwayEndsTheLoop)
+{
+    ChildProcess process = StartOnPicture();
+    m_overlay.reset();
+    m_screen.reset();
+    m_input.reset();
+    m_display.reset();
+    const ChildResult result = process.Wait(s_endLimit);
+    EXPECT_FALSE(result.isTimeout);
+    EXPECT_EQ(result.signal, 0) << result.standardError;
+}
+
+TEST_F(Ending, AServerThatGoesAwayDuringADelayEndsTheRun)
+{
+    ChildProcess process = Start({"-d", "1500", "-o", GetOutput().string()});
+    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
+    m_overlay.reset();
+    m_screen.reset();
+    m_input.reset();
+    m_display.reset();
+    const ChildResult result = process.Wait(s_endLimit);
+    EXPECT_FALSE(result.isTimeout);
+    EXPECT_EQ(result.signal, 0) << result.standardError;
+}
+
+TEST_F(Ending, ASecondRunEndsTheFirst)
+{
+    ChildProcess first = StartOnPicture();
+    ChildProcess second = Start({"-f", m_installation.GetWork() / "picture.png", "-o", GetOutput().string()});
+    ExpectAnswer(first.Wait(s_endLimit), 0, Answer::Success);
+    ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
+    ExpectAnswer(EndByEscape(second), 0, Answer::Success);
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, HelpOfASecondRunEndsTheFirstToo)
+{
+    ChildProcess first = StartOnPicture();
+    EXPECT_EQ(Run({"-h"}).exitCode, 0);
+    ExpectAnswer(first.Wait(s_endLimit), 0, Answer::Success);
+}
+
+TEST_F(Ending, ARunUnderAnotherNameIsLeftAlone)
+{
+    ChildProcess first = StartOnPicture();
+    const Installation other;
+    ChildProcess second({other.GetProgram(), {"-h"}, {"HOME=" + other.GetHome().string()}, other.GetWork()});
+    EXPECT_EQ(second.Wait(s_endLimit).exitCode, 0);
+    EXPECT_FALSE(first.HasEndedWithin(std::chrono::milliseconds(300)));
+    ExpectAnswer(EndByEscape(first), 0, Answer::Success);
+}
+
+TEST_F(Ending, AKeyboardThatSomebodyElseHoldsIsWaitedFor)
+{
+    // As a hot-key daemon does while its key is down.
+    ASSERT_TRUE(m_input->Grab());
+    ChildProcess process = StartOnPicture();
+    m_input->Ungrab();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_F(Ending, AKeyboardThatNobodyGivesBackDoesNotStopTheRun)
+{
+    ASSERT_TRUE(m_input->Grab());
+    ChildProcess process = StartOnPicture();
+    EXPECT_FALSE(process.HasEndedWithin(std::chrono::milliseconds(2500)));
+    ExpectEndBySignal(process, SIGTERM);
+    m_input->Ungrab();
+}
+
+} // namespace
+} // namespace Orvik::Tests

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Tests/Support/TemporaryDirectory.h"
+
+#include <filesystem>
+
+namespace Orvik::Tests
+{
+
+/// The built program in an installation of its own. The program ends other processes of its name when it starts, so it
+/// stands here under a name that nothing else has: a person's own run, or another test's, isn't disturbed.
+class Installation
+{
+public:
+    Installation();
+
+    [[nodiscard]] const std::filesystem::path& GetProgram() const { return m_program; }
+    /// Empty directories for `HOME` and to start the program in.
+    [[nodiscard]] std::filesystem::path GetHome() const { return m_directory.GetPath() / "home"; }
+    [[nodiscard]] std::filesystem::path GetWork() const { return m_directory.GetPath() / "work"; }
+    /// Where the program's log and report files go.
+    [[nodiscard]] std::filesystem::path GetLogs() const { return GetHome() / ".orvik" / "Logs"; }
+
+private:
+    TemporaryDirectory m_directory;
+    std::filesystem::path m_program;
+};
+
+} // namespace Orvik::Tests

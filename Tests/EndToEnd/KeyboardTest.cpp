@@ -1,0 +1,146 @@
+// Selections without a mouse.
+#include "Tests/EndToEnd/DesktopTest.h"
+#include "Tests/EndToEnd/OutputFiles.h"
+
+#include <thread>
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+class Keyboard : public DesktopTest
+{
+protected:
+    [[nodiscard]] ChildProcess StartOnPicture()
+    {
+        return StartOverlay({"-f", AddPicture(m_picture), "-s", "true", "-o", GetOutput().string()});
+    }
+
+    void ExpectSnip(ChildProcess& process, const Area& expected)
+    {
+        ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+        const SnipFiles snip = WaitForSnips(GetOutput(), 1).front();
+        EXPECT_EQ(LoadPng(snip.image), m_picture.Crop(expected));
+        EXPECT_EQ(snip.json, MakeMetaText(snip, expected.width, expected.height));
+    }
+
+    const Picture m_picture = MakeTestPicture(s_width, s_height);
+};
+
+TEST_F(Keyboard, SpaceArrowsSpaceGivesASnip)
+{
+    ChildProcess process = StartOnPicture();
+    m_input->TapKey("space");
+    for (int step = 1; step <= 3; ++step)
+        TapArrow("Right", {400 + step, 300});
+    for (int step = 1; step <= 2; ++step)
+        TapArrow("Down", {403, 300 + step});
+    m_input->TapKey("space");
+    ExpectSnip(process, {400, 300, 3, 2});
+}
+
+TEST_F(Keyboard, ArrowsWhileSpaceIsHeldGiveASnip)
+{
+    ChildProcess process = StartOnPicture();
+    m_input->PressKey("space");
+    TapArrow("Left", {399, 300});
+    TapArrow("Up", {399, 299});
+    TapArrow("Up", {399, 298});
+    m_input->ReleaseKey("space");
+    ExpectSnip(process, {399, 298, 1, 2});
+}
+
+TEST_F(Keyboard, LettersMoveLikeTheArrows)
+{
+    ChildProcess process = StartOnPicture();
+    TapArrow("w", {400, 299});
+    TapArrow("a", {399, 299});
+    m_input->TapKey("space");
+    TapArrow("s", {399, 300});
+    TapArrow("d", {400, 300});
+    m_input->TapKey("space");
+    ExpectSnip(process, {399, 299, 1, 1});
+}
+
+TEST_F(Keyboard, AnArrowMovesThePointerItself)
+{
+    ChildProcess process = StartOnPicture();
+    TapArrow("Right", {401, 300});
+    EXPECT_EQ(m_input->GetPointer(), (Position{401, 300}));
+    TapArrow("Up", {401, 299});
+    EXPECT_EQ(m_input->GetPointer(), (Position{401, 299}));
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_F(Keyboard, AnArrowStopsAtTheScreensEdge)
+{
+    ChildProcess process = StartOnPicture();
+    MoveTo({1, 1});
+    TapArrow("Left", {0, 1});
+    TapArrow("Left", {0, 1});
+    TapArrow("Up", {0, 0});
+    TapArrow("Up", {0, 0});
+    TapArrow("Right", {1, 0});
+    EXPECT_EQ(m_input->GetPointer(), (Position{1, 0}));
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_F(Keyboard, AHeldArrowMovesOnWithEveryRepeat)
+{
+    ChildProcess process = StartOnPicture();
+    m_input->SetKeyRepeat(100, 50);
+    m_input->TapKey("space");
+    m_input->PressKey("Right");
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    m_input->ReleaseKey("Right");
+    const Position pointer = m_input->GetPointer();
+    // The first press, and one more every 50 ms after 100 ms: 29. A busy machine may lose a few.
+    EXPECT_GE(pointer.x, 400 + 15);
+    EXPECT_LE(pointer.x, 400 + 31);
+
+    ASSERT_TRUE(m_overlay->WaitForCrosshair(m_input->GetPointer()));
+    TapArrow("Down", {m_input->GetPointer().x, 301});
+    const int width = m_input->GetPointer().x - 400;
+    m_input->TapKey("space");
+    ExpectSnip(process, {400, 300, width, 1});
+}
+
+TEST_F(Keyboard, MouseAndKeysMix)
+{
+    ChildProcess process = StartOnPicture();
+    MoveTo({100, 100});
+    m_input->PressButton(1);
+    MoveTo({150, 120});
+    TapArrow("Right", {151, 120});
+    TapArrow("Down", {151, 121});
+    m_input->ReleaseButton(1);
+    ExpectSnip(process, {100, 100, 51, 21});
+}
+
+TEST_F(Keyboard, TheZoomKeysChangeTheMagnifierAndNothingElse)
+{
+    ChildProcess process = StartOnPicture();
+    // The magnifier stands 16 pixels right of and below the cursor, 128 pixels wide; its label is above this part.
+    const Area lower{417, 384, 126, 50};
+    const Picture times4 = m_screen->Capture(lower);
+    MoveTo({401, 300});
+    m_input->TapKey("equal");
+    MoveTo({400, 300});
+    const Picture times8 = m_screen->Capture(lower);
+    EXPECT_NE(times8, times4);
+    m_input->TapKey("minus");
+    MoveTo({401, 300});
+    MoveTo({400, 300});
+    EXPECT_EQ(m_screen->Capture(lower), times4);
+    m_input->Click(4);
+    MoveTo({401, 300});
+    MoveTo({400, 300});
+    EXPECT_EQ(m_screen->Capture(lower), times8);
+
+    Drag({10, 20}, {30, 40});
+    ExpectSnip(process, {10, 20, 20, 20});
+}
+
+} // namespace
+} // namespace Orvik::Tests

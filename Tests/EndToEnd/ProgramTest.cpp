@@ -1,0 +1,111 @@
+#include "Tests/EndToEnd/ProgramTest.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+/// One line of the log, as the console and the file get it.
+const std::regex s_logLine(R"(\[\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{7}Z \| [A-Za-z]+\] .*)");
+
+void ExpectLogLines(const std::string& text)
+{
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_TRUE(std::regex_match(line, s_logLine)) << "No log line: " << line;
+}
+
+void ExpectExit(const ChildResult& result, int exitCode)
+{
+    EXPECT_FALSE(result.isTimeout);
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(result.exitCode, exitCode);
+}
+
+} // namespace
+
+ProgramTest::ProgramTest()
+{
+    m_environment["HOME"] = m_installation.GetHome().string();
+    m_environment["LANG"] = "C.UTF-8";
+    m_environment["PATH"] = "/usr/bin:/bin";
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TZ"})
+        if (const char* value = std::getenv(name))
+            m_environment[name] = value;
+}
+
+ChildProcess ProgramTest::Start(const Arguments& arguments) const
+{
+    ChildOptions options{m_installation.GetProgram(), arguments, {}, m_installation.GetWork()};
+    for (const auto& [name, value] : m_environment)
+        options.environment.push_back(name + "=" + value);
+    return ChildProcess(options);
+}
+
+ChildResult ProgramTest::Run(const Arguments& arguments) const
+{
+    return Start(arguments).Wait(s_endLimit);
+}
+
+void ExpectAnswer(const ChildResult& result, int exitCode, const std::string& answer)
+{
+    ExpectExit(result, exitCode);
+    const std::string& output = result.standardOutput;
+    ASSERT_GE(output.size(), answer.size()) << output << result.standardError;
+    const std::size_t start = output.size() - answer.size();
+    EXPECT_EQ(output.substr(start), answer) << result.standardError;
+    ExpectLogLines(output.substr(0, start));
+}
+
+void ExpectOutput(const ChildResult& result, int exitCode, const std::string& output)
+{
+    ExpectExit(result, exitCode);
+    EXPECT_EQ(result.standardOutput, output);
+    EXPECT_EQ(result.standardError, "");
+}
+
+void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs)
+{
+    EXPECT_FALSE(result.isTimeout);
+    EXPECT_EQ(result.signal, SIGABRT);
+    EXPECT_EQ(result.standardOutput.find("\"code\""), std::string::npos) << result.standardOutput;
+    const std::string report = "Unhandled Exception: std::exception\n\tMessage: ";
+    EXPECT_NE(result.standardError.find(report), std::string::npos) << result.standardError;
+    EXPECT_NE(result.standardError.find(message), std::string::npos) << result.standardError;
+
+    std::vector<std::filesystem::path> files = ListFiles(logs);
+    std::erase_if(files, [](const auto& file) { return !file.filename().string().starts_with("SnipBench_ERROR_2"); });
+    ASSERT_EQ(files.size(), 1U);
+    const std::string reportFile = ReadText(files.front());
+    EXPECT_EQ(reportFile.substr(0, report.size()), report);
+    EXPECT_NE(reportFile.find(message), std::string::npos) << reportFile;
+}
+
+std::string ReadText(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void WriteText(const std::filesystem::path& file, const std::string& text)
+{
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory)
+{
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(directory))
+        files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+} // namespace Orvik::Tests

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Tests/EndToEnd/Installation.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Orvik::Tests
+{
+
+using Arguments = std::vector<std::string>;
+
+/// The JSON objects that tell how a run ended, as they stand on standard output.
+namespace Answer
+{
+inline constexpr const char* Success = "{\n    \"name\": \"Success\",\n    \"code\": 0\n}\n";
+inline constexpr const char* WrongParameters = "{\n    \"name\": \"Wrong Parameter(s)\",\n    \"code\": -1\n}\n";
+inline constexpr const char* LoadFileFailed = "{\n    \"name\": \"Failed to load file\",\n    \"code\": -2\n}\n";
+inline constexpr const char* InitializeSystemsFailed =
+    "{\n    \"name\": \"Failed to initialize systems\",\n    \"code\": -3\n}\n";
+} // namespace Answer
+
+/// Runs the built program without a display, with a home directory of its own.
+class ProgramTest : public testing::Test
+{
+protected:
+    static constexpr std::chrono::seconds s_endLimit{20};
+
+    ProgramTest();
+
+    [[nodiscard]] ChildProcess Start(const Arguments& arguments) const;
+    /// Starts the program and waits for its end, or kills it after `s_endLimit`.
+    [[nodiscard]] ChildResult Run(const Arguments& arguments) const;
+
+    Installation m_installation;
+    std::map<std::string, std::string> m_environment;
+};
+
+/// The run ended by itself with this exit code, and the object is the last thing on its standard output; before it
+/// stand log lines only.
+void ExpectAnswer(const ChildResult& result, int exitCode, const std::string& answer);
+/// The run ended by itself with this exit code, and this is all of its standard output.
+void ExpectOutput(const ChildResult& result, int exitCode, const std::string& output);
+/// The run ended through an unhandled exception with this in its message, which the error stream and a report file
+/// below `logs` tell. There is no answer then.
+void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs);
+
+/// The whole file; empty if there is none.
+[[nodiscard]] std::string ReadText(const std::filesystem::path& file);
+void WriteText(const std::filesystem::path& file, const std::string& text);
+/// The entries of a directory that is there, in the order of their names.
+[[nodiscard]] std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory);
+
+} // namespace Orvik::Tests

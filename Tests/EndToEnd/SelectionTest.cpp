@@ -1,0 +1,237 @@
+// Which pixels a selection gives, and what the caller finds of it.
+#include "Tests/EndToEnd/DesktopTest.h"
+#include "Tests/EndToEnd/OutputFiles.h"
+#include "Tests/Support/Desktop/WindowManager.h"
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+class Selection : public DesktopTest
+{
+protected:
+    /// Selects once in a picture as large as the screen.
+    void ExpectSnip(Position from, Position to, const Area& expected)
+    {
+        const Picture picture = MakeTestPicture(s_width, s_height);
+        const std::string before = FormatNow();
+        ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
+        Drag(from, to);
+        ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+
+        const SnipFiles snip = WaitForSnips(GetOutput(), 1).front();
+        EXPECT_EQ(LoadPng(snip.image), picture.Crop(expected));
+        EXPECT_EQ(snip.json, MakeMetaText(snip, expected.width, expected.height));
+        EXPECT_LT(before, GetCreationTime(snip.json));
+        EXPECT_LT(GetCreationTime(snip.json), FormatNow());
+    }
+
+    /// Selects once in a picture of another size than the screen's, which is shown around the screen's centre.
+    void ExpectScaledSnip(const Picture& picture, Position from, Position to, const Area& expected)
+    {
+        ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
+        Drag(from, to);
+        ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+        const SnipFiles snip = WaitForSnips(GetOutput(), 1).front();
+        EXPECT_EQ(LoadPng(snip.image), picture.Crop(expected));
+        EXPECT_EQ(snip.json, MakeMetaText(snip, expected.width, expected.height));
+    }
+};
+
+TEST_F(Selection, DragDownRight)
+{
+    ExpectSnip({10, 20}, {110, 70}, {10, 20, 100, 50});
+}
+
+TEST_F(Selection, DragUpLeft)
+{
+    ExpectSnip({110, 70}, {10, 20}, {10, 20, 100, 50});
+}
+
+TEST_F(Selection, DragUpRight)
+{
+    ExpectSnip({10, 70}, {110, 20}, {10, 20, 100, 50});
+}
+
+TEST_F(Selection, DragDownLeft)
+{
+    ExpectSnip({110, 20}, {10, 70}, {10, 20, 100, 50});
+}
+
+TEST_F(Selection, ASinglePixel)
+{
+    ExpectSnip({400, 300}, {401, 301}, {400, 300, 1, 1});
+}
+
+TEST_F(Selection, FromEdgeToEdge)
+{
+    ExpectSnip({0, 0}, {s_width - 1, s_height - 1}, {0, 0, s_width - 1, s_height - 1});
+}
+
+TEST_F(Selection, AtTheBottomRightEdge)
+{
+    ExpectSnip({s_width - 1, s_height - 1}, {700, 500}, {700, 500, 99, 99});
+}
+
+TEST_F(Selection, UnderAWindowManager)
+{
+    const WindowManager manager(m_display->GetName());
+    ExpectSnip({10, 20}, {110, 70}, {10, 20, 100, 50});
+}
+
+TEST_F(Selection, OfTheScreen)
+{
+    const Picture picture = MakeTestPicture(s_width, s_height, 5);
+    m_screen->ShowOnRoot(picture);
+    ChildProcess process = StartOverlay({"-s", "true", "-o", GetOutput().string()});
+    Drag({10, 20}, {790, 580});
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({10, 20, 780, 560}));
+}
+
+TEST_F(Selection, OfTheScreenUnderAWindowManager)
+{
+    const WindowManager manager(m_display->GetName());
+    const Picture picture = MakeTestPicture(s_width, s_height, 6);
+    m_screen->ShowOnRoot(picture);
+    ChildProcess process = StartOverlay({"-s", "true", "-o", GetOutput().string()});
+    Drag({790, 580}, {10, 20});
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({10, 20, 780, 560}));
+}
+
+TEST_F(Selection, InAPictureSmallerThanTheScreen)
+{
+    // 400 by 200 pixels around the centre: from 200, 200.
+    ExpectScaledSnip(MakeTestPicture(400, 200), {250, 230}, {300, 260}, {50, 30, 50, 30});
+}
+
+TEST_F(Selection, InAPictureTwiceTheScreen)
+{
+    ExpectScaledSnip(MakeTestPicture(2 * s_width, 2 * s_height), {10, 20}, {110, 70}, {20, 40, 200, 100});
+}
+
+TEST_F(Selection, InAPictureShownAtAQuarter)
+{
+    // 800 by 150 pixels around the centre: from 0, 225.
+    ExpectScaledSnip(MakeTestPicture(4 * s_width, s_height), {10, 235}, {60, 260}, {40, 40, 200, 100});
+}
+
+TEST_F(Selection, InAPictureOnePixelWiderThanTwiceTheScreen)
+{
+    // No factor between a half and a quarter: 400.25 by 300 pixels around the centre, from 200, 150.
+    ExpectScaledSnip(MakeTestPicture(2 * s_width + 1, 2 * s_height), {210, 160}, {220, 170}, {40, 40, 40, 40});
+}
+
+TEST_F(Selection, EndsAtThePicturesEdge)
+{
+    const Picture picture = MakeTestPicture(400, 200);
+    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
+    MoveTo({250, 230});
+    m_input->PressButton(1);
+    MoveTo({790, 590}, {600, 400});
+    m_input->ReleaseButton(1);
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({50, 30, 350, 170}));
+}
+
+TEST_F(Selection, BeginsAtThePicturesEdge)
+{
+    const Picture picture = MakeTestPicture(400, 200);
+    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
+    MoveTo({3, 4}, {200, 200});
+    m_input->PressButton(1);
+    MoveTo({250, 230});
+    m_input->ReleaseButton(1);
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({0, 0, 50, 30}));
+}
+
+TEST_F(Selection, OfABmpPicture)
+{
+    const Picture picture = MakeTestPicture(s_width, s_height);
+    ChildProcess writer =
+        StartOverlay({"-f", AddPicture(picture), "-a", "true", "-s", "true", "-t", "bmp", "-o", "bmp"});
+    Drag({1, 1}, {2, 2});
+    ExpectAnswer(writer.Wait(s_endLimit), 0, Answer::Success);
+    const std::string bmp = WaitForSnips(m_installation.GetWork() / "bmp", 1, ".bmp").front().image.string();
+
+    ChildProcess process = StartOverlay({"-f", bmp, "-s", "true", "-o", GetOutput().string()}, {2, 2});
+    Drag({10, 20}, {110, 70});
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({10, 20, 100, 50}));
+}
+
+TEST_F(Selection, ManyInOneRun)
+{
+    const Picture picture = MakeTestPicture(s_width, s_height);
+    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-o", GetOutput().string()});
+    const std::vector<Area> areas = {{10, 20, 100, 50}, {300, 200, 7, 9}, {0, 0, 500, 400}};
+    std::vector<SnipFiles> snips;
+    for (const Area& area : areas)
+    {
+        Drag({area.x, area.y}, {area.x + area.width, area.y + area.height});
+        snips = WaitForSnips(GetOutput(), snips.size() + 1);
+    }
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+
+    ASSERT_EQ(snips.size(), areas.size());
+    for (std::size_t i = 0; i < areas.size(); ++i)
+    {
+        EXPECT_EQ(LoadPng(snips[i].image), picture.Crop(areas[i]));
+        EXPECT_EQ(snips[i].json, MakeMetaText(snips[i], areas[i].width, areas[i].height));
+        EXPECT_EQ(GetCreationTime(snips[i].json), GetCreationTime(snips[0].json)) << "The capture is the same.";
+    }
+}
+
+TEST_F(Selection, TheRightButtonDropsADrag)
+{
+    const Picture picture = MakeTestPicture(s_width, s_height);
+    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
+    MoveTo({10, 20});
+    m_input->PressButton(1);
+    MoveTo({50, 60});
+    m_input->Click(3);
+    m_input->ReleaseButton(1);
+
+    // The next drag is the first that counts, and it has an anchor of its own.
+    Drag({300, 200}, {340, 210});
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({300, 200, 40, 10}));
+}
+
+TEST_F(Selection, AClickWithoutMovementGivesNothing)
+{
+    ChildProcess process =
+        StartOverlay({"-f", AddPicture(MakeTestPicture(s_width, s_height)), "-o", GetOutput().string()});
+    m_input->Click(1);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+    EXPECT_TRUE(ListFiles(GetOutput()).empty());
+}
+
+TEST_F(Selection, ALineGivesNothingAndTheSelectionGoesOn)
+{
+    const Picture picture = MakeTestPicture(s_width, s_height);
+    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
+    Drag({100, 100}, {200, 100});
+    MoveTo({200, 140});
+    m_input->Click(1);
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({100, 100, 100, 40}));
+}
+
+TEST_F(Selection, TheMiddleButtonDoesNothing)
+{
+    ChildProcess process =
+        StartOverlay({"-f", AddPicture(MakeTestPicture(s_width, s_height)), "-o", GetOutput().string()});
+    MoveTo({10, 20});
+    m_input->PressButton(2);
+    MoveTo({50, 60});
+    m_input->ReleaseButton(2);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+    EXPECT_TRUE(ListFiles(GetOutput()).empty());
+}
+
+} // namespace
+} // namespace Orvik::Tests

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Core/System/Error/Assertion.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace Orvik::Tests
+{
+
+/// What a failed assertion throws while an `AssertionTrap` lives.
+struct AssertionFailure
+{
+    std::string condition;
+    std::string message;
+    std::string file;
+    std::uint64_t line;
+    std::string function;
+};
+
+/// Makes failed assertions throw an `AssertionFailure` while it lives.
+class AssertionTrap
+{
+public:
+    AssertionTrap();
+    ~AssertionTrap();
+    AssertionTrap(const AssertionTrap&) = delete;
+    AssertionTrap& operator=(const AssertionTrap&) = delete;
+
+private:
+    System::Error::AssertionHandler m_previous;
+};
+
+} // namespace Orvik::Tests
+
+/// The statement has to fail an assertion with exactly these two texts.
+#define EXPECT_ASSERTION(statement, expectedCondition, expectedMessage)                                                \
+    do                                                                                                                 \
+    {                                                                                                                  \
+        const ::Orvik::Tests::AssertionTrap orvikTrap;                                                                 \
+        try                                                                                                            \
+        {                                                                                                              \
+            statement;                                                                                                 \
+            ADD_FAILURE() << "No assertion failed in: " #statement;                                                    \
+        }                                                                                                              \
+        catch (const ::Orvik::Tests::AssertionFailure& orvikFailure)                                                   \
+        {                                                                                                              \
+            EXPECT_EQ(orvikFailure.condition, expectedCondition);                                                      \
+            EXPECT_EQ(orvikFailure.message, expectedMessage);                                                          \
+        }                                                                                                              \
+    } while (false)

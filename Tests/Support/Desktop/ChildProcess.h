@@ -1,0 +1,63 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace Orvik::Tests
+{
+
+/// What to start, and how.
+struct ChildOptions
+{
+    std::filesystem::path program; ///< with a slash, or looked for in the environment's `PATH` of the caller
+    std::vector<std::string> arguments;
+    std::vector<std::string> environment; ///< "NAME=value", all of it: nothing is inherited
+    std::filesystem::path workingDirectory;
+};
+
+/// How a child ended and what it wrote.
+struct ChildResult
+{
+    bool isTimeout = false; ///< it had to be killed
+    int signal = 0;         ///< the signal that ended it, 0 if it exited
+    int exitCode = -1;      ///< what the shell would see; -1 if a signal ended it
+    std::string standardOutput;
+    std::string standardError;
+};
+
+/// A program run as a child. Its standard streams are collected, its standard input is empty. It is killed when the
+/// object goes, or when this process does.
+class ChildProcess
+{
+public:
+    /// Throws `std::runtime_error` if no process can be made. A program that can't be started ends with 127.
+    explicit ChildProcess(const ChildOptions& options);
+    ~ChildProcess();
+    ChildProcess(ChildProcess&& other) noexcept;
+    ChildProcess& operator=(ChildProcess&&) = delete;
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    /// Waits until the child has ended; once the limit has passed it is killed. To be called once.
+    [[nodiscard]] ChildResult Wait(std::chrono::milliseconds limit);
+    /// Waits at most so long; true if the child has ended.
+    [[nodiscard]] bool HasEndedWithin(std::chrono::milliseconds limit) const;
+    [[nodiscard]] bool IsRunning() const { return !HasEndedWithin(std::chrono::milliseconds(0)); }
+
+    void SendSignal(int signal) const;
+    [[nodiscard]] int GetId() const { return m_process; }
+    /// What it has written to standard output so far.
+    [[nodiscard]] std::string GetOutput() const;
+
+private:
+    [[noreturn]] void Execute(const ChildOptions& options) const;
+
+    int m_process = -1;
+    int m_processDescriptor = -1; ///< readable once the child has ended
+    int m_output = -1;
+    int m_error = -1;
+};
+
+} // namespace Orvik::Tests

@@ -1,0 +1,112 @@
+#include "Tests/Support/Desktop/InputDriver.h"
+
+#include "Tests/Support/Desktop/XSession.h"
+
+#include <X11/XKBlib.h>
+#include <X11/extensions/XTest.h>
+#include <stdexcept>
+
+namespace Orvik::Tests
+{
+
+InputDriver::InputDriver(const std::string& displayName) : m_session(std::make_unique<XSession>(displayName))
+{
+}
+
+InputDriver::~InputDriver() = default;
+
+void InputDriver::MoveTo(Position position)
+{
+    XTestFakeMotionEvent(m_session->GetDisplay(), -1, position.x, position.y, CurrentTime);
+    m_session->Synchronize();
+}
+
+void InputDriver::PressButton(unsigned button)
+{
+    XTestFakeButtonEvent(m_session->GetDisplay(), button, True, CurrentTime);
+    m_session->Synchronize();
+}
+
+void InputDriver::ReleaseButton(unsigned button)
+{
+    XTestFakeButtonEvent(m_session->GetDisplay(), button, False, CurrentTime);
+    m_session->Synchronize();
+}
+
+void InputDriver::Click(unsigned button)
+{
+    PressButton(button);
+    ReleaseButton(button);
+}
+
+void InputDriver::PressKey(const std::string& name)
+{
+    SendKey(name, true);
+}
+
+void InputDriver::ReleaseKey(const std::string& name)
+{
+    SendKey(name, false);
+}
+
+void InputDriver::TapKey(const std::string& name)
+{
+    PressKey(name);
+    ReleaseKey(name);
+}
+
+void InputDriver::SetKeyRepeat(unsigned delayMilliseconds, unsigned intervalMilliseconds)
+{
+    XAutoRepeatOn(m_session->GetDisplay());
+    XkbSetAutoRepeatRate(m_session->GetDisplay(), XkbUseCoreKbd, delayMilliseconds, intervalMilliseconds);
+    m_session->Synchronize();
+}
+
+Position InputDriver::GetPointer() const
+{
+    ::Window root = 0;
+    ::Window child = 0;
+    Position position;
+    Position inWindow;
+    unsigned mask = 0;
+    XQueryPointer(m_session->GetDisplay(), m_session->GetRoot(), &root, &child, &position.x, &position.y, &inWindow.x,
+                  &inWindow.y, &mask);
+    return position;
+}
+
+bool InputDriver::Grab()
+{
+    ::Display* display = m_session->GetDisplay();
+    const ::Window root = m_session->GetRoot();
+    const bool isTaken =
+        XGrabKeyboard(display, root, True, GrabModeAsync, GrabModeAsync, CurrentTime) == GrabSuccess &&
+        XGrabPointer(display, root, True, 0, GrabModeAsync, GrabModeAsync, None, None, CurrentTime) == GrabSuccess;
+    if (!isTaken)
+        Ungrab();
+    return isTaken;
+}
+
+void InputDriver::Ungrab()
+{
+    XUngrabKeyboard(m_session->GetDisplay(), CurrentTime);
+    XUngrabPointer(m_session->GetDisplay(), CurrentTime);
+    m_session->Synchronize();
+}
+
+bool InputDriver::CanGrab()
+{
+    const bool isFree = Grab();
+    Ungrab();
+    return isFree;
+}
+
+void InputDriver::SendKey(const std::string& name, bool isPressed)
+{
+    const KeyCode code = XKeysymToKeycode(m_session->GetDisplay(), XStringToKeysym(name.c_str()));
+    if (code == 0)
+        throw std::runtime_error("No key is called " + name + ".");
+    XTestFakeKeyEvent(m_session->GetDisplay(), code, isPressed ? True : False, CurrentTime);
+    m_session->Synchronize();
+}
+
+} // namespace Orvik::Tests

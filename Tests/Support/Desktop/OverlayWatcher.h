@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Tests/Support/Desktop/Picture.h"
+#include "Tests/Support/Desktop/Screen.h"
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+namespace Orvik::Tests
+{
+
+class XSession;
+
+/// Watches the program's overlay from outside: its window, and what it has drawn.
+class OverlayWatcher
+{
+public:
+    enum class State
+    {
+        Missing, ///< no such window
+        Hidden,
+        Visible,
+    };
+
+    static constexpr std::chrono::milliseconds DefaultLimit{20000};
+
+    explicit OverlayWatcher(const std::string& displayName);
+    ~OverlayWatcher();
+    OverlayWatcher(const OverlayWatcher&) = delete;
+    OverlayWatcher& operator=(const OverlayWatcher&) = delete;
+
+    /// The overlay is told by its place: a window beside any window manager, one pixel above the screen and one taller.
+    [[nodiscard]] State GetState() const;
+    /// False if the overlay doesn't come into that state in time.
+    [[nodiscard]] bool WaitFor(State state, std::chrono::milliseconds limit = DefaultLimit) const;
+    /// Waits for the frame whose crosshair is at `cursor`: the pixel column to its right and the row below it are
+    /// white. Lines that would lie outside the screen aren't looked for. False if it doesn't come in time.
+    [[nodiscard]] bool WaitForCrosshair(Position cursor, std::chrono::milliseconds limit = DefaultLimit) const;
+
+private:
+    [[nodiscard]] bool HasCrosshair(Position cursor) const;
+
+    std::unique_ptr<XSession> m_session;
+    Screen m_screen;
+};
+
+} // namespace Orvik::Tests

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Tests/Support/Desktop/Picture.h"
+
+#include <memory>
+#include <string>
+
+namespace Orvik::Tests
+{
+
+class XSession;
+
+/// What an X server shows, as a person sees it, and the picture on its root window.
+class Screen
+{
+public:
+    explicit Screen(const std::string& displayName);
+    ~Screen();
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+
+    [[nodiscard]] int GetWidth() const;
+    [[nodiscard]] int GetHeight() const;
+
+    /// The pixels that are on the screen now, windows included. The area has to lie on the screen.
+    [[nodiscard]] Picture Capture(const Area& area) const;
+    [[nodiscard]] Picture CaptureAll() const { return Capture({0, 0, GetWidth(), GetHeight()}); }
+
+    /// Makes the picture the root window's background, from the top left corner.
+    void ShowOnRoot(const Picture& picture);
+
+private:
+    std::unique_ptr<XSession> m_session;
+};
+
+} // namespace Orvik::Tests

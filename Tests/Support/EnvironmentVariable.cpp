@@ -1,0 +1,35 @@
+#include "Tests/Support/EnvironmentVariable.h"
+
+#include <cstdlib>
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+void Set(const char* name, const char* value)
+{
+    if (value != nullptr)
+        setenv(name, value, 1);
+    else
+        unsetenv(name);
+}
+
+} // namespace
+
+EnvironmentVariable::EnvironmentVariable(const char* name, const char* value) : m_name(name)
+{
+    if (const char* const before = std::getenv(name))
+    {
+        m_wasSet = true;
+        m_before = before;
+    }
+    Set(name, value);
+}
+
+EnvironmentVariable::~EnvironmentVariable()
+{
+    Set(m_name.c_str(), m_wasSet ? m_before.c_str() : nullptr);
+}
+
+} // namespace Orvik::Tests

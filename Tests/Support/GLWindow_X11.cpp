@@ -1,0 +1,105 @@
+#include "Tests/Support/GLWindow_X11.h"
+
+#include "Core/System/Platform/EglDisplay.h"
+#include "Core/System/Platform/XConnection.h"
+
+#include <X11/Xatom.h>
+#include <stdexcept>
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+::Display* GetDisplay()
+{
+    ::Display* const display = System::Platform::GetXDisplay();
+    if (display == nullptr)
+        throw std::runtime_error("There is no X server.");
+    return display;
+}
+
+} // namespace
+
+GLWindow::GLWindow(std::uint32_t width, std::uint32_t height) : m_width(width), m_height(height)
+{
+    ::Display* const display = GetDisplay();
+    const auto& configuration = System::Platform::GetEglConfiguration();
+    if (!configuration)
+        throw std::runtime_error("The X server has no OpenGL with 4 samples.");
+    const XVisualInfo& visual = configuration->visual;
+    m_colormap = XCreateColormap(display, DefaultRootWindow(display), visual.visual, AllocNone);
+    XSetWindowAttributes attributes = {};
+    attributes.colormap = m_colormap;
+    attributes.override_redirect = True;
+    const ::Window window =
+        XCreateWindow(display, DefaultRootWindow(display), 0, 0, width, height, 0, visual.depth, InputOutput,
+                      visual.visual, CWColormap | CWBorderPixel | CWOverrideRedirect, &attributes);
+    XStoreName(display, window, "Before");
+    XMapRaised(display, window);
+    XSync(display, False);
+    m_native = static_cast<System::Desktop::NativeWindow>(window);
+}
+
+GLWindow::~GLWindow()
+{
+    Destroy();
+    if (System::Platform::GetXDisplay() != nullptr)
+        XFreeColormap(GetDisplay(), m_colormap);
+}
+
+void GLWindow::Destroy()
+{
+    if (m_native == System::Desktop::NativeWindow{} || System::Platform::GetXDisplay() == nullptr)
+        return;
+    XDestroyWindow(GetDisplay(), static_cast<::Window>(m_native));
+    XSync(GetDisplay(), False);
+    m_native = {};
+}
+
+std::string GLWindow::GetTitle(const char* property) const
+{
+    ::Display* const display = GetDisplay();
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long rest = 0;
+    unsigned char* data = nullptr;
+    XGetWindowProperty(display, static_cast<::Window>(m_native), XInternAtom(display, property, False), 0, 1024, False,
+                       AnyPropertyType, &type, &format, &count, &rest, &data);
+    std::string title = data != nullptr ? std::string(reinterpret_cast<const char*>(data), count) : std::string();
+    if (data != nullptr)
+        XFree(data);
+    return title;
+}
+
+std::vector<std::uint32_t> GLWindow::Capture() const
+{
+    XImage* const image = XGetImage(GetDisplay(), static_cast<::Window>(m_native), 0, 0, m_width, m_height,
+                                    static_cast<unsigned long>(-1), ZPixmap);
+    if (image == nullptr)
+        return {};
+    std::vector<std::uint32_t> pixels;
+    for (std::uint32_t y = 0; y < m_height; ++y)
+    {
+        for (std::uint32_t x = 0; x < m_width; ++x)
+            pixels.push_back(static_cast<std::uint32_t>(XGetPixel(image, static_cast<int>(x), static_cast<int>(y))));
+    }
+    XDestroyImage(image);
+    return pixels;
+}
+
+System::Desktop::NativeWindow CreateForeignWindow()
+{
+    ::Display* const display = GetDisplay();
+    const ::Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 16, 16, 0, 0, 0);
+    XWindowAttributes attributes = {};
+    XGetWindowAttributes(display, window, &attributes);
+    const auto& configuration = System::Platform::GetEglConfiguration();
+    if (configuration && attributes.depth != configuration->visual.depth)
+        return static_cast<System::Desktop::NativeWindow>(window);
+    XDestroyWindow(display, window);
+    return {};
+}
+
+} // namespace Orvik::Tests

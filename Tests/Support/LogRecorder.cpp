@@ -1,0 +1,26 @@
+#include "Tests/Support/LogRecorder.h"
+
+namespace Orvik::Tests
+{
+
+LogRecorder::LogRecorder() : m_previous(System::Log::SetReceiver(this))
+{
+}
+
+LogRecorder::~LogRecorder()
+{
+    System::Log::SetReceiver(m_previous);
+}
+
+bool LogRecorder::AcceptsStream(std::uint32_t /*stream*/) const
+{
+    return true;
+}
+
+void LogRecorder::Receive(std::uint32_t stream, System::Log::MessageTypeID severity, const std::string& text)
+{
+    m_lines.push_back(std::string(System::Log::GetStreamName(stream)) + " " +
+                      std::string(System::Log::messageTypeIDNames[static_cast<std::size_t>(severity)]) + ": " + text);
+}
+
+} // namespace Orvik::Tests

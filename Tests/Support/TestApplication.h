@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Core/System/Device/Display/DisplayCache.h"
+#include "Core/System/Runtime/Application.h"
+
+namespace Orvik::Tests
+{
+
+/// An application for units that ask for one: no program, and Systems on demand.
+class TestApplication : public System::Runtime::Application
+{
+public:
+    TestApplication() : Application(L"TestApplication") {}
+
+    using Application::m_configCache;
+    using Application::m_displaySystem;
+    using Application::m_logSystem;
+    using Application::m_systems;
+    using Application::m_threadManager;
+
+    /// Creates the display system, as the null half's list of displays has it.
+    void CreateDisplayCache();
+};
+
+} // namespace Orvik::Tests
