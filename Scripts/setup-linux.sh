@@ -71,7 +71,7 @@ install_font()
     trap 'rm -rf "$scratch"' EXIT
     echo "Fetching the font: $font_package" >&2
     cd "$scratch"
-    if ! archive=$(npm pack --silent "$font_package"); then
+    if ! archive=$(npm pack --loglevel=error "$font_package"); then
         echo "The font can't be fetched with npm. Is there a network, and a registry in npm's settings?" >&2
         exit 1
     fi

@@ -66,7 +66,7 @@ TEST(ReturnCodes, TheTableHasAllCodesInOrder)
     const ReturnCodeRegistry registry = MakeRegistry();
     std::string text;
     EXPECT_TRUE(registry.WriteAll(0, text));
-    EXPECT_EQ(text, R"({
+    EXPECT_EQ(text, R"json({
     "parameters": [
         {
             "name": "None",
@@ -78,7 +78,7 @@ TEST(ReturnCodes, TheTableHasAllCodesInOrder)
                 {
                     "name": "Wrong Parameter(s)",
                     "code": -1
-},
+                },
                 {
                     "name": "Failed to load file",
                     "code": -2
@@ -96,21 +96,21 @@ TEST(ReturnCodes, TheTableHasAllCodesInOrder)
                     "code": -5
                 }
             ]
-}
+        }
     ]
-    })");
-    }
+})json");
+}
 
-    TEST(ReturnCodes, AFilterLeavesOutParametersWithOtherBits)
-    {
-        constexpr std::array<ReturnCodeRegistry::NamedCode, 1> codes = {{{4, "Four"}}};
-        ReturnCodeRegistry registry;
-        EXPECT_TRUE(registry.AddParameter(1, "One"));
-        EXPECT_TRUE(registry.AddParameter(2, "Two"));
-        EXPECT_TRUE(registry.AddCodes(2, codes));
-        std::string text;
-        EXPECT_TRUE(registry.WriteAll(2, text));
-        EXPECT_EQ(text, R"({
+TEST(ReturnCodes, AFilterLeavesOutParametersWithOtherBits)
+{
+    constexpr std::array<ReturnCodeRegistry::NamedCode, 1> codes = {{{4, "Four"}}};
+    ReturnCodeRegistry registry;
+    EXPECT_TRUE(registry.AddParameter(1, "One"));
+    EXPECT_TRUE(registry.AddParameter(2, "Two"));
+    EXPECT_TRUE(registry.AddCodes(2, codes));
+    std::string text;
+    EXPECT_TRUE(registry.WriteAll(2, text));
+    EXPECT_EQ(text, R"({
     "parameters": [
         {
             "name": "Two",
@@ -123,37 +123,37 @@ TEST(ReturnCodes, TheTableHasAllCodesInOrder)
         }
     ]
 })");
-        EXPECT_TRUE(registry.WriteAll(4, text));
-        EXPECT_EQ(text, "{\n    \"parameters\": []\n}");
-    }
+    EXPECT_TRUE(registry.WriteAll(4, text));
+    EXPECT_EQ(text, "{\n    \"parameters\": []\n}");
+}
 
-    TEST(ReturnCodes, AParameterIsAddedOnceAndCodesNeedOne)
-    {
-        constexpr std::array<ReturnCodeRegistry::NamedCode, 1> codes = {{{1, "One"}}};
-        ReturnCodeRegistry registry;
-        EXPECT_FALSE(registry.AddCodes(0, codes));
-        EXPECT_TRUE(registry.AddParameter(0, "None"));
-        EXPECT_FALSE(registry.AddParameter(0, "Other"));
-        EXPECT_TRUE(registry.AddCodes(0, codes));
-        EXPECT_TRUE(registry.AddCodes(0, codes));
-        std::string text;
-        EXPECT_TRUE(registry.WriteAll(0, text));
-        EXPECT_NE(text.find("None"), std::string::npos);
-        EXPECT_EQ(text.find("Other"), std::string::npos);
-    }
+TEST(ReturnCodes, AParameterIsAddedOnceAndCodesNeedOne)
+{
+    constexpr std::array<ReturnCodeRegistry::NamedCode, 1> codes = {{{1, "One"}}};
+    ReturnCodeRegistry registry;
+    EXPECT_FALSE(registry.AddCodes(0, codes));
+    EXPECT_TRUE(registry.AddParameter(0, "None"));
+    EXPECT_FALSE(registry.AddParameter(0, "Other"));
+    EXPECT_TRUE(registry.AddCodes(0, codes));
+    EXPECT_TRUE(registry.AddCodes(0, codes));
+    std::string text;
+    EXPECT_TRUE(registry.WriteAll(0, text));
+    EXPECT_NE(text.find("None"), std::string::npos);
+    EXPECT_EQ(text.find("Other"), std::string::npos);
+}
 
-    TEST(ReturnCodes, AProviderAddsDataOfEachKind)
-    {
-        ReturnCodeRegistry registry = MakeRegistry();
-        registry.SetDataProvider(
-            [](std::uint32_t parameterId, std::int32_t code, ReturnCodeRegistry::DataMap& data)
-            {
-                data = {{"flag", true}, {"number", std::int32_t{-7}}, {"text", std::string("a\"b")}};
-                return parameterId == 0 && code == 0;
-            });
-        std::string text;
-        EXPECT_TRUE(registry.WriteCode(0, 0, text));
-        EXPECT_EQ(text, R"({
+TEST(ReturnCodes, AProviderAddsDataOfEachKind)
+{
+    ReturnCodeRegistry registry = MakeRegistry();
+    registry.SetDataProvider(
+        [](std::uint32_t parameterId, std::int32_t code, ReturnCodeRegistry::DataMap& data)
+        {
+            data = {{"flag", true}, {"number", std::int32_t{-7}}, {"text", std::string("a\"b")}};
+            return parameterId == 0 && code == 0;
+        });
+    std::string text;
+    EXPECT_TRUE(registry.WriteCode(0, 0, text));
+    EXPECT_EQ(text, R"({
     "name": "Success",
     "code": 0,
     "data": {
@@ -162,9 +162,9 @@ TEST(ReturnCodes, TheTableHasAllCodesInOrder)
         "text": "a\"b"
     }
 })");
-        EXPECT_TRUE(registry.WriteCode(0, -1, text));
-        EXPECT_EQ(text, "{\n    \"name\": \"Wrong Parameter(s)\",\n    \"code\": -1\n}");
-    }
+    EXPECT_TRUE(registry.WriteCode(0, -1, text));
+    EXPECT_EQ(text, "{\n    \"name\": \"Wrong Parameter(s)\",\n    \"code\": -1\n}");
+}
 
-    } // namespace
-    } // namespace Orvik::SnipBench
+} // namespace
+} // namespace Orvik::SnipBench

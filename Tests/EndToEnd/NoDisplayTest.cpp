@@ -60,7 +60,7 @@ TEST_F(NoDisplay, TheLogTellsWhy)
     const ChildResult result = Run({});
     EXPECT_NE(result.standardOutput.find("No valid display info for valid display id 65535."), std::string::npos)
         << result.standardOutput;
-    const std::vector<std::filesystem::path> logs = ListFiles(m_installation.GetLogs());
+    const std::vector<std::filesystem::path> logs = ListLogs(m_installation.GetLogs());
     ASSERT_EQ(logs.size(), 1U);
     EXPECT_NE(ReadText(logs.front()).find("No valid display info for valid display id 65535."), std::string::npos);
 }

@@ -22,6 +22,13 @@ void ExpectLogLines(const std::string& text)
         EXPECT_TRUE(std::regex_match(line, s_logLine)) << "No log line: " << line;
 }
 
+std::vector<std::filesystem::path> ListByPrefix(const std::filesystem::path& directory, std::string_view prefix)
+{
+    std::vector<std::filesystem::path> files = ListFiles(directory);
+    std::erase_if(files, [&](const auto& file) { return !file.filename().string().starts_with(prefix); });
+    return files;
+}
+
 void ExpectExit(const ChildResult& result, int exitCode)
 {
     EXPECT_FALSE(result.isTimeout);
@@ -80,8 +87,7 @@ void ExpectFatalEnd(const ChildResult& result, const std::string& message, const
     EXPECT_NE(result.standardError.find(report), std::string::npos) << result.standardError;
     EXPECT_NE(result.standardError.find(message), std::string::npos) << result.standardError;
 
-    std::vector<std::filesystem::path> files = ListFiles(logs);
-    std::erase_if(files, [](const auto& file) { return !file.filename().string().starts_with("SnipBench_ERROR_2"); });
+    const std::vector<std::filesystem::path> files = ListReports(logs);
     ASSERT_EQ(files.size(), 1U);
     const std::string reportFile = ReadText(files.front());
     EXPECT_EQ(reportFile.substr(0, report.size()), report);
@@ -106,6 +112,16 @@ std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& direct
         files.push_back(entry.path());
     std::sort(files.begin(), files.end());
     return files;
+}
+
+std::vector<std::filesystem::path> ListLogs(const std::filesystem::path& directory)
+{
+    return ListByPrefix(directory, "SnipBench_2");
+}
+
+std::vector<std::filesystem::path> ListReports(const std::filesystem::path& directory)
+{
+    return ListByPrefix(directory, "SnipBench_ERROR_2");
 }
 
 } // namespace Orvik::Tests

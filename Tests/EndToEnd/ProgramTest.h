@@ -55,4 +55,9 @@ void WriteText(const std::filesystem::path& file, const std::string& text);
 /// The entries of a directory that is there, in the order of their names.
 [[nodiscard]] std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory);
 
+/// The directory's log files, in the order of their names; its report files aren't among them.
+[[nodiscard]] std::vector<std::filesystem::path> ListLogs(const std::filesystem::path& directory);
+/// The directory's report files, likewise.
+[[nodiscard]] std::vector<std::filesystem::path> ListReports(const std::filesystem::path& directory);
+
 } // namespace Orvik::Tests

@@ -24,10 +24,12 @@ Bytes ReadBytes(const std::filesystem::path& path)
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-Bytes operator+(Bytes first, const Bytes& second)
+Bytes Concatenate(std::initializer_list<Bytes> parts)
 {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
+    Bytes whole;
+    for (const Bytes& part : parts)
+        whole.insert(whole.end(), part.begin(), part.end());
+    return whole;
 }
 
 } // namespace Orvik::Tests

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <vector>
 
 namespace Orvik::Tests
@@ -15,7 +16,7 @@ void WriteBytes(const std::filesystem::path& path, const Bytes& bytes);
 /// The whole file. Throws if it can't be opened.
 [[nodiscard]] Bytes ReadBytes(const std::filesystem::path& path);
 
-/// `first` with `second` behind it.
-[[nodiscard]] Bytes operator+(Bytes first, const Bytes& second);
+/// The parts one behind the other.
+[[nodiscard]] Bytes Concatenate(std::initializer_list<Bytes> parts);
 
 } // namespace Orvik::Tests

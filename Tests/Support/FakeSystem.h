@@ -2,11 +2,9 @@
 
 #include "Core/System/Runtime/System.h"
 
-#include <chrono>
 #include <functional>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace Orvik::Tests

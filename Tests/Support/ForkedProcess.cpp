@@ -25,7 +25,7 @@ std::string ReadFile(const std::filesystem::path& path)
 }
 
 [[noreturn]] void RunChild(const std::function<int()>& function, const std::filesystem::path& directory,
-                           const std::filesystem::path& streams)
+                           const std::filesystem::path& streams) noexcept
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     const rlimit noCoreFile = {};
@@ -76,8 +76,9 @@ bool ForkedProcess::WaitForOutput(std::string_view text) const
         if (ReadOutput().find(text) != std::string::npos)
             return true;
         siginfo_t information = {};
-        const bool hasEnded = waitid(P_PID, static_cast<id_t>(m_process), &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-                              information.si_pid == m_process;
+        const bool hasEnded =
+            waitid(P_PID, static_cast<id_t>(m_process), &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+            information.si_pid == m_process;
         if (hasEnded)
             return ReadOutput().find(text) != std::string::npos;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));

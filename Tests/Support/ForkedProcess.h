@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Tests/Support/TemporaryDirectory.h"
+
 #include <functional>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
-
-#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Orvik::Tests
 {
@@ -24,7 +24,8 @@ struct ForkedResult
 class ForkedProcess
 {
 public:
-    /// The function's result is the exit code. Static objects are not destroyed unless the function calls `exit`.
+    /// The function's result is the exit code, and what it throws is uncaught. Static objects are not destroyed unless
+    /// the function calls `exit`.
     explicit ForkedProcess(const std::function<int()>& function);
     ~ForkedProcess();
     ForkedProcess(const ForkedProcess&) = delete;

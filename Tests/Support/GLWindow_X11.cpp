@@ -4,6 +4,7 @@
 #include "Core/System/Platform/XConnection.h"
 
 #include <X11/Xatom.h>
+#include <algorithm>
 #include <stdexcept>
 
 namespace Orvik::Tests
@@ -92,14 +93,23 @@ std::vector<std::uint32_t> GLWindow::Capture() const
 System::Desktop::NativeWindow CreateForeignWindow()
 {
     ::Display* const display = GetDisplay();
-    const ::Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 16, 16, 0, 0, 0);
-    XWindowAttributes attributes = {};
-    XGetWindowAttributes(display, window, &attributes);
-    const auto& configuration = System::Platform::GetEglConfiguration();
-    if (configuration && attributes.depth != configuration->visual.depth)
-        return static_cast<System::Desktop::NativeWindow>(window);
-    XDestroyWindow(display, window);
-    return {};
+    XVisualInfo wanted = {};
+    wanted.screen = DefaultScreen(display);
+    int count = 0;
+    XVisualInfo* const visuals = XGetVisualInfo(display, VisualScreenMask, &wanted, &count);
+    const XVisualInfo* const foreign =
+        std::find_if(visuals, visuals + count,
+                     [](const XVisualInfo& visual)
+                     { return visual.visualid != System::Platform::GetEglConfiguration()->visual.visualid; });
+    if (foreign == visuals + count)
+        throw std::runtime_error("The X server has but one visual.");
+    XSetWindowAttributes attributes = {};
+    attributes.colormap = XCreateColormap(display, DefaultRootWindow(display), foreign->visual, AllocNone);
+    const ::Window window = XCreateWindow(display, DefaultRootWindow(display), 0, 0, 16, 16, 0, foreign->depth,
+                                          InputOutput, foreign->visual, CWColormap | CWBorderPixel, &attributes);
+    XFree(visuals);
+    XSync(display, False);
+    return static_cast<System::Desktop::NativeWindow>(window);
 }
 
 } // namespace Orvik::Tests

@@ -37,7 +37,7 @@ private:
     System::Desktop::NativeWindow m_native{};
 };
 
-/// An X window of another visual than the program draws on, if the server has one; else none.
+/// An X window of another visual than the program draws on. It goes with the X connection.
 [[nodiscard]] System::Desktop::NativeWindow CreateForeignWindow();
 
 } // namespace Orvik::Tests

@@ -50,8 +50,11 @@ Bytes Store(const Bytes& raw)
         const bool isLast = offset + count == raw.size();
         const auto low = static_cast<std::uint8_t>(count & 0xFF);
         const auto high = static_cast<std::uint8_t>(count >> 8);
-        stream = stream + Bytes{static_cast<std::uint8_t>(isLast ? 1 : 0), low, high, static_cast<std::uint8_t>(~low),
-                                static_cast<std::uint8_t>(~high)};
+        stream.push_back(static_cast<std::uint8_t>(isLast ? 1 : 0));
+        for (const std::uint8_t byte : {low, high})
+            stream.push_back(byte);
+        for (const std::uint8_t byte : {low, high})
+            stream.push_back(static_cast<std::uint8_t>(~byte));
         const auto begin = raw.begin() + static_cast<std::ptrdiff_t>(offset);
         stream.insert(stream.end(), begin, begin + static_cast<std::ptrdiff_t>(count));
         offset += count;
@@ -69,10 +72,10 @@ Bytes MakePngSignature()
 
 Bytes MakePngChunk(std::string_view type, const Bytes& data)
 {
-    const Bytes checked = Bytes(type.begin(), type.end()) + data;
+    const Bytes checked = Concatenate({Bytes(type.begin(), type.end()), data});
     Bytes chunk;
     AppendUInt32(chunk, static_cast<std::uint32_t>(data.size()));
-    chunk = chunk + checked;
+    chunk.insert(chunk.end(), checked.begin(), checked.end());
     AppendUInt32(chunk, GetCrc32(checked));
     return chunk;
 }
@@ -83,7 +86,7 @@ Bytes MakePngHeaderChunk(const PngHeader& header)
     AppendUInt32(data, header.width);
     AppendUInt32(data, header.height);
     const auto interlace = static_cast<std::uint8_t>(header.isInterlaced ? 1 : 0);
-    return MakePngChunk("IHDR", data + Bytes{header.bitDepth, header.colourType, 0, 0, interlace});
+    return MakePngChunk("IHDR", Concatenate({data, {header.bitDepth, header.colourType, 0, 0, interlace}}));
 }
 
 Bytes MakePngDataChunk(const Bytes& rows)
@@ -93,7 +96,8 @@ Bytes MakePngDataChunk(const Bytes& rows)
 
 Bytes MakePng(const PngHeader& header, const Bytes& rows, const Bytes& chunks)
 {
-    return MakePngSignature() + MakePngHeaderChunk(header) + chunks + MakePngDataChunk(rows) + MakePngChunk("IEND", {});
+    return Concatenate(
+        {MakePngSignature(), MakePngHeaderChunk(header), chunks, MakePngDataChunk(rows), MakePngChunk("IEND", {})});
 }
 
 } // namespace Orvik::Tests

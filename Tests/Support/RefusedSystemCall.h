@@ -21,7 +21,7 @@ inline void RefuseSystemCallWithout(long number, unsigned int argument, unsigned
     constexpr auto jumpIfEqual = static_cast<std::uint16_t>(BPF_JMP | BPF_JEQ | BPF_K);
     constexpr auto jumpIfSet = static_cast<std::uint16_t>(BPF_JMP | BPF_JSET | BPF_K);
     constexpr auto result = static_cast<std::uint16_t>(BPF_RET | BPF_K);
-    const auto argumentOffset = static_cast<std::uint32_t>(offsetof(seccomp_data, args) + 8 * argument);
+    const auto argumentOffset = static_cast<std::uint32_t>(offsetof(seccomp_data, args) + std::size_t{8} * argument);
     std::array<sock_filter, 6> program = {{
         {load, 0, 0, offsetof(seccomp_data, nr)},
         {jumpIfEqual, 0, 3, static_cast<std::uint32_t>(number)},

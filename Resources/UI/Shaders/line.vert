@@ -13,7 +13,8 @@ layout(std140) uniform Shared
     vec2 screenSize;
 };
 
-// The polyline with one more point at each end, so that every segment has a neighbour on both sides.
+// The polyline with one more point at each end, so that every segment has a neighbour on both sides. At binding point
+// 0, where a block is that nobody moves.
 layout(std140) uniform Points
 {
     vec4 points[64];

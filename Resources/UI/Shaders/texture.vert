@@ -14,10 +14,8 @@ layout(std140) uniform Shared
 };
 
 uniform mat4 model;
-uniform sampler2D image;
 
 out vec2 coordinate;
-flat out int isShrunk; // fewer window pixels than image pixels
 
 // Positions are settled to this fraction of a pixel, or the rounding of the matrices would decide where half a pixel
 // goes.
@@ -33,12 +31,9 @@ vec2 SettleToPixels(vec2 clip)
 
 void main()
 {
-    mat4 placement = projection * view * model;
-    vec2 extent = vec2(length(placement[0].xy * screenSize), length(placement[1].xy * screenSize)) * 0.5;
-    isShrunk = any(lessThan(extent + 1.0 / settledSteps, vec2(textureSize(image, 0)))) ? 1 : 0;
-
     // The first row of the image is its top one.
     coordinate = vec2(textureCoordinate.x, 1.0 - textureCoordinate.y);
+    mat4 placement = projection * view * model;
     gl_Position = placement * vec4(position, 1.0);
     bool isUpright = placement[0].y == 0.0 && placement[1].x == 0.0;
     if (isUpright && gl_Position.w == 1.0)

@@ -25,12 +25,16 @@ public:
 
     static constexpr std::chrono::milliseconds DefaultLimit{20000};
 
+    /// Looks at the whole screen.
     explicit OverlayWatcher(const std::string& displayName);
+    /// Looks at that part of the screen: one monitor of several.
+    OverlayWatcher(const std::string& displayName, const Area& monitor);
     ~OverlayWatcher();
     OverlayWatcher(const OverlayWatcher&) = delete;
     OverlayWatcher& operator=(const OverlayWatcher&) = delete;
 
-    /// The overlay is told by its place: a window beside any window manager, one pixel above the screen and one taller.
+    /// The overlay is told by its place: a window beside any window manager, one pixel above its monitor and one
+    /// taller.
     [[nodiscard]] State GetState() const;
     /// False if the overlay doesn't come into that state in time.
     [[nodiscard]] bool WaitFor(State state, std::chrono::milliseconds limit = DefaultLimit) const;
@@ -43,6 +47,7 @@ private:
 
     std::unique_ptr<XSession> m_session;
     Screen m_screen;
+    Area m_monitor;
 };
 
 } // namespace Orvik::Tests

@@ -26,17 +26,31 @@ bool WaitUntil(std::chrono::milliseconds limit, const Condition& condition)
     return true;
 }
 
-/// White over the dimmed test picture: no channel of that is above 50, and the line's weakest end adds 0.4 of white.
+constexpr std::uint32_t s_bright = 90;
+
+/// No channel of the dimmed picture is that bright. The crosshair's weakest end adds 0.4 of white to it; the purple of
+/// the selection's outline, which may lie over the crosshair, is as bright in red and blue.
 bool IsLinePixel(std::uint32_t pixel)
 {
-    return (pixel & 0xFF) > 90 && (pixel >> 8 & 0xFF) > 90 && (pixel >> 16 & 0xFF) > 90;
+    return (pixel & 0xFF) > s_bright && (pixel >> 16 & 0xFF) > s_bright;
 }
 
-/// Labels and the selection's outline may cover a part of a line.
+bool IsWhitePixel(std::uint32_t pixel)
+{
+    return IsLinePixel(pixel) && (pixel >> 8 & 0xFF) > s_bright;
+}
+
+/// Labels may cover a part of a line.
 bool IsLine(const Picture& strip)
 {
     const auto count = std::count_if(strip.pixels.begin(), strip.pixels.end(), IsLinePixel);
     return static_cast<std::size_t>(count) * 10 >= strip.pixels.size() * 9;
+}
+
+/// Whether a line goes through the strip.
+bool IsCrossed(const Picture& strip)
+{
+    return std::any_of(strip.pixels.begin(), strip.pixels.end(), IsWhitePixel);
 }
 
 /// A window that goes while it is looked at isn't this watcher's error.
@@ -47,8 +61,13 @@ int IgnoreError(::Display* /*display*/, XErrorEvent* /*error*/)
 
 } // namespace
 
-OverlayWatcher::OverlayWatcher(const std::string& displayName)
-    : m_session(std::make_unique<XSession>(displayName)), m_screen(displayName)
+OverlayWatcher::OverlayWatcher(const std::string& displayName) : OverlayWatcher(displayName, {})
+{
+    m_monitor = {0, 0, m_screen.GetWidth(), m_screen.GetHeight()};
+}
+
+OverlayWatcher::OverlayWatcher(const std::string& displayName, const Area& monitor)
+    : m_session(std::make_unique<XSession>(displayName)), m_screen(displayName), m_monitor(monitor)
 {
     XSetErrorHandler(&IgnoreError);
 }
@@ -69,8 +88,8 @@ OverlayWatcher::State OverlayWatcher::GetState() const
         XWindowAttributes attributes = {};
         if (XGetWindowAttributes(m_session->GetDisplay(), child, &attributes) == 0)
             continue;
-        if (attributes.override_redirect == True && attributes.x == 0 && attributes.y == -1 &&
-            attributes.width == m_session->GetWidth() && attributes.height == m_session->GetHeight() + 1)
+        if (attributes.override_redirect == True && attributes.x == m_monitor.x && attributes.y == m_monitor.y - 1 &&
+            attributes.width == m_monitor.width && attributes.height == m_monitor.height + 1)
             state = attributes.map_state == IsViewable ? State::Visible : State::Hidden;
     }
     if (children != nullptr)
@@ -90,13 +109,14 @@ bool OverlayWatcher::WaitForCrosshair(Position cursor, std::chrono::milliseconds
 
 bool OverlayWatcher::HasCrosshair(Position cursor) const
 {
-    const int width = m_screen.GetWidth();
-    const int height = m_screen.GetHeight();
     if (GetState() != State::Visible)
         return false;
-    if (cursor.x + 1 < width && !IsLine(m_screen.Capture({cursor.x + 1, 0, 1, height})))
-        return false;
-    return cursor.y + 1 >= height || IsLine(m_screen.Capture({0, cursor.y + 1, width, 1}));
+    const auto [left, top, width, height] = m_monitor;
+    const bool hasColumn = cursor.x + 1 < left + width ? IsLine(m_screen.Capture({cursor.x + 1, top, 1, height}))
+                                                       : !IsCrossed(m_screen.Capture({left, top, width, 1}));
+    const bool hasRow = cursor.y + 1 < top + height ? IsLine(m_screen.Capture({left, cursor.y + 1, width, 1}))
+                                                    : !IsCrossed(m_screen.Capture({left, top, 1, height}));
+    return hasColumn && hasRow;
 }
 
 } // namespace Orvik::Tests

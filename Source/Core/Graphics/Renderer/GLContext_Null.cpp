@@ -1,7 +1,7 @@
 #include "Core/Graphics/Renderer/GLContext.h"
 
-#include "Core/Graphics/Renderer/EntryPoints_Null.h"
 #include "Core/Graphics/Renderer/GLRecorder.h"
+#include "Core/Graphics/Renderer/RecordingEntryPoints_Null.h"
 
 namespace Orvik::Graphics::Renderer
 {

@@ -18,16 +18,24 @@ using System::Platform::EglConfiguration;
     return static_cast<::Window>(window);
 }
 
-/// Null if the window is gone or has another visual than the configuration.
-EGLSurface CreateSurface(const EglConfiguration& configuration, System::Desktop::NativeWindow window)
+/// The X server to talk to, or null if it is gone. The driver doesn't stop to look: without a server it sends a picture
+/// in endless pieces.
+::Display* FindServer()
 {
-    System::Platform::XErrorScope errors(System::Platform::GetXDisplay());
-    EGLSurface const surface =
-        eglCreateWindowSurface(configuration.display, configuration.config, ToXWindow(window), nullptr);
-    if (surface == EGL_NO_SURFACE || !errors.HasFailed())
-        return surface;
-    eglDestroySurface(configuration.display, surface);
-    return EGL_NO_SURFACE;
+    ::Display* const display = System::Platform::GetXDisplay();
+    if (display == nullptr)
+        return nullptr;
+    XEventsQueued(display, QueuedAfterReading); // reads, and so notices the end
+    return System::Platform::GetXDisplay();
+}
+
+/// Whether the window exists and has the configuration's visual. Some drivers end the process by a fault otherwise.
+bool CanDrawOn(::Display* display, const EglConfiguration& configuration, System::Desktop::NativeWindow window)
+{
+    const System::Platform::XErrorScope errors(display);
+    XWindowAttributes attributes = {};
+    return XGetWindowAttributes(display, ToXWindow(window), &attributes) != 0 &&
+           XVisualIDFromVisual(attributes.visual) == configuration.visual.visualid;
 }
 
 EGLContext CreateCoreContext(const EglConfiguration& configuration)
@@ -73,12 +81,15 @@ void SetTitle(System::Desktop::NativeWindow window, const std::string& title)
 bool GLContext::CreatePlatform(System::Desktop::NativeWindow window, const char* /*className*/)
 {
     const std::optional<EglConfiguration>& configuration = System::Platform::GetEglConfiguration();
-    if (!configuration || System::Platform::GetXDisplay() == nullptr)
+    ::Display* const display = FindServer();
+    if (!configuration || display == nullptr)
     {
         Report(": Missing an EGL configuration for OpenGL with 4 samples.");
         return false;
     }
-    m_surface = CreateSurface(*configuration, window);
+    m_surface = EGL_NO_SURFACE;
+    if (CanDrawOn(display, *configuration, window))
+        m_surface = eglCreateWindowSurface(configuration->display, configuration->config, ToXWindow(window), nullptr);
     if (m_surface == EGL_NO_SURFACE)
     {
         Report(": Call to eglCreateWindowSurface failed.");
@@ -90,7 +101,8 @@ bool GLContext::CreatePlatform(System::Desktop::NativeWindow window, const char*
                    eglMakeCurrent(configuration->display, m_surface, m_surface, m_handle) == EGL_TRUE;
     if (isBound)
     {
-        m_version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
+        const GLubyte* const version = glGetString(GL_VERSION);
+        m_version = version != nullptr ? reinterpret_cast<const char*>(version) : "";
         m_entryPoints = LoadEntryPoints();
         isBound = m_entryPoints.IsComplete();
     }
@@ -111,7 +123,7 @@ bool GLContext::CreatePlatform(System::Desktop::NativeWindow window, const char*
 void GLContext::DestroyPlatform(System::Desktop::NativeWindow /*window*/)
 {
     // With the server gone there is nothing left to free but memory, and the driver may ask the server for it.
-    ::Display* const connection = System::Platform::GetXDisplay();
+    ::Display* const connection = FindServer();
     if (connection == nullptr)
         return;
     EGLDisplay const display = System::Platform::GetEglConfiguration()->display;
@@ -124,9 +136,8 @@ void GLContext::DestroyPlatform(System::Desktop::NativeWindow /*window*/)
 
 void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow /*window*/)
 {
-    if (System::Platform::GetXDisplay() == nullptr)
-        return;
-    eglSwapBuffers(System::Platform::GetEglConfiguration()->display, m_surface);
+    if (FindServer() != nullptr)
+        eglSwapBuffers(System::Platform::GetEglConfiguration()->display, m_surface);
 }
 
 } // namespace Orvik::Graphics::Renderer

@@ -47,7 +47,8 @@ public:
                           std::vector<std::array<float, 4>>& colors);
     /// The polygon, or null. Good until the next `Create` or `Remove`.
     [[nodiscard]] Polygon* Get(std::uint16_t id);
-    /// Queues the upload of changed positions or colours. False for an unknown id.
+    /// Queues the upload of changed positions or colours. The upload leaves out a polygon that hasn't as many of the
+    /// one as of the other. False for an unknown id.
     bool Update(std::uint16_t id);
     /// Takes the polygon out; its OpenGL objects go at the next `Render`.
     bool Remove(std::uint16_t id);

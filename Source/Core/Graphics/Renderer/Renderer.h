@@ -32,7 +32,8 @@ public:
     /// why, what came up stays, and the renderer draws nothing.
     [[nodiscard]] bool Initialize(System::Desktop::NativeWindow window, const char* className);
 
-    /// Settles the size of the drawing surface, in pixels. Has to be called before the first object is asked for.
+    /// Settles the size of the drawing surface, in pixels. Has to be called before the first object is asked for. A
+    /// surface without area changes nothing.
     void Resize(System::Desktop::NativeWindow window, std::int32_t width, std::int32_t height);
 
     /// Draws all visible objects and shows the picture.

@@ -51,7 +51,7 @@ public:
     [[nodiscard]] Text* Get(std::uint16_t id);
 
     /// Replaces the string: up to `length` characters, ending at a zero. A character outside ASCII 32 to 126 and line
-    /// feed is skipped with a warning. False for an unknown id.
+    /// feed, or that the font couldn't give, is skipped with a warning. False for an unknown id.
     bool SetText(std::uint16_t id, const char* text, std::uint64_t length, Renderer& renderer);
     bool SetText(std::uint16_t id, const char* text, Renderer& renderer);
 

@@ -46,8 +46,9 @@ public:
     /// The texture, or null. Good until the next `Create` or `Remove`.
     [[nodiscard]] Texture* Get(std::uint16_t id);
 
-    /// Replaces the pixels in place. Another size than the first upload's is an assertion failure. False for an
-    /// unknown id or without a context; nothing changes then.
+    /// Replaces the pixels in place. Another size than the first upload's is an assertion failure. An empty first
+    /// picture is no upload: the next one is the first again. False for an unknown id, without a context or pixels, or
+    /// with less than 24 bits per pixel; nothing changes then.
     bool UpdateBitmap(std::uint16_t id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
                       const void* pixels, Renderer& renderer);
 

@@ -144,11 +144,12 @@ void SnipBench::UpdateZoom(const ToolContext& context, Renderer::Renderer& rende
     if (context.type != ToolEventType::MouseWheel && context.type != ToolEventType::Key)
         return;
 
-    float magnification = 0.0F;
+    float magnification = m_magnification;
+    const float magnifierWidth = m_magnifierWidth;
     if (IsZoomIn(context))
-        magnification = std::min(m_magnification * 2.0F, m_magnifierWidth * m_displayScale);
+        magnification = std::min(magnification * 2.0F, magnifierWidth * m_displayScale);
     else if (IsZoomOut(context))
-        magnification = m_magnification * 0.5F;
+        magnification *= 0.5F;
     else
         return;
 

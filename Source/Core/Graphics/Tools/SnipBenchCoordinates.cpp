@@ -19,7 +19,7 @@ using System::Tools::ToolContext;
 constexpr std::uint16_t s_minMagnifierSize = 32;
 
 /// Half the size at which the image is drawn.
-std::int32_t GetHalfDrawnSize(std::uint16_t captureSize, float scale)
+std::int32_t GetHalfDrawnSize(float captureSize, float scale)
 {
     return Truncate(captureSize * scale * 0.5F);
 }
@@ -128,8 +128,9 @@ void SnipBench::ChooseMagnifierSize()
 // Powers of one half, so that a window pixel always stands for whole capture pixels.
 void SnipBench::ChooseDisplayScale()
 {
-    const float fit = std::min(static_cast<float>(m_windowWidth) / m_capture.GetWidth(),
-                               static_cast<float>(m_windowHeight) / m_capture.GetHeight());
+    const float width = m_capture.GetWidth();
+    const float height = m_capture.GetHeight();
+    const float fit = std::min(static_cast<float>(m_windowWidth) / width, static_cast<float>(m_windowHeight) / height);
     m_displayScale = 1.0F;
     while (m_displayScale > fit)
         m_displayScale *= 0.5F;

@@ -37,7 +37,7 @@ constexpr float s_minLabelHeight = 16.0F;
 using LabelText = std::array<char, 128>;
 
 /// A zoomed-out region of a strongly shrunk capture still shows a pixel.
-std::uint32_t ScaleSide(std::uint16_t side, float scale)
+std::uint32_t ScaleSide(float side, float scale)
 {
     return static_cast<std::uint32_t>(std::max(Truncate(side * scale), 1));
 }
@@ -100,8 +100,9 @@ void SnipBench::CreateMagnifierTexture(Renderer::Renderer& renderer)
                     region.GetPixels(), renderer);
     if (Renderer::Texture* const texture = textures.Get(m_magnifierTexture))
     {
-        texture->model = Matrix4::ScaleAndTranslation(m_magnifierWidth, m_magnifierHeight, 1.0F,
-                                                      m_magnifierWidth * 0.5F, m_magnifierHeight * 0.5F, 0.0F);
+        const float width = m_magnifierWidth;
+        const float height = m_magnifierHeight;
+        texture->model = Matrix4::ScaleAndTranslation(width, height, 1.0F, width * 0.5F, height * 0.5F, 0.0F);
     }
     if (oldTexture != 0)
         textures.Remove(oldTexture);
@@ -146,17 +147,22 @@ void SnipBench::UpdateMagnifier(Renderer::Renderer& renderer)
 // Right of and below the cursor, on the other side where the window ends. The vertical test leaves one more margin.
 SnipBench::MagnifierPlace SnipBench::PlaceMagnifier() const
 {
-    const auto cursorX = static_cast<std::uint16_t>(m_cursorX);
-    const auto cursorY = static_cast<std::uint16_t>(m_cursorY);
-    const float margin = std::max(m_magnifierWidth / 128.0F, 1.0F) * s_minMargin;
+    const float cursorX = static_cast<std::uint16_t>(m_cursorX);
+    const float cursorY = static_cast<std::uint16_t>(m_cursorY);
+    const float windowWidth = m_windowWidth;
+    const float windowHeight = m_windowHeight;
+    const float width = m_magnifierWidth;
+    const float height = m_magnifierHeight;
+    const float margin = std::max(width / 128.0F, 1.0F) * s_minMargin;
 
     float left = cursorX + margin;
-    if (m_magnifierWidth + left > m_windowWidth)
-        left = std::max(cursorX - margin - m_magnifierWidth, 0.0F);
+    if (width + left > windowWidth)
+        left = std::max(cursorX - margin - width, 0.0F);
 
     float top = cursorY + margin;
-    if (m_magnifierHeight + static_cast<std::uint16_t>(Truncate(top)) + margin > m_windowHeight)
-        top = std::max(cursorY - margin - m_magnifierHeight, 0.0F);
+    const float wholeTop = static_cast<std::uint16_t>(Truncate(top));
+    if (height + wholeTop + margin > windowHeight)
+        top = std::max(cursorY - margin - height, 0.0F);
     return {margin, left, static_cast<std::uint16_t>(Truncate(top))};
 }
 
@@ -167,10 +173,11 @@ void SnipBench::UpdateMagnifierTexture(const MagnifierPlace& place, Renderer::Re
     if (texture == nullptr)
         return;
 
-    const float centreX = m_magnifierWidth * 0.5F + place.left;
-    const float centreY = m_windowHeight - (m_magnifierHeight * 0.5F + place.top);
-    Place(texture,
-          Matrix4::ScaleAndTranslation(m_magnifierWidth, m_magnifierHeight, 1.0F, centreX, centreY, s_magnifierDepth),
+    const float width = m_magnifierWidth;
+    const float height = m_magnifierHeight;
+    const float centreX = width * 0.5F + place.left;
+    const float centreY = static_cast<float>(m_windowHeight - place.top) - height * 0.5F;
+    Place(texture, Matrix4::ScaleAndTranslation(width, height, 1.0F, centreX, centreY, s_magnifierDepth),
           s_magnifierColour);
 
     const Point position = GetImagePosition();
@@ -209,9 +216,11 @@ void SnipBench::UpdateMagnifierLabels(const MagnifierPlace& place, Renderer::Ren
     placeLabel(texts.Get(m_coordinatesLabel), place.left, top);
 
     if (Renderer::Text* const label = texts.Get(m_magnificationLabel))
-        placeLabel(label, place.left + m_magnifierWidth - static_cast<float>(label->width) * scale, top);
-
-    placeLabel(texts.Get(m_sizeLabel), place.left, m_windowHeight - (m_magnifierHeight + place.top + height));
+    {
+        const float right = place.left + static_cast<float>(m_magnifierWidth);
+        placeLabel(label, right - static_cast<float>(label->width) * scale, top);
+    }
+    placeLabel(texts.Get(m_sizeLabel), place.left, top - static_cast<float>(m_magnifierHeight) - height);
 }
 
 Bitmap SnipBench::CutRegion(std::int32_t x, std::int32_t y) const
@@ -243,9 +252,11 @@ bool SnipBench::UpdateCaptureTexture(Renderer::Renderer& renderer)
     Renderer::Texture* const texture = textures.Get(m_captureTexture);
     if (texture == nullptr)
         return false;
-    Place(texture,
-          Matrix4::ScaleAndTranslation(width * m_displayScale, height * m_displayScale, 1.0F, m_windowWidth * 0.5F,
-                                       m_windowHeight * 0.5F, s_captureDepth),
+    const float drawnWidth = static_cast<float>(width) * m_displayScale;
+    const float drawnHeight = static_cast<float>(height) * m_displayScale;
+    const float centreX = static_cast<float>(m_windowWidth) * 0.5F;
+    const float centreY = static_cast<float>(m_windowHeight) * 0.5F;
+    Place(texture, Matrix4::ScaleAndTranslation(drawnWidth, drawnHeight, 1.0F, centreX, centreY, s_captureDepth),
           s_captureColour);
     return true;
 }

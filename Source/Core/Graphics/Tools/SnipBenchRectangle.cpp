@@ -36,8 +36,8 @@ std::vector<Vector4> MakeOutlinePoints(std::uint16_t width, std::uint16_t height
 std::array<Vector4, 5> MakeRectangleOutline(std::uint16_t width, std::uint16_t height, float thickness)
 {
     const float half = thickness * 0.5F;
-    const float right = width - half;
-    const float top = height - half;
+    const float right = static_cast<float>(width) - half;
+    const float top = static_cast<float>(height) - half;
     return {{{right, half, 0.0F, 1.0F},
              {half, half, 0.0F, 1.0F},
              {half, top, 0.0F, 1.0F},
@@ -138,7 +138,9 @@ Rectangle SnipBench::GetRectangleBounds() const
     const RectangleModeData& data = m_rectangleModeData;
     const std::int32_t left = ToCaptureX(data.x);
     const std::int32_t top = ToCaptureY(data.y);
-    return {left, top, left + Truncate(data.width / m_displayScale), top + Truncate(data.height / m_displayScale)};
+    const float width = data.width;
+    const float height = data.height;
+    return {left, top, left + Truncate(width / m_displayScale), top + Truncate(height / m_displayScale)};
 }
 
 void SnipBench::CreateSelectionLine(Renderer::Renderer& renderer)

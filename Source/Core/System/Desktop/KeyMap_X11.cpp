@@ -177,7 +177,7 @@ KeyCode FindKey(KeySym symbol)
 
 KeySym GetUnshiftedSymbol(const XKeyEvent& event)
 {
-    const auto group = static_cast<unsigned int>(XkbGroupForCoreState(event.state));
+    const auto group = static_cast<int>(XkbGroupForCoreState(event.state));
     return XkbKeycodeToKeysym(event.display, static_cast<::KeyCode>(event.keycode), group, 0);
 }
 

@@ -51,6 +51,13 @@ std::vector<ScrollAxis> ReadAxes(int device, XIAnyClassInfo* const* classes, int
 
 } // namespace
 
+PointerMotion GetPlace(const XIDeviceEvent& event)
+{
+    const auto toPixel = [](double coordinate) { return static_cast<std::int32_t>(std::floor(coordinate)); };
+    return {
+        event.event, {toPixel(event.event_x), toPixel(event.event_y)}, {toPixel(event.root_x), toPixel(event.root_y)}};
+}
+
 PointerInput& PointerInput::GetInstance()
 {
     static PointerInput s_instance;
@@ -101,14 +108,16 @@ bool PointerInput::IsInputEvent(const XEvent& event) const
 std::optional<PointerMotion> PointerInput::ReadPlainMotion(const XEvent& event, const EventData& data) const
 {
     if (event.type == MotionNotify)
-        return PointerMotion{event.xmotion.window, event.xmotion.x, event.xmotion.y};
+    {
+        const XMotionEvent& motion = event.xmotion;
+        return PointerMotion{motion.window, {motion.x, motion.y}, {motion.x_root, motion.y_root}};
+    }
     if (!IsInputEvent(event))
         return std::nullopt;
     const auto* const motion = data.Get<XIDeviceEvent>(XI_Motion);
     if (motion == nullptr || HasScroll(*motion))
         return std::nullopt;
-    return PointerMotion{motion->event, static_cast<int>(std::floor(motion->event_x)),
-                         static_cast<int>(std::floor(motion->event_y))};
+    return GetPlace(*motion);
 }
 
 float PointerInput::TakeNotches(const XIDeviceEvent& event)

@@ -4,6 +4,7 @@
 
 #include "Core/System/Desktop/EventData_X11.h"
 #include "Core/System/Desktop/ScrollAxes.h"
+#include "Core/System/Math/Point.h"
 #include "Core/System/Platform/X11Headers.h"
 
 #include <X11/extensions/XInput2.h>
@@ -12,13 +13,16 @@
 namespace Orvik::System::Desktop
 {
 
-/// The pointer has moved.
+/// Where the pointer was when an event was made.
 struct PointerMotion
 {
     ::Window window = None;
-    int x = 0; ///< window pixels
-    int y = 0;
+    Math::Point inWindow; ///< window pixels
+    Math::Point onScreen; ///< screen pixels
 };
+
+/// The place that an event of XInput 2 tells; it has fractions of a pixel.
+[[nodiscard]] PointerMotion GetPlace(const XIDeviceEvent& event);
 
 /// The pointing devices, read by XInput 2 where the server has it (2.1, for wheels that tell fractions of a notch), or
 /// else by core events alone. The process's one; it belongs to the thread of the X connection.

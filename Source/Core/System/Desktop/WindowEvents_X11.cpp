@@ -2,13 +2,13 @@
 #include "Core/System/Desktop/WindowHints_X11.h"
 #include "Core/System/Desktop/WindowNative_X11.h"
 #include "Core/System/Log/LogSite.h"
+#include "Core/System/Platform/PointerEvent.h"
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Time/MonotonicClock.h"
 
 #include <X11/XKBlib.h>
 #include <X11/Xresource.h>
 #include <X11/extensions/Xrandr.h>
-#include <cmath>
 
 namespace Orvik::System::Desktop
 {
@@ -43,6 +43,13 @@ int SelectScreenChanges(::Display* display, ::Window window)
         return 0;
     XRRSelectInput(display, window, RRScreenChangeNotifyMask);
     return firstEvent + RRScreenChangeNotify;
+}
+
+/// The place that a core event of a key or a button tells.
+template <typename CoreEvent>
+PointerMotion GetPlace(const CoreEvent& event)
+{
+    return {event.window, {event.x, event.y}, {event.x_root, event.y_root}};
 }
 
 /// Goes on to the newest of the motions that stand at the front of the queue, one behind the other and for the same
@@ -162,8 +169,8 @@ void Window::Native::Handle(XEvent& event)
     {
     case KeyPress: OnKeyPress(event.xkey); return;
     case KeyRelease: OnKeyRelease(event.xkey); return;
-    case ButtonPress: OnButton(event.xbutton.button, true); return;
-    case ButtonRelease: OnButton(event.xbutton.button, false); return;
+    case ButtonPress: OnCoreButton(event.xbutton, true); return;
+    case ButtonRelease: OnCoreButton(event.xbutton, false); return;
     case FocusOut: OnFocusOut(event.xfocus); return;
     case MapNotify: OnMap(); return;
     case ConfigureNotify: OnConfigure(event.xconfigure); return;
@@ -203,8 +210,15 @@ void Window::Native::HandleInput(const EventData& data)
 
 void Window::Native::OnMotion(const PointerMotion& motion)
 {
-    pointer = {motion.x, motion.y};
-    window.DeliverMouseMove(motion.x, motion.y);
+    pointer = motion.inWindow;
+    const Platform::PointerEventScope scope(motion.onScreen);
+    window.DeliverMouseMove(pointer.x, pointer.y);
+}
+
+void Window::Native::FollowPointer(const PointerMotion& place)
+{
+    if (place.inWindow != pointer)
+        OnMotion(place);
 }
 
 void Window::Native::OnScroll(const XIDeviceEvent& event)
@@ -212,17 +226,22 @@ void Window::Native::OnScroll(const XIDeviceEvent& event)
     const float notches = PointerInput::GetInstance().TakeNotches(event);
     if (notches != 0.0F)
         window.DeliverMouseWheel(notches);
-    const Math::Point now{static_cast<std::int32_t>(std::floor(event.event_x)),
-                          static_cast<std::int32_t>(std::floor(event.event_y))};
-    if (now != pointer)
-        OnMotion({id, now.x, now.y});
+    FollowPointer(GetPlace(event));
 }
 
 void Window::Native::OnInputButton(const XIDeviceEvent& event, bool pressed)
 {
     Native* const native = Find(display, event.event);
-    if (native != nullptr && !PointerInput::GetInstance().IsEmulatedWheel(event))
-        native->OnButton(static_cast<unsigned int>(event.detail), pressed);
+    if (native == nullptr || PointerInput::GetInstance().IsEmulatedWheel(event))
+        return;
+    native->FollowPointer(GetPlace(event));
+    native->OnButton(static_cast<unsigned int>(event.detail), pressed);
+}
+
+void Window::Native::OnCoreButton(const XButtonEvent& event, bool pressed)
+{
+    FollowPointer(GetPlace(event));
+    OnButton(event.button, pressed);
 }
 
 // Buttons 4 and 5 are the notches of a wheel; the others beyond the third are nobody's.
@@ -245,6 +264,7 @@ void Window::Native::OnKeyPress(const XKeyEvent& event)
         return;
     }
     keys.Press(static_cast<std::uint8_t>(event.keycode), key);
+    FollowPointer(GetPlace(event));
     window.DeliverKey(key, true);
 }
 
@@ -259,9 +279,12 @@ void Window::Native::OnKeyRelease(const XKeyEvent& event)
     }
     const KeyCode key = keys.Release(static_cast<std::uint8_t>(event.keycode), TranslateKey(event));
     if (key == KeyCode::Undefined)
+    {
         OnUndefinedKey(event);
-    else
-        window.DeliverKey(key, false);
+        return;
+    }
+    FollowPointer(GetPlace(event));
+    window.DeliverKey(key, false);
 }
 
 void Window::Native::OnUndefinedKey(const XKeyEvent& event) const

@@ -35,6 +35,9 @@ struct Window::Native
 
     void OnMotion(const PointerMotion& motion);
 
+    /// What is pressed is pressed at its own place, also where no motion has told of it.
+    void FollowPointer(const PointerMotion& place);
+
     /// Whether the connection still stands.
     [[nodiscard]] bool IsUsable() const;
 
@@ -44,6 +47,7 @@ struct Window::Native
     void OnKeyRelease(const XKeyEvent& event);
     void OnUndefinedKey(const XKeyEvent& event) const;
     void OnInputButton(const XIDeviceEvent& event, bool pressed);
+    void OnCoreButton(const XButtonEvent& event, bool pressed);
     void OnButton(unsigned int button, bool pressed);
     void OnScroll(const XIDeviceEvent& event);
     void OnFocusOut(const XFocusChangeEvent& event);

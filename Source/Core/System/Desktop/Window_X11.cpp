@@ -215,7 +215,10 @@ void Window::SetClickThroughPlatform(bool enabled)
     XFixesDestroyRegion(display, nothing);
     SetInputHint(display, m_native->id, !enabled);
     if (enabled)
+    {
         m_native->claim.End();
+        m_native->keys.LetGo();
+    }
     XFlush(display);
 }
 

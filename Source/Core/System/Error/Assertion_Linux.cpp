@@ -1,5 +1,7 @@
 #include "Core/System/Error/Assertion.h"
 
+// The failure function is declared in debug builds only; assertions stay in every build here.
+#undef NDEBUG
 #include <cassert>
 
 namespace Orvik::System::Error

@@ -96,7 +96,8 @@ void ErrorHandling::ReportAssertion(const AssertionInfo& info)
     if (!MakeReportPath(std::time(nullptr), path))
         std::terminate();
 
-    const auto writeReport = [&info](std::ostream& stream) {
+    const auto writeReport = [&info](std::ostream& stream)
+    {
         stream << "Assertion: " << info.condition << "\n\tMessage: " << info.message << "\n";
         WriteCallstack(stream, *info.location);
     };
@@ -126,7 +127,8 @@ void ErrorHandling::ReportException(const Exception& exception)
 
     const SourceLocation& location = exception.GetLocation();
     const char* const header = MakeHeader(exception.IsHandled());
-    const auto writeReport = [&](std::ostream& stream) {
+    const auto writeReport = [&](std::ostream& stream)
+    {
         const std::ios::fmtflags flags = stream.flags();
         const char fill = stream.fill();
         stream << header << exception.GetTypeName() << "\n\tMessage: " << m_lastMessage << "\n\tCode:    0x" << std::hex
@@ -162,8 +164,8 @@ void ErrorHandling::ReportStdException(const std::exception& exception, bool han
     WriteReportFile(path, writeReport);
     if (m_logger != nullptr)
     {
-        m_logger->Write<Log::StreamID::Default, Log::MessageTypeID::Error>(
-            "Exception: 'std::exception' with message: ", exception.what());
+        m_logger->Write<Log::StreamID::Default, Log::MessageTypeID::Error>("Exception: 'std::exception' with message: ",
+                                                                           exception.what());
     }
     ClearMessageStream();
 }

@@ -33,7 +33,8 @@ class Exception;
 class ErrorHandling
 {
 public:
-    [[nodiscard]] static ErrorHandling& GetInstance();
+    /// Touching it is enough to make it.
+    static ErrorHandling& GetInstance();
     ErrorHandling(const ErrorHandling&) = delete;
     ErrorHandling& operator=(const ErrorHandling&) = delete;
 

@@ -67,7 +67,9 @@ std::int64_t GetExpiryLimit(std::uint32_t days)
 
 FileLogSink::FileLogSink(std::filesystem::path directory, std::string fileName, std::uint64_t maxFileSize,
                          std::uint32_t maxFileAge)
-    : m_fileName(std::move(fileName)), m_directory(std::move(directory)), m_maxFileSize(maxFileSize),
+    : m_fileName(std::move(fileName)),
+      m_directory(std::move(directory)),
+      m_maxFileSize(maxFileSize),
       m_maxFileAge(maxFileAge)
 {
 }

@@ -18,9 +18,9 @@ namespace Orvik::System::Log
 /// The System that turns messages into lines and hands them to its sinks, on the thread that logs. It is the receiver
 /// of all log sites from its construction to its destruction, and drops what comes while it has no sinks.
 /// Lines may come from any thread; everything else belongs to the main thread.
-class Logger final : public Runtime::SystemBase<Logger, "LogSystem", 9, GUID{0x4392DED52813410E, 0xA3BB393A4153F1F9},
-                                                LoggerConfig>,
-                     public IMessageReceiver
+class Logger final
+    : public Runtime::SystemBase<Logger, "LogSystem", 9, GUID{0x4392DED52813410E, 0xA3BB393A4153F1F9}, LoggerConfig>,
+      public IMessageReceiver
 {
 public:
     static constexpr std::uint32_t s_typeID = 0x5FC2C68D;

@@ -60,6 +60,7 @@ std::vector<EGLConfig> ChooseConfigs(EGLDisplay display)
     return configs;
 }
 
+/// The visual of a configuration, if windows can have it. A DirectColor visual would want a palette.
 std::optional<XVisualInfo> FindVisual(::Display* connection, EGLDisplay display, EGLConfig config)
 {
     XVisualInfo wanted = {};
@@ -71,6 +72,8 @@ std::optional<XVisualInfo> FindVisual(::Display* connection, EGLDisplay display,
         return std::nullopt;
     const XVisualInfo visual = *found;
     XFree(found);
+    if (visual.c_class != TrueColor)
+        return std::nullopt;
     return visual;
 }
 

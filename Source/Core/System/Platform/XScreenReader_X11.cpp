@@ -83,7 +83,7 @@ bool XScreenReader::AllocateSegment(std::size_t bytes)
     // Linux lets others attach a segment that is marked for removal, so that it goes with the last user from here on,
     // even if this process is killed at its next step.
     shmctl(id, IPC_RMID, nullptr);
-    if (address == reinterpret_cast<void*>(-1))
+    if (reinterpret_cast<std::intptr_t>(address) == -1)
         return false;
     m_segment.shmid = id;
     m_segment.shmaddr = static_cast<char*>(address);

@@ -39,8 +39,7 @@ std::unique_ptr<JsonDocument> MakeDocument()
 
 void WarnOfMissingSchema()
 {
-    Log::Write(s_context, MessageTypeID::Warning,
-               "No configuration schema loaded, configuration might be invalid.");
+    Log::Write(s_context, MessageTypeID::Warning, "No configuration schema loaded, configuration might be invalid.");
 }
 
 /// The first member with exactly that name, if it is an object; null otherwise. `object` may be any value.
@@ -48,12 +47,11 @@ const rapidjson::Value* FindObject(const rapidjson::Value& object, std::string_v
 {
     if (!object.IsObject())
         return nullptr;
-    const auto member = std::find_if(object.MemberBegin(), object.MemberEnd(),
-                                     [name](const auto& candidate)
-                                     {
-                                         return std::string_view(candidate.name.GetString(),
-                                                                 candidate.name.GetStringLength()) == name;
-                                     });
+    const auto member =
+        std::find_if(object.MemberBegin(), object.MemberEnd(),
+                     [name](const auto& candidate) {
+                         return std::string_view(candidate.name.GetString(), candidate.name.GetStringLength()) == name;
+                     });
     return member != object.MemberEnd() && member->value.IsObject() ? &member->value : nullptr;
 }
 

@@ -74,8 +74,7 @@ bool IsKeywordSound(const rapidjson::Value::Member& member)
         return true;
     const auto isName = [](const rapidjson::Value& value) { return value.IsString(); };
     return std::all_of(member.value.MemberBegin(), member.value.MemberEnd(),
-                       [&isName](const auto& dependency)
-                       {
+                       [&isName](const auto& dependency) {
                            return !dependency.value.IsArray() ||
                                   std::all_of(dependency.value.Begin(), dependency.value.End(), isName);
                        });

@@ -8,6 +8,7 @@
 #include "Core/System/Runtime/SystemCreation.h"
 #include "Core/System/Threads/ThreadManager.h"
 
+#include <atomic>
 #include <exception>
 #include <iostream>
 
@@ -80,8 +81,9 @@ void Application::ShutdownSystems()
     Log::Write(s_context, Log::MessageTypeID::Verbose, "Successful shutdown. See you soon!");
     if (m_logSystem != nullptr)
         m_logSystem->OnShutdown();
-    if (m_returnCode == UnsetReturnCode)
-        m_returnCode = 0;
+    // Fault reporting may wait for this on another thread.
+    std::int32_t unset = UnsetReturnCode;
+    std::atomic_ref(m_returnCode).compare_exchange_strong(unset, 0);
 }
 
 } // namespace Orvik::System::Runtime

@@ -22,10 +22,17 @@ std::int64_t GetSystemTicks()
 std::string FormatTimestamp(std::int64_t ticks)
 {
     using namespace std::chrono;
-    const sys_time<Ticks> time{Ticks(ticks)};
-    const sys_days day = floor<days>(time);
-    const year_month_day date = day;
-    const hh_mm_ss<Ticks> clock(time - day);
+    // By hand: the library's rounding to days overflows on the earliest day of 64 bits.
+    constexpr std::int64_t ticksPerDay = Ticks(days(1)).count();
+    std::int64_t day = ticks / ticksPerDay;
+    std::int64_t ticksOfDay = ticks % ticksPerDay;
+    if (ticksOfDay < 0)
+    {
+        --day;
+        ticksOfDay += ticksPerDay;
+    }
+    const year_month_day date = sys_days(days(day));
+    const hh_mm_ss<Ticks> clock{Ticks(ticksOfDay)};
     return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:07}Z", static_cast<int>(date.year()),
                        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), clock.hours().count(),
                        clock.minutes().count(), clock.seconds().count(), clock.subseconds().count());

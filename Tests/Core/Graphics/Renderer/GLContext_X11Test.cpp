@@ -91,6 +91,16 @@ TEST(GLContext, FailsOnAWindowThatIsGone)
     context.Destroy(native);
 }
 
+TEST(GLContext, FailsOnAWindowOfAnotherVisual)
+{
+    const LogRecorder log;
+    const System::Desktop::NativeWindow window = CreateForeignWindow();
+    GLContext context;
+    EXPECT_FALSE(context.Create(window, "Test"));
+    EXPECT_EQ(log.GetLines(),
+              (std::vector<std::string>{"Graphics Error: OpenGL: Call to eglCreateWindowSurface failed."}));
+}
+
 TEST(GLContext, CanBeMadeAgain)
 {
     GLWindow window(32, 32);

@@ -347,14 +347,15 @@ TEST(LinePixels, ACornerIsMitredWithoutGapOrOverlap)
 
 TEST(LinePixels, AnAcuteCornerStaysNearItsPoint)
 {
-    RendererScene scene(s_size, s_size);
-    AddLine(scene, {{5, 30, 0, 1}, {30, 31, 0, 1}, {5, 32, 0, 1}}, {}, 3.0F);
-    const Frame picture = scene.Draw();
-    EXPECT_NE(picture.At(29, 32), s_black);
+    // A mitre would reach 49 pixels beyond the point.
+    RendererScene scene(300, s_size);
+    AddLine(scene, {{5, 30, 0, 1}, {200, 36, 0, 1}, {5, 42, 0, 1}}, {}, 3.0F);
+    const Frame frame = scene.Draw();
+    EXPECT_NE(frame.At(200, s_size - 36), s_black); // half a thickness beyond the point is covered
     for (std::int32_t y = 0; y < s_size; ++y)
     {
-        for (std::int32_t x = 34; x < s_size; ++x)
-            ASSERT_EQ(picture.At(x, y), s_black) << x << ", " << y << picture.Describe();
+        for (std::int32_t x = 203; x < 300; ++x)
+            ASSERT_EQ(frame.At(x, y), s_black) << x << ", " << y << frame.Describe();
     }
 }
 

@@ -16,6 +16,7 @@ class ResourceCopy
 public:
     ResourceCopy() : m_previous(std::filesystem::current_path())
     {
+        std::filesystem::create_directory(m_directory.GetPath() / "Resources");
         std::filesystem::copy("Resources/UI", m_directory.GetPath() / "Resources/UI",
                               std::filesystem::copy_options::recursive);
         std::filesystem::current_path(m_directory.GetPath());

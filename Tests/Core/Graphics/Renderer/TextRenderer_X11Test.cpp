@@ -2,6 +2,7 @@
 #include "Tests/Core/Graphics/Renderer/RendererFixture_X11.h"
 
 #include <array>
+#include <numeric>
 
 namespace Orvik::Tests
 {
@@ -91,18 +92,20 @@ TEST(TextPixels, TheSecondGlyphStandsBehindTheFirstsAdvance)
     EXPECT_EQ(frame.At(left - 3, s_height - 90), s_black);
 }
 
-TEST(TextPixels, ASmallTextKeepsItsWeight)
+TEST(TextPixels, ASmallGlyphKeepsItsWeightWhereverItStands)
 {
     RendererScene scene(s_width, s_height);
-    Text& text = AddText(scene, "123, 456", Matrix4::Translation(5, 80, 1.0F));
-    text.model = Matrix4::ScaleAndTranslation(0.5F, 0.5F, 0.0F, 5, 80, 1.0F);
-    const double half = GetLight(scene.Draw());
-    const float small = Graphics::Renderer::TextRenderer::GetScale(16);
-    text.model = Matrix4::ScaleAndTranslation(small, small, 0.0F, 5, 80, 1.0F);
-    const double light = GetLight(scene.Draw());
-    // A sixth of the size against a half: a ninth of the area. Single taps would be a quarter off and more, and
-    // differ from place to place.
-    EXPECT_NEAR(light / (half / 9.0), 1.0, 0.06);
+    const float scale = Graphics::Renderer::TextRenderer::GetScale(16);
+    Text& text = AddText(scene, "l", {});
+    const GlyphBitmap glyph = RenderGlyph('l');
+    const double expected = std::accumulate(glyph.coverage.begin(), glyph.coverage.end(), 0.0) / 255.0 *
+                            static_cast<double>(scale) * static_cast<double>(scale);
+    for (std::int32_t step = 0; step < 16; ++step)
+    {
+        text.model = Matrix4::ScaleAndTranslation(scale, scale, 0.0F, 10.0F + static_cast<float>(step) / 16.0F, 80, 1);
+        // The glyph's left edge has but four samples. A single tap to the pixel would miss by a quarter.
+        EXPECT_NEAR(GetLight(scene.Draw()) / expected, 1.0, 0.15) << step;
+    }
 }
 
 TEST(TextPixels, TheColourIsScaledByTheCoverage)

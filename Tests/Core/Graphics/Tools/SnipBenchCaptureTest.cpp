@@ -2,6 +2,7 @@
 #include "Tests/Support/LogRecorder.h"
 
 #include <gmock/gmock.h>
+#include <limits>
 
 namespace Orvik::Graphics::Tools
 {
@@ -168,6 +169,15 @@ TEST_F(SnipBenchDisplayTest, ScreenPositionsBecomeWindowPositions)
         EXPECT_EQ(m_probe.GetCursor(), (Point{one.window.x + 1, one.window.y + 2})) << one.display;
         m_tool.End(m_renderer);
     }
+}
+
+TEST_F(SnipBenchDisplayTest, APositionFarOutsideStaysOnItsSide)
+{
+    m_application->CreateDisplayCache();
+    Start(MakePicture(64, 48), On(s_shifted, Move(std::numeric_limits<std::int32_t>::max(), 0)));
+    EXPECT_EQ(m_probe.GetCursor().x, 64);
+    Update(On(s_shifted, Move(0, std::numeric_limits<std::int32_t>::min())));
+    EXPECT_EQ(m_probe.GetCursor().y, 0);
 }
 
 TEST_F(SnipBenchDisplayTest, AHostThatDoesNotExistIsLeftOut)

@@ -262,6 +262,14 @@ TEST_F(SnipBenchMagnifierTest, TheZoomIsAnEvenNumber)
     EXPECT_EQ(m_probe.GetMagnification(), 6);
 }
 
+TEST_F(SnipBenchMagnifierTest, AChangedMagnifierStandsInTheCornerUntilItIsUpdated)
+{
+    StartLarge();
+    m_tool.ChangeMagnifier(m_renderer, 8);
+
+    EXPECT_EQ(GetMagnifierModel(), Matrix4::ScaleAndTranslation(256, 256, 1, 128, 128, 0));
+}
+
 TEST_F(SnipBenchMagnifierTest, AZoomBeyondTheMagnifiersSideShowsOnePixel)
 {
     StartLarge();

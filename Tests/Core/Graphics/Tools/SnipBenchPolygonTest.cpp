@@ -149,11 +149,15 @@ TEST_F(SnipBenchPolygonTest, ARightReleaseTakesTheLastVertexBack)
 {
     StartPolygon();
     Clicks({{100, 100}, {200, 110}, {150, 200}});
+    Update(Move(160, 220));
+    const Matrix4 marker = Matrix4::Translation(1, 2, 3);
+    GetTexture(m_probe.GetMagnifierTexture()).model = marker;
     Update(RightRelease());
     EXPECT_EQ(m_tool.GetState(), SnipState::Selecting);
     EXPECT_THAT(m_probe.GetPoints(), ElementsAre(Point{100, 100}, Point{200, 110}));
     EXPECT_THAT(GetPoints(GetOutline()),
-                ElementsAre(Vector4{100, 200, 0, 1}, Vector4{200, 190, 0, 1}, Vector4{150, 100, 0, 1}));
+                ElementsAre(Vector4{100, 200, 0, 1}, Vector4{200, 190, 0, 1}, Vector4{160, 80, 0, 1}));
+    EXPECT_NE(GetTexture(m_probe.GetMagnifierTexture()).model, marker);
 
     Update({RightRelease(), RightRelease()});
     EXPECT_EQ(m_tool.GetState(), SnipState::Ready);

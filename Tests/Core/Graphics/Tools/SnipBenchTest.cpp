@@ -144,7 +144,9 @@ TEST_F(SnipBenchTest, EndRemovesEverythingInEachState)
     {
         for (const std::vector<ToolContext>& way : ways)
         {
-            StartFull(400, 300);
+            OpenWindow(400, 300);
+            Start(MakePicture(800, 600));
+            ASSERT_EQ(m_probe.GetScale(), 0.5F);
             EXPECT_TRUE(m_tool.SetMode(mode));
             Update(way);
             if (mode == SnipMode::Polygon)

@@ -114,7 +114,8 @@ public:
     {
         const std::string bytes = GetProperty(window, name, sizeof(unsigned long));
         std::vector<unsigned long> items(bytes.size() / sizeof(unsigned long));
-        std::memcpy(items.data(), bytes.data(), bytes.size());
+        if (!bytes.empty())
+            std::memcpy(items.data(), bytes.data(), bytes.size());
         return items;
     }
     [[nodiscard]] std::string GetText(::Window window, const char* name) { return GetProperty(window, name, 1); }

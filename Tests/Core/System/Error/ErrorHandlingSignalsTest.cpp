@@ -39,8 +39,8 @@ public:
     [[nodiscard]] bool AcceptsStream(std::uint32_t /*stream*/) const override { return true; }
     void Receive(std::uint32_t stream, Log::MessageTypeID severity, const std::string& text) override
     {
-        std::cout << Log::GetStreamName(stream) << " "
-                  << Log::messageTypeIDNames[static_cast<std::size_t>(severity)] << ": " << text << std::endl;
+        std::cout << Log::GetStreamName(stream) << " " << Log::messageTypeIDNames[static_cast<std::size_t>(severity)]
+                  << ": " << text << std::endl;
     }
 };
 
@@ -67,7 +67,8 @@ private:
 };
 
 /// A run in a process of its own, with the log printed.
-int RunProgram(bool listens, const std::function<void()>& prepare = [] {})
+int RunProgram(
+    bool listens, const std::function<void()>& prepare = [] {})
 {
     LogPrinter printer;
     ErrorHandling::GetInstance();
@@ -152,15 +153,15 @@ TEST(ErrorHandlingSignals, AnInterruptionAfterATerminationEndsAtOnce)
 TEST(ErrorHandlingSignals, ATerminationAfterAnUnhandledExceptionSaysSo)
 {
     ForkedProcess process(
-        []
-        {
+        [] {
             return RunProgram(true,
                               [] { ErrorHandling::GetInstance().ReportStdException(std::runtime_error("x"), false); });
         });
     ASSERT_TRUE(process.WaitForOutput("running"));
     process.Send(SIGTERM);
     const ForkedResult result = process.Wait();
-    constexpr const char* text = "Signal 'SIGTERM' was raised to terminate the program due to an unhandled exception.\n";
+    constexpr const char* text =
+        "Signal 'SIGTERM' was raised to terminate the program due to an unhandled exception.\n";
     EXPECT_EQ(result.exitCode, 5);
     EXPECT_EQ(result.error, std::string("Unhandled Exception: std::exception\n\tMessage: x\n") + text);
     EXPECT_EQ(result.output, std::string("running\nSystem Error: ") + text + "asked\n");
@@ -300,9 +301,8 @@ TEST(ErrorHandlingSignals, FaultsAreReportedAndEndBySignalsOfTheirOwn)
                 "Signal 'SIGSEGV' was raised due to an invalid memory access (segmentation fault).");
     ExpectFault(RunFault([] { raise(SIGILL); }), SIGILL,
                 "Signal 'SIGILL' was raised to due to an invalid instruction. Executable may be invalid.");
-    ExpectFault(
-        RunFault([] { raise(SIGFPE); }), SIGFPE,
-        "Signal 'SIGFPE' was raised to due to an erronouse arithmetic operation such as a divide by zero.");
+    ExpectFault(RunFault([] { raise(SIGFPE); }), SIGFPE,
+                "Signal 'SIGFPE' was raised to due to an erronouse arithmetic operation such as a divide by zero.");
 }
 
 /// Memory that may not be touched.
@@ -321,9 +321,10 @@ TEST(ErrorHandlingSignals, AnInvalidMemoryAccessIsReportedOnAnyThread)
 
 int Overflow(int depth)
 {
-    volatile std::array<char, 4096> frame = {};
-    frame[0] = static_cast<char>(depth);
-    return depth < 0 ? 0 : Overflow(depth + 1) + frame[0];
+    std::array<char, 4096> frame = {};
+    volatile char& first = frame[0];
+    first = static_cast<char>(depth);
+    return depth < 0 ? 0 : Overflow(depth + 1) + first;
 }
 
 TEST(ErrorHandlingSignals, AnExhaustedStackIsReportedOnAnother)

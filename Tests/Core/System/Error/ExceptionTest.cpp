@@ -1,8 +1,7 @@
 #include "Core/System/Error/Exception.h"
-#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/ForkedProcess.h"
 
 #include <exception>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
@@ -146,23 +145,22 @@ TEST(Exception, CopyKeepsDetailsAndPlace)
 
 TEST(Exception, ReportMarksItAsHandledAndWritesIt)
 {
-    // Reports of a process without a directory for them go to the working directory.
-    const Tests::TemporaryDirectory directory;
-    const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(directory.GetPath());
-    ExceptionWithDetails exception(SourceLocation("/x/Source/Core/a.cpp", 12, "Open"), ErrorDetails(LogFileStateError));
-    testing::internal::CaptureStderr();
-    exception.Report();
-    const std::string text = testing::internal::GetCapturedStderr();
-    std::filesystem::current_path(before);
-
-    EXPECT_TRUE(exception.IsHandled());
-    EXPECT_EQ(text, "Exception: Orvik::Exception\n"
-                    "\tMessage: Internal state doesn't match file state.\n"
-                    "\tCode:    0x0000001e01f70002\n"
-                    "\n"
-                    "Callstack:\n"
-                    "\t[0]: /Core/a.cpp at 12: Open\n");
+    // In a process of its own: a report brings up the error handling, which changes the process for good.
+    const Tests::ForkedResult result = Tests::RunForked(
+        []
+        {
+            ExceptionWithDetails exception(SourceLocation("/x/Source/Core/a.cpp", 12, "Open"),
+                                           ErrorDetails(LogFileStateError));
+            exception.Report();
+            return exception.IsHandled() ? 3 : 4;
+        });
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_EQ(result.error, "Exception: Orvik::Exception\n"
+                            "\tMessage: Internal state doesn't match file state.\n"
+                            "\tCode:    0x0000001e01f70002\n"
+                            "\n"
+                            "Callstack:\n"
+                            "\t[0]: /Core/a.cpp at 12: Open\n");
 }
 
 } // namespace

@@ -203,10 +203,17 @@ TEST_F(FileLogSinkTest, OfTwoFilesOfTheSameTimeOneIsContinued)
 TEST_F(FileLogSinkTest, WhatIsNoLogFileIsLeftAlone)
 {
     const std::vector<std::string> names = {
-        "Name_1999-01-01T00-00-00.log",       "Name2026-01-01T00-00-00.log",  "Name_2026-01-01T00-00-00.LOG",
-        "Name_2026-01-01T00-00-00.txt",       "Name_2026-01-01T00-00-00",     "Name.log",
-        "Name_ERROR_2026-01-01T00-00-00.log", "name_2026-01-01T00-00-00.log", "Other_2026-01-01T00-00-00.log",
-        "Name_.log",                          "Nam.log",
+        "Name_1999-01-01T00-00-00.log",
+        "Name2026-01-01T00-00-00.log",
+        "Name_2026-01-01T00-00-00.LOG",
+        "Name_2026-01-01T00-00-00.txt",
+        "Name_2026-01-01T00-00-00",
+        "Name.log",
+        "Name_ERROR_2026-01-01T00-00-00.log",
+        "name_2026-01-01T00-00-00.log",
+        "Other_2026-01-01T00-00-00.log",
+        "Name_.log",
+        "Nam.log",
     };
     for (const std::string& name : names)
         MakeFile(name, "untouched", hours(24 * 300));
@@ -283,7 +290,8 @@ TEST_F(FileLogSinkTest, ASecondSplitInOneSecondReplacesTheFirstsFile)
 {
     const auto sink = MakeSink(1);
     ASSERT_TRUE(sink->Open());
-    // Every line splits. The files of one second have one name; the round takes a fraction of one, and may meet its end.
+    // Every line splits. The files of one second have one name; the round takes a fraction of one, and may meet its
+    // end.
     for (int round = 0; round < 50; ++round)
         sink->Write("line\n");
     EXPECT_LE(GetNames().size(), 2U);

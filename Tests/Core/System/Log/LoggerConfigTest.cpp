@@ -105,8 +105,7 @@ TEST(LoggerConfig, AnEmptyStreamsObjectLeavesTheDefaults)
 TEST(LoggerConfig, ARuleMovesItsStream)
 {
     EXPECT_EQ(ApplyRules(R"({"Graphics": {"severity": "Debug"}})"), (Masks{0x4, 0, 0x3FFFFFB, 0, 0, 0, 0}));
-    EXPECT_EQ(ApplyRules(R"({"SessionSystem": {"severity": "Always"}})"),
-              (Masks{0, 0, 0x1FFFFFF, 0, 0, 0, 0x2000000}));
+    EXPECT_EQ(ApplyRules(R"({"SessionSystem": {"severity": "Always"}})"), (Masks{0, 0, 0x1FFFFFF, 0, 0, 0, 0x2000000}));
 }
 
 TEST(LoggerConfig, KnowsEverySeverity)

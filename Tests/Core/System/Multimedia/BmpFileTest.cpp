@@ -15,7 +15,6 @@ namespace
 {
 
 using Tests::Bytes;
-using Tests::operator+;
 
 // The fields of the two headers that a reader looks at.
 struct BmpHeader
@@ -43,7 +42,7 @@ Bytes MakeBmp(const BmpHeader& header, const Bytes& rows)
     bytes.push_back(static_cast<std::uint8_t>(header.bitsPerPixel & 0xFF));
     bytes.push_back(static_cast<std::uint8_t>(header.bitsPerPixel >> 8));
     AppendUInt32(bytes, header.compression);
-    return bytes + Bytes(20, 0xAB) + rows;
+    return Tests::Concatenate({bytes, Bytes(20, 0xAB), rows});
 }
 
 Bytes GetBytes(const Bitmap& bitmap)

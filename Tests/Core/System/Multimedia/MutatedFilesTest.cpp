@@ -18,7 +18,6 @@ namespace
 using Tests::Bytes;
 using Tests::MakePng;
 using Tests::MakePngChunk;
-using Tests::operator+;
 
 using Random = std::mt19937; // its numbers are the same everywhere, unlike those of the distributions
 
@@ -98,11 +97,14 @@ Bytes MakeDamagedChunkPng(Random& random)
     Bytes palette(3 * (1 + Pick(random, 4)), 9);
     Bytes chunks;
     if (Pick(random, 3) != 0)
-        chunks = chunks + MakePngChunk("PLTE", palette);
+        chunks = MakePngChunk("PLTE", palette);
     if (Pick(random, 2) != 0)
-        chunks = chunks + MakePngChunk("tRNS", Bytes(Pick(random, 8), 1));
+        chunks = Tests::Concatenate({chunks, MakePngChunk("tRNS", Bytes(Pick(random, 8), 1))});
     if (Pick(random, 4) == 0)
-        chunks = chunks + MakePngChunk("zTXt", Mutate({'a', 0, 0, 0x78, 0x01, 1, 1, 0, 0xFE, 0xFF, 7}, random));
+    {
+        const Bytes text = Mutate({'a', 0, 0, 0x78, 0x01, 1, 1, 0, 0xFE, 0xFF, 7}, random);
+        chunks = Tests::Concatenate({chunks, MakePngChunk("zTXt", text)});
+    }
     return MakePng(header, rows, chunks);
 }
 
@@ -110,7 +112,7 @@ Bytes MakeBmp()
 {
     Bytes bytes = {'B', 'M', 102, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40, 0, 0, 0, 4, 0, 0, 0, 3, 0, 0, 0, 1, 0, 32, 0};
     bytes.resize(54);
-    return bytes + Bytes(48, 5);
+    return Tests::Concatenate({bytes, Bytes(48, 5)});
 }
 
 class MutatedFiles : public testing::Test
@@ -176,8 +178,9 @@ TEST_F(MutatedFiles, OfBmpAreRefusedOrLoadWhole)
 TEST_F(MutatedFiles, OfPngAreRefusedOrLoadWhole)
 {
     Random random(20'250'102);
-    const Bytes original = MakePng({.width = 5, .height = 4, .colourType = 3}, Bytes(24, 0),
-                                   MakePngChunk("PLTE", Bytes(9, 3)) + MakePngChunk("tRNS", {1, 2}));
+    const Bytes original =
+        MakePng({.width = 5, .height = 4, .colourType = 3}, Bytes(24, 0),
+                Tests::Concatenate({MakePngChunk("PLTE", Bytes(9, 3)), MakePngChunk("tRNS", {1, 2})}));
     for (int i = 0; i < 600; ++i)
     {
         SCOPED_TRACE(i);
@@ -208,8 +211,8 @@ TEST_F(MutatedFiles, OfAnyBytesAreRefusedOrLoadWhole)
         Bytes noise(Pick(random, 300));
         for (std::uint8_t& byte : noise)
             byte = static_cast<std::uint8_t>(random());
-        Load(Bytes{'B', 'M'} + noise, "picture.bmp");
-        Load(Tests::MakePngSignature() + noise, "picture.png");
+        Load(Tests::Concatenate({{'B', 'M'}, noise}), "picture.bmp");
+        Load(Tests::Concatenate({Tests::MakePngSignature(), noise}), "picture.png");
         Load(noise, "picture.png");
     }
     EXPECT_GT(m_refused, 400U);

@@ -17,7 +17,6 @@ using Tests::Bytes;
 using Tests::MakePng;
 using Tests::MakePngChunk;
 using Tests::PngHeader;
-using Tests::operator+;
 
 constexpr std::uint8_t s_gray = 0;
 constexpr std::uint8_t s_rgb = 2;
@@ -145,7 +144,7 @@ TEST_F(PngFile, OfSixteenBitsComparesTheWholeTransparentColour)
 
 TEST_F(PngFile, OfAPaletteWithTransparencyGetsFourBytesToThePixel)
 {
-    const Bytes chunks = MakePngChunk("PLTE", {1, 2, 3, 4, 5, 6}) + MakePngChunk("tRNS", {77});
+    const Bytes chunks = Tests::Concatenate({MakePngChunk("PLTE", {1, 2, 3, 4, 5, 6}), MakePngChunk("tRNS", {77})});
     ExpectPixels(MakePng({.width = 2, .height = 2, .colourType = s_palette}, {0, 0, 1, 0, 1, 0}, chunks),
                  {3, 2, 1, 77, 6, 5, 4, 255, 6, 5, 4, 255, 3, 2, 1, 77});
 }
@@ -232,8 +231,8 @@ TEST_F(PngFile, WithBrokenCompressedDataIsRefused)
     const PngHeader header{.width = 1, .height = 1, .colourType = s_gray};
     const auto makeWithData = [&](const Bytes& data)
     {
-        return Tests::MakePngSignature() + Tests::MakePngHeaderChunk(header) + MakePngChunk("IDAT", data) +
-               MakePngChunk("IEND", {});
+        return Tests::Concatenate({Tests::MakePngSignature(), Tests::MakePngHeaderChunk(header),
+                                   MakePngChunk("IDAT", data), MakePngChunk("IEND", {})});
     };
     ExpectRefused(makeWithData({}));
     ExpectRefused(makeWithData({0xFF, 0xFF, 0xFF, 0xFF}));
@@ -270,7 +269,7 @@ TEST_F(PngFile, LargerThanABitmapCanHoldIsRefused)
 {
     // Complete in their data, so that the size alone is at fault.
     ExpectRefused(MakePng({.width = 16'384, .bitDepth = 1, .colourType = s_gray}, Bytes(1 + 2'048, 0)));
-    ExpectRefused(MakePng({.width = 1, .height = 65'536, .bitDepth = 1, .colourType = s_gray}, Bytes(2 * 65'536, 0)));
+    ExpectRefused(MakePng({.width = 1, .height = 65'536, .bitDepth = 1, .colourType = s_gray}, Bytes(131'072, 0)));
 }
 
 TEST_F(PngFile, AtTheLimitsOfABitmapLoads)
@@ -278,7 +277,7 @@ TEST_F(PngFile, AtTheLimitsOfABitmapLoads)
     EXPECT_TRUE(LoadBytes(MakePng({.width = 16'383, .bitDepth = 1, .colourType = s_gray}, Bytes(1 + 2'048, 0))));
     EXPECT_EQ(m_bitmap.GetStride(), 65'532);
     EXPECT_TRUE(
-        LoadBytes(MakePng({.width = 1, .height = 65'535, .bitDepth = 1, .colourType = s_gray}, Bytes(2 * 65'535, 0))));
+        LoadBytes(MakePng({.width = 1, .height = 65'535, .bitDepth = 1, .colourType = s_gray}, Bytes(131'070, 0))));
     EXPECT_EQ(m_bitmap.GetHeight(), 65'535);
 }
 

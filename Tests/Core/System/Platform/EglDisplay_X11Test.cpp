@@ -28,10 +28,11 @@ TEST(EglDisplay, ConfigurationHasWhatTheContextDemands)
     EXPECT_NE(GetAttribute(EGL_RENDERABLE_TYPE) & EGL_OPENGL_BIT, 0);
 }
 
-TEST(EglDisplay, ConfigurationIsOnAVisualWithAlpha)
+TEST(EglDisplay, ConfigurationIsOnATrueColorVisual)
 {
     ASSERT_TRUE(GetEglConfiguration());
-    EXPECT_EQ(GetEglConfiguration()->visual.depth, 32);
+    EXPECT_EQ(GetEglConfiguration()->visual.c_class, TrueColor);
+    EXPECT_GE(GetEglConfiguration()->visual.depth, 24);
     EXPECT_EQ(static_cast<VisualID>(GetAttribute(EGL_NATIVE_VISUAL_ID)), GetEglConfiguration()->visual.visualid);
 }
 

@@ -146,6 +146,25 @@ void Require(bool holds, const char* what)
     std::exit(0);
 }
 
+/// The first to notice is a call that writes to the server.
+[[noreturn]] void CallAServerThatIsGone()
+{
+    auto server = std::make_unique<Tests::VirtualDisplay>();
+    setenv("DISPLAY", server->GetName().c_str(), 1);
+    Desktop::Window window(nullptr, "Test", {0, 0}, {200, 100}, Desktop::WindowType::Overlay);
+    Require(window.Create(), "the window is created");
+    window.Show(window.Lock());
+    server.reset();
+    window.SetClickThrough(true);
+    window.SetClickThrough(false);
+    window.BringToFront();
+    window.Hide(window.Lock());
+    window.Show(window.Lock());
+    Require(!Device::Cursor::SetPosition({1, 1}), "there is no pointer to move");
+    Require(GetXDisplay() == nullptr, "there is no connection");
+    std::exit(0);
+}
+
 [[noreturn]] void RunWithoutAServer()
 {
     setenv("DISPLAY", ":99999", 1);
@@ -178,6 +197,11 @@ TEST_F(XConnectionDeathTest, LostServerEndsTheRunInOrder)
 TEST_F(XConnectionDeathTest, LostServerEndsTheRunOfAnOrdinaryWindow)
 {
     EXPECT_EXIT(RunUntilTheServerIsGone(Desktop::WindowType::Overlapped), testing::ExitedWithCode(0), s_lostLines);
+}
+
+TEST_F(XConnectionDeathTest, LostServerIsSurvivedByTheCallThatFindsOut)
+{
+    EXPECT_EXIT(CallAServerThatIsGone(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(XConnectionDeathTest, MissingServerIsAFailureOfCreate)

@@ -120,9 +120,9 @@ int CheckServerThatMistakesOurMemory()
         return s_notAllowed;
     const Tests::VirtualDisplay server(640, 480, 24);
     setenv("DISPLAY", server.GetName().c_str(), 1);
-    const int other = shmget(IPC_PRIVATE, 8 * 1024 * 1024, IPC_CREAT | 0600);
+    const int other = shmget(IPC_PRIVATE, 8UL * 1024 * 1024, IPC_CREAT | 0600);
     void* const memory = shmat(other, nullptr, 0);
-    if (memory == reinterpret_cast<void*>(-1) || unshare(CLONE_NEWIPC) != 0)
+    if (reinterpret_cast<std::intptr_t>(memory) == -1 || unshare(CLONE_NEWIPC) != 0)
         return s_notAllowed;
     const int probe = shmget(IPC_PRIVATE, 4096, IPC_CREAT | 0600);
     const bool isSameNumber = probe == other;

@@ -178,9 +178,9 @@ TEST_F(ApplicationConfigCacheTest, ASchemaNameThatTheSystemRefusesIsThrown)
 TEST_F(ApplicationConfigCacheTest, ATextIsLoggedAndTakenWithoutASchema)
 {
     EXPECT_TRUE(m_cache.LoadFromString(R"({"configuration": {"a": {}}})"));
-    EXPECT_THAT(m_log.GetLines(),
-                ElementsAre(R"(System Always: Loading configuration string '{"configuration": {"a": {}}}'.)",
-                            s_noSchema));
+    EXPECT_THAT(
+        m_log.GetLines(),
+        ElementsAre(R"(System Always: Loading configuration string '{"configuration": {"a": {}}}'.)", s_noSchema));
     EXPECT_NE(m_cache.FindSection("a"), nullptr);
     EXPECT_EQ(m_cache.GetError(), "");
 }
@@ -302,7 +302,8 @@ TEST_F(ApplicationConfigCacheTest, ADeepDocumentIsTakenWithoutASchema)
     EXPECT_TRUE(m_cache.LoadFromString(MakeDeepDocument("1")));
     EXPECT_NE(m_cache.FindSection("a"), nullptr);
     EXPECT_FALSE(m_cache.LoadFromString(MakeDeepDocument("]")));
-    EXPECT_THAT(m_cache.GetError(), testing::StartsWith("Failed to parse configuration JSON at 100"));
+    EXPECT_EQ(m_cache.GetError(),
+              "Failed to parse configuration JSON at 200037: 'Missing a comma or '}' after an object member.'.");
 }
 
 TEST_F(ApplicationConfigCacheTest, ADeepDocumentMatchesNoSchema)

@@ -100,7 +100,7 @@ TEST(JsonReader, AgreesWithTheLibrarysDefaultParser)
     for (int round = 0; round < 20000; ++round)
     {
         std::string text;
-        for (std::uint32_t count = generator() % 9; count > 0; --count)
+        for (std::size_t count = generator() % 9; count > 0; --count)
             text += tokens[generator() % tokens.size()];
         rapidjson::Document expected;
         expected.Parse(text.c_str());

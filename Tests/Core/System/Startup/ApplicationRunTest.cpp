@@ -104,14 +104,6 @@ TEST_F(ApplicationRun, RootPathIsTheProgramsDirectoryWithOrWithoutArguments)
     EXPECT_EQ(m_application.calls.size(), 3U);
 }
 
-TEST_F(ApplicationRun, ResourcesAreFoundFromTheProgramsDirectory)
-{
-    StartFrame(MakeParameters());
-    const std::filesystem::path root = FindRootDirectory(m_application.rootPath.string(), "Binaries");
-    std::string path;
-    EXPECT_EQ(GetShaderPath("line.vert", path), (root / "Resources/UI/Shaders/line.vert").string());
-}
-
 TEST_F(ApplicationRun, CallingThreadIsTheMainThreadWhileTheApplicationLives)
 {
     SetCurrentThread(nullptr);
@@ -231,8 +223,8 @@ TEST_F(ApplicationRun, EventOfAnotherApplicationFails)
                      "Event from different application instance shall not be received.");
 }
 
-// Ending other instances. The test program copies itself under a name that nobody else has: under its own it would end
-// the tests that run beside it. The copies don't test, they play a role.
+// Copies of the test program, which don't test but play a role. For ending other instances they have a name that nobody
+// else has: under its own name the program would end the tests that run beside it.
 
 constexpr const char* s_roleVariable = "ORVIK_TEST_ROLE";
 
@@ -246,6 +238,8 @@ public:
             return;
         if (std::string(role) == "sleep")
             Sleep();
+        if (std::string(role) == "find")
+            FindResources();
         RunAlone();
     }
 
@@ -255,6 +249,18 @@ private:
         std::ofstream(std::to_string(getpid()) + ".ready") << "ready";
         sleep(60);
         std::_Exit(1);
+    }
+
+    [[noreturn]] static void FindResources()
+    {
+        Tests::FrameApplication application;
+        application.Application::Main(MakeParameters());
+        std::string schema;
+        std::string shader;
+        std::string texture;
+        std::ofstream("found") << GetSchemaPath("a.json", schema) << '|' << GetShaderPath("a.vert", shader) << '|'
+                               << GetTexturePath("a.ttf", texture);
+        std::_Exit(0);
     }
 
     [[noreturn]] static void RunAlone()
@@ -291,6 +297,19 @@ bool WaitForFile(const std::filesystem::path& path)
     for (int attempt = 0; attempt < 1000 && !std::filesystem::exists(path); ++attempt)
         usleep(10'000);
     return std::filesystem::exists(path);
+}
+
+TEST_F(ApplicationRun, ResourcesOfAnInstallationAreBesideItsBinaries)
+{
+    const std::filesystem::path tool = std::filesystem::canonical(m_home.GetPath()) / "tool";
+    const std::filesystem::path program = tool / "Binaries" / "x64" / "program";
+    std::filesystem::create_directories(program.parent_path());
+    std::filesystem::copy_file("/proc/self/exe", program);
+    EXPECT_EQ(WaitForEnd(Start(program, "find")), 0);
+    std::string found;
+    std::getline(std::ifstream("found"), found);
+    EXPECT_EQ(found, tool.string() + "/Resources/Schemas/a.json|" + tool.string() + "/Resources/UI/Shaders/a.vert|" +
+                         tool.string() + "/Resources/UI/Textures/a.ttf");
 }
 
 TEST_F(ApplicationRun, OtherInstancesAreEnded)

@@ -1,7 +1,7 @@
 #include "Core/System/Types/Guid.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 
 namespace Orvik::System
@@ -57,13 +57,13 @@ TEST(Guid, ParsedTextIsTheTextAgain)
 TEST(Guid, GeneratedOnesAreDifferentRandomUuids)
 {
     constexpr std::size_t count = 300;
-    const std::regex form("\\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\\}");
     std::set<std::string> texts;
     for (std::size_t index = 0; index < count; ++index)
     {
         const std::string text = GenerateGuid().ToString();
         EXPECT_EQ(text.size(), 38U);
-        EXPECT_TRUE(std::regex_match(text, form)) << text;
+        EXPECT_THAT(text, testing::MatchesRegex("\\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-"
+                                                "[0-9A-F]{12}\\}"));
         texts.insert(text);
     }
     EXPECT_EQ(texts.size(), count);

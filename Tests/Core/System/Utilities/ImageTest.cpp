@@ -100,7 +100,7 @@ TEST(Image, BoxToALargerSizeRepeatsSourcePixels)
 
 TEST(Image, BoxWorksOnAsManyChannelsAsTheNumberOfBitsCanTell)
 {
-    const Bytes source(31 * 2, 200);
+    const Bytes source(62, 200);
     EXPECT_EQ(Scale(source, {2, 1}, {1, 1}, 255, ResizeMethod::Box), Bytes(31, 200));
 }
 

@@ -1,6 +1,7 @@
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Device/Cursor/CursorFailure.h"
 #include "Core/System/Log/LogSite.h"
+#include "Core/System/Platform/PointerEvent.h"
 #include "Core/System/Platform/XConnection.h"
 
 #include <X11/extensions/XTest.h>
@@ -43,6 +44,11 @@ int ClampCoordinate(std::int32_t coordinate)
 
 bool GetCurrentPosition(Math::Point& position)
 {
+    if (const Math::Point* const eventPosition = Platform::PointerEventScope::GetPosition())
+    {
+        position = *eventPosition;
+        return true;
+    }
     ::Display* const display = Platform::GetXDisplay();
     if (display == nullptr)
         return ReportFailure("GetCurrentPosition", Platform::FormatXError(0));

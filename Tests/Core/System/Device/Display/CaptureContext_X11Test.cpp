@@ -161,7 +161,7 @@ private:
             XEvent event = {};
             if (XCheckTypedEvent(m_client.GetDisplay(), Expose, &event) != 0)
             {
-                std::this_thread::sleep_for(std::chrono::milliseconds(30));
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
                 Draw();
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(1));

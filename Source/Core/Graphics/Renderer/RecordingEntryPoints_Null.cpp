@@ -1,4 +1,4 @@
-#include "Core/Graphics/Renderer/EntryPoints_Null.h"
+#include "Core/Graphics/Renderer/RecordingEntryPoints_Null.h"
 
 #include "Core/Graphics/Renderer/GLRecorder.h"
 

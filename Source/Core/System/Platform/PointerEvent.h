@@ -1,0 +1,26 @@
+#pragma once
+
+// Private to the X11 halves.
+
+#include "Core/System/Math/Point.h"
+
+namespace Orvik::System::Platform
+{
+
+/// Says, while a pointer event is being delivered, where the pointer was when the event was made. The server may be far
+/// ahead by then: who handles a motion late and asks the server where the pointer is would start a drag at its end.
+/// Scopes don't nest. The thread of the X connection.
+class PointerEventScope
+{
+public:
+    /// `position` is in screen pixels and outlives the scope.
+    explicit PointerEventScope(const Math::Point& position) noexcept;
+    ~PointerEventScope();
+    PointerEventScope(const PointerEventScope&) = delete;
+    PointerEventScope& operator=(const PointerEventScope&) = delete;
+
+    /// The position of the event under way, or null.
+    [[nodiscard]] static const Math::Point* GetPosition() noexcept;
+};
+
+} // namespace Orvik::System::Platform
