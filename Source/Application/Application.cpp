@@ -10,6 +10,7 @@
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Time/MonotonicClock.h"
 
+#include <atomic>
 #include <iostream>
 
 namespace Orvik::SnipBench
@@ -144,9 +145,12 @@ void Application::PrepareOutputDirectory()
 void Application::SetReturnCode(std::string_view name)
 {
     const ReturnCodeRegistry& registry = ReturnCodeRegistry::GetInstance();
-    if (!registry.FindCode(0, name, m_returnCode))
+    std::int32_t code = 0;
+    if (!registry.FindCode(0, name, code))
         return;
-    if (std::string text; registry.WriteCode(0, m_returnCode, text))
+    // Who waits for the end of the run after a signal reads the field on a thread of its own.
+    std::atomic_ref(m_returnCode).store(code);
+    if (std::string text; registry.WriteCode(0, code, text))
         PrintLine(text);
 }
 

@@ -85,6 +85,12 @@ protected:
         Release(true);
     }
 
+    /// A line of many vertices of which only the first is near the first.
+    static Point GetZigzag(int vertex)
+    {
+        return vertex == 0 ? Point{10, 50} : Point{40 + vertex * 2, vertex % 2 * 60 + 20};
+    }
+
     [[nodiscard]] std::filesystem::path FindFile(const std::string& extension) const
     {
         for (const auto& entry : std::filesystem::directory_iterator(directory.GetPath()))
@@ -221,10 +227,10 @@ TEST_F(PolygonSnip, SixtyOneVerticesAreDrawnAndDelivered)
 {
     for (int vertex = 0; vertex < 61; ++vertex)
     {
-        Click({40 + vertex * 2, vertex % 2 == 0 ? 20 : 80});
+        Click(GetZigzag(vertex));
         renderer.Render(s_window);
     }
-    Click({40, 20});
+    Click(GetZigzag(0));
     EXPECT_EQ(tool.GetState(), SnipState::Ready);
     EXPECT_EQ(ring.size(), 62U) << "with the first repeated";
     renderer.Render(s_window);
@@ -233,7 +239,7 @@ TEST_F(PolygonSnip, SixtyOneVerticesAreDrawnAndDelivered)
 TEST_F(PolygonSnip, TheOutlineOfSixtyTwoVerticesIsTooLongToDraw)
 {
     for (int vertex = 0; vertex < 62; ++vertex)
-        Click({40 + vertex * 2, vertex % 2 == 0 ? 20 : 80});
+        Click(GetZigzag(vertex));
     MoveTo({10, 90});
     EXPECT_ASSERTION(renderer.Render(s_window), "line.points.size() <= s_maxPoints",
                      "Line object can't draw so many points!");

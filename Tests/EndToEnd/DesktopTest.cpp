@@ -7,6 +7,20 @@ namespace Orvik::Tests
 
 DesktopTest::DesktopTest()
 {
+    MakeDesktop();
+}
+
+void DesktopTest::TakeDesktopAway()
+{
+    m_overlay.reset();
+    m_screen.reset();
+    m_input.reset();
+    m_display.reset();
+}
+
+void DesktopTest::MakeDesktop()
+{
+    TakeDesktopAway();
     m_display.emplace(s_width, s_height);
     m_environment["DISPLAY"] = m_display->GetName();
     m_input.emplace(m_display->GetName());

@@ -24,6 +24,10 @@ protected:
 
     DesktopTest();
 
+    /// A new display in place of the present one.
+    void MakeDesktop();
+    /// Ends the display. Who works on it goes first, as an X client doesn't outlive its server.
+    void TakeDesktopAway();
     /// Starts the program and waits for its first frame. `cursor` is where its crosshair then is.
     [[nodiscard]] ChildProcess StartOverlay(const Arguments& arguments, Position cursor = {s_width / 2, s_height / 2});
 

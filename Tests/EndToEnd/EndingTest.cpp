@@ -27,6 +27,13 @@ protected:
         ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
     }
 
+    void ExpectOwnEnd(ChildProcess& process) const
+    {
+        const ChildResult result = process.Wait(s_politeLimit + s_politeLimit);
+        EXPECT_FALSE(result.isTimeout);
+        EXPECT_EQ(result.signal, 0) << result.standardError;
+    }
+
     /// Nothing holds the keyboard or the pointer, and no overlay is left.
     void ExpectFreeDesktop()
     {
@@ -153,26 +160,33 @@ TEST_F(Ending, AKilledRunLeavesAFreeDesktop)
 TEST_F(Ending, AServerThatGoesAwayEndsTheLoop)
 {
     ChildProcess process = StartOnPicture();
-    m_overlay.reset();
-    m_screen.reset();
-    m_input.reset();
-    m_display.reset();
-    const ChildResult result = process.Wait(s_endLimit);
-    EXPECT_FALSE(result.isTimeout);
-    EXPECT_EQ(result.signal, 0) << result.standardError;
+    TakeDesktopAway();
+    ExpectOwnEnd(process);
 }
 
 TEST_F(Ending, AServerThatGoesAwayDuringADelayEndsTheRun)
 {
-    ChildProcess process = Start({"-d", "1500", "-o", GetOutput().string()});
+    ChildProcess process = Start({"-d", "3000", "-o", GetOutput().string()});
     ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
-    m_overlay.reset();
-    m_screen.reset();
-    m_input.reset();
-    m_display.reset();
-    const ChildResult result = process.Wait(s_endLimit);
-    EXPECT_FALSE(result.isTimeout);
-    EXPECT_EQ(result.signal, 0) << result.standardError;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    TakeDesktopAway();
+    ExpectOwnEnd(process);
+}
+
+TEST_F(Ending, AServerThatGoesAwayDuringTheStartEndsTheRun)
+{
+    // Once in each part of a start, on any machine: while the overlay is made, while its renderer is, with the first
+    // frames.
+    for (const int milliseconds : {0, 10, 20, 40, 80, 160, 320})
+    {
+        SCOPED_TRACE(milliseconds);
+        MakeDesktop();
+        ChildProcess process = Start({"-o", GetOutput().string()});
+        ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        TakeDesktopAway();
+        ExpectOwnEnd(process);
+    }
 }
 
 TEST_F(Ending, ASecondRunEndsTheFirst)

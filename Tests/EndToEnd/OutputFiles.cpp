@@ -17,6 +17,16 @@ constexpr std::chrono::seconds s_limit{10};
 
 const std::string s_guid = R"(\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\})";
 
+/// The text of a file that may be about to be written anew: it counts once it is whole and stays the same.
+std::string ReadSettledText(const std::filesystem::path& file)
+{
+    const std::string text = ReadText(file);
+    if (!text.ends_with("\n}"))
+        return {};
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    return ReadText(file) == text ? text : "";
+}
+
 /// The JSON files and their images; nothing if the directory isn't complete yet.
 std::vector<SnipFiles> TryList(const std::filesystem::path& directory, std::size_t count, const std::string& extension)
 {
@@ -28,8 +38,8 @@ std::vector<SnipFiles> TryList(const std::filesystem::path& directory, std::size
         if (file.extension() == ".json")
         {
             const SnipFiles snip{file.stem().string(), std::filesystem::path(file).replace_extension(extension),
-                                 ReadText(file)};
-            if (!snip.json.ends_with("\n}") || !std::filesystem::exists(snip.image))
+                                 ReadSettledText(file)};
+            if (snip.json.empty() || !std::filesystem::exists(snip.image))
                 return {};
             snips.push_back(snip);
         }

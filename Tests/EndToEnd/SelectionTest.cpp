@@ -64,6 +64,21 @@ TEST_F(Selection, ASinglePixel)
     ExpectSnip({400, 300}, {401, 301}, {400, 300, 1, 1});
 }
 
+TEST_F(Selection, AFastDragGoesFromWhereTheButtonWentDownToWhereItCameUp)
+{
+    const Picture picture = MakeTestPicture(s_width, s_height);
+    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-o", GetOutput().string()});
+    // All of it is done before the program gets to the first step.
+    m_input->MoveTo({10, 20});
+    m_input->PressButton(1);
+    m_input->MoveTo({60, 30});
+    m_input->MoveTo({110, 70});
+    m_input->ReleaseButton(1);
+    m_input->MoveTo({400, 300});
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({10, 20, 100, 50}));
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
 TEST_F(Selection, FromEdgeToEdge)
 {
     ExpectSnip({0, 0}, {s_width - 1, s_height - 1}, {0, 0, s_width - 1, s_height - 1});

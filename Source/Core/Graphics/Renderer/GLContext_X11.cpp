@@ -1,6 +1,7 @@
 #include "Core/Graphics/Renderer/GLContext.h"
 
 #include "Core/System/Platform/EglDisplay.h"
+#include "Core/System/Platform/ServerWatch.h"
 #include "Core/System/Platform/XConnection.h"
 
 #include <X11/Xatom.h>
@@ -136,8 +137,10 @@ void GLContext::DestroyPlatform(System::Desktop::NativeWindow /*window*/)
 
 void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow /*window*/)
 {
-    if (FindServer() != nullptr)
-        eglSwapBuffers(System::Platform::GetEglConfiguration()->display, m_surface);
+    if (FindServer() == nullptr)
+        return;
+    const System::Platform::DriverCallScope scope;
+    eglSwapBuffers(System::Platform::GetEglConfiguration()->display, m_surface);
 }
 
 } // namespace Orvik::Graphics::Renderer

@@ -14,6 +14,7 @@
 #include <GL/glcorearb.h>
 
 // The entry points that the OpenGL library of every platform exports. Everything newer is in `GLContext`'s table.
+// NOLINTBEGIN(readability-identifier-naming): the names are the library's.
 extern "C"
 {
     void APIENTRY glClear(GLbitfield mask);
@@ -37,6 +38,7 @@ extern "C"
                                   GLenum format, GLenum type, const void* pixels);
     void APIENTRY glTexParameteri(GLenum target, GLenum name, GLint value);
 }
+// NOLINTEND(readability-identifier-naming)
 
 #if defined(ORVIK_UNDEFINE_APIENTRY)
 #undef APIENTRY

@@ -22,7 +22,7 @@ constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
 constexpr GLsizei s_logSize = 512; ///< a longer log is cut
 
 /// No shader comes near it; a file that does isn't one.
-constexpr std::uintmax_t s_maxFileSize = 1024U * 1024U;
+constexpr std::uintmax_t s_maxFileSize = std::uintmax_t{1024} * 1024;
 
 std::uintmax_t GetFileSize(const std::filesystem::path& path)
 {

@@ -34,6 +34,32 @@ bool EnableDetectableRepeat(::Display* display)
     return XkbSetDetectableAutoRepeat(display, True, &isSupported) != False && isSupported != False;
 }
 
+/// Asks for changes of the keyboard's layout: a client that uses XKB, as detectable repeat does, isn't told of them by
+/// the core event. Returns the number of XKB's events, 0 without XKB.
+int SelectLayoutChanges(::Display* display)
+{
+    int firstEvent = 0;
+    if (XkbQueryExtension(display, nullptr, &firstEvent, nullptr, nullptr, nullptr) == False)
+        return 0;
+    constexpr unsigned long events = XkbMapNotifyMask | XkbNewKeyboardNotifyMask;
+    XkbSelectEvents(display, XkbUseCoreKbd, events, events);
+    return firstEvent;
+}
+
+/// Has Xlib read the layout anew. False if the event tells of something else.
+bool FollowLayout(XEvent& event, int xkbEvent)
+{
+    if (event.type == MappingNotify)
+    {
+        XRefreshKeyboardMapping(&event.xmapping);
+        return true;
+    }
+    if (xkbEvent == 0 || event.type != xkbEvent)
+        return false;
+    XkbRefreshKeyboardMapping(&reinterpret_cast<XkbEvent&>(event).map);
+    return true;
+}
+
 /// Asks for changes of the screens' layout. Returns the number of that event, 0 without RandR.
 int SelectScreenChanges(::Display* display, ::Window window)
 {
@@ -113,6 +139,7 @@ Window::Native::Native(Window& owner, ::Display* connection, ::Window created, C
     if (owner.m_type == WindowType::MessageOnly)
         return;
     hasDetectableRepeat = EnableDetectableRepeat(display);
+    layoutChangeEvent = SelectLayoutChanges(display);
     screenChangeEvent = SelectScreenChanges(display, id);
     PointerInput::GetInstance().Select(display, id);
 }
@@ -145,9 +172,9 @@ bool Window::Native::IsUsable() const
 
 void Window::Native::Dispatch(XEvent& event, const EventData& data, Native& pumping)
 {
-    if (event.type == MappingNotify)
-        XRefreshKeyboardMapping(&event.xmapping);
-    else if (PointerInput::GetInstance().IsInputEvent(event))
+    if (FollowLayout(event, pumping.layoutChangeEvent))
+        return;
+    if (PointerInput::GetInstance().IsInputEvent(event))
         pumping.HandleInput(data);
     else if (Native* const native = Find(pumping.display, event.xany.window))
         native->Handle(event);

@@ -69,6 +69,7 @@ struct Window::Native
     WindowSize size;
     RateLimit raises;
     bool hasDetectableRepeat = false;
+    int layoutChangeEvent = 0; ///< the number of XKB's events, 0 without XKB
     int screenChangeEvent = 0; ///< the number of that RandR event, 0 without RandR
 };
 

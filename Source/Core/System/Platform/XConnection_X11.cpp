@@ -1,6 +1,7 @@
 #include "Core/System/Platform/XConnection.h"
 
 #include "Core/System/Log/LogSite.h"
+#include "Core/System/Platform/ServerWatch.h"
 #include "Core/System/Runtime/Application.h"
 
 #include <array>
@@ -62,6 +63,7 @@ void OpenConnection()
     if (s_connection.display == nullptr)
         return;
     XSetIOErrorExitHandler(s_connection.display, &StayInProcess, nullptr);
+    WatchServer(ConnectionNumber(s_connection.display));
     std::atexit(&CloseConnection);
 }
 

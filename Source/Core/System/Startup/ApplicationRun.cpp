@@ -10,6 +10,7 @@
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Core/System/Threads/Thread.h"
 
+#include <exception>
 #include <iostream>
 #include <sstream>
 
@@ -85,6 +86,12 @@ void Application::Main(const ApplicationParameters& parameters)
         std::ostringstream message;
         exception.WriteMessage(message);
         std::cerr << message.str() << std::endl;
+        return;
+    }
+    catch (const std::exception& exception)
+    {
+        // A home directory that can't be written costs the log, not the run.
+        std::cerr << exception.what() << std::endl;
         return;
     }
     const std::filesystem::path rootPath = m_configCache.GetRootPath();

@@ -9,10 +9,12 @@
 #include <string>
 #include <vector>
 
+// NOLINTBEGIN(readability-identifier-naming): the names are the library's.
 extern "C"
 {
     GLenum glGetError();
 }
+// NOLINTEND(readability-identifier-naming)
 
 namespace Orvik::Tests
 {

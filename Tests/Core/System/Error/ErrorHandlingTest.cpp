@@ -3,11 +3,10 @@
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/Log.h"
 #include "Core/System/Runtime/DirectoryCache.h"
-#include "Tests/Support/AssertionTrap.h"
+#include "Tests/Core/System/Error/ReportText.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TestApplication.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -17,9 +16,7 @@
 #include <iostream>
 #include <iterator>
 #include <map>
-#include <sstream>
 #include <stdexcept>
-#include <string_view>
 
 // The object belongs to a whole process: each test forks one for it. A child makes the object by touching it, as the
 // program does before `main`.
@@ -33,56 +30,8 @@ using testing::IsEmpty;
 using testing::Pair;
 using Tests::ForkedProcess;
 using Tests::ForkedResult;
-
-bool IsDigit(char character)
-{
-    return character >= '0' && character <= '9';
-}
-
-/// Writes "12" for each number that stands between `before` and `after`.
-std::string ReplaceNumbers(std::string text, std::string_view before, std::string_view after)
-{
-    for (std::size_t found = text.find(before); found != std::string::npos; found = text.find(before, found + 1))
-    {
-        const std::size_t begin = found + before.size();
-        std::size_t end = begin;
-        while (end < text.size() && IsDigit(text[end]))
-            ++end;
-        if (end > begin && text.compare(end, after.size(), after) == 0)
-            text.replace(begin, end - begin, "12");
-    }
-    return text;
-}
-
-/// Whether `text` has a digit for each '0' of the pattern, and the pattern's own characters otherwise.
-bool Matches(std::string_view text, std::string_view pattern)
-{
-    return std::ranges::equal(text, pattern,
-                              [](char character, char wanted)
-                              { return wanted == '0' ? IsDigit(character) : character == wanted; });
-}
-
-/// Line numbers and times of file names don't matter: "12" for any of the first, "<time>" for any of the second.
-std::string Normalize(std::string text)
-{
-    constexpr std::string_view time = "0000-00-00T00-00-00";
-    for (std::size_t begin = 0; begin + time.size() <= text.size(); ++begin)
-    {
-        if (Matches(std::string_view(text).substr(begin, time.size()), time))
-            text.replace(begin, time.size(), "<time>");
-    }
-    return ReplaceNumbers(ReplaceNumbers(std::move(text), " at ", ":"), "line '", "'");
-}
-
-/// Log lines without their times.
-std::string NormalizeLog(const std::string& text)
-{
-    std::istringstream stream(Normalize(text));
-    std::string result;
-    for (std::string line; std::getline(stream, line);)
-        result += "[" + line.substr(std::min(line.size(), line.find(" | ") + 3)) + "\n";
-    return result;
-}
+using Tests::Normalize;
+using Tests::NormalizeLog;
 
 /// The files of a directory by their normalised names, with their normalised contents. Directories don't count.
 std::map<std::string, std::string> ReadFiles(const std::filesystem::path& directory)
