@@ -14,8 +14,8 @@ namespace Orvik::Tests
 
 /// Runs the built program on a virtual display of 800 by 600 pixels, with a person at it.
 ///
-/// A selection reads the mouse's position when the program gets to it, so these operations wait for the crosshair of
-/// each step before the next. They throw `std::runtime_error` if it doesn't come.
+/// These operations wait for the crosshair of each step before the next, as a person does. They throw
+/// `std::runtime_error` if it doesn't come.
 class DesktopTest : public ProgramTest
 {
 protected:

@@ -3,6 +3,8 @@
 #include "Tests/EndToEnd/OutputFiles.h"
 #include "Tests/Support/Desktop/WindowManager.h"
 
+#include <algorithm>
+
 namespace Orvik::Tests
 {
 namespace
@@ -42,6 +44,32 @@ protected:
 TEST_F(Selection, DragDownRight)
 {
     ExpectSnip({10, 20}, {110, 70}, {10, 20, 100, 50});
+}
+
+TEST_F(Selection, DragsThatTheProgramHasYetToSeeKeepTheirCorners)
+{
+    // All input is there before the program has drawn the first of it.
+    const Picture picture = MakeTestPicture(s_width, s_height);
+    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-o", GetOutput().string()});
+    constexpr int count = 5;
+    for (int index = 0; index < count; ++index)
+    {
+        m_input->MoveTo({10 + 20 * index, 20});
+        m_input->PressButton(1);
+        m_input->MoveTo({300, 300});
+        m_input->MoveTo({110 + 30 * index, 70 + index});
+        m_input->ReleaseButton(1);
+        m_input->MoveTo({700, 500});
+    }
+    const std::vector<SnipFiles> snips = WaitForSnips(GetOutput(), count);
+    for (int index = 0; index < count; ++index)
+    {
+        const Picture expected = picture.Crop({10 + 20 * index, 20, 100 + 10 * index, 50 + index});
+        EXPECT_TRUE(std::any_of(snips.begin(), snips.end(),
+                                [&expected](const SnipFiles& snip) { return LoadPng(snip.image) == expected; }))
+            << index;
+    }
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
 TEST_F(Selection, DragUpLeft)

@@ -239,12 +239,12 @@ void Window::Native::OnMotion(const PointerMotion& motion)
 {
     pointer = motion.inWindow;
     const Platform::PointerEventScope scope(motion.onScreen);
-    window.DeliverMouseMove(pointer.x, pointer.y);
+    window.DeliverMouseMove(motion.inWindow.x, motion.inWindow.y);
 }
 
 void Window::Native::FollowPointer(const PointerMotion& place)
 {
-    if (place.inWindow != pointer)
+    if (pointer && place.inWindow != *pointer)
         OnMotion(place);
 }
 

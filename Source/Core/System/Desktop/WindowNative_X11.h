@@ -11,6 +11,7 @@
 #include "Core/System/Platform/X11Headers.h"
 
 #include <X11/extensions/XInput2.h>
+#include <optional>
 
 namespace Orvik::System::Desktop
 {
@@ -64,7 +65,7 @@ struct Window::Native
     Colormap colormap; ///< `None` if the default one is used
     InputClaim claim;
     PressedKeys keys;
-    Math::Point pointer; ///< where the last motion event was
+    std::optional<Math::Point> pointer; ///< where the last motion event was, if there was one
     Math::Point position;
     WindowSize size;
     RateLimit raises;
