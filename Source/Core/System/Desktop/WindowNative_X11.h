@@ -10,7 +10,6 @@
 #include "Core/System/Math/Point.h"
 #include "Core/System/Platform/X11Headers.h"
 
-#include <X11/extensions/XInput2.h>
 #include <optional>
 
 namespace Orvik::System::Desktop
