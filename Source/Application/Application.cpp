@@ -24,7 +24,7 @@ using System::Runtime::CommandLine;
 
 constexpr Log::Context s_context{Log::StreamID::SnipBench};
 
-/// The system's number of the permission that `Permission` asks for.
+/// The kind of permission that the option asks for; no desktop here looks at it.
 constexpr std::uint16_t s_capturePermission = 9;
 constexpr std::int64_t s_permissionDenialPause = 1'000'000'000; // nanoseconds
 

@@ -163,9 +163,10 @@ bool Application::OnWindowEvent(const WindowEvent& event)
         return true;
     case WindowEventType::MouseMove:
     {
-        // Where the pointer is now, not where it was when the event was made.
+        // In screen pixels; the event's own are the window's.
         System::Math::Point position;
-        Cursor::GetCurrentPosition(position);
+        if (!Cursor::GetCurrentPosition(position))
+            return true;
         context.type = ToolEventType::MouseMove;
         context.x = position.x;
         context.y = position.y;

@@ -18,17 +18,18 @@ Orvik::SnipBench::Application s_application; // NOLINT(cert-err58-cpp)
 
 } // namespace
 
-int main()
+int main(int argc, char** argv)
 {
     using namespace Orvik::System;
 
-    // The setup tool starts the program from a console that isn't its own; with a console of this platform that makes
-    // no difference.
+    // Whether the setup tool runs decides about the console; with a console of this platform that makes no difference.
     Processes::EnumerateProcesses(Processes::MakeExecutableName("OrvikRemoteDeviceSetupTool"),
                                   [](Processes::Process&) {});
 
     Runtime::CommandLine commandLine;
     commandLine.LoadArguments();
+    if (commandLine.arguments.empty()) // no /proc
+        commandLine.arguments.assign(argv, argv + argc);
     Runtime::ApplicationParameters parameters;
     parameters.commandLine = &commandLine;
     Runtime::Application::Run(parameters);

@@ -5,6 +5,7 @@
 #include "Core/Graphics/Renderer/GLRecorder.h"
 #include "Core/System/Platform/NullDesktop.h"
 #include "Core/System/Runtime/CommandLine.h"
+#include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <atomic>
@@ -406,12 +407,25 @@ TEST_F(ApplicationTest, ADelayWithoutDigitsLeavesAsAnError)
 
 TEST_F(ApplicationTest, ConfigJsonGoesBeforeConfigFile)
 {
+    // Whoever reads this file fails on its section.
+    const std::string file = (output.GetPath() / "refused.json").string();
+    std::ofstream(file) << R"({"configuration":{"LogSystem":{}}})";
     UseOutput();
-    AddArguments({"-c", "missing.json", "-cj",
-                  R"({"configuration":{"LogSystem":{"streams":{"DisplayCache":{"severity":"Debug"}}}}})"});
+    AddArguments({"-c", file, "-cj", R"({"configuration":{"LogSystem":{"streams":{}}}})"});
     Escape();
     EXPECT_EQ(Run(), 0);
     EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
+}
+
+TEST_F(ApplicationTest, ConfigFileIsReadWhereThereIsNoConfigJson)
+{
+    const std::string file = (output.GetPath() / "refused.json").string();
+    std::ofstream(file) << R"({"configuration":{"LogSystem":{}}})";
+    UseOutput();
+    AddArguments({"-c", file});
+    Escape();
+    EXPECT_ASSERTION(Run(), "success", "Failed to initialize configuration.");
+    printed = testing::internal::GetCapturedStdout();
 }
 
 } // namespace

@@ -60,6 +60,7 @@ public:
     std::string version = "3.3.0 Null";
     GLenum failingStage = 0; ///< the kind of shader that doesn't compile
     bool programsLink = true;
+    GLint maximumTextureSize = 16384;
     std::string infoLog; ///< what is wrong with a shader or program
 
     // What the half's functions call.

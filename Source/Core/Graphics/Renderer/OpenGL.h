@@ -26,6 +26,7 @@ extern "C"
     void APIENTRY glClearDepth(GLdouble depth);
     void APIENTRY glDrawArrays(GLenum mode, GLint first, GLsizei count);
     void APIENTRY glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices);
+    void APIENTRY glGetIntegerv(GLenum name, GLint* values);
     const GLubyte* APIENTRY glGetString(GLenum name);
     void APIENTRY glPolygonMode(GLenum face, GLenum mode);
     void APIENTRY glPixelStorei(GLenum name, GLint value);

@@ -122,6 +122,13 @@ extern "C"
                      format, pixels);
     }
 
+    // A question, not a step: it isn't remembered.
+    void glGetIntegerv(GLenum name, GLint* values)
+    {
+        if (name == GL_MAX_TEXTURE_SIZE)
+            *values = GLRecorder::GetInstance().maximumTextureSize;
+    }
+
     void glTexParameteri(GLenum target, GLenum name, GLint value)
     {
         Record("glTexParameteri", target, name, value);

@@ -86,6 +86,7 @@ bool TextureRenderer::Initialize(Renderer& renderer)
     m_program = CreateProgram(context, "texture.vert", "texture.frag");
     if (m_program == 0 || !context.IsValid())
         return false;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &m_maximumSide);
     const EntryPoints& gl = context.GetEntryPoints();
     m_modelLocation = gl.glGetUniformLocation(m_program, "model");
     m_colorLocation = gl.glGetUniformLocation(m_program, "color");

@@ -52,6 +52,9 @@ public:
     bool UpdateBitmap(std::uint16_t id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
                       const void* pixels, Renderer& renderer);
 
+    /// The longest side of a picture that the driver takes, in pixels; 0 before `Initialize`.
+    [[nodiscard]] std::int32_t GetMaximumSide() const { return m_maximumSide; }
+
     /// Takes the texture out. Its OpenGL object goes at the next `Render`, so this may run away from the drawing.
     bool Remove(std::uint16_t id);
 
@@ -70,6 +73,7 @@ private:
     GLuint m_indexBuffer = 0;
     GLint m_modelLocation = -1;
     GLint m_colorLocation = -1;
+    GLint m_maximumSide = 0;
 };
 
 } // namespace Orvik::Graphics::Renderer

@@ -187,6 +187,7 @@ private:
     void UpdateMagnifierLabels(const MagnifierPlace& place, Renderer::Renderer& renderer) const;
     /// The capture's part under the magnifier, at the size that the capture is shown at.
     [[nodiscard]] System::Multimedia::Bitmap CutRegion(std::int32_t x, std::int32_t y) const;
+    [[nodiscard]] System::Multimedia::Bitmap ShrinkForDriver(std::int32_t maximumSide) const;
     bool UpdateCaptureTexture(Renderer::Renderer& renderer);
 
     SnipState m_snipState = SnipState::Inactive;

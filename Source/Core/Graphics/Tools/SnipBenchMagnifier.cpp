@@ -234,26 +234,40 @@ Bitmap SnipBench::CutRegion(std::int32_t x, std::int32_t y) const
     return region;
 }
 
+// A picture with a side beyond the driver's limit, a whole web page say, is shrunk to the size that it is shown at.
+// What is snipped comes from the capture all the same.
+Bitmap SnipBench::ShrinkForDriver(std::int32_t maximumSide) const
+{
+    if (maximumSide == 0 || std::max(m_capture.GetWidth(), m_capture.GetHeight()) <= maximumSide)
+        return {};
+    Bitmap shrunk = m_capture.Crop(0, 0, m_capture.GetWidth(), m_capture.GetHeight());
+    shrunk.Resize(ScaleSide(m_capture.GetWidth(), m_displayScale), ScaleSide(m_capture.GetHeight(), m_displayScale),
+                  System::Multimedia::ResizeMethod::Box);
+    return shrunk;
+}
+
 bool SnipBench::UpdateCaptureTexture(Renderer::Renderer& renderer)
 {
     Renderer::TextureRenderer& textures = renderer.GetTextureRenderer();
-    const std::uint16_t width = m_capture.GetWidth();
-    const std::uint16_t height = m_capture.GetHeight();
-    const std::uint8_t bitsPerPixel = m_capture.GetBitsPerPixel();
-    if (m_captureTexture != 0 &&
-        !textures.UpdateBitmap(m_captureTexture, width, height, bitsPerPixel, m_capture.GetPixels(), renderer))
+    const Bitmap shrunk = ShrinkForDriver(textures.GetMaximumSide());
+    const Bitmap& shown = shrunk.GetSize() != 0 ? shrunk : m_capture;
+    if (m_captureTexture != 0 && !textures.UpdateBitmap(m_captureTexture, shown.GetWidth(), shown.GetHeight(),
+                                                        shown.GetBitsPerPixel(), shown.GetPixels(), renderer))
     {
         textures.Remove(m_captureTexture);
         m_captureTexture = 0;
     }
     if (m_captureTexture == 0)
-        textures.Create(m_captureTexture, width, height, bitsPerPixel, m_capture.GetPixels(), renderer);
+    {
+        textures.Create(m_captureTexture, shown.GetWidth(), shown.GetHeight(), shown.GetBitsPerPixel(),
+                        shown.GetPixels(), renderer);
+    }
 
     Renderer::Texture* const texture = textures.Get(m_captureTexture);
     if (texture == nullptr)
         return false;
-    const float drawnWidth = static_cast<float>(width) * m_displayScale;
-    const float drawnHeight = static_cast<float>(height) * m_displayScale;
+    const float drawnWidth = static_cast<float>(m_capture.GetWidth()) * m_displayScale;
+    const float drawnHeight = static_cast<float>(m_capture.GetHeight()) * m_displayScale;
     const float centreX = static_cast<float>(m_windowWidth) * 0.5F;
     const float centreY = static_cast<float>(m_windowHeight) * 0.5F;
     Place(texture, Matrix4::ScaleAndTranslation(drawnWidth, drawnHeight, 1.0F, centreX, centreY, s_captureDepth),

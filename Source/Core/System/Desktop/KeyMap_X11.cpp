@@ -177,8 +177,13 @@ KeyCode FindKey(KeySym symbol)
 
 KeySym GetUnshiftedSymbol(const XKeyEvent& event)
 {
-    const auto group = static_cast<int>(XkbGroupForCoreState(event.state));
-    return XkbKeycodeToKeysym(event.display, static_cast<::KeyCode>(event.keycode), group, 0);
+    // Most keys have fewer groups than the layout. This look-up counts by the key's own, where one by group and level
+    // would find nothing on the arrow keys in a second layout.
+    const unsigned int group = XkbBuildCoreState(0U, XkbGroupForCoreState(event.state));
+    unsigned int ignored = 0;
+    KeySym symbol = NoSymbol;
+    XkbLookupKeySym(event.display, static_cast<::KeyCode>(event.keycode), group, &ignored, &symbol);
+    return symbol;
 }
 
 KeyCode TranslateKey(const XKeyEvent& event)

@@ -2,6 +2,7 @@
 
 #include "Core/System/Desktop/NativeWindow.h"
 #include "Core/System/Desktop/WindowEvent.h"
+#include "Core/System/Desktop/WindowMutex.h"
 #include "Core/System/Math/Point.h"
 
 #include <atomic>
@@ -46,7 +47,7 @@ class Window
 {
 public:
     using EventHandler = std::function<bool(const WindowEvent&)>;
-    using ScopedLock = std::unique_lock<std::mutex>;
+    using ScopedLock = std::unique_lock<WindowMutex>;
 
     /// `name` is the title and names the class; it isn't copied and outlives the window. Null or empty is an assertion
     /// failure. `position` is the top left corner in screen pixels, `size` the client area in pixels. Nothing
@@ -145,7 +146,7 @@ private:
     const char* m_className = nullptr;
     const char* m_name;
     std::string m_auxiliaryText; ///< stays empty in this program
-    std::mutex m_mutex;
+    WindowMutex m_mutex;
     std::unique_ptr<Native, NativeDeleter> m_native;
 };
 

@@ -200,6 +200,7 @@ void Window::Native::Handle(XEvent& event)
     case ButtonRelease: OnCoreButton(event.xbutton, false); return;
     case FocusOut: OnFocusOut(event.xfocus); return;
     case MapNotify: OnMap(); return;
+    case DestroyNotify: window.DeliverClose(); return;
     case ConfigureNotify: OnConfigure(event.xconfigure); return;
     case Expose: OnExpose(event.xexpose); return;
     case VisibilityNotify: OnVisibility(event.xvisibility); return;

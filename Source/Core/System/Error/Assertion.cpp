@@ -18,7 +18,7 @@ void ReportToStandardError(const AssertionInfo& info)
     std::abort();
 }
 
-// Both are set before threads exist; atomic because any thread may fail.
+// Atomic: any thread may fail, or replace them.
 std::atomic<AssertionHandler> s_handler = &ReportToStandardError;
 std::atomic<bool> s_continueAfterAssertion = false;
 

@@ -70,7 +70,7 @@ void Bitmap::SetSize(std::uint16_t width, std::uint16_t height, std::uint8_t bit
 }
 
 // Asks for at least one byte: no memory for none would look like a failure.
-void Bitmap::Reallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel, Allocate allocate)
+bool Bitmap::TryReallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel, Allocate allocate)
 {
     *this = Bitmap();
     const auto bytesPerPixel = static_cast<std::uint8_t>(bitsPerPixel >> 3);
@@ -78,24 +78,34 @@ void Bitmap::Reallocate(std::uint16_t width, std::uint16_t height, std::uint8_t 
     const std::size_t bytes = std::size_t{stride} * height;
     if (bytes <= s_maximumBytes)
         m_imageBuffer = allocate(std::max(bytes, std::size_t{1}));
-    ORVIK_ASSERT(m_imageBuffer != nullptr, "Failed to allocate buffer for bitmap.");
     if (m_imageBuffer == nullptr)
-        return;
+        return false;
 
     m_width = width;
     m_height = height;
     m_stride = stride;
     m_bitsPerPixel = bitsPerPixel;
     m_bytesPerPixel = bytesPerPixel;
+    return true;
+}
+
+void Bitmap::Reallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel, Allocate allocate)
+{
+    static_cast<void>(TryReallocate(width, height, bitsPerPixel, allocate));
+    ORVIK_ASSERT(m_imageBuffer != nullptr, "Failed to allocate buffer for bitmap.");
 }
 
 // The system hands out great blocks as zeros already, without touching them; so a file that merely claims to be huge
-// takes no memory.
+// takes no memory until it is filled.
+Bitmap::Pixels Bitmap::AllocateCleared(std::size_t bytes)
+{
+    return Pixels(static_cast<std::uint8_t*>(std::calloc(bytes, 1)));
+}
+
 Bitmap Bitmap::MakeCleared(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel)
 {
     Bitmap bitmap;
-    bitmap.Reallocate(width, height, bitsPerPixel,
-                      [](std::size_t bytes) { return Pixels(static_cast<std::uint8_t*>(std::calloc(bytes, 1))); });
+    bitmap.Reallocate(width, height, bitsPerPixel, &AllocateCleared);
     return bitmap;
 }
 
@@ -111,8 +121,13 @@ std::optional<Bitmap> Bitmap::MakeForFile(std::int64_t width, std::int64_t heigh
     const std::int64_t rowBytes = width * (bitsPerPixel >> 3);
     if (rowBytes > maximumField || rowBytes * height > static_cast<std::int64_t>(s_maximumBytes))
         return std::nullopt;
-    return MakeCleared(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
-                       static_cast<std::uint8_t>(bitsPerPixel));
+    Bitmap bitmap;
+    if (!bitmap.TryReallocate(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
+                              static_cast<std::uint8_t>(bitsPerPixel), &AllocateCleared))
+    {
+        return std::nullopt;
+    }
+    return bitmap;
 }
 
 void Bitmap::CopyFromImageBuffer(const std::uint8_t* data, std::uint64_t byteCount)

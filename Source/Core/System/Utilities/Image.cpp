@@ -136,7 +136,7 @@ void AverageBlock(const Pictures& pictures, std::uint8_t* target, const Range& c
                 sums[static_cast<std::size_t>(channel)] += pixel[channel];
         }
     }
-    const auto pixelCount = static_cast<std::uint32_t>((columns.end - columns.begin) * (rows.end - rows.begin));
+    const auto pixelCount = static_cast<std::uint64_t>((columns.end - columns.begin) * (rows.end - rows.begin));
     for (std::int64_t channel = 0; channel < pictures.channels; ++channel)
         target[channel] = static_cast<std::uint8_t>(sums[static_cast<std::size_t>(channel)] / pixelCount);
 }

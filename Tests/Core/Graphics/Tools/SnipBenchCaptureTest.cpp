@@ -1,3 +1,4 @@
+#include "Core/Graphics/Renderer/GLRecorder.h"
 #include "Tests/Core/Graphics/Tools/ToolFixture.h"
 #include "Tests/Support/LogRecorder.h"
 
@@ -214,6 +215,21 @@ TEST_F(SnipBenchDisplayTest, ArrowKeysMoveThePointerOnItsDisplay)
         EXPECT_EQ(m_probe.GetCursor(), (Point{20, 20})); // it waits for the pointer's own event
         m_tool.End(m_renderer);
     }
+}
+
+TEST_F(ToolFixture, APictureBeyondTheDriversLimitIsShownShrunk)
+{
+    Renderer::GLRecorder& recorder = Renderer::GLRecorder::GetInstance();
+    recorder.Reset();
+    recorder.maximumTextureSize = 100;
+    OpenWindow(64, 48);
+    recorder.ClearCalls();
+    Start(MakePicture(40, 120), Move(32, 24));
+    const std::vector<Renderer::GLCall> uploads = recorder.GetCalls("glTexImage2D");
+    ASSERT_FALSE(uploads.empty());
+    EXPECT_EQ(uploads[0].arguments[3], 10) << "a quarter, as it is drawn";
+    EXPECT_EQ(uploads[0].arguments[4], 30);
+    recorder.Reset();
 }
 
 } // namespace

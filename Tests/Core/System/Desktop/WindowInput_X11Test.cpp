@@ -336,5 +336,23 @@ TEST_F(WindowInputX11, KeyHeldWhileTheWindowIsHiddenIsLetGoOnce)
     EXPECT_THAT(GetKeys(), ElementsAre(std::pair(57, 1), std::pair(57, 0)));
 }
 
+TEST_F(WindowInputX11, KeysBesideTheLettersWorkInASecondLayout)
+{
+    // Only the key of the letter Q has a second layout.
+    std::array<KeySym, 4> symbols = {'q', 'Q', 0x6CA, 0x6EA};
+    ::Display* const display = m_user.GetDisplay();
+    XChangeKeyboardMapping(display, 24, static_cast<int>(symbols.size()), symbols.data(), 1);
+    XkbLockGroup(display, XkbUseCoreKbd, 1);
+    XSync(display, False);
+    EXPECT_EQ(TypeAndGetCode(24), 16);
+    EXPECT_EQ(TypeAndGetCode(111), 128);
+    EXPECT_EQ(TypeAndGetCode(116), 133);
+    EXPECT_EQ(TypeAndGetCode(95), 86);
+    EXPECT_EQ(TypeAndGetCode(104), 28);
+    XkbLockGroup(display, XkbUseCoreKbd, 0);
+    XChangeKeyboardMapping(display, 24, 2, symbols.data(), 1);
+    XSync(display, False);
+}
+
 } // namespace
 } // namespace Orvik::System::Desktop

@@ -395,5 +395,19 @@ TEST_F(WindowTest, EventNumbersAreFixed)
     EXPECT_EQ(static_cast<int>(WindowEventType::Paint), 11);
 }
 
+TEST_F(WindowTest, ASecondLockOnTheSameThreadIsAnError)
+{
+    const Window::ScopedLock lock = m_window.Lock();
+    EXPECT_THROW(static_cast<void>(m_window.Lock()), std::system_error);
+}
+
+TEST_F(WindowTest, TheLockCanBeTakenAgainOnceItIsFree)
+{
+    {
+        const Window::ScopedLock first = m_window.Lock();
+    }
+    EXPECT_TRUE(m_window.Lock().owns_lock());
+}
+
 } // namespace
 } // namespace Orvik::System::Desktop
