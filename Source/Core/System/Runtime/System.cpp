@@ -30,6 +30,12 @@ void SystemLifecycle::ShutdownSignal::Raise() noexcept
 
 void SystemLifecycle::ShutdownSignal::WaitFor(std::int64_t nanoseconds)
 {
+    // The library's timed wait yields and sleeps even for no time at all.
+    if (nanoseconds <= 0)
+    {
+        (void)m_semaphore.try_acquire();
+        return;
+    }
     // The next round reads the state anyway: which of the two ended the wait makes no difference.
     (void)m_semaphore.try_acquire_for(std::chrono::nanoseconds(nanoseconds));
 }
