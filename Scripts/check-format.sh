@@ -5,7 +5,7 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 cd "$root"
 folders=()
-for folder in Source Tests Examples Benchmarks Fuzz; do
+for folder in Source Tests Examples Benchmarks; do
     if [ -d "$folder" ]; then
         folders+=("$folder")
     fi

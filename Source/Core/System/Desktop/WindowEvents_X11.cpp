@@ -1,6 +1,7 @@
 #include "Core/System/Desktop/KeyMap_X11.h"
 #include "Core/System/Desktop/WindowHints_X11.h"
 #include "Core/System/Desktop/WindowNative_X11.h"
+#include "Core/System/Desktop/WindowStack_X11.h"
 #include "Core/System/Log/LogSite.h"
 #include "Core/System/Platform/PointerEvent.h"
 #include "Core/System/Platform/XConnection.h"
@@ -142,6 +143,8 @@ Window::Native::Native(Window& owner, ::Display* connection, ::Window created, C
     layoutChangeEvent = SelectLayoutChanges(display);
     screenChangeEvent = SelectScreenChanges(display, id);
     PointerInput::GetInstance().Select(display, id);
+    if (owner.m_type == WindowType::Overlay)
+        XSelectInput(display, DefaultRootWindow(display), SubstructureNotifyMask);
 }
 
 Window::Native::~Native()
@@ -152,6 +155,8 @@ Window::Native::~Native()
     // Somebody else may have destroyed the window.
     const Platform::XErrorScope scope(display);
     claim.End();
+    if (window.m_type == WindowType::Overlay)
+        XSelectInput(display, DefaultRootWindow(display), NoEventMask);
     XDestroyWindow(display, id);
     if (colormap != None)
         XFreeColormap(display, colormap);
@@ -176,6 +181,8 @@ void Window::Native::Dispatch(XEvent& event, const EventData& data, Native& pump
         return;
     if (PointerInput::GetInstance().IsInputEvent(event))
         pumping.HandleInput(data);
+    else if (event.xany.window == DefaultRootWindow(pumping.display))
+        pumping.OnStackChange(event);
     else if (Native* const native = Find(pumping.display, event.xany.window))
         native->Handle(event);
 }
@@ -203,7 +210,6 @@ void Window::Native::Handle(XEvent& event)
     case DestroyNotify: window.DeliverClose(); return;
     case ConfigureNotify: OnConfigure(event.xconfigure); return;
     case Expose: OnExpose(event.xexpose); return;
-    case VisibilityNotify: OnVisibility(event.xvisibility); return;
     case ClientMessage: OnClientMessage(event.xclient); return;
     default: break;
     }
@@ -356,14 +362,19 @@ void Window::Native::OnExpose(const XExposeEvent& event)
         window.DeliverPlain(WindowEventType::Paint);
 }
 
-void Window::Native::OnVisibility(const XVisibilityEvent& event)
+// Told by the windows on the root rather than by the overlay's visibility: it stands one row off the topmost display,
+// so that the server calls it partly covered from the start; and under a compositing manager nothing ever covers it.
+void Window::Native::OnStackChange(const XEvent& event)
 {
-    if (window.m_type == WindowType::Overlay && event.state != VisibilityUnobscured &&
-        raises.Take(Time::GetMonotonicNanoseconds()))
+    const bool isForeign = (event.type == MapNotify && event.xmap.window != id) ||
+                           (event.type == ConfigureNotify && event.xconfigure.window != id);
+    if (!isForeign || window.m_state != WindowState::Visible || !IsCovered(display, id) ||
+        !raises.Take(Time::GetMonotonicNanoseconds()))
     {
-        XRaiseWindow(display, id);
-        XFlush(display);
+        return;
     }
+    XRaiseWindow(display, id);
+    XFlush(display);
 }
 
 void Window::Native::OnClientMessage(const XClientMessageEvent& event)

@@ -54,7 +54,7 @@ struct Window::Native
     void OnMap();
     void OnConfigure(const XConfigureEvent& event);
     void OnExpose(const XExposeEvent& event);
-    void OnVisibility(const XVisibilityEvent& event);
+    void OnStackChange(const XEvent& event);
     void OnClientMessage(const XClientMessageEvent& event);
     void OnScreenChange(XEvent& event);
 

@@ -23,7 +23,7 @@ namespace
 constexpr Log::Context s_context{Log::StreamID::System};
 
 constexpr long s_eventMask = KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask | PointerMotionMask |
-                             StructureNotifyMask | ExposureMask | VisibilityChangeMask | FocusChangeMask;
+                             StructureNotifyMask | ExposureMask | FocusChangeMask;
 
 struct CreatedWindow
 {

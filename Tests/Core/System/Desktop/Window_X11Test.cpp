@@ -130,6 +130,28 @@ TEST_F(WindowX11, CoveredOverlayComesBackToTheFront)
     EXPECT_TRUE(UpdateUntil([this] { return m_user.GetTopWindows().back() == GetId(); }));
 }
 
+TEST_F(WindowX11, PartlyCoveredOverlayThatReachesBeyondTheScreenComesBackToTheFront)
+{
+    Window overlay(nullptr, "Beyond", {0, -1}, {1280, 721}, WindowType::Overlay);
+    ASSERT_TRUE(overlay.Create());
+    overlay.Show(overlay.Lock());
+    const auto id = static_cast<::Window>(overlay.GetNativeWindow());
+    ::Window const popup = m_user.MakeWindow(300, 300, 50, 50, 0);
+    EXPECT_EQ(m_user.GetTopWindows().back(), popup);
+    for (int round = 0; round < 1000 && m_user.GetTopWindows().back() != id; ++round)
+        overlay.Update();
+    EXPECT_EQ(m_user.GetTopWindows().back(), id);
+}
+
+TEST_F(WindowX11, OverlayLeavesAWindowBesideItAlone)
+{
+    CreateAndShow();
+    UpdateAll();
+    ::Window const other = m_user.MakeWindow(600, 500, 50, 50, 0);
+    UpdateAll();
+    EXPECT_EQ(m_user.GetTopWindows().back(), other);
+}
+
 TEST_F(WindowX11, OverlayGivesInToSomebodyWhoRaisesWithoutEnd)
 {
     CreateAndShow();

@@ -1,0 +1,14 @@
+#pragma once
+
+// Private to the X11 half.
+
+#include "Core/System/Platform/X11Headers.h"
+
+namespace Orvik::System::Desktop
+{
+
+/// Whether a shown window stands above `window` and shares pixels with it. Both are children of the root, as override-
+/// redirect windows and the frames of managed ones are.
+[[nodiscard]] bool IsCovered(::Display* display, ::Window window);
+
+} // namespace Orvik::System::Desktop
