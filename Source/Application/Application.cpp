@@ -11,6 +11,7 @@
 #include "Core/System/Time/MonotonicClock.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <iostream>
 
 namespace Orvik::SnipBench
@@ -179,6 +180,15 @@ void Application::OnShutdownRequested()
         m_running = false;
     }
     m_delayCondition.notify_all();
+}
+
+// Whatever was saved is on the disk and every log line is written: there is nothing to lose by ending here, where
+// going on would fault. A start without its display is one without a display.
+void Application::OnDisplayLost()
+{
+    if (m_returnCode == UnsetReturnCode)
+        SetReturnCode(m_hasStarted ? ReturnCodeName::Success : ReturnCodeName::InitializeSystemsFailed);
+    std::_Exit(m_returnCode);
 }
 
 } // namespace Orvik::SnipBench

@@ -36,6 +36,8 @@ public:
                                     PostSystemInitializationEvent& event) override;
     /// Ends the frame loop, and a delay under way. From any thread.
     void OnShutdownRequested() override;
+    /// Answers the caller and ends the process.
+    void OnDisplayLost() override;
 
 private:
     /// Runs the program and names the return code; empty where none is to be set.
@@ -61,6 +63,7 @@ private:
     void ShowSavedPath(const std::string& text, std::int64_t duration);
 
     std::atomic<bool> m_running = true;
+    bool m_hasStarted = false; ///< the frame loop has begun
     bool m_oneShot = false;
     bool m_keepMask = false;
     bool m_annotate = false;

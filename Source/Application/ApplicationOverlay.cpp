@@ -124,6 +124,7 @@ void Application::StartTool(Graphics::Tools::SnipBench::Parameters parameters)
 
 void Application::RunFrameLoop()
 {
+    m_hasStarted = true;
     std::int64_t time = System::Time::GetMonotonicNanoseconds();
     while (m_running)
     {

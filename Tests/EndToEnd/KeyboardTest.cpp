@@ -118,6 +118,20 @@ TEST_F(Keyboard, AHeldArrowMovesOnWithItsRepeats)
     ExpectSnip(process, {400, 300, width, 1});
 }
 
+TEST_F(Keyboard, StrokesThatTheProgramHasYetToSeeAreAllSteps)
+{
+    // All input is there before the program has drawn the first of it.
+    ChildProcess process = StartOnPicture();
+    MoveTo({100, 100});
+    m_input->TapKey("space");
+    for (int step = 0; step < 30; ++step)
+        m_input->TapKey("Right");
+    for (int step = 0; step < 20; ++step)
+        m_input->TapKey("Down");
+    m_input->TapKey("space");
+    ExpectSnip(process, {100, 100, 30, 20});
+}
+
 TEST_F(Keyboard, MouseAndKeysMix)
 {
     ChildProcess process = StartOnPicture();

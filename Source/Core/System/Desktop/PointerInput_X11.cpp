@@ -54,8 +54,10 @@ std::vector<ScrollAxis> ReadAxes(int device, XIAnyClassInfo* const* classes, int
 PointerMotion GetPlace(const XIDeviceEvent& event)
 {
     const auto toPixel = [](double coordinate) { return static_cast<std::int32_t>(std::floor(coordinate)); };
-    return {
-        event.event, {toPixel(event.event_x), toPixel(event.event_y)}, {toPixel(event.root_x), toPixel(event.root_y)}};
+    return {event.event,
+            {toPixel(event.event_x), toPixel(event.event_y)},
+            {toPixel(event.root_x), toPixel(event.root_y)},
+            event.time};
 }
 
 PointerInput& PointerInput::GetInstance()
@@ -105,12 +107,17 @@ bool PointerInput::IsInputEvent(const XEvent& event) const
     return m_opcode != 0 && event.type == GenericEvent && event.xcookie.extension == m_opcode;
 }
 
+bool PointerInput::IsMotionEvent(const XEvent& event) const
+{
+    return event.type == MotionNotify || (IsInputEvent(event) && event.xcookie.evtype == XI_Motion);
+}
+
 std::optional<PointerMotion> PointerInput::ReadPlainMotion(const XEvent& event, const EventData& data) const
 {
     if (event.type == MotionNotify)
     {
         const XMotionEvent& motion = event.xmotion;
-        return PointerMotion{motion.window, {motion.x, motion.y}, {motion.x_root, motion.y_root}};
+        return PointerMotion{motion.window, {motion.x, motion.y}, {motion.x_root, motion.y_root}, motion.time};
     }
     if (!IsInputEvent(event))
         return std::nullopt;

@@ -18,6 +18,7 @@ struct PointerMotion
     ::Window window = None;
     Math::Point inWindow; ///< window pixels
     Math::Point onScreen; ///< screen pixels
+    Time time = 0;        ///< the server's, in milliseconds; it wraps
 };
 
 /// The place that an event of XInput 2 tells; it has fractions of a pixel.
@@ -34,6 +35,9 @@ public:
     void Select(::Display* display, ::Window window);
 
     [[nodiscard]] bool IsInputEvent(const XEvent& event) const;
+
+    /// Told by the event alone, without its data.
+    [[nodiscard]] bool IsMotionEvent(const XEvent& event) const;
 
     /// A motion that carries nothing else.
     [[nodiscard]] std::optional<PointerMotion> ReadPlainMotion(const XEvent& event, const EventData& data) const;

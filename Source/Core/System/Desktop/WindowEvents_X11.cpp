@@ -76,7 +76,7 @@ int SelectScreenChanges(::Display* display, ::Window window)
 template <typename CoreEvent>
 PointerMotion GetPlace(const CoreEvent& event)
 {
-    return {event.window, {event.x, event.y}, {event.x_root, event.y_root}};
+    return {event.window, {event.x, event.y}, {event.x_root, event.y_root}, event.time};
 }
 
 /// Goes on to the newest of the motions that stand at the front of the queue, one behind the other and for the same
@@ -108,6 +108,9 @@ void Window::PumpMessagePlatform()
     ::Display* const display = m_native->display;
     m_native->claim.Retry();
     if (m_native->DeliverQueuedRelease())
+        return;
+    // Each press of an arrow key moves the pointer on from where the one before has put it.
+    if (Platform::TakeOwnMotion() && m_native->DeliverQueuedMotion())
         return;
     // The server may go while the queue is asked.
     if (XPending(display) <= 0 || !m_native->IsUsable())
@@ -196,6 +199,28 @@ bool Window::Native::DeliverQueuedRelease()
     return true;
 }
 
+bool Window::Native::DeliverQueuedMotion()
+{
+    PointerInput& input = PointerInput::GetInstance();
+    const auto isMotion = [](::Display* /*display*/, XEvent* event, XPointer context) -> Bool
+    { return reinterpret_cast<const PointerInput*>(context)->IsMotionEvent(*event) ? True : False; };
+    std::optional<PointerMotion> newest;
+    XEvent event = {};
+    while (XCheckIfEvent(display, &event, isMotion, reinterpret_cast<XPointer>(&input)) != False)
+    {
+        const EventData data(display, event);
+        if (const std::optional<PointerMotion> motion = input.ReadPlainMotion(event, data))
+            newest = motion;
+        else
+            HandleInput(data); // a turn of a wheel
+    }
+    Native* const native = newest ? Find(display, newest->window) : nullptr;
+    if (native == nullptr)
+        return false;
+    native->OnMotion(*newest);
+    return true;
+}
+
 void Window::Native::Handle(XEvent& event)
 {
     // clang-format off
@@ -245,6 +270,7 @@ void Window::Native::HandleInput(const EventData& data)
 void Window::Native::OnMotion(const PointerMotion& motion)
 {
     pointer = motion.inWindow;
+    pointerTime = motion.time;
     const Platform::PointerEventScope scope(motion.onScreen);
     window.DeliverMouseMove(motion.inWindow.x, motion.inWindow.y);
 }
@@ -253,6 +279,14 @@ void Window::Native::FollowPointer(const PointerMotion& place)
 {
     if (pointer && place.inWindow != *pointer)
         OnMotion(place);
+}
+
+// A motion of the program's own may have gone ahead of the key: the key's place is out of date then.
+void Window::Native::FollowPointerToKey(const PointerMotion& place)
+{
+    const auto lead = static_cast<std::int32_t>(static_cast<std::uint32_t>(place.time - pointerTime));
+    if (lead >= 0)
+        FollowPointer(place);
 }
 
 void Window::Native::OnScroll(const XIDeviceEvent& event)
@@ -298,7 +332,7 @@ void Window::Native::OnKeyPress(const XKeyEvent& event)
         return;
     }
     keys.Press(static_cast<std::uint8_t>(event.keycode), key);
-    FollowPointer(GetPlace(event));
+    FollowPointerToKey(GetPlace(event));
     window.DeliverKey(key, true);
 }
 
@@ -317,7 +351,7 @@ void Window::Native::OnKeyRelease(const XKeyEvent& event)
         OnUndefinedKey(event);
         return;
     }
-    FollowPointer(GetPlace(event));
+    FollowPointerToKey(GetPlace(event));
     window.DeliverKey(key, false);
 }
 

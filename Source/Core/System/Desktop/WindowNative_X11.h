@@ -33,10 +33,14 @@ struct Window::Native
     /// Delivers the next release of a key that was let go. False if there is none.
     bool DeliverQueuedRelease();
 
+    /// Delivers the newest of the motions that wait, ahead of what waits before them. False if there is none.
+    bool DeliverQueuedMotion();
+
     void OnMotion(const PointerMotion& motion);
 
     /// What is pressed is pressed at its own place, also where no motion has told of it.
     void FollowPointer(const PointerMotion& place);
+    void FollowPointerToKey(const PointerMotion& place);
 
     /// Whether the connection still stands.
     [[nodiscard]] bool IsUsable() const;
@@ -65,6 +69,7 @@ struct Window::Native
     InputClaim claim;
     PressedKeys keys;
     std::optional<Math::Point> pointer; ///< where the last motion event was, if there was one
+    Time pointerTime = 0;               ///< and when, by the server's clock
     Math::Point position;
     WindowSize size;
     RateLimit raises;

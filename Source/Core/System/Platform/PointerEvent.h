@@ -23,4 +23,10 @@ public:
     [[nodiscard]] static const Math::Point* GetPosition() noexcept;
 };
 
+/// The program has moved the pointer itself, and the motion event of that is in the queue.
+void AnnounceOwnMotion() noexcept;
+
+/// Whether that was announced since the last call.
+[[nodiscard]] bool TakeOwnMotion() noexcept;
+
 } // namespace Orvik::System::Platform

@@ -36,8 +36,11 @@ int ReportLostServer(::Display* display)
         return 0;
     s_connection.display = nullptr;
     Log::Write(s_context, Log::MessageTypeID::Error, "The connection to the X server is lost.");
-    if (Runtime::Application::FindInstance() != nullptr)
+    if (Runtime::Application* const application = Runtime::Application::FindInstance())
+    {
+        application->OnDisplayLost();
         Runtime::Application::RequestShutdown();
+    }
     return 0;
 }
 

@@ -52,6 +52,10 @@ bool Application::IsHeadless() const
     return false;
 }
 
+void Application::OnDisplayLost()
+{
+}
+
 void Application::OnShutdownRequested()
 {
 }

@@ -76,6 +76,9 @@ public:
     [[nodiscard]] virtual bool IsHeadless() const; ///< nothing calls it
     /// Asks a program without a main-loop System to end by itself. From any thread.
     virtual void OnShutdownRequested();
+    /// The display is gone, and the system's library for it can't be called again, not even by the call under way: if
+    /// this returns, that call may fault. A program with a screen ends the process here. Main thread.
+    virtual void OnDisplayLost();
 
     /// A whole run: ends other instances if asked to, starts the frame, runs the program, ends the Systems. The exit
     /// code is in `m_returnCode` afterwards. What the program's `Main` throws leaves here.

@@ -81,6 +81,7 @@ bool SetPosition(const Math::Point& position)
         XWarpPointer(display, None, DefaultRootWindow(display), 0, 0, 0, 0, x, y);
     if (scope.HasFailed())
         return ReportFailure("SetPosition", scope.GetErrorText());
+    Platform::AnnounceOwnMotion();
     return true;
 }
 
