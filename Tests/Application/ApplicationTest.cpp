@@ -5,7 +5,6 @@
 #include "Core/Graphics/Renderer/GLRecorder.h"
 #include "Core/System/Platform/NullDesktop.h"
 #include "Core/System/Runtime/CommandLine.h"
-#include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <atomic>
@@ -150,6 +149,8 @@ protected:
     std::string printed;
     std::atomic<Application*> running = nullptr;
 };
+
+using ApplicationDeathTest = ApplicationTest;
 
 TEST_F(ApplicationTest, HelpPrintsTheUsageAndNoCode)
 {
@@ -417,15 +418,14 @@ TEST_F(ApplicationTest, ConfigJsonGoesBeforeConfigFile)
     EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
 }
 
-TEST_F(ApplicationTest, ConfigFileIsReadWhereThereIsNoConfigJson)
+TEST_F(ApplicationDeathTest, ConfigFileIsReadWhereThereIsNoConfigJson)
 {
     const std::string file = (output.GetPath() / "refused.json").string();
     std::ofstream(file) << R"({"configuration":{"LogSystem":{}}})";
     UseOutput();
     AddArguments({"-c", file});
     Escape();
-    EXPECT_ASSERTION(Run(), "success", "Failed to initialize configuration.");
-    printed = testing::internal::GetCapturedStdout();
+    EXPECT_DEATH(Run(), "Assertion: success\n\tMessage: Failed to initialize configuration.");
 }
 
 } // namespace

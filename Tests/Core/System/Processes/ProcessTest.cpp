@@ -334,9 +334,10 @@ TEST_F(ProcessTest, NamesHaveToBeTheSameByteForByte)
 
 TEST_F(ProcessTest, TheCallbackMayEndWhatItGets)
 {
-    TestProcess first(m_directory.GetPath(), "snip-instance");
-    TestProcess second(m_directory.GetPath(), "snip-instance");
-    EXPECT_EQ(EnumerateProcesses("snip-instance", [](Process& process) { Terminate(process); }), 2U);
+    const std::string name = "snip-" + std::to_string(getpid());
+    TestProcess first(m_directory.GetPath(), name);
+    TestProcess second(m_directory.GetPath(), name);
+    EXPECT_EQ(EnumerateProcesses(name, [](Process& process) { Terminate(process); }), 2U);
     EXPECT_EQ(first.GetEndSignal(), SIGTERM);
     EXPECT_EQ(second.GetEndSignal(), SIGTERM);
 }
