@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 
-// The software renderer keeps memory to itself until the process ends. Asked for by the leak sanitizer, where it is in.
+// The software renderer keeps memory to itself until the process ends, and replies of the server. Asked for by the leak sanitizer, where it is in.
 extern "C" const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserved-identifier)
 {
-    return "leak:swrast_dri.so\nleak:libEGL_mesa.so\nleak:libLLVM\n";
+    return "leak:swrast_dri.so\nleak:libEGL_mesa.so\nleak:libLLVM\nleak:libxcb.so\n";
 }
 
 int main(int argc, char** argv)
