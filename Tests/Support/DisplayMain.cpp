@@ -4,7 +4,8 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 
-// The software renderer keeps memory to itself until the process ends, and replies of the server. Asked for by the leak sanitizer, where it is in.
+// The software renderer keeps memory to itself until the process ends, and replies of the server. Asked for by the leak
+// sanitizer, where it is in.
 extern "C" const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserved-identifier)
 {
