@@ -2,6 +2,7 @@
 
 #include "Application/Options.h"
 #include "Application/ReturnCodes.h"
+#include "Application/SnipBenchConfig.h"
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/FileLogSink.h"
 #include "Core/System/Log/Log.h"
@@ -109,17 +110,28 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
     {
         return ReturnCodeName::InitializeSystemsFailed;
     }
+    WarnOfIgnoredConfiguration();
     PrepareOutputDirectory();
     return RunOverlay(std::move(toolParameters));
 }
 
 void Application::LoadConfiguration(const CommandLine& commandLine)
 {
-    // The results don't matter: a run goes on with the defaults after a bad configuration.
+    // A run goes on with the defaults after a bad configuration.
+    System::Runtime::ApplicationConfigCache& cache = GetConfigCache();
     if (commandLine.HasOption(Id(Option::ConfigJson)))
-        (void)GetConfigCache().LoadFromString(commandLine.GetValue(Id(Option::ConfigJson)));
+        m_hasIgnoredConfiguration = !cache.LoadFromString(commandLine.GetValue(Id(Option::ConfigJson)));
     else if (commandLine.HasOption(Id(Option::ConfigFile)))
-        (void)GetConfigCache().LoadFromFile(Text::PathFromUtf8(commandLine.GetValue(Id(Option::ConfigFile))));
+        m_hasIgnoredConfiguration =
+            !cache.LoadFromFile(Text::PathFromUtf8(commandLine.GetValue(Id(Option::ConfigFile))));
+    m_snipMode = cache.AddConfig<SnipBenchConfig>()->m_mode;
+}
+
+// What loading wrote about it came before there was a log.
+void Application::WarnOfIgnoredConfiguration()
+{
+    if (m_hasIgnoredConfiguration)
+        Log::Write(s_context, Log::MessageTypeID::Warning, "Configuration ignored: ", GetConfigCache().GetError());
 }
 
 void Application::ReadOptions(const CommandLine& commandLine)

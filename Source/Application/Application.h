@@ -49,6 +49,7 @@ private:
 
     void ReadOptions(const System::Runtime::CommandLine& commandLine);
     void LoadConfiguration(const System::Runtime::CommandLine& commandLine);
+    void WarnOfIgnoredConfiguration();
     void PrepareOutputDirectory();
     [[nodiscard]] std::string_view RunOverlay(Graphics::Tools::SnipBench::Parameters parameters);
     [[nodiscard]] bool ChooseDisplay();
@@ -67,6 +68,8 @@ private:
     bool m_oneShot = false;
     bool m_keepMask = false;
     bool m_annotate = false;
+    bool m_hasIgnoredConfiguration = false;
+    Graphics::Tools::SnipMode m_snipMode = Graphics::Tools::SnipMode::Rectangle;
     std::int32_t m_delay = 0; ///< milliseconds
     std::string m_fileFormat = "png";
     std::filesystem::path m_outputDirectory;

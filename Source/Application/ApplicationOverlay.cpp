@@ -118,6 +118,7 @@ void Application::StartTool(Graphics::Tools::SnipBench::Parameters parameters)
     context.x = position.x;
     context.y = position.y;
     m_tool.Start(context, std::move(parameters), m_renderer);
+    m_tool.SetMode(m_snipMode);
     Cursor::ShowCursor(false);
     m_window->BringToFront();
 }

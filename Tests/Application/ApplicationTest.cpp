@@ -418,6 +418,59 @@ TEST_F(ApplicationTest, ConfigJsonGoesBeforeConfigFile)
     EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
 }
 
+TEST_F(ApplicationTest, AnIgnoredConfigurationIsAWarningBehindTheBanner)
+{
+    const std::string file = (output.GetPath() / "broken.json").string();
+    std::ofstream(file) << "{";
+    struct Case
+    {
+        std::vector<std::string> arguments;
+        std::string error;
+    };
+    for (const Case& ignored : {
+             Case{{"-cj", "{"}, "Failed to parse configuration JSON at 1: 'Missing a name for object member.'."},
+             Case{{"-c", file}, "Failed to parse configuration JSON at '1': Missing a name for object member."},
+             Case{{"-c", file + "x"}, "Failed to open configuration '" + file + "x'."},
+         })
+    {
+        commandLine = {};
+        commandLine.arguments = {"SnipBench"};
+        UseOutput();
+        AddArguments(ignored.arguments);
+        Escape();
+        EXPECT_EQ(Run(), 0);
+        EXPECT_THAT(printed, HasSubstr(" | SnipBench] Warning: Configuration ignored: " + ignored.error + "\n"));
+        EXPECT_LT(printed.find("] Using '"), printed.find("Configuration ignored"));
+    }
+}
+
+TEST_F(ApplicationTest, AConfigurationThatIsTakenIsNoWarning)
+{
+    UseOutput();
+    AddArguments({"-cj", "{}"});
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(printed, Not(HasSubstr("Configuration")));
+}
+
+TEST_F(ApplicationTest, ThePolygonModeOfTheConfigurationIsTheTools)
+{
+    UseOutput();
+    AddArguments({"-s", "true", "-cj", R"({"configuration":{"SnipBench":{"mode":"Polygon"}}})"});
+    for (const Point vertex : {Point{50, 20}, Point{90, 20}, Point{90, 60}, Point{52, 22}})
+    {
+        Move(vertex);
+        Button(1, true);
+        Button(1, false);
+    }
+    EXPECT_EQ(Run(), 0);
+    std::string meta;
+    for (const auto& file : ListFiles(output.GetPath()))
+        if (file.extension() == ".json")
+            meta = ReadFile(file);
+    EXPECT_THAT(meta, HasSubstr("\"mask\""));
+}
+
 TEST_F(ApplicationDeathTest, ConfigFileIsReadWhereThereIsNoConfigJson)
 {
     const std::string file = (output.GetPath() / "refused.json").string();

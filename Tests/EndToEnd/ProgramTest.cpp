@@ -41,9 +41,8 @@ void ExpectExit(const ChildResult& result, int exitCode)
 ProgramTest::ProgramTest()
 {
     m_environment["HOME"] = m_installation.GetHome().string();
-    m_environment["LANG"] = "C.UTF-8";
     m_environment["PATH"] = "/usr/bin:/bin";
-    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TZ"})
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TZ", "LOCPATH", "LC_ALL"})
         if (const char* value = std::getenv(name))
             m_environment[name] = value;
 }

@@ -1,4 +1,5 @@
 // The main function of tests that need a screen: they get a virtual one of their own.
+#include "Tests/Support/EnvironmentLocale.h"
 #include "Tests/Support/VirtualDisplay.h"
 
 #include <cstdlib>
@@ -15,6 +16,7 @@ extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserve
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
+    Orvik::Tests::UseEnvironmentLocale();
     if (testing::GTEST_FLAG(list_tests))
         return RUN_ALL_TESTS();
     const Orvik::Tests::VirtualDisplay display;

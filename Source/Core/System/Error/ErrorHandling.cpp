@@ -13,6 +13,7 @@
 #include <functional>
 #include <iomanip>
 #include <iostream>
+#include <locale>
 #include <system_error>
 #include <utility>
 
@@ -30,6 +31,7 @@ void WriteCallstack(std::ostream& stream, const SourceLocation& location)
 void WriteReportFile(const std::filesystem::path& path, const std::function<void(std::ostream&)>& writeReport)
 {
     std::ofstream file(path, std::ios::out | std::ios::trunc);
+    file.imbue(std::locale::classic()); // numbers as on the error stream
     writeReport(file);
 }
 
@@ -47,6 +49,7 @@ ErrorHandling::ErrorHandling()
 {
     if (std::get_terminate() != &OnTerminate)
         std::cerr << "Failed to register termination handler." << std::endl;
+    m_messageStream.imbue(std::locale::classic());
     InstallSignalHandlersPlatform();
 }
 

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <thread>
 
 namespace Orvik::System::Log
 {
@@ -70,6 +71,7 @@ bool Logger::Initialize(const Runtime::IConfig* config)
 
     m_sinks.resize(2);
     m_failedSinks = 0;
+    m_isShutDown = false;
     m_sinks[0] = std::make_shared<ConsoleLogSink>();
     const auto fileSink = std::make_shared<FileLogSink>(settings.m_logDirectory, settings.m_logFileName, maxFileSize,
                                                         static_cast<std::uint32_t>(maxFileAge));
@@ -92,6 +94,9 @@ void Logger::OnConfigured()
 
 void Logger::OnShutdown()
 {
+    m_isShutDown = true;
+    while (m_writers != 0) // a request to end is logged on a thread of its own
+        std::this_thread::yield();
     m_sinks.clear();
 }
 
@@ -103,8 +108,13 @@ bool Logger::AcceptsStream(std::uint32_t stream) const
 void Logger::Receive(std::uint32_t stream, MessageTypeID severity, const std::string& text)
 {
     const std::string line = MakeLine(stream, severity, text);
-    for (std::size_t index = 0; index < m_sinks.size(); ++index)
-        WriteToSink(index, line);
+    ++m_writers;
+    if (!m_isShutDown)
+    {
+        for (std::size_t index = 0; index < m_sinks.size(); ++index)
+            WriteToSink(index, line);
+    }
+    --m_writers;
 }
 
 void Logger::WriteToSink(std::size_t index, const std::string& line)

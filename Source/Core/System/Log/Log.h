@@ -8,7 +8,6 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -31,7 +30,7 @@ public:
     /// Opens the sinks: the console, then the file. Throws if the file can't be opened; the console then stays.
     [[nodiscard]] bool Initialize(const Runtime::IConfig* config) override;
     void OnConfigured() override;
-    /// Releases the sinks.
+    /// Releases the sinks, once no other thread writes to them any more.
     void OnShutdown() override;
 
     [[nodiscard]] bool AcceptsStream(std::uint32_t stream) const override;
@@ -45,9 +44,7 @@ public:
     {
         if (!AcceptsStream(stream))
             return;
-        std::ostringstream text;
-        (text << ... << pieces);
-        Receive(stream, severity, text.str());
+        Receive(stream, severity, JoinPieces(pieces...));
     }
 
     /// Sets the threshold of `context` to the least severity that its stream is configured with. A stream without one
@@ -65,6 +62,8 @@ private:
     std::vector<std::uint32_t> m_streamSeverities;
     std::vector<std::shared_ptr<Sink>> m_sinks;
     std::atomic<std::uint32_t> m_failedSinks{0}; ///< a bit for each entry of `m_sinks` that is left out
+    std::atomic<std::uint32_t> m_writers{0};     ///< threads that are between the sinks
+    std::atomic<bool> m_isShutDown = false;
 };
 
 /// Adds a context to those that the `Logger` sets up when it is initialised, and sets it up at once if that is over.

@@ -2,6 +2,7 @@
 
 #include "Core/System/Log/Context.h"
 
+#include <locale>
 #include <sstream>
 #include <string>
 
@@ -28,8 +29,18 @@ IMessageReceiver* SetReceiver(IMessageReceiver* receiver) noexcept;
 
 [[nodiscard]] IMessageReceiver* GetReceiver() noexcept;
 
-/// A log site. The pieces go into the text one after the other, each by the stream's ordinary insertion, and only if
-/// both gates let the message pass. A `std::filesystem::path` is thus written between double quotes.
+/// The pieces one after the other, each by the stream's ordinary insertion, with numbers as C writes them whatever the
+/// locale.
+template <typename... Pieces>
+[[nodiscard]] std::string JoinPieces(const Pieces&... pieces)
+{
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    (text << ... << pieces);
+    return text.str();
+}
+
+/// A log site. The pieces are joined only if both gates let the message pass. A `std::filesystem::path` is thus written between double quotes.
 /// What the receiver throws leaves here.
 template <typename... Pieces>
 void Write(const Context& context, MessageTypeID severity, const Pieces&... pieces)
@@ -39,9 +50,7 @@ void Write(const Context& context, MessageTypeID severity, const Pieces&... piec
     IMessageReceiver* const receiver = GetReceiver();
     if (receiver == nullptr || !receiver->AcceptsStream(context.stream))
         return;
-    std::ostringstream text;
-    (text << ... << pieces);
-    receiver->Receive(context.stream, severity, text.str());
+    receiver->Receive(context.stream, severity, JoinPieces(pieces...));
 }
 
 } // namespace Orvik::System::Log

@@ -88,12 +88,7 @@ std::filesystem::path ApplicationConfigCache::GetRootPath() const
 
 bool ApplicationConfigCache::FindSchemaFile(const std::string& name, std::filesystem::path& path) const
 {
-    std::filesystem::path candidate;
-    if (!m_executableDirectory.empty())
-        candidate = FindRootDirectory(m_executableDirectory, "Binaries");
-    for (const std::string& element : {std::string("Resources"), std::string("Schemas"), name})
-        candidate = Text::Join(candidate, Text::PathFromUtf8(element));
-    candidate = candidate.lexically_normal().make_preferred();
+    const std::filesystem::path candidate = ResolveResource(m_executableDirectory, {"Resources", "Schemas"}, name);
     if (!Text::Exists(candidate))
         return false;
     path = candidate;

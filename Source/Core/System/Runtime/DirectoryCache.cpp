@@ -5,7 +5,6 @@
 #include "Core/System/Text/Paths.h"
 
 #include <cstdlib>
-#include <initializer_list>
 
 namespace Orvik::System::Runtime
 {
@@ -14,16 +13,11 @@ namespace
 
 constexpr Log::Context s_context{Log::StreamID::System};
 
-/// Below the directory that holds "Binaries": where an installation and the source tree have their resources.
-std::string& ResolveResource(std::initializer_list<const char*> directories, const std::string& file,
-                             std::string& result)
+std::string& ResolveOwnResource(std::initializer_list<const char*> directories, const std::string& file,
+                                std::string& result)
 {
-    const std::string rootPath = Text::PathToUtf8(Application::GetInstance().GetConfigCache().GetRootPath());
-    std::filesystem::path path = rootPath.empty() ? std::filesystem::path() : FindRootDirectory(rootPath, "Binaries");
-    for (const char* directory : directories)
-        path = Text::Join(path, directory);
-    path = Text::Join(path, Text::PathFromUtf8(file)).lexically_normal().make_preferred();
-    result = Text::PathToUtf8(path);
+    const std::filesystem::path rootPath = Application::GetInstance().GetConfigCache().GetRootPath();
+    result = Text::PathToUtf8(ResolveResource(Text::PathToUtf8(rootPath), directories, file));
     return result;
 }
 
@@ -70,19 +64,30 @@ std::filesystem::path FindRootDirectory(const std::string& path, const std::stri
     return {};
 }
 
+std::filesystem::path ResolveResource(const std::string& programDirectory,
+                                      std::initializer_list<const char*> directories, const std::string& file)
+{
+    std::filesystem::path path;
+    if (!programDirectory.empty())
+        path = FindRootDirectory(programDirectory, "Binaries");
+    for (const char* directory : directories)
+        path = Text::Join(path, directory);
+    return Text::Join(path, Text::PathFromUtf8(file)).lexically_normal().make_preferred();
+}
+
 std::string& GetSchemaPath(const std::string& file, std::string& result)
 {
-    return ResolveResource({"Resources", "Schemas"}, file, result);
+    return ResolveOwnResource({"Resources", "Schemas"}, file, result);
 }
 
 std::string& GetShaderPath(const std::string& file, std::string& result)
 {
-    return ResolveResource({"Resources", "UI", "Shaders"}, file, result);
+    return ResolveOwnResource({"Resources", "UI", "Shaders"}, file, result);
 }
 
 std::string& GetTexturePath(const std::string& file, std::string& result)
 {
-    return ResolveResource({"Resources", "UI", "Textures"}, file, result);
+    return ResolveOwnResource({"Resources", "UI", "Textures"}, file, result);
 }
 
 } // namespace Orvik::System::Runtime

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 
 namespace Orvik::System::Runtime
@@ -44,9 +45,14 @@ private:
 /// there is none. Throws the file-system error "absolute" if `path` can't be made absolute.
 [[nodiscard]] std::filesystem::path FindRootDirectory(const std::string& path, const std::string& name);
 
-/// Resource files by their names: below "Resources" beside the directory "Binaries" that the program lies in, and
-/// relative to the working directory for a program that lies in none. Write to `result`, UTF-8, and return it.
-/// Nobody looks whether the file exists.
+/// Where a file lies in an installation: below the directory that holds "Binaries", in which the program lies, then in
+/// `directories`, each in the one before. Relative to the working directory for a program that lies in no such
+/// directory or whose own (UTF-8) is unknown. Nobody looks whether the file exists.
+[[nodiscard]] std::filesystem::path ResolveResource(const std::string& programDirectory,
+                                                    std::initializer_list<const char*> directories,
+                                                    const std::string& file);
+
+/// The resource files of this program by their names. Write to `result`, UTF-8, and return it.
 std::string& GetSchemaPath(const std::string& file, std::string& result);
 std::string& GetShaderPath(const std::string& file, std::string& result);
 std::string& GetTexturePath(const std::string& file, std::string& result);

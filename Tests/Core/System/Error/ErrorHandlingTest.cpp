@@ -5,6 +5,7 @@
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Tests/Core/System/Error/ReportText.h"
 #include "Tests/Support/ForkedProcess.h"
+#include "Tests/Support/GroupingLocale.h"
 #include "Tests/Support/TestApplication.h"
 
 #include <csignal>
@@ -256,6 +257,27 @@ TEST(ErrorHandling, TheCodeLeavesTheErrorStreamsFormatAsItWas)
                              "Callstack:\n"
                              "\t[0]: file.cpp at 12: function\n"
                              "**100XA");
+}
+
+TEST(ErrorHandling, LineNumbersAreWrittenAlikeInEveryLocale)
+{
+    const ForkedResult result = Tests::RunForked(
+        []
+        {
+            const Tests::GroupingLocale locale;
+            Exception(SourceLocation("file.cpp", 1234567, "function")).Report();
+            for (const auto& entry : std::filesystem::directory_iterator("."))
+                std::cout << std::ifstream(entry.path()).rdbuf();
+            return 0;
+        });
+    constexpr const char* report = "Exception: Orvik::Exception\n"
+                                   "\tMessage: No message provided.\n"
+                                   "\tCode:    0x0000000000000000\n"
+                                   "\n"
+                                   "Callstack:\n"
+                                   "\t[0]: file.cpp at 1234567: function\n";
+    EXPECT_EQ(result.error, report);
+    EXPECT_EQ(result.output, report);
 }
 
 TEST(ErrorHandling, EachExceptionIsReportedWithItsOwnMessage)

@@ -1,4 +1,5 @@
 #include "Core/System/Log/LogSite.h"
+#include "Tests/Support/GroupingLocale.h"
 #include "Tests/Support/LogRecorder.h"
 
 #include <filesystem>
@@ -95,6 +96,14 @@ TEST(LogSite, PathStandsBetweenDoubleQuotes)
     Tests::LogRecorder recorder;
     Write(s_context, MessageTypeID::Info, "From '", std::filesystem::path("/a b/c"), "'.");
     EXPECT_THAT(recorder.GetLines(), ElementsAre("System Info: From '\"/a b/c\"'."));
+}
+
+TEST(LogSite, NumbersAreWrittenAlikeInEveryLocale)
+{
+    const Tests::GroupingLocale locale;
+    const Tests::LogRecorder log;
+    Write(s_context, MessageTypeID::Error, 1234567, " ", 0.5);
+    EXPECT_THAT(log.GetLines(), ElementsAre("System Error: 1234567 0.5"));
 }
 
 TEST(LogSite, SeverityBelowTheContextIsDropped)

@@ -62,6 +62,12 @@ std::chrono::milliseconds TimeTermination(std::uint64_t id)
 class ProcessTest : public testing::Test
 {
 protected:
+    /// A name that no other process has, not even one of the same test in another run.
+    [[nodiscard]] static std::string MakeName(const std::string& name)
+    {
+        return "snip-" + name + "-" + std::to_string(getpid());
+    }
+
     Tests::TemporaryDirectory m_directory;
 };
 
@@ -314,22 +320,23 @@ TEST_F(ProcessTest, EnumeratesAllWithoutAName)
 
 TEST_F(ProcessTest, EnumeratesThoseOfTheName)
 {
-    const TestProcess first(m_directory.GetPath(), "snip-listed");
-    const TestProcess second(m_directory.GetPath(), "snip-listed");
-    const TestProcess other(m_directory.GetPath(), "snip-listed-not");
+    const TestProcess first(m_directory.GetPath(), MakeName("listed"));
+    const TestProcess second(m_directory.GetPath(), MakeName("listed"));
+    const TestProcess other(m_directory.GetPath(), MakeName("listed-not"));
     std::vector<std::uint64_t> ids;
-    EXPECT_EQ(EnumerateProcesses("snip-listed", [&ids](Process& process) { ids.push_back(process.id); }), 2U);
+    EXPECT_EQ(EnumerateProcesses(MakeName("listed"), [&ids](Process& process) { ids.push_back(process.id); }), 2U);
     EXPECT_THAT(ids, testing::UnorderedElementsAre(first.GetId(), second.GetId()));
 }
 
 TEST_F(ProcessTest, NamesHaveToBeTheSameByteForByte)
 {
-    const TestProcess process(m_directory.GetPath(), "snip-exact");
+    const std::string name = MakeName("exact");
+    const TestProcess process(m_directory.GetPath(), name);
     const auto ignore = [](Process&) {};
-    EXPECT_EQ(EnumerateProcesses("snip-exact", ignore), 1U);
+    EXPECT_EQ(EnumerateProcesses(name, ignore), 1U);
     EXPECT_EQ(EnumerateProcesses("Snip-Exact", ignore), 0U);
-    EXPECT_EQ(EnumerateProcesses("snip-exac", ignore), 0U);
-    EXPECT_EQ(EnumerateProcesses("snip-exact ", ignore), 0U);
+    EXPECT_EQ(EnumerateProcesses(name.substr(0, name.size() - 1), ignore), 0U);
+    EXPECT_EQ(EnumerateProcesses(name + " ", ignore), 0U);
 }
 
 TEST_F(ProcessTest, TheCallbackMayEndWhatItGets)
@@ -347,13 +354,13 @@ TEST_F(ProcessTest, AProcessThatEndsMeanwhileGoesUnderTheNameBefore)
     // Two in a row, with no other process between their numbers, so that the first one's name is the one before.
     for (int attempt = 0; attempt < 100; ++attempt)
     {
-        TestProcess first(m_directory.GetPath(), "snip-row");
-        TestProcess second(m_directory.GetPath(), "snip-row");
+        TestProcess first(m_directory.GetPath(), MakeName("row"));
+        TestProcess second(m_directory.GetPath(), MakeName("row"));
         if (second.GetId() != first.GetId() + 1)
             continue;
         const Tests::LogRecorder recorder;
         std::vector<std::uint64_t> ids;
-        EXPECT_EQ(EnumerateProcesses("snip-row",
+        EXPECT_EQ(EnumerateProcesses(MakeName("row"),
                                      [&](Process& process)
                                      {
                                          ids.push_back(process.id);
@@ -373,12 +380,12 @@ TEST_F(ProcessTest, AProcessThatEndsMeanwhileIsNotMatchedByAnotherName)
 {
     for (int attempt = 0; attempt < 100; ++attempt)
     {
-        const TestProcess first(m_directory.GetPath(), "snip-row-one");
-        const TestProcess between(m_directory.GetPath(), "snip-row-two");
-        TestProcess last(m_directory.GetPath(), "snip-row-one");
+        const TestProcess first(m_directory.GetPath(), MakeName("row-one"));
+        const TestProcess between(m_directory.GetPath(), MakeName("row-two"));
+        TestProcess last(m_directory.GetPath(), MakeName("row-one"));
         if (last.GetId() != between.GetId() + 1)
             continue;
-        EXPECT_EQ(EnumerateProcesses("snip-row-one", [&last](Process&) { last.Kill(); }), 1U);
+        EXPECT_EQ(EnumerateProcesses(MakeName("row-one"), [&last](Process&) { last.Kill(); }), 1U);
         return;
     }
     FAIL() << "No two processes got numbers in a row.";

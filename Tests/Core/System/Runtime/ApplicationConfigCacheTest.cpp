@@ -319,6 +319,71 @@ TEST_F(ApplicationConfigCacheTest, ADeepDocumentMatchesNoSchema)
 
 // Validation by itself.
 
+TEST_F(ApplicationConfigCacheTest, AFailureNamesTheSchemasKeyword)
+{
+    struct Case
+    {
+        const char* schema;
+        const char* document;
+        const char* keyword;
+    };
+    for (const Case& failing : {
+             Case{R"({"type": "object"})", "[]", "type"},
+             Case{R"({"enum": [1, "two"]})", "2", "enum"},
+             Case{R"({"required": ["a"]})", "{}", "required"},
+             Case{R"({"additionalProperties": false})", R"({"a": 1})", "additionalProperties"},
+             Case{R"({"minProperties": 1})", "{}", "minProperties"},
+             Case{R"({"maxProperties": 1})", R"({"a": 1, "b": 2})", "maxProperties"},
+             Case{R"({"dependencies": {"a": ["b"]}})", R"({"a": 1})", "dependencies"},
+             Case{R"({"minimum": 3})", "2", "minimum"},
+             Case{R"({"maximum": 3})", "4", "maximum"},
+             Case{R"({"multipleOf": 3})", "4", "multipleOf"},
+             Case{R"({"minLength": 3})", R"("ab")", "minLength"},
+             Case{R"({"maxLength": 3})", R"("abcd")", "maxLength"},
+             Case{R"({"pattern": "^a"})", R"("b")", "pattern"},
+             Case{R"({"minItems": 1})", "[]", "minItems"},
+             Case{R"({"maxItems": 1})", "[1, 2]", "maxItems"},
+             Case{R"({"uniqueItems": true})", "[1, 1]", "uniqueItems"},
+             Case{R"({"items": [{}], "additionalItems": false})", "[1, 2]", "items"},
+             Case{R"({"allOf": [{"type": "number"}]})", "{}", "allOf"},
+             Case{R"({"anyOf": [{"type": "number"}]})", "{}", "anyOf"},
+             Case{R"({"oneOf": [{}, {}]})", "{}", "oneOf"},
+             Case{R"({"not": {}})", "{}", "not"},
+         })
+    {
+        SCOPED_TRACE(failing.schema);
+        WriteFile("Resources/Schemas/Zentrov-Configuration-2501.json", failing.schema);
+        ApplicationConfigCache cache;
+        EXPECT_TRUE(cache.Initialize(nullptr));
+        EXPECT_FALSE(cache.LoadFromString(failing.document));
+        EXPECT_EQ(cache.GetError(), std::string("Failed to validate against schema at keyword: ") + failing.keyword);
+        WriteFile("document.json", failing.document);
+        EXPECT_FALSE(cache.LoadFromFile("document.json"));
+        EXPECT_EQ(cache.GetError(), std::string("Failed to validate against schema at keyword: ") + failing.keyword);
+    }
+}
+
+TEST_F(ApplicationConfigCacheTest, TextThatIsNoUtf8IsKept)
+{
+    EXPECT_TRUE(m_cache.LoadFromString("{\"configuration\": {\"a\xFF\": {}}, \"\xC3\": \"\xE2\x82\"}"));
+    EXPECT_NE(m_cache.FindSection("a\xFF"), nullptr);
+    m_log.Clear();
+    UseOwnSchema();
+    EXPECT_TRUE(m_cache.LoadFromString("{\"configuration\": {\"LogSystem\": {\"streams\": {\"\xFF\": {}}}}}"));
+    EXPECT_FALSE(m_cache.LoadFromString("{\"configuration\": {\"SnipBench\": {\"mode\": \"\xFF\"}}}"));
+    EXPECT_EQ(m_cache.GetError(), "Failed to validate against schema at keyword: enum");
+}
+
+TEST_F(ApplicationConfigCacheTest, OfDuplicateKeysTheFirstIsRead)
+{
+    UseOwnSchema();
+    EXPECT_TRUE(m_cache.LoadFromString(R"({"configuration": {"a": {}}, "configuration": {"b": {}}})"));
+    EXPECT_NE(m_cache.FindSection("a"), nullptr);
+    EXPECT_EQ(m_cache.FindSection("b"), nullptr);
+    // All of them are checked.
+    EXPECT_FALSE(m_cache.LoadFromString(R"({"configuration": {}, "configuration": {"SnipBench": 7}})"));
+}
+
 TEST_F(ApplicationConfigCacheTest, ValidationNeedsADocumentAndASchema)
 {
     JsonDocument document;
@@ -445,7 +510,7 @@ TEST_F(ApplicationConfigCacheTest, TheOwnSchemaTakesWhateverHasAMeaning)
              R"({"configuration": {"LogSystem": {"streams": {"All": {"severity": "Loud", "id": "4"}}}}})",
              R"({"configuration": {"LogSystem": {"streams": {"x": {"severity": 3, "id": 4294967295}}}}})",
              R"({"configuration": {"SnipBench": {}}})",
-             R"({"configuration": {"SnipBench": {"mode": "Rectangle", "more": 1}}})",
+             R"({"configuration": {"SnipBench": {"mode": "Rectangle"}}})",
              R"({"configuration": {"SnipBench": {"mode": "Polygon"}}})",
              R"({"SnipBench": 7})",
          })
@@ -467,6 +532,41 @@ TEST_F(ApplicationConfigCacheTest, TheOwnSchemaRefusesWhatHasNone)
               "Failed to validate against schema at keyword: enum");
     EXPECT_EQ(getError(R"({"configuration": {"SnipBench": {"mode": 1}}})"),
               "Failed to validate against schema at keyword: enum");
+    EXPECT_EQ(getError(R"({"configuration": {"SnipBench": {"Mode": "Polygon"}}})"),
+              "Failed to validate against schema at keyword: additionalProperties");
+}
+
+// The documentation.
+
+/// The documents between the fences of a Markdown file's JSON blocks.
+std::vector<std::string> ReadExamples(const std::filesystem::path& file)
+{
+    std::ifstream stream(file);
+    std::vector<std::string> examples;
+    bool isInside = false;
+    for (std::string line; std::getline(stream, line);)
+    {
+        const bool isFence = line.starts_with("```");
+        if (!isInside && line == "```json")
+            examples.emplace_back();
+        else if (isInside && !isFence)
+            examples.back() += line + "\n";
+        isInside = isFence ? line == "```json" : isInside;
+    }
+    return examples;
+}
+
+TEST_F(ApplicationConfigCacheTest, TheDocumentationsExamplesAreTaken)
+{
+    UseOwnSchema();
+    const std::vector<std::string> examples = ReadExamples(m_previous / "Docs/Configuration.md");
+    EXPECT_GE(examples.size(), 5U);
+    for (const std::string& example : examples)
+    {
+        EXPECT_TRUE(m_cache.LoadFromString(example)) << example << m_cache.GetError();
+        EXPECT_TRUE(m_cache.FindSection("LogSystem") != nullptr || m_cache.FindSection("SnipBench") != nullptr)
+            << example;
+    }
 }
 
 } // namespace
