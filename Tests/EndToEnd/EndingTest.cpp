@@ -148,6 +148,59 @@ TEST_F(Ending, InterruptEndsADelay)
     ExpectFreeDesktop();
 }
 
+TEST_F(Ending, InterruptDuringASelection)
+{
+    ChildProcess process = StartOnPicture();
+    MoveTo({10, 20});
+    m_input->PressButton(1);
+    MoveTo({110, 70});
+    ExpectEndBySignal(process, SIGINT);
+    m_input->ReleaseButton(1);
+    EXPECT_TRUE(ListFiles(GetOutput()).empty());
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, ASnipThatIsBeingWrittenIsFinished)
+{
+    const Picture picture = MakeTestPicture(1600, 1200);
+    for (const int signal : {SIGINT, SIGTERM})
+    {
+        const std::filesystem::path output = m_installation.GetWork() / std::to_string(signal);
+        ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-o", output.string()});
+        Drag({1, 1}, {799, 599});
+        // It takes a while to be compressed.
+        while (ListFiles(output).empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ExpectEndBySignal(process, signal);
+        EXPECT_EQ(LoadPng(WaitForSnips(output, 1).front().image), picture.Crop({2, 2, 1596, 1196}));
+        m_input->MoveTo({s_width / 2, s_height / 2});
+    }
+    ExpectFreeDesktop();
+}
+
+TEST_F(Ending, ARequestDuringTheStartEndsTheRun)
+{
+    // In each part of a start, on any machine. Before the program's first lines have run, the signal has its own
+    // effect.
+    for (const int signal : {SIGINT, SIGTERM})
+    {
+        for (const int milliseconds : {0, 1, 2, 4, 8, 16, 32, 64, 128, 256})
+        {
+            SCOPED_TRACE(std::to_string(signal) + " after " + std::to_string(milliseconds));
+            ChildProcess process = Start({"-o", GetOutput().string()});
+            std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+            process.SendSignal(signal);
+            EXPECT_TRUE(process.HasEndedWithin(s_politeLimit));
+            const ChildResult result = process.Wait(s_endLimit);
+            if (result.signal != signal)
+                ExpectAnswer(result, 0, Answer::Success);
+            else
+                EXPECT_EQ(result.standardOutput, "");
+            ExpectFreeDesktop();
+        }
+    }
+}
+
 TEST_F(Ending, AKilledRunLeavesAFreeDesktop)
 {
     ChildProcess process = StartOnPicture();

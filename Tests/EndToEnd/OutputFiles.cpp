@@ -68,7 +68,13 @@ std::string MakeHead(const SnipFiles& files)
 std::string MakeSize(int width, int height)
 {
     return "        \"size\": {\n            \"width\": " + std::to_string(width) +
-           ",\n            \"height\": " + std::to_string(height) + "\n        }\n    }";
+           ",\n            \"height\": " + std::to_string(height) + "\n        }";
+}
+
+std::string MakeCorner(Position corner)
+{
+    return "            {\n                \"x\": " + std::to_string(corner.x) +
+           ",\n                \"y\": " + std::to_string(corner.y) + "\n            }";
 }
 
 std::string MakeRectangle(const std::string& id, const Area& area)
@@ -116,7 +122,16 @@ std::vector<SnipFiles> WaitForSnips(const std::filesystem::path& directory, std:
 std::string MakeMetaText(const SnipFiles& files, int width, int height)
 {
     EXPECT_EQ(GetIds(files.json), std::vector{files.id});
-    return MakeHead(files) + MakeSize(width, height) + "\n}";
+    return MakeHead(files) + MakeSize(width, height) + "\n    }\n}";
+}
+
+std::string MakePolygonText(const SnipFiles& files, int width, int height, const std::vector<Position>& corners)
+{
+    EXPECT_EQ(GetIds(files.json), std::vector{files.id});
+    std::string text = MakeHead(files) + MakeSize(width, height) + ",\n        \"mask\": [\n";
+    for (std::size_t i = 0; i < corners.size(); ++i)
+        text += MakeCorner(corners[i]) + (i + 1 < corners.size() ? ",\n" : "\n");
+    return text + "        ]\n    }\n}";
 }
 
 std::string MakeAnnotationText(const SnipFiles& files, int width, int height, const std::vector<Area>& rectangles)
@@ -126,7 +141,7 @@ std::string MakeAnnotationText(const SnipFiles& files, int width, int height, co
         throw std::runtime_error("The identifiers aren't those of " + std::to_string(rectangles.size()) +
                                  " rectangles:\n" + files.json);
     EXPECT_EQ(ids.front(), files.id);
-    std::string text = MakeHead(files) + MakeSize(width, height) + ",\n    \"annotations\": [\n";
+    std::string text = MakeHead(files) + MakeSize(width, height) + "\n    },\n    \"annotations\": [\n";
     for (std::size_t i = 0; i < rectangles.size(); ++i)
         text += MakeRectangle(ids[i + 1], rectangles[i]) + (i + 1 < rectangles.size() ? ",\n" : "\n");
     std::sort(ids.begin(), ids.end());

@@ -26,6 +26,9 @@ struct SnipFiles
 /// The text of a rectangle's meta file, to compare with: identifier and time are taken over from `files` after they
 /// have been checked.
 [[nodiscard]] std::string MakeMetaText(const SnipFiles& files, int width, int height);
+/// The text of a polygon's meta file with these corners, likewise.
+[[nodiscard]] std::string MakePolygonText(const SnipFiles& files, int width, int height,
+                                          const std::vector<Position>& corners);
 /// The text of an annotation file with these rectangles, likewise.
 [[nodiscard]] std::string MakeAnnotationText(const SnipFiles& files, int width, int height,
                                              const std::vector<Area>& rectangles);
