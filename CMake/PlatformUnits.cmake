@@ -14,6 +14,7 @@ function(orvik_shared_units result folder)
         list(FILTER sources EXCLUDE REGEX "_${half}\\.cpp$")
     endforeach()
     list(FILTER sources EXCLUDE REGEX "/EntryPoint_")
+    list(FILTER sources EXCLUDE REGEX "/DescribedTypes\\.cpp$") # linked as an object
     set(${result} ${sources} PARENT_SCOPE)
 endfunction()
 

@@ -1,0 +1,55 @@
+#include "Core/System/Reflection/TypeRegistry.h"
+
+#include "Core/System/Error/Assertion.h"
+#include "Core/System/Types/Hash.h"
+
+#include <array>
+#include <utility>
+
+namespace Orvik::System::Reflection
+{
+
+std::size_t TypeIdHash::operator()(std::uint32_t typeId) const noexcept
+{
+    const std::array bytes = {static_cast<char>(typeId), static_cast<char>(typeId >> 8U),
+                              static_cast<char>(typeId >> 16U), static_cast<char>(typeId >> 24U)};
+    return static_cast<std::size_t>(Types::HashFnv1a({bytes.data(), bytes.size()}));
+}
+
+TypeRegistry& TypeRegistry::GetInstance()
+{
+    static TypeRegistry s_instance;
+    return s_instance;
+}
+
+const TypeDescription* TypeRegistry::GetTypeDescription(std::uint32_t typeId) const
+{
+    const std::scoped_lock lock(m_mutex);
+    const auto descriptionIt = m_typeIndices.find(typeId);
+    if (descriptionIt == m_typeIndices.end())
+        return nullptr;
+    ORVIK_ASSERT(descriptionIt->second < m_typeDescriptions.size(), "Registry is corrupted");
+    return m_typeDescriptions[descriptionIt->second].get();
+}
+
+std::size_t TypeRegistry::GetTypeCount() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_typeDescriptions.size();
+}
+
+void TypeRegistry::Register(TypeDescription description)
+{
+    const std::uint32_t typeId = description.typeId;
+    const GUID guid = description.guid;
+    if (GetTypeDescription(typeId) != nullptr)
+    {
+        ORVIK_ASSERT(GetTypeDescription(typeId)->guid == guid, "TypeId conflict detected");
+        return;
+    }
+    const std::scoped_lock lock(m_mutex);
+    m_typeIndices.emplace(typeId, static_cast<std::uint32_t>(m_typeDescriptions.size()));
+    m_typeDescriptions.push_back(std::make_unique<TypeDescription>(std::move(description)));
+}
+
+} // namespace Orvik::System::Reflection
