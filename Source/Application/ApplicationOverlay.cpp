@@ -106,7 +106,8 @@ void Application::WaitForDelay(const Window::ScopedLock& lock)
         std::unique_lock delayLock(m_delayMutex);
         m_delayCondition.wait_for(delayLock, std::chrono::milliseconds(m_delay), [this] { return !m_running; });
     }
-    m_window->Show(lock);
+    if (m_running)
+        m_window->Show(lock);
 }
 
 void Application::StartTool(Graphics::Tools::SnipBench::Parameters parameters)

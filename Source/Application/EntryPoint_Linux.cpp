@@ -6,6 +6,9 @@
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace
 {
 
@@ -16,11 +19,23 @@ namespace
 // Constructed before `main` and destroyed behind it, so that faults on both ends are reported.
 Orvik::SnipBench::Application s_application; // NOLINT(cert-err58-cpp)
 
+/// A caller may close the standard streams. The next file that is opened, a log or the X connection, would take the
+/// place of one and get what is printed.
+void OccupyStandardStreams()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    {
+        if (fcntl(descriptor, F_GETFD) < 0)
+            (void)open("/dev/null", O_RDWR); // takes the lowest number that is free: this one
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     using namespace Orvik::System;
+    OccupyStandardStreams();
 
     // Whether the setup tool runs decides about the console; with a console of this platform that makes no difference.
     Processes::EnumerateProcesses(Processes::MakeExecutableName("OrvikRemoteDeviceSetupTool"),
@@ -33,5 +48,7 @@ int main(int argc, char** argv)
     Runtime::ApplicationParameters parameters;
     parameters.commandLine = &commandLine;
     Runtime::Application::Run(parameters);
-    return Runtime::Application::GetInstance().m_returnCode;
+    const int exitCode = Runtime::Application::GetInstance().m_returnCode;
+    Error::ErrorHandling::GetInstance().EndRequests(exitCode);
+    return exitCode;
 }

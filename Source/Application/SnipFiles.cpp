@@ -2,9 +2,8 @@
 
 #include "Application/SnipJson.h"
 #include "Core/System/Log/LogSite.h"
+#include "Core/System/Text/Files.h"
 #include "Core/System/Text/Paths.h"
-
-#include <fstream>
 
 namespace Orvik::SnipBench
 {
@@ -34,23 +33,12 @@ void ShowAbsolutePath(const SnipFileSettings& settings, const std::filesystem::p
         settings.showSavedPath(System::Text::PathToUtf8(absolute), s_savedPathDuration);
 }
 
-/// Writes the text as the whole file. A file that can't be opened passes in silence; one that can't be
-/// written is logged.
+/// Writes the text as the whole file. One that can't be opened passes in silence; one that can't be written is logged,
+/// and what it held before stays.
 void WriteMetaFile(const std::filesystem::path& path, const std::string& text)
 {
-    try
-    {
-        std::ofstream stream(path, std::ios::binary | std::ios::trunc);
-        if (!stream.is_open())
-            return;
-        stream.exceptions(std::ios::badbit | std::ios::failbit);
-        stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-        stream.close();
-    }
-    catch (const std::exception&)
-    {
+    if (System::Text::ReplaceFile(path, text) == System::Text::Replacement::NotWritten)
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save meta file: ", path);
-    }
 }
 
 /// The rectangles of this process, and the identifier of the one picture they lie on.

@@ -24,7 +24,11 @@ protected:
     {
         process.SendSignal(signal);
         EXPECT_TRUE(process.HasEndedWithin(s_politeLimit));
-        ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+        const ChildResult result = process.Wait(s_endLimit);
+        ExpectAnswer(result, 0, Answer::Success);
+        const char* const name = signal == SIGINT ? "Signal 'SIGINT' was raised" : "Signal 'SIGTERM' was raised";
+        EXPECT_NE(result.standardOutput.find(std::string(" | System] Warning: ") + name), std::string::npos)
+            << result.standardOutput;
     }
 
     void ExpectOwnEnd(ChildProcess& process) const
@@ -146,6 +150,19 @@ TEST_F(Ending, InterruptEndsADelay)
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     ExpectEndBySignal(process, SIGINT);
     ExpectFreeDesktop();
+}
+
+TEST_F(Ending, TheSameRequestTwiceIsOne)
+{
+    // As "timeout" sends it: to the program, and to its group.
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+    {
+        ChildProcess process = StartOnPicture();
+        process.SendSignal(signal);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ExpectEndBySignal(process, signal);
+        ExpectFreeDesktop();
+    }
 }
 
 TEST_F(Ending, InterruptDuringASelection)

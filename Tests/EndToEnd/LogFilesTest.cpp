@@ -4,6 +4,7 @@
 #include "Tests/Support/PrivateMounts.h"
 
 #include <csignal>
+#include <fstream>
 
 namespace Orvik::Tests
 {
@@ -159,6 +160,129 @@ TEST_F(LogFiles, AnOutputDirectoryOnAFullDiskKeepsWhatFitted)
     for (const std::filesystem::path& file : ListFiles(GetOutput()))
         metaFiles += file.extension() == ".json" ? 1 : 0;
     EXPECT_EQ(metaFiles, 1U) << "an image that isn't whole has none";
+}
+
+TEST_F(LogFiles, AnAnnotationThatNoLongerFitsKeepsTheOnesBefore)
+{
+    const PrivateMounts mounts;
+    if (!mounts.IsGranted())
+        GTEST_SKIP() << "This system grants no mounts.";
+    std::filesystem::create_directories(GetOutput());
+    mounts.MountDisk(GetOutput(), 32 * s_smallDisk);
+    ChildProcess process = StartOverlay({"-f", AddPicture(m_picture), "-o", GetOutput().string(), "-a", "true"});
+    Drag({10, 20}, {110, 70});
+    Drag({20, 20}, {120, 70});
+    MoveTo({300, 300}); // the second is saved by now
+    const std::string before = WaitForSnips(GetOutput(), 1).front().json;
+    {
+        const std::string page(4096, 'x');
+        std::ofstream filler(GetOutput() / "filler");
+        while ((filler << page << std::flush).good())
+        {
+        }
+    }
+    Drag({30, 20}, {130, 70});
+    MoveTo({300, 300});
+    std::filesystem::remove(GetOutput() / "filler");
+    const SnipFiles saved = WaitForSnips(GetOutput(), 1).front();
+    EXPECT_EQ(saved.json, MakeAnnotationText(saved, s_width, s_height, {{10, 20, 100, 50}, {20, 20, 100, 50}}));
+    EXPECT_EQ(saved.json, before);
+    // With room again, the next one brings all.
+    Drag({40, 20}, {140, 70});
+    MoveTo({300, 300});
+    const SnipFiles all = WaitForSnips(GetOutput(), 1).front();
+    EXPECT_EQ(all.json,
+              MakeAnnotationText(all, s_width, s_height,
+                                 {{10, 20, 100, 50}, {20, 20, 100, 50}, {30, 20, 100, 50}, {40, 20, 100, 50}}));
+    ExpectEnd(process, "");
+}
+
+TEST_F(LogFiles, ADirectoryThatCannotBeMadeCostsNoSelection)
+{
+    WriteText(m_installation.GetHome() / ".orvik", "in the way\n");
+    ChildProcess process = StartOnPicture();
+    Snip(1);
+    process.SendSignal(SIGTERM);
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+}
+
+/// Runs that end before they have an overlay.
+class LogFilesOfShortRuns : public ProgramTest
+{
+protected:
+    static constexpr std::uintmax_t s_limit = 104857600; // 100 MiB
+
+    /// A log file of an earlier run, of that size and age.
+    void AddLog(const std::string& time, std::uintmax_t size, std::chrono::hours age = std::chrono::hours(1)) const
+    {
+        std::filesystem::create_directories(m_installation.GetLogs());
+        const std::filesystem::path file = m_installation.GetLogs() / ("SnipBench_" + time + ".log");
+        WriteText(file, "");
+        std::filesystem::resize_file(file, size);
+        std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() - age);
+    }
+
+    [[nodiscard]] std::vector<std::uintmax_t> RunAndGetSizes() const
+    {
+        ExpectAnswer(Run({}), 253, Answer::InitializeSystemsFailed);
+        std::vector<std::uintmax_t> sizes;
+        for (const std::filesystem::path& log : ListLogs(m_installation.GetLogs()))
+            sizes.push_back(std::filesystem::file_size(log));
+        return sizes;
+    }
+};
+
+TEST_F(LogFilesOfShortRuns, TheNewestIsContinued)
+{
+    AddLog("2026-01-01T00-00-00", 100);
+    AddLog("2026-01-02T00-00-00", 100, std::chrono::hours(2));
+    const std::vector<std::uintmax_t> sizes = RunAndGetSizes();
+    ASSERT_EQ(sizes.size(), 2U);
+    EXPECT_GT(sizes[0], 200U);
+    EXPECT_EQ(sizes[1], 100U);
+}
+
+TEST_F(LogFilesOfShortRuns, OneOfAHundredMebibytesIsFollowedByANewOne)
+{
+    AddLog("2026-01-01T00-00-00", s_limit);
+    const std::vector<std::uintmax_t> sizes = RunAndGetSizes();
+    ASSERT_EQ(sizes.size(), 2U);
+    EXPECT_EQ(sizes[0], s_limit);
+    EXPECT_GT(sizes[1], 100U);
+}
+
+TEST_F(LogFilesOfShortRuns, OneJustBelowGetsOneLineAndIsSplit)
+{
+    AddLog("2026-01-01T00-00-00", s_limit - 1);
+    const std::vector<std::uintmax_t> sizes = RunAndGetSizes();
+    ASSERT_EQ(sizes.size(), 2U);
+    EXPECT_GT(sizes[0], s_limit);
+    EXPECT_LT(sizes[0], s_limit + 200);
+    EXPECT_GT(sizes[1], 100U);
+}
+
+TEST_F(LogFilesOfShortRuns, OnesOlderThanTenDaysGoAndReportsStay)
+{
+    AddLog("2026-01-01T00-00-00", 100, std::chrono::hours(24 * 10 + 1));
+    AddLog("2026-01-02T00-00-00", 100, std::chrono::hours(24 * 10 - 1));
+    AddLog("ERROR_2026-01-01T00-00-00", 100, std::chrono::hours(24 * 1000));
+    const std::vector<std::uintmax_t> sizes = RunAndGetSizes();
+    ASSERT_EQ(sizes.size(), 1U);
+    EXPECT_GT(sizes[0], 200U);
+    EXPECT_TRUE(std::filesystem::exists(m_installation.GetLogs() / "SnipBench_ERROR_2026-01-01T00-00-00.log"));
+}
+
+TEST_F(LogFilesOfShortRuns, ClosedStandardStreamsAreNoLogs)
+{
+    const ChildOptions options{"/bin/sh",
+                               {"-c", "exec \"$0\" <&- >&- 2>&-", m_installation.GetProgram().string()},
+                               {"HOME=" + m_installation.GetHome().string(), "PATH=/usr/bin:/bin"},
+                               m_installation.GetWork()};
+    EXPECT_EQ(ChildProcess(options).Wait(s_endLimit).exitCode, 253);
+    const std::string log = ReadText(ListLogs(m_installation.GetLogs()).at(0));
+    EXPECT_EQ(log.find("\"code\""), std::string::npos) << log;
+    EXPECT_EQ(log.find("Preview started."), log.rfind("Preview started."));
+    EXPECT_EQ(log.find("Exception:"), std::string::npos) << log;
 }
 
 TEST_F(LogFiles, TwoRunsOfOneHomeShareTheFile)

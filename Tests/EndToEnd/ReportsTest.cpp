@@ -181,6 +181,11 @@ TEST_F(ReportedSignals, InvalidMemoryAccess)
     ExpectFault(SIGSEGV, "Signal 'SIGSEGV' was raised due to an invalid memory access (segmentation fault).");
 }
 
+TEST_F(ReportedSignals, ABusErrorIsAnInvalidMemoryAccessToo)
+{
+    ExpectFault(SIGBUS, "Signal 'SIGSEGV' was raised due to an invalid memory access (segmentation fault).");
+}
+
 TEST_F(ReportedSignals, InvalidInstruction)
 {
     ExpectFault(SIGILL, "Signal 'SIGILL' was raised to due to an invalid instruction. Executable may be invalid.");

@@ -106,6 +106,13 @@ ForkedResult ForkedProcess::Wait()
     return result;
 }
 
+bool ForkedProcess::IsRunning() const
+{
+    siginfo_t information = {};
+    return waitid(P_PID, static_cast<id_t>(m_process), &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           information.si_pid == 0;
+}
+
 ForkedResult RunForked(const std::function<int()>& function)
 {
     return ForkedProcess(function).Wait();

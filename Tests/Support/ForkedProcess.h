@@ -39,6 +39,7 @@ public:
     [[nodiscard]] bool WaitForOutput(std::string_view text) const;
 
     void Send(int signal) const;
+    [[nodiscard]] bool IsRunning() const;
 
     /// Waits for the end.
     ForkedResult Wait();

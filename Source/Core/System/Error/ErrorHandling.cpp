@@ -22,6 +22,9 @@ namespace Orvik::System::Error
 namespace
 {
 
+/// The thread has reported why it ends, or tries to: a report that can't be made terminates again.
+thread_local bool t_isTerminating = false;
+
 void WriteCallstack(std::ostream& stream, const SourceLocation& location)
 {
     stream << "\nCallstack:\n\t[0]: " << location.file << " at " << location.line << ": " << location.function << "\n";
@@ -114,6 +117,7 @@ void ErrorHandling::ReportAssertion(const AssertionInfo& info)
             "', function '", info.location->function, "' with message: ", info.message);
     }
     m_terminating = true;
+    t_isTerminating = true; // an exception that is being handled just now is no news
     std::terminate();
 }
 
@@ -189,9 +193,7 @@ void ErrorHandling::ClearMessageStream()
 
 void ErrorHandling::OnTerminate()
 {
-    // A report that can't be made terminates again, from in here.
-    thread_local bool s_isTerminating = false;
-    if (!std::exchange(s_isTerminating, true))
+    if (!std::exchange(t_isTerminating, true))
         GetInstance().ReportCurrentException();
     std::abort();
 }

@@ -27,7 +27,8 @@ class Exception;
 /// Turns a failed assertion, an exception or a signal into a report that survives the process: on the error stream, in
 /// a report file, and in the log once a `Logger` is given. It needs nothing of the application for the first two.
 ///
-/// The instance installs its handlers when it is constructed and takes them back when it is destroyed. The program
+/// The instance installs its handlers of assertions, of exceptions and of faults when it is constructed and takes them
+/// back when it is destroyed. The program
 /// touches it before `main`, ahead of its application. Nothing here takes a lock: two threads that report at once
 /// interleave.
 class ErrorHandling
@@ -56,6 +57,10 @@ public:
     /// untouched then.
     [[nodiscard]] bool MakeReportPath(std::int64_t time, std::filesystem::path& path) const;
 
+    /// To be called when the run is over, on the main thread: nobody is asked to end any more. What asks from then on
+    /// ends the process with `exitCode`.
+    void EndRequests(int exitCode) { EndRequestsPlatform(exitCode); }
+
     /// Reports a signal of the C library and aborts. An interruption or a termination first asks the run to end by
     /// itself, and aborts only one that doesn't within two seconds. Returns from an abort under way, and to the handler
     /// of a fault, which ends the process by the signal itself.
@@ -75,6 +80,8 @@ private:
 
     void InstallSignalHandlersPlatform();
     void RemoveSignalHandlersPlatform() noexcept;
+    void EndRequestsPlatform(int exitCode) noexcept;
+    void AllowSecondInterruptionPlatform();
     void AbortPlatform(int signal);
 
     Log::Logger* m_logger = nullptr;

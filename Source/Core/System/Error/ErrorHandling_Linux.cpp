@@ -23,11 +23,15 @@ constexpr std::array s_ignoredSignals = {SIGPIPE, SIGXFSZ};
 /// Reporting takes milliseconds, unless the fault lies where a lock is held that reporting needs as well.
 constexpr unsigned s_reportTimeLimit = 5; // seconds
 
+/// A request waits two seconds for the run's end. Longer takes only one whose log isn't read by whoever it is for.
+constexpr unsigned s_requestTimeLimit = 3; // seconds
+
 ErrorHandling* s_errorHandling = nullptr;
 std::array<struct sigaction, s_faultSignals.size()> s_previousActions = {};
 std::atomic<int> s_signalBeingReported = 0; ///< 0 for none
+std::atomic<int> s_signalOfTimeout = 0;     ///< ends a process whose report or request doesn't come to its end
 
-/// Where a fault is reported on: the thread's own stack may be what has run out.
+/// Where a fault of the main thread is reported on: its own stack may be what has run out.
 alignas(std::max_align_t) std::array<std::byte, std::size_t{256} * 1024> s_alternateStack;
 stack_t s_previousStack = {};
 
@@ -40,11 +44,10 @@ void LetThrough(int signal)
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
-/// Ends a process whose report doesn't come to its end, by the signal that was to be reported. Calls only what may be
-/// called at any instant.
-extern "C" void OnReportTimeout(int /*signal*/)
+/// Calls only what may be called at any instant.
+extern "C" void OnTimeout(int /*signal*/)
 {
-    const int signal = s_signalBeingReported;
+    const int signal = s_signalOfTimeout;
     struct sigaction action = {};
     action.sa_handler = SIG_DFL;
     sigaction(signal, &action, nullptr);
@@ -52,23 +55,27 @@ extern "C" void OnReportTimeout(int /*signal*/)
     raise(signal);
 }
 
-void LimitReportTime(int signal)
+/// Ends the process by the signal unless `alarm(0)` comes first.
+void LimitTime(unsigned seconds, int signal)
 {
-    s_signalBeingReported = signal;
+    s_signalOfTimeout = signal;
     struct sigaction action = {};
-    action.sa_handler = &OnReportTimeout;
+    action.sa_handler = &OnTimeout;
     sigaction(SIGALRM, &action, nullptr);
     LetThrough(SIGALRM);
-    alarm(s_reportTimeLimit);
+    alarm(seconds);
 }
 
-extern "C" void OnSignal(int signal) noexcept
+extern "C" void OnSignal(int signal, siginfo_t* information, void* /*context*/) noexcept
 {
-    LimitReportTime(signal);
+    s_signalBeingReported = signal;
+    LimitTime(s_reportTimeLimit, signal);
     s_errorHandling->HandleSignal(signal == SIGBUS ? SIGSEGV : signal);
     alarm(0);
-    // The delivery has reset the signal to its default action. It arrives when this handler returns, at the fault.
-    raise(signal);
+    // The delivery has reset the signal to its default action. A true fault comes again when this handler returns to
+    // where it lies, with its address for a debugger or a core dump; one that somebody sent has to be sent again.
+    if (information->si_code <= 0)
+        raise(signal);
 }
 
 /// On the signal thread.
@@ -82,8 +89,11 @@ void OnRequest(int signal)
         return;
     }
     // A run that is over takes its Systems down, and needs neither to be asked nor to be logged about.
-    if (std::atomic_ref(application->m_returnCode) == Runtime::Application::UnsetReturnCode)
-        s_errorHandling->HandleSignal(signal);
+    if (std::atomic_ref(application->m_returnCode) != Runtime::Application::UnsetReturnCode)
+        return;
+    LimitTime(s_requestTimeLimit, SIGABRT);
+    s_errorHandling->HandleSignal(signal);
+    alarm(0);
 }
 
 void UseAlternateStack()
@@ -103,8 +113,8 @@ void ErrorHandling::InstallSignalHandlersPlatform()
     for (std::size_t index = 0; index < s_faultSignals.size(); ++index)
     {
         struct sigaction action = {};
-        action.sa_handler = &OnSignal;
-        action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
+        action.sa_sigaction = &OnSignal;
+        action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND | SA_SIGINFO);
         sigaction(s_faultSignals[index], &action, &s_previousActions[index]);
     }
     for (const int signal : s_ignoredSignals)
@@ -119,6 +129,16 @@ void ErrorHandling::RemoveSignalHandlersPlatform() noexcept
         sigaction(s_faultSignals[index], &s_previousActions[index], nullptr);
     sigaltstack(&s_previousStack, nullptr);
     s_errorHandling = nullptr;
+}
+
+void ErrorHandling::EndRequestsPlatform(int exitCode) noexcept
+{
+    SignalThread::StopWith(exitCode);
+}
+
+void ErrorHandling::AllowSecondInterruptionPlatform()
+{
+    SignalThread::LetInterruptionThrough();
 }
 
 void ErrorHandling::AbortPlatform(int signal)

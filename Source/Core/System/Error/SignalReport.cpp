@@ -16,6 +16,8 @@ constexpr Log::Context s_context{Log::StreamID::System};
 
 /// How often a run that is asked to end is looked at, and how long each time: about two seconds.
 constexpr int s_shutdownPolls = 64;
+/// After about half a second another interruption is meant as one.
+constexpr int s_firstImpatientPoll = 16;
 constexpr std::int64_t s_shutdownPollPeriod = 32'000'000; // nanoseconds
 
 /// To the error stream and the log.
@@ -79,7 +81,10 @@ void ErrorHandling::WaitForShutdown()
 {
     Runtime::Application* const application = Runtime::Application::FindInstance();
     if (application == nullptr)
-        return; // nothing runs that could end by itself
+    {
+        m_terminating = true; // the run is over
+        return;
+    }
     Runtime::Application::RequestShutdown();
     const std::atomic_ref<std::int32_t> returnCode(application->m_returnCode);
     for (int poll = 0; poll < s_shutdownPolls; ++poll)
@@ -89,6 +94,8 @@ void ErrorHandling::WaitForShutdown()
             m_terminating = true;
             return;
         }
+        if (poll == s_firstImpatientPoll)
+            AllowSecondInterruptionPlatform();
         Time::Sleep(s_shutdownPollPeriod);
     }
 }

@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <csignal>
+#include <ctime>
 #include <pthread.h>
+#include <unistd.h>
 
 namespace Orvik::System::Error::SignalThread
 {
@@ -15,6 +17,7 @@ struct State
     sigset_t signals = {};
     pthread_t thread = {};
     bool isRunning = false;
+    int exitCode = 0; ///< of the run that is over
     std::atomic<bool> isStopping = false;
 };
 State s_state;
@@ -25,29 +28,44 @@ bool IsIgnored(int signal)
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-/// From now on another SIGINT isn't waited for: it finds this thread, and ends the process.
-void LetInterruptionThrough(sigset_t& awaited)
+/// Takes signals that came meanwhile and that nobody needs to hear of.
+void Discard(const sigset_t& signals)
 {
-    sigset_t interruption;
-    sigemptyset(&interruption);
-    sigaddset(&interruption, SIGINT);
-    sigdelset(&awaited, SIGINT);
-    pthread_sigmask(SIG_UNBLOCK, &interruption, nullptr);
+    const timespec none = {};
+    while (sigtimedwait(&signals, nullptr, &none) > 0)
+    {
+    }
 }
 
 void* Run(void* /*argument*/)
 {
-    sigset_t awaited = s_state.signals;
     while (true)
     {
         int signal = 0;
-        if (sigwait(&awaited, &signal) != 0)
+        if (sigwait(&s_state.signals, &signal) != 0)
             continue;
         if (s_state.isStopping)
             return nullptr;
-        LetInterruptionThrough(awaited);
         s_state.handler(signal == SIGHUP ? SIGTERM : signal);
     }
+}
+
+/// Ends the process at once, as its run is over: with that run's exit code.
+extern "C" void OnLateRequest(int /*signal*/)
+{
+    _exit(s_state.exitCode);
+}
+
+/// False if there is no thread.
+bool Join() noexcept
+{
+    if (!s_state.isRunning)
+        return false;
+    s_state.isRunning = false;
+    s_state.isStopping = true;
+    pthread_kill(s_state.thread, SIGTERM);
+    pthread_join(s_state.thread, nullptr);
+    return true;
 }
 
 /// A forked process has no such thread. What it becomes has to be told to end like any other.
@@ -84,14 +102,33 @@ void Start(Handler handler)
     (void)s_isForkWatched;
 }
 
+void LetInterruptionThrough()
+{
+    sigset_t interruption;
+    sigemptyset(&interruption);
+    sigaddset(&interruption, SIGINT);
+    Discard(interruption);
+    pthread_sigmask(SIG_UNBLOCK, &interruption, nullptr);
+}
+
 void Stop() noexcept
 {
-    if (!s_state.isRunning)
+    if (!Join())
         return;
-    s_state.isRunning = false;
-    s_state.isStopping = true;
-    pthread_kill(s_state.thread, SIGTERM);
-    pthread_join(s_state.thread, nullptr);
+    Discard(s_state.signals);
+    pthread_sigmask(SIG_UNBLOCK, &s_state.signals, nullptr);
+}
+
+void StopWith(int exitCode) noexcept
+{
+    if (!Join())
+        return;
+    s_state.exitCode = exitCode;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    {
+        if (sigismember(&s_state.signals, signal) == 1)
+            std::signal(signal, &OnLateRequest);
+    }
     pthread_sigmask(SIG_UNBLOCK, &s_state.signals, nullptr);
 }
 

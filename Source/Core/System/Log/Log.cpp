@@ -37,6 +37,19 @@ RegisteredContext s_snipBenchContext(StreamID::SnipBench);
 RegisteredContext s_systemContext(StreamID::System);
 RegisteredContext s_graphicsContext(StreamID::Graphics);
 
+/// Sets a flag when the scope is left, by whatever way.
+class Opening
+{
+public:
+    explicit Opening(std::atomic<bool>& isOpen) : m_isOpen(isOpen) {}
+    ~Opening() { m_isOpen = true; }
+    Opening(const Opening&) = delete;
+    Opening& operator=(const Opening&) = delete;
+
+private:
+    std::atomic<bool>& m_isOpen;
+};
+
 std::string MakeLine(std::uint32_t stream, MessageTypeID severity, const std::string& text)
 {
     std::ostringstream line;
@@ -71,8 +84,8 @@ bool Logger::Initialize(const Runtime::IConfig* config)
 
     m_sinks.resize(2);
     m_failedSinks = 0;
-    m_isShutDown = false;
     m_sinks[0] = std::make_shared<ConsoleLogSink>();
+    const Opening opening(m_isOpen); // with the console alone if the file can't be opened
     const auto fileSink = std::make_shared<FileLogSink>(settings.m_logDirectory, settings.m_logFileName, maxFileSize,
                                                         static_cast<std::uint32_t>(maxFileAge));
     if (!fileSink->Open())
@@ -94,7 +107,7 @@ void Logger::OnConfigured()
 
 void Logger::OnShutdown()
 {
-    m_isShutDown = true;
+    m_isOpen = false;
     while (m_writers != 0) // a request to end is logged on a thread of its own
         std::this_thread::yield();
     m_sinks.clear();
@@ -107,10 +120,10 @@ bool Logger::AcceptsStream(std::uint32_t stream) const
 
 void Logger::Receive(std::uint32_t stream, MessageTypeID severity, const std::string& text)
 {
-    const std::string line = MakeLine(stream, severity, text);
     ++m_writers;
-    if (!m_isShutDown)
+    if (m_isOpen)
     {
+        const std::string line = MakeLine(stream, severity, text);
         for (std::size_t index = 0; index < m_sinks.size(); ++index)
             WriteToSink(index, line);
     }

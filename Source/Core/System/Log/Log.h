@@ -16,7 +16,7 @@ namespace Orvik::System::Log
 
 /// The System that turns messages into lines and hands them to its sinks, on the thread that logs. It is the receiver
 /// of all log sites from its construction to its destruction, and drops what comes while it has no sinks.
-/// Lines may come from any thread; everything else belongs to the main thread.
+/// Lines may come from any thread at any time; everything else belongs to the main thread.
 class Logger final
     : public Runtime::SystemBase<Logger, "LogSystem", 9, GUID{0x4392DED52813410E, 0xA3BB393A4153F1F9}, LoggerConfig>,
       public IMessageReceiver
@@ -58,12 +58,12 @@ private:
     void WriteToSink(std::size_t index, const std::string& line);
     void LeaveOut(std::size_t index, const std::string& reason);
 
-    std::uint32_t m_enabledStreams = 0;
+    std::atomic<std::uint32_t> m_enabledStreams{0};
     std::vector<std::uint32_t> m_streamSeverities;
     std::vector<std::shared_ptr<Sink>> m_sinks;
     std::atomic<std::uint32_t> m_failedSinks{0}; ///< a bit for each entry of `m_sinks` that is left out
     std::atomic<std::uint32_t> m_writers{0};     ///< threads that are between the sinks
-    std::atomic<bool> m_isShutDown = false;
+    std::atomic<bool> m_isOpen = false;          ///< lines may go to the sinks
 };
 
 /// Adds a context to those that the `Logger` sets up when it is initialised, and sets it up at once if that is over.

@@ -40,7 +40,8 @@ template <typename... Pieces>
     return text.str();
 }
 
-/// A log site. The pieces are joined only if both gates let the message pass. A `std::filesystem::path` is thus written between double quotes.
+/// A log site. The pieces are joined only if both gates let the message pass. A `std::filesystem::path` is written
+/// between double quotes.
 /// What the receiver throws leaves here.
 template <typename... Pieces>
 void Write(const Context& context, MessageTypeID severity, const Pieces&... pieces)

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -19,6 +21,18 @@ using File = std::unique_ptr<std::FILE, CloseOnDestruction>;
 /// Opens a file. `utf8Path` is UTF-8 on every platform and `mode` is that of `fopen`. Null if it can't be opened; the
 /// last system error then says why. Programs that this one starts don't inherit the file.
 [[nodiscard]] File OpenFile(const std::string& utf8Path, const char* mode);
+
+enum class Replacement : std::uint8_t
+{
+    Done,
+    NotOpened, ///< the file can't be made, or not be replaced
+    NotWritten ///< the text doesn't fit on the disk, say
+};
+
+/// Gives the file this text, bytes as they are. Whoever reads it meanwhile finds the old text or the new one, whole;
+/// after a failure the old one is still there. The text is written beside the file first, under its name with ".part"
+/// behind it.
+[[nodiscard]] Replacement ReplaceFile(const std::filesystem::path& path, const std::string& text);
 
 /// Closes a file. False if not all that was written to it reached the system, as on a full disk.
 [[nodiscard]] bool Close(File file);
