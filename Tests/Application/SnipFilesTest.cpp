@@ -273,15 +273,17 @@ TEST_F(SnipFiles, AFullDiskIsLoggedAndTheRunGoesOn)
 {
     if (!std::filesystem::exists("/dev/full"))
         GTEST_SKIP() << "There is no full device here.";
-    // The annotation file's name is known once it exists; a link in its place leads to a disk that is always full.
+    // The annotation file's name is known once it exists; a link in its part's place leads to a disk that is always
+    // full.
     const SnipFileSettings settings = MakeSettings();
     SaveAnnotation(result, settings);
     SaveAnnotation(result, settings);
     const auto files = ListFiles(directory.GetPath(), ".json");
     ASSERT_EQ(files.size(), 1U);
-    std::filesystem::remove(files[0]);
-    std::filesystem::create_symlink("/dev/full", files[0]);
+    const std::string before = ReadFile(files[0]);
+    std::filesystem::create_symlink("/dev/full", files[0].string() + ".part");
     SaveAnnotation(result, settings);
+    EXPECT_EQ(ReadFile(files[0]), before);
     EXPECT_THAT(log.GetLines(),
                 ElementsAre("SnipBench Error: Failed to save meta file: \"" + files[0].string() + "\""));
 }
