@@ -95,7 +95,7 @@ std::uint32_t OverlayModel::GetBlock(int left, int top, double brightness) const
             blue += pixel & 0xFF;
         }
     const double factor = brightness / (m_shrink * m_shrink);
-    const auto round = [factor](double sum) { return static_cast<std::uint32_t>(sum * factor + 0.5); };
+    const auto round = [factor](double sum) { return static_cast<std::uint32_t>(std::lround(sum * factor)); };
     return 0xFF000000U | round(red) << 16 | round(green) << 8 | round(blue);
 }
 

@@ -86,8 +86,9 @@ double TextModel::Glyph::GetAverage(double fromX, double fromY, double toX, doub
     double sum = 0.0;
     for (int row = std::max(static_cast<int>(fromY), 0); row < std::min<double>(rows, toY); ++row)
         for (int column = std::max(static_cast<int>(fromX), 0); column < std::min<double>(width, toX); ++column)
-            sum += coverage[static_cast<std::size_t>(row * width + column)] * GetShare(row, fromY, toY) *
-                   GetShare(column, fromX, toX);
+            sum += coverage[static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
+                            static_cast<std::size_t>(column)] *
+                   GetShare(row, fromY, toY) * GetShare(column, fromX, toX);
     return sum / 255.0 / ((toX - fromX) * (toY - fromY));
 }
 
