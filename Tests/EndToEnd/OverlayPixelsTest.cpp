@@ -117,6 +117,39 @@ protected:
         }
     }
 
+    /// Moves the pointer so many times. How long it took at most until the screen showed it.
+    [[nodiscard]] Clock::duration MeasureMoves(int count)
+    {
+        Clock::duration slowest = Clock::duration::zero();
+        for (int move = 0; move < count; ++move)
+        {
+            const auto start = Clock::now();
+            Point({m_state.cursor.x + 1, m_state.cursor.y + 1});
+            ExpectMagnifier();
+            slowest = std::max(slowest, Clock::now() - start);
+        }
+        return slowest;
+    }
+
+    /// Takes pictures of that part of the screen from when a message comes to when it has gone. Its text is known only
+    /// once the files are there, and then it may be about to go; so it is compared afterwards.
+    [[nodiscard]] std::vector<Picture> WatchMessage(const Area& area) const
+    {
+        const Look without = m_model->MakeLook(m_state);
+        const auto end = Clock::now() + s_endLimit;
+        std::vector<Picture> seen;
+        bool isShown = false;
+        do
+        {
+            Picture picture = m_screen->Capture(area);
+            isShown = !DescribeDifference(without, picture, area).empty();
+            if (isShown)
+                seen.push_back(std::move(picture));
+            std::this_thread::sleep_for(std::chrono::milliseconds(isShown ? 50 : 1));
+        } while ((isShown || seen.empty()) && Clock::now() < end);
+        return seen;
+    }
+
     const int m_width = GetParam().width;
     const int m_height = GetParam().height;
     OverlayState m_state;
@@ -198,33 +231,24 @@ TEST_P(OverlayPixels, TheMessageOfASnip)
     ExpectMagnifier();
     m_input->PressButton(1);
     m_state.anchor = m_state.cursor;
-    Point({m_width / 4 + 3, m_height / 4 + 2});
-    ExpectMagnifier();
+    static_cast<void>(MeasureMoves(1)); // what the start has left over delays the first
+    // The message's second begins to count with the frame before it.
+    const auto slowest = MeasureMoves(2);
+    if (slowest > std::chrono::seconds(1))
+        GTEST_SKIP() << "A frame takes so long here that the message may go without having been drawn.";
 
     m_state.anchor.reset();
-    const Look without = m_model->MakeLook(m_state);
     const Area area = m_model->GetMessageArea();
     const auto start = Clock::now();
     m_input->ReleaseButton(1);
-    // The message's text is known only when the files are there, and then it may be about to go: everything that is
-    // seen until it has gone is kept.
-    std::vector<Picture> seen;
-    const auto isShown = [&] { return !DescribeDifference(without, m_screen->Capture(area), area).empty(); };
-    while (!isShown() && Clock::now() < start + s_endLimit)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    do
-    {
-        seen.push_back(m_screen->Capture(area));
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    } while (isShown() && Clock::now() < start + s_endLimit);
-    // What is left of a second beside a slow frame.
-    EXPECT_GT(Clock::now() - start, std::chrono::milliseconds(500));
+    const std::vector<Picture> seen = WatchMessage(area);
+    EXPECT_GT(Clock::now() - start, std::chrono::seconds(1) - 4 * slowest);
 
     m_state.message = WaitForSnips(GetOutput(), 1).front().image.string();
     const Look with = m_model->MakeLook(m_state);
     EXPECT_TRUE(std::any_of(seen.begin(), seen.end(),
                             [&](const Picture& picture) { return DescribeDifference(with, picture, area).empty(); }))
-        << seen.size() << " pictures; " << DescribeDifference(with, seen.front(), area);
+        << seen.size() << " pictures; " << (seen.empty() ? "" : DescribeDifference(with, seen.front(), area));
     m_state.message.clear();
     ExpectScreen();
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
