@@ -5,7 +5,7 @@
 namespace Orvik::Tests
 {
 
-DesktopTest::DesktopTest()
+DesktopTest::DesktopTest(int width, int height) : m_size{width, height}
 {
     MakeDesktop();
 }
@@ -21,12 +21,12 @@ void DesktopTest::TakeDesktopAway()
 void DesktopTest::MakeDesktop()
 {
     TakeDesktopAway();
-    m_display.emplace(s_width, s_height);
+    m_display.emplace(static_cast<std::uint32_t>(m_size.x), static_cast<std::uint32_t>(m_size.y));
     m_environment["DISPLAY"] = m_display->GetName();
     m_input.emplace(m_display->GetName());
     m_screen.emplace(m_display->GetName());
     m_overlay.emplace(m_display->GetName());
-    m_input->MoveTo({s_width / 2, s_height / 2});
+    m_input->MoveTo({m_size.x / 2, m_size.y / 2});
 }
 
 ChildProcess DesktopTest::StartOverlay(const Arguments& arguments, Position cursor)

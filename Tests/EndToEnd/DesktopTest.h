@@ -12,7 +12,7 @@
 namespace Orvik::Tests
 {
 
-/// Runs the built program on a virtual display of 800 by 600 pixels, with a person at it.
+/// Runs the built program on a virtual display, of 800 by 600 pixels unless told otherwise, with a person at it.
 ///
 /// These operations wait for the crosshair of each step before the next, as a person does. They throw
 /// `std::runtime_error` if it doesn't come.
@@ -22,7 +22,7 @@ protected:
     static constexpr int s_width = 800;
     static constexpr int s_height = 600;
 
-    DesktopTest();
+    explicit DesktopTest(int width = s_width, int height = s_height);
 
     /// A new display in place of the present one.
     void MakeDesktop();
@@ -48,6 +48,9 @@ protected:
     std::optional<InputDriver> m_input;
     std::optional<Screen> m_screen;
     std::optional<OverlayWatcher> m_overlay;
+
+private:
+    Position m_size;
 };
 
 } // namespace Orvik::Tests

@@ -238,13 +238,18 @@ TEST_F(SnipBenchMagnifierTest, AZoomStepReplacesTheTextureAndKeepsTheRest)
 TEST_F(SnipBenchMagnifierTest, AZoomStepAtItsLimitStillUpdatesTheMagnifier)
 {
     StartLarge();
-    Update(Wheel(-1.0F));
-    const std::uint16_t texture = m_probe.GetMagnifierTexture();
-    GetTexture(texture).model = Matrix4();
-    Update(Wheel(-1.0F));
+    for (const auto& [delta, limit] : {std::pair(-1.0F, 2), std::pair(1.0F, 256)})
+    {
+        while (m_probe.GetMagnification() != limit)
+            Update(Wheel(delta));
+        const std::uint16_t texture = m_probe.GetMagnifierTexture();
+        GetTexture(texture).model = Matrix4();
+        Update(Wheel(delta));
 
-    EXPECT_EQ(m_probe.GetMagnifierTexture(), texture);
-    EXPECT_EQ(GetMagnifierCorner(), std::pair(32.0F, 32.0F));
+        EXPECT_EQ(m_probe.GetMagnification(), limit);
+        EXPECT_EQ(m_probe.GetMagnifierTexture(), texture);
+        EXPECT_EQ(GetMagnifierCorner(), std::pair(32.0F, 32.0F));
+    }
 }
 
 TEST_F(SnipBenchMagnifierTest, TheZoomIsAnEvenNumber)

@@ -1,0 +1,297 @@
+// What the overlay shows, pixel by pixel, against a picture that is painted by the rules.
+#include "Tests/EndToEnd/DesktopTest.h"
+#include "Tests/EndToEnd/OutputFiles.h"
+#include "Tests/Support/Overlay/OverlayModel.h"
+
+#include <thread>
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+struct Size
+{
+    int width;
+    int height;
+};
+
+void PrintTo(const Size& size, std::ostream* stream)
+{
+    *stream << size.width << 'x' << size.height;
+}
+
+/// Neighbouring pixels have nothing in common, so that nothing can be a pixel off without being seen.
+Picture MakeNoise(int width, int height)
+{
+    Picture picture{width, height, {}};
+    picture.pixels.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    std::uint32_t state = 1;
+    for (int index = 0; index < width * height; ++index)
+    {
+        state = state * 1664525U + 1013904223U;
+        picture.pixels.push_back(0xFF000000U | state >> 8);
+    }
+    return picture;
+}
+
+/// The program on a display of the parameter's size, and what its overlay has to look like.
+class OverlayPixels : public DesktopTest, public testing::WithParamInterface<Size>
+{
+protected:
+    OverlayPixels() : DesktopTest(GetParam().width, GetParam().height) {}
+
+    /// Snips noise that fills the screen.
+    [[nodiscard]] ChildProcess StartOnScreen(Position cursor)
+    {
+        m_picture = MakeNoise(m_width, m_height);
+        m_screen->ShowOnRoot(m_picture);
+        return StartAt(cursor, {});
+    }
+
+    /// Snips noise of another size, from a file.
+    [[nodiscard]] ChildProcess StartOnPicture(int width, int height, Position cursor)
+    {
+        m_picture = MakeNoise(width, height);
+        return StartAt(cursor, {"-f", AddPicture(m_picture)});
+    }
+
+    void Point(Position cursor)
+    {
+        m_input->MoveTo(cursor);
+        m_state.cursor = cursor;
+    }
+
+    void ZoomIn()
+    {
+        m_input->Click(4);
+        m_state.zoom = std::min(m_state.zoom * 2, m_model->GetZoomLimit());
+    }
+
+    void ZoomOut()
+    {
+        m_input->Click(5);
+        m_state.zoom = std::max(m_state.zoom / 2, 2);
+    }
+
+    /// Waits until the whole screen looks as it should.
+    void ExpectScreen() { ExpectParts({m_model->GetMagnifierArea(m_state.cursor), {0, 0, m_width, m_height}}); }
+
+    /// The same for the magnifier and what is around it.
+    void ExpectMagnifier() { ExpectParts({m_model->GetMagnifierArea(m_state.cursor)}); }
+
+    /// Looks at every zoom, from 4 down to the least and up to the highest.
+    void ExpectEveryZoom()
+    {
+        ExpectMagnifier();
+        ZoomOut();
+        ExpectMagnifier();
+        ZoomOut(); // at its limit
+        while (m_state.zoom < m_model->GetZoomLimit())
+        {
+            ZoomIn();
+            ExpectMagnifier();
+        }
+        ZoomIn(); // likewise
+        Point({m_state.cursor.x + 1, m_state.cursor.y - 1});
+        ExpectScreen();
+    }
+
+    /// Waits until these parts of the screen look as they should, one after the other.
+    void ExpectParts(const std::vector<Area>& parts) const
+    {
+        const Look look = m_model->MakeLook(m_state);
+        const auto end = Clock::now() + s_endLimit;
+        for (const Area& part : parts)
+        {
+            std::string difference = DescribeDifference(look, m_screen->Capture(part), part);
+            while (!difference.empty() && Clock::now() < end)
+            {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                difference = DescribeDifference(look, m_screen->Capture(part), part);
+            }
+            EXPECT_EQ(difference, "") << "with the cursor at " << m_state.cursor.x << ", " << m_state.cursor.y
+                                      << " and a zoom of " << m_state.zoom;
+        }
+    }
+
+    /// Moves the pointer so many times. How long it took at most until the screen showed it.
+    [[nodiscard]] Clock::duration MeasureMoves(int count)
+    {
+        Clock::duration slowest = Clock::duration::zero();
+        for (int move = 0; move < count; ++move)
+        {
+            const auto start = Clock::now();
+            Point({m_state.cursor.x + 1, m_state.cursor.y + 1});
+            ExpectMagnifier();
+            slowest = std::max(slowest, Clock::now() - start);
+        }
+        return slowest;
+    }
+
+    /// Takes pictures of that part of the screen from when a message comes to when it has gone. Its text is known only
+    /// once the files are there, and then it may be about to go; so it is compared afterwards.
+    [[nodiscard]] std::vector<Picture> WatchMessage(const Area& area) const
+    {
+        const Look without = m_model->MakeLook(m_state);
+        const auto end = Clock::now() + s_endLimit;
+        std::vector<Picture> seen;
+        bool isShown = false;
+        do
+        {
+            Picture picture = m_screen->Capture(area);
+            isShown = !DescribeDifference(without, picture, area).empty();
+            if (isShown)
+                seen.push_back(std::move(picture));
+            std::this_thread::sleep_for(std::chrono::milliseconds(isShown ? 50 : 1));
+        } while ((isShown || seen.empty()) && Clock::now() < end);
+        return seen;
+    }
+
+    const int m_width = GetParam().width;
+    const int m_height = GetParam().height;
+    OverlayState m_state;
+    std::optional<OverlayModel> m_model;
+
+private:
+    [[nodiscard]] ChildProcess StartAt(Position cursor, Arguments arguments)
+    {
+        m_model.emplace(m_width, m_height, m_picture);
+        Point(cursor);
+        arguments.insert(arguments.end(), {"-o", GetOutput().string()});
+        return Start(arguments);
+    }
+
+    Picture m_picture;
+};
+
+using MagnifierPixels = OverlayPixels;
+using ScaledPixels = OverlayPixels;
+
+TEST_P(OverlayPixels, AtRest)
+{
+    ChildProcess process = StartOnScreen({m_width / 2 - 37, m_height / 2 + 23});
+    ExpectScreen();
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(MagnifierPixels, StaysOnTheScreen)
+{
+    // At the top left corner, its left and upper halves show what is beyond the picture's edge: black.
+    ChildProcess process = StartOnScreen({0, 0});
+    ExpectScreen();
+    const int lastX = m_width - m_model->GetSide() - m_model->GetMargin();
+    const int lastY = m_height - m_model->GetSide() - 2 * m_model->GetMargin();
+    const std::vector<Position> places = {{lastX, 90},     {lastX + 1, 91},  {90, lastY},
+                                          {91, lastY + 1}, {m_width - 1, 2}, {3, m_height - 1}};
+    for (const Position place : places)
+    {
+        Point(place);
+        ExpectMagnifier();
+    }
+    Point({m_width - 1, m_height - 1});
+    ExpectScreen();
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(MagnifierPixels, EveryZoom)
+{
+    ChildProcess process = StartOnScreen({m_width / 3, m_height / 3});
+    ExpectEveryZoom();
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(OverlayPixels, TheOutlineOfASelection)
+{
+    ChildProcess process = StartOnScreen({m_width / 4, m_height / 4});
+    ExpectMagnifier();
+    m_input->PressButton(1);
+    m_state.anchor = m_state.cursor;
+    Point({m_width * 3 / 5, m_height * 2 / 5});
+    ExpectScreen();
+    // Back over the anchor, and to the edges.
+    Point({m_width / 4 - 1, m_height / 4 - 3});
+    ExpectMagnifier();
+    Point({0, m_height - 1});
+    ExpectScreen();
+    Point({m_width - 1, 0});
+    ExpectScreen();
+    m_input->Click(3);
+    m_state.anchor.reset();
+    ExpectParts({{m_width / 4 - 2, 0, 4, m_height}}); // where a side of the outline was
+    m_input->ReleaseButton(1);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(OverlayPixels, TheMessageOfASnip)
+{
+    ChildProcess process = StartOnScreen({m_width / 4, m_height / 4});
+    ExpectMagnifier();
+    m_input->PressButton(1);
+    m_state.anchor = m_state.cursor;
+    static_cast<void>(MeasureMoves(1)); // what the start has left over delays the first
+    // The message's second begins to count with the frame before it.
+    const auto slowest = MeasureMoves(2);
+    if (slowest > std::chrono::seconds(1))
+        GTEST_SKIP() << "A frame takes so long here that the message may go without having been drawn.";
+
+    m_state.anchor.reset();
+    const Area area = m_model->GetMessageArea();
+    const auto start = Clock::now();
+    m_input->ReleaseButton(1);
+    const std::vector<Picture> seen = WatchMessage(area);
+    EXPECT_GT(Clock::now() - start, std::chrono::seconds(1) - 4 * slowest);
+
+    m_state.message = WaitForSnips(GetOutput(), 1).front().image.string();
+    const Look with = m_model->MakeLook(m_state);
+    EXPECT_TRUE(std::any_of(seen.begin(), seen.end(),
+                            [&](const Picture& picture) { return DescribeDifference(with, picture, area).empty(); }))
+        << seen.size() << " pictures; " << (seen.empty() ? "" : DescribeDifference(with, seen.front(), area));
+    m_state.message.clear();
+    ExpectScreen();
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(ScaledPixels, APictureAtAHalf)
+{
+    ChildProcess process = StartOnPicture(2 * m_width, m_height / 2, {m_width / 3, m_height / 2 + 31});
+    ExpectScreen();
+    ExpectEveryZoom();
+    // At the picture's top left corner.
+    Point({0, m_height * 3 / 8});
+    ExpectScreen();
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(ScaledPixels, APictureAtAQuarter)
+{
+    ChildProcess process = StartOnPicture(4 * m_width, m_height / 16 * 8, {m_width / 3, m_height / 2 + 11});
+    ExpectScreen();
+    ExpectEveryZoom();
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(ScaledPixels, APictureSmallerThanTheScreen)
+{
+    ChildProcess process = StartOnPicture(200, 100, {m_width / 2 - 100, m_height / 2 - 50});
+    ExpectScreen();
+    m_input->PressButton(1);
+    m_state.anchor = m_state.cursor;
+    Point({m_width / 2 + 99, m_height / 2 + 49});
+    ExpectScreen();
+    m_input->Click(3);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+INSTANTIATE_TEST_SUITE_P(Screens, OverlayPixels, testing::Values(Size{1280, 720}, Size{1920, 1080}, Size{3840, 2160}),
+                         testing::PrintToStringParamName());
+// The last one is as high as the largest screen, which is all that the magnifier goes by, and quicker.
+INSTANTIATE_TEST_SUITE_P(Screens, MagnifierPixels, testing::Values(Size{1280, 720}, Size{1920, 1080}, Size{960, 2160}),
+                         testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Screens, ScaledPixels, testing::Values(Size{1280, 720}, Size{1920, 1080}),
+                         testing::PrintToStringParamName());
+
+} // namespace
+} // namespace Orvik::Tests

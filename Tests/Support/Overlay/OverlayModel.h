@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Tests/Support/Overlay/Look.h"
+#include "Tests/Support/Overlay/TextModel.h"
+
+#include <optional>
+#include <string>
+
+namespace Orvik::Tests
+{
+
+/// What somebody has done with the overlay. Positions are screen pixels.
+struct OverlayState
+{
+    Position cursor;
+    int zoom = 4;
+    std::optional<Position> anchor; ///< where a selection under way began
+    std::string message;            ///< none if empty
+};
+
+/// How the overlay has to look on a display that begins at 0, 0, painted by the rules alone.
+class OverlayModel
+{
+public:
+    /// `picture` is what is being snipped; it stays the caller's. Throws `std::runtime_error` for one whose edges would
+    /// be shown within screen pixels, or whose last block isn't whole.
+    OverlayModel(int width, int height, const Picture& picture);
+
+    [[nodiscard]] Look MakeLook(const OverlayState& state) const;
+
+    /// The side of the magnifier.
+    [[nodiscard]] int GetSide() const { return m_side; }
+    /// What is left free between the cursor and the magnifier.
+    [[nodiscard]] int GetMargin() const { return m_margin; }
+    [[nodiscard]] int GetZoomLimit() const { return m_side / m_shrink; }
+    /// The picture on the screen.
+    [[nodiscard]] const Area& GetPictureArea() const { return m_area; }
+    /// The magnifier and what stands on it and close by, cut at the screen's edge.
+    [[nodiscard]] Area GetMagnifierArea(Position cursor) const;
+    /// Where a message stands, from one side of the screen to the other.
+    [[nodiscard]] Area GetMessageArea() const;
+
+private:
+    [[nodiscard]] Position PlaceMagnifier(Position cursor) const;
+    /// The font size of messages, pixels.
+    [[nodiscard]] int GetMessageSize() const;
+    [[nodiscard]] std::uint32_t GetBlock(int left, int top, double brightness) const;
+    void PaintMagnifier(Look& look, const OverlayState& state) const;
+    void PaintLines(Look& look, const OverlayState& state) const;
+    void PaintTexts(Look& look, const OverlayState& state) const;
+
+    int m_width;
+    int m_height;
+    const Picture& m_picture;
+    int m_shrink = 1; ///< the picture's pixels to one of the screen
+    Area m_area;
+    int m_side = 32;
+    int m_margin = 16;
+    TextModel m_text;
+    Look m_background; ///< the picture alone
+};
+
+} // namespace Orvik::Tests
