@@ -18,10 +18,10 @@ void DesktopTest::TakeDesktopAway()
     m_display.reset();
 }
 
-void DesktopTest::MakeDesktop()
+void DesktopTest::MakeDesktop(std::uint32_t depth)
 {
     TakeDesktopAway();
-    m_display.emplace(s_width, s_height);
+    m_display.emplace(s_width, s_height, depth);
     m_environment["DISPLAY"] = m_display->GetName();
     m_input.emplace(m_display->GetName());
     m_screen.emplace(m_display->GetName());
