@@ -384,6 +384,36 @@ TEST_F(ProcessTest, AProcessThatEndsMeanwhileIsNotMatchedByAnotherName)
     FAIL() << "No two processes got numbers in a row.";
 }
 
+TEST_F(ProcessTest, WhereNamesCannotBeReadTheOneBeforeStandsInAndItsOwnerStillCounts)
+{
+    const TestProcess first(m_directory.GetPath(), "snip-veiled");
+    const TestProcess second(m_directory.GetPath(), "snip-other-name");
+    const std::uint64_t secondId = second.GetId();
+    EXPECT_EQ(RunInChild(
+                  [secondId]
+                  {
+                      int result = 3;
+                      EnumerateProcesses("snip-veiled",
+                                         [&result, secondId](Process& process)
+                                         {
+                                             if (result == 3)
+                                             {
+                                                 // From here on nothing of any process can be read, its owner included.
+                                                 Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+                                                 Tests::RefuseSystemCallWithout(SYS_openat, 2, O_PATH, EACCES);
+                                                 result = 2;
+                                             }
+                                             if (process.id != secondId)
+                                                 return;
+                                             Terminate(process);
+                                             result = process.id == 0 ? 0 : 1;
+                                         });
+                      return result;
+                  }),
+              0);
+    EXPECT_FALSE(second.HasEnded());
+}
+
 TEST_F(ProcessTest, AListThatCannotBeReadIsLogged)
 {
     EXPECT_EQ(RunInChild(
