@@ -21,7 +21,8 @@ void Paste(Picture& picture, const Picture& part, Position position)
 {
     for (int y = std::max(position.y, 0); y < std::min(position.y + part.height, picture.height); ++y)
         for (int x = std::max(position.x, 0); x < std::min(position.x + part.width, picture.width); ++x)
-            picture.pixels[static_cast<std::size_t>(y * picture.width + x)] = part.At(x - position.x, y - position.y);
+            picture.pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) +
+                           static_cast<std::size_t>(x)] = part.At(x - position.x, y - position.y);
 }
 
 class Capture : public DesktopTest
