@@ -414,6 +414,31 @@ TEST_F(ProcessTest, WhereNamesCannotBeReadTheOneBeforeStandsInAndItsOwnerStillCo
     EXPECT_FALSE(second.HasEnded());
 }
 
+TEST_F(ProcessTest, ProcessesWhoseNamesCannotBeReadAreLoggedOneByOneAndNotMatched)
+{
+    const TestProcess first(m_directory.GetPath(), "snip-hidden");
+    const TestProcess second(m_directory.GetPath(), "snip-hidden");
+    const auto makeLine = [](const TestProcess& process)
+    {
+        return "System Error: Failed to get name of process '" + std::to_string(process.GetId()) +
+               "': Permission denied (D)";
+    };
+    EXPECT_EQ(RunInChild(
+                  [&]
+                  {
+                      const Tests::LogRecorder recorder;
+                      Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+                      Tests::RefuseSystemCallWithout(SYS_openat, 2, O_PATH | O_DIRECTORY, EACCES);
+                      if (EnumerateProcesses("snip-hidden", [](Process&) {}) != 0)
+                          return 2;
+                      const std::vector<std::string>& lines = recorder.GetLines();
+                      const bool isLogged = std::count(lines.begin(), lines.end(), makeLine(first)) == 1 &&
+                                            std::count(lines.begin(), lines.end(), makeLine(second)) == 1;
+                      return isLogged ? 0 : 1;
+                  }),
+              0);
+}
+
 TEST_F(ProcessTest, AListThatCannotBeReadIsLogged)
 {
     EXPECT_EQ(RunInChild(
