@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs the benchmarks and prints their figures: the steps of a start, whole runs at two resolutions, and the
-# instructions of one mouse move (with valgrind, where it is installed).
+# Builds and runs the benchmarks and prints their figures: the steps of a start, single operations and whole runs at two
+# resolutions, and the instructions of one mouse move (with valgrind, where it is installed).
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -13,6 +13,7 @@ cmake --build "$build" --target Benchmarks >/dev/null
 
 for size in 1920x1080 3840x2160; do
     "$build/Benchmarks/StartTimings" "$size"
+    "$build/Benchmarks/OperationTimings" "$size"
     "$build/Benchmarks/RunTimings" Binaries/Linux-x64/SnipBench "$size"
 done
 

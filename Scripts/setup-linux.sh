@@ -18,7 +18,7 @@ packages=(
     libegl1 libopengl0 libgl1-mesa-dri
 )
 demo_packages=(xvfb)
-test_packages=(xvfb openbox locales libgtest-dev libgmock-dev clang-format)
+test_packages=(xvfb openbox xcompmgr locales libgtest-dev libgmock-dev clang-format)
 
 font_package=@expo-google-fonts/mulish@0.4.2
 font_package_sha256=d452cc6e7ba464fb81ac3f782eeaa1435901a7605cd86097819526e52cc9a318

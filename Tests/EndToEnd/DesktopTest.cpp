@@ -18,10 +18,10 @@ void DesktopTest::TakeDesktopAway()
     m_display.reset();
 }
 
-void DesktopTest::MakeDesktop()
+void DesktopTest::MakeDesktop(std::uint32_t depth)
 {
     TakeDesktopAway();
-    m_display.emplace(static_cast<std::uint32_t>(m_size.x), static_cast<std::uint32_t>(m_size.y));
+    m_display.emplace(static_cast<std::uint32_t>(m_size.x), static_cast<std::uint32_t>(m_size.y), depth);
     m_environment["DISPLAY"] = m_display->GetName();
     m_input.emplace(m_display->GetName());
     m_screen.emplace(m_display->GetName());

@@ -24,8 +24,8 @@ protected:
 
     explicit DesktopTest(int width = s_width, int height = s_height);
 
-    /// A new display in place of the present one.
-    void MakeDesktop();
+    /// A new display in place of the present one, with that many bits to the pixel.
+    void MakeDesktop(std::uint32_t depth = 24);
     /// Ends the display. Who works on it goes first, as an X client doesn't outlive its server.
     void TakeDesktopAway();
     /// Starts the program and waits for its first frame. `cursor` is where its crosshair then is.

@@ -21,6 +21,9 @@ public:
     /// Where the program's log and report files go.
     [[nodiscard]] std::filesystem::path GetLogs() const { return GetHome() / ".orvik" / "Logs"; }
 
+    /// Lets every user start the program, with these directories.
+    void OpenToOthers() const;
+
 private:
     TemporaryDirectory m_directory;
     std::filesystem::path m_program;

@@ -40,6 +40,18 @@ protected:
         return false;
     }
 
+    /// Holds the key until the condition holds, and waits for what is under way at the release.
+    template <typename Condition>
+    void HoldUntil(const std::string& key, const Condition& condition)
+    {
+        m_input->PressKey(key);
+        EXPECT_TRUE(WaitForPointer(condition)) << key;
+        m_input->ReleaseKey(key);
+        Position last;
+        EXPECT_TRUE(
+            WaitForPointer([&] { return std::exchange(last, m_input->GetPointer()) == m_input->GetPointer(); }));
+    }
+
     const Picture m_picture = MakeTestPicture(s_width, s_height);
 };
 
@@ -88,16 +100,63 @@ TEST_F(Keyboard, AnArrowMovesThePointerItself)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
-TEST_F(Keyboard, AnArrowStopsAtTheScreensEdge)
+TEST_F(Keyboard, EveryKeyStopsAtItsEdge)
+{
+    struct Keys
+    {
+        const char* left;
+        const char* right;
+        const char* up;
+        const char* down;
+    };
+    ChildProcess process = StartOnPicture();
+    for (const Keys& keys : {Keys{"Left", "Right", "Up", "Down"}, Keys{"a", "d", "w", "s"}})
+    {
+        SCOPED_TRACE(keys.left);
+        MoveTo({1, 1});
+        TapArrow(keys.left, {0, 1});
+        TapArrow(keys.left, {0, 1});
+        TapArrow(keys.up, {0, 0});
+        TapArrow(keys.up, {0, 0});
+        TapArrow(keys.right, {1, 0});
+        TapArrow(keys.down, {1, 1});
+        MoveTo({s_width - 2, s_height - 2});
+        TapArrow(keys.right, {s_width - 1, s_height - 2});
+        TapArrow(keys.right, {s_width - 1, s_height - 2});
+        TapArrow(keys.down, {s_width - 1, s_height - 1});
+        TapArrow(keys.down, {s_width - 1, s_height - 1});
+        TapArrow(keys.left, {s_width - 2, s_height - 1});
+        TapArrow(keys.up, {s_width - 2, s_height - 2});
+        EXPECT_EQ(m_input->GetPointer(), (Position{s_width - 2, s_height - 2}));
+    }
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_F(Keyboard, AHeldLetterMovesThePointerAndTheToolFollows)
 {
     ChildProcess process = StartOnPicture();
-    MoveTo({1, 1});
-    TapArrow("Left", {0, 1});
-    TapArrow("Left", {0, 1});
-    TapArrow("Up", {0, 0});
-    TapArrow("Up", {0, 0});
-    TapArrow("Right", {1, 0});
-    EXPECT_EQ(m_input->GetPointer(), (Position{1, 0}));
+    m_input->SetKeyRepeat(100, 25);
+    HoldUntil("d", [this] { return m_input->GetPointer().x >= 400 + 10; });
+    const int x = m_input->GetPointer().x;
+    EXPECT_EQ(m_input->GetPointer().y, 300);
+    HoldUntil("s", [this] { return m_input->GetPointer().y >= 300 + 10; });
+    EXPECT_EQ(m_input->GetPointer().x, x);
+    EXPECT_TRUE(m_overlay->WaitForCrosshair(m_input->GetPointer()));
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_F(Keyboard, AHeldLetterStaysAtTheEdge)
+{
+    ChildProcess process = StartOnPicture();
+    m_input->SetKeyRepeat(100, 25);
+    MoveTo({4, 3});
+    HoldUntil("a", [this] { return m_input->GetPointer().x == 0; });
+    EXPECT_EQ(m_input->GetPointer(), (Position{0, 3}));
+    HoldUntil("w", [this] { return m_input->GetPointer().y == 0; });
+    EXPECT_EQ(m_input->GetPointer(), (Position{0, 0}));
+    EXPECT_TRUE(m_overlay->WaitForCrosshair({0, 0}));
+    // None of the repeats at the edge is still to come.
+    TapArrow("d", {1, 0});
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
@@ -106,12 +165,7 @@ TEST_F(Keyboard, AHeldArrowMovesOnWithItsRepeats)
     ChildProcess process = StartOnPicture();
     m_input->SetKeyRepeat(100, 50);
     m_input->TapKey("space");
-    m_input->PressKey("Right");
-    ASSERT_TRUE(WaitForPointer([this] { return m_input->GetPointer().x >= 400 + 10; }));
-    m_input->ReleaseKey("Right");
-    Position last;
-    // What is under way at the release still comes.
-    ASSERT_TRUE(WaitForPointer([&] { return std::exchange(last, m_input->GetPointer()) == m_input->GetPointer(); }));
+    HoldUntil("Right", [this] { return m_input->GetPointer().x >= 400 + 10; });
     const int width = m_input->GetPointer().x - 400;
     TapArrow("Down", {400 + width, 301});
     m_input->TapKey("space");

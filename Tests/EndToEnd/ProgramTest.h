@@ -22,6 +22,8 @@ inline constexpr const char* WrongParameters = "{\n    \"name\": \"Wrong Paramet
 inline constexpr const char* LoadFileFailed = "{\n    \"name\": \"Failed to load file\",\n    \"code\": -2\n}\n";
 inline constexpr const char* InitializeSystemsFailed =
     "{\n    \"name\": \"Failed to initialize systems\",\n    \"code\": -3\n}\n";
+inline constexpr const char* CreateWindowFailed =
+    "{\n    \"name\": \"Failed to create window\",\n    \"code\": -4\n}\n";
 } // namespace Answer
 
 /// Runs the built program without a display, with a home directory of its own.

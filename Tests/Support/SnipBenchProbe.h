@@ -51,6 +51,8 @@ public:
     [[nodiscard]] std::uint16_t GetSelectionLine() const { return m_tool.m_selectionLine; }
     [[nodiscard]] std::uint16_t& GetSizeLabel() { return m_tool.m_sizeLabel; }
 
+    void UpdateMagnifier(Renderer::Renderer& renderer) { m_tool.UpdateMagnifier(renderer); }
+
     /// Every id of a render object.
     [[nodiscard]] std::vector<std::uint16_t> GetIds() const
     {

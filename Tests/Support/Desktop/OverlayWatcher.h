@@ -27,7 +27,7 @@ public:
 
     /// Looks at the whole screen.
     explicit OverlayWatcher(const std::string& displayName);
-    /// Looks at that part of the screen: one monitor of several.
+    /// Looks at that part of the screen: one monitor of several, which may reach beyond the screen.
     OverlayWatcher(const std::string& displayName, const Area& monitor);
     ~OverlayWatcher();
     OverlayWatcher(const OverlayWatcher&) = delete;
@@ -44,6 +44,8 @@ public:
 
 private:
     [[nodiscard]] bool HasCrosshair(Position cursor) const;
+    /// The part of the monitor that the screen has.
+    [[nodiscard]] Area GetVisiblePart() const;
 
     std::unique_ptr<XSession> m_session;
     Screen m_screen;

@@ -107,11 +107,20 @@ bool OverlayWatcher::WaitForCrosshair(Position cursor, std::chrono::milliseconds
     return WaitUntil(limit, [&] { return HasCrosshair(cursor); });
 }
 
+Area OverlayWatcher::GetVisiblePart() const
+{
+    const int left = std::max(m_monitor.x, 0);
+    const int top = std::max(m_monitor.y, 0);
+    const int right = std::min(m_monitor.x + m_monitor.width, m_screen.GetWidth());
+    const int bottom = std::min(m_monitor.y + m_monitor.height, m_screen.GetHeight());
+    return {left, top, right - left, bottom - top};
+}
+
 bool OverlayWatcher::HasCrosshair(Position cursor) const
 {
     if (GetState() != State::Visible)
         return false;
-    const auto [left, top, width, height] = m_monitor;
+    const auto [left, top, width, height] = GetVisiblePart();
     const bool hasColumn = cursor.x + 1 < left + width ? IsLine(m_screen.Capture({cursor.x + 1, top, 1, height}))
                                                        : !IsCrossed(m_screen.Capture({left, top, width, 1}));
     const bool hasRow = cursor.y + 1 < top + height ? IsLine(m_screen.Capture({left, cursor.y + 1, width, 1}))

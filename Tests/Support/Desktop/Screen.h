@@ -10,7 +10,8 @@ namespace Orvik::Tests
 
 class XSession;
 
-/// What an X server shows, as a person sees it, and the picture on its root window.
+/// What an X server shows, as a person sees it, and the picture on its root window. On a screen of another depth than
+/// 24 bits every colour is the nearest that the screen has.
 class Screen
 {
 public:
@@ -31,6 +32,7 @@ public:
 
 private:
     std::unique_ptr<XSession> m_session;
+    unsigned long m_rootPixmap = 0; ///< goes with the session
 };
 
 } // namespace Orvik::Tests

@@ -60,7 +60,8 @@ struct EntryPoints
 };
 
 /// An OpenGL 3.3 core context on a window: double-buffered, 8 bits for each of red, green, blue and alpha, 24 for
-/// depth, 8 for stencil, 4 samples. There is no fallback. It belongs to the thread that created it.
+/// depth, 8 for stencil, 4 samples. There is no fallback, but for the alpha of a screen that hasn't got it with these
+/// colours. It belongs to the thread that created it.
 class GLContext
 {
 public:

@@ -12,7 +12,7 @@ namespace Orvik::System::Platform
 
 /// EGL on the process's X connection, with the framebuffer configuration of the program's windows: desktop OpenGL,
 /// 8 bits for each of red, green, blue and alpha, 24 for depth, 8 for stencil, 4 samples, on a visual with alpha where
-/// the server has one.
+/// the server has one; without alpha where it has those colours only so.
 struct EglConfiguration
 {
     EGLDisplay display = EGL_NO_DISPLAY;

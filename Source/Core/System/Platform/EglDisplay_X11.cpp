@@ -21,27 +21,27 @@ EGLint GetAttribute(EGLDisplay display, EGLConfig config, EGLint attribute)
 }
 
 /// `eglChooseConfig` takes more bits for as good; a picture of 10 bits to the colour isn't.
-bool HasEightBitColors(EGLDisplay display, EGLConfig config)
+bool HasBits(EGLDisplay display, EGLConfig config, EGLint alphaBits)
 {
-    constexpr std::array<EGLint, 4> channels = {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE, EGL_ALPHA_SIZE};
+    constexpr std::array<EGLint, 3> channels = {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE};
     for (const EGLint channel : channels)
     {
         if (GetAttribute(display, config, channel) != 8)
             return false;
     }
-    return true;
+    return GetAttribute(display, config, EGL_ALPHA_SIZE) == alphaBits;
 }
 
-std::vector<EGLConfig> ChooseConfigs(EGLDisplay display)
+std::vector<EGLConfig> ChooseConfigs(EGLDisplay display, EGLint alphaBits)
 {
     // clang-format off
-    constexpr std::array<EGLint, 21> attributes = {
+    const std::array<EGLint, 21> attributes = {
         EGL_SURFACE_TYPE, EGL_WINDOW_BIT,
         EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
         EGL_RED_SIZE, 8,
         EGL_GREEN_SIZE, 8,
         EGL_BLUE_SIZE, 8,
-        EGL_ALPHA_SIZE, 8,
+        EGL_ALPHA_SIZE, alphaBits,
         EGL_DEPTH_SIZE, 24,
         EGL_STENCIL_SIZE, 8,
         EGL_SAMPLE_BUFFERS, 1,
@@ -56,7 +56,7 @@ std::vector<EGLConfig> ChooseConfigs(EGLDisplay display)
     if (eglChooseConfig(display, attributes.data(), configs.data(), count, &count) == EGL_FALSE)
         return {};
     configs.resize(static_cast<std::size_t>(count));
-    std::erase_if(configs, [display](EGLConfig config) { return !HasEightBitColors(display, config); });
+    std::erase_if(configs, [&](EGLConfig config) { return !HasBits(display, config, alphaBits); });
     return configs;
 }
 
@@ -78,10 +78,10 @@ std::optional<XVisualInfo> FindVisual(::Display* connection, EGLDisplay display,
 }
 
 /// The first configuration on a visual with alpha, or else the first that has a visual.
-std::optional<EglConfiguration> FindConfiguration(::Display* connection, EGLDisplay display)
+std::optional<EglConfiguration> FindConfiguration(::Display* connection, EGLDisplay display, EGLint alphaBits)
 {
     std::optional<EglConfiguration> result;
-    for (EGLConfig const config : ChooseConfigs(display))
+    for (EGLConfig const config : ChooseConfigs(display, alphaBits))
     {
         const std::optional<XVisualInfo> visual = FindVisual(connection, display, config);
         if (!visual)
@@ -105,7 +105,15 @@ std::optional<EglConfiguration> OpenConfiguration()
         return std::nullopt;
     if (eglBindAPI(EGL_OPENGL_API) == EGL_FALSE)
         return std::nullopt;
-    return FindConfiguration(connection, display);
+    // On a screen of 16 or 30 bits a server may have 8 bits for the colours only without alpha. Nothing that is drawn
+    // here reads the alpha of what lies below.
+    constexpr std::array<EGLint, 2> alphaBits = {8, 0};
+    for (const EGLint bits : alphaBits)
+    {
+        if (const std::optional<EglConfiguration> result = FindConfiguration(connection, display, bits))
+            return result;
+    }
+    return std::nullopt;
 }
 
 } // namespace

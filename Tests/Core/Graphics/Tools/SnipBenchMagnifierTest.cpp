@@ -40,6 +40,62 @@ TEST_F(SnipBenchMagnifierTest, TheCaptureIsCentredAndDimmed)
     EXPECT_EQ(texture.gpuData.height, 403);
 }
 
+/// A tool whose second setup finds the objects of the first.
+class OpenTool : public SnipBench
+{
+public:
+    using SnipBench::Setup;
+};
+
+class SnipBenchSecondSetupTest : public ToolFixture
+{
+protected:
+    SnipBenchSecondSetupTest()
+    {
+        OpenWindow(200, 100);
+        m_open.Start(m_context, {true, nullptr, MakePicture(200, 100)}, m_renderer);
+    }
+    ~SnipBenchSecondSetupTest() override { m_open.End(m_renderer); }
+
+    ToolContext m_context = Move(0, 0);
+    OpenTool m_open;
+    SnipBenchProbe m_openProbe{m_open};
+};
+
+TEST_F(SnipBenchSecondSetupTest, APictureOfTheSameSizeGoesIntoTheTextureThatIsThere)
+{
+    const std::uint16_t texture = m_openProbe.GetCaptureTexture();
+    const auto objects = CountObjects();
+    m_openProbe.GetCapture() = MakePicture(200, 100);
+    EXPECT_TRUE(m_open.Setup(m_context, m_renderer));
+    EXPECT_EQ(m_openProbe.GetCaptureTexture(), texture);
+    EXPECT_EQ(CountObjects(), objects);
+}
+
+TEST_F(SnipBenchSecondSetupTest, APictureOfAnotherSizeIsAFault)
+{
+    m_openProbe.GetCapture() = MakePicture(100, 100);
+    EXPECT_ASSERTION((void)m_open.Setup(m_context, m_renderer),
+                     "texture->gpuData.width == width && texture->gpuData.height == height",
+                     "Update bitmap size doesn't match!");
+}
+
+TEST_F(SnipBenchSecondSetupTest, WhereTheProgramGoesOnItGetsATextureOfItsOwn)
+{
+    const std::uint16_t texture = m_openProbe.GetCaptureTexture();
+    const auto objects = CountObjects();
+    m_openProbe.GetCapture() = MakePicture(100, 90);
+    System::Error::AssertionHandler const previous =
+        System::Error::SetAssertionHandler([](const System::Error::AssertionInfo&) {});
+    System::Error::SetContinueAfterAssertion(true);
+    EXPECT_TRUE(m_open.Setup(m_context, m_renderer));
+    System::Error::SetContinueAfterAssertion(false);
+    System::Error::SetAssertionHandler(previous);
+    EXPECT_NE(m_openProbe.GetCaptureTexture(), texture);
+    EXPECT_EQ(CountObjects(), objects);
+    EXPECT_EQ(GetTexture(m_openProbe.GetCaptureTexture()).gpuData.width, 100);
+}
+
 TEST_F(SnipBenchMagnifierTest, TheMagnifierStandsRightOfAndBelowTheCursor)
 {
     StartLarge();

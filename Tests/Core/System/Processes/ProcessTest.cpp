@@ -391,6 +391,61 @@ TEST_F(ProcessTest, AProcessThatEndsMeanwhileIsNotMatchedByAnotherName)
     FAIL() << "No two processes got numbers in a row.";
 }
 
+TEST_F(ProcessTest, WhereNamesCannotBeReadTheOneBeforeStandsInAndItsOwnerStillCounts)
+{
+    const TestProcess first(m_directory.GetPath(), "snip-veiled");
+    const TestProcess second(m_directory.GetPath(), "snip-other-name");
+    const std::uint64_t secondId = second.GetId();
+    EXPECT_EQ(RunInChild(
+                  [secondId]
+                  {
+                      int result = 3;
+                      EnumerateProcesses("snip-veiled",
+                                         [&result, secondId](Process& process)
+                                         {
+                                             if (result == 3)
+                                             {
+                                                 // From here on nothing of any process can be read, its owner included.
+                                                 Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+                                                 Tests::RefuseSystemCallWithout(SYS_openat, 2, O_PATH, EACCES);
+                                                 result = 2;
+                                             }
+                                             if (process.id != secondId)
+                                                 return;
+                                             Terminate(process);
+                                             result = process.id == 0 ? 0 : 1;
+                                         });
+                      return result;
+                  }),
+              0);
+    EXPECT_FALSE(second.HasEnded());
+}
+
+TEST_F(ProcessTest, ProcessesWhoseNamesCannotBeReadAreLoggedOneByOneAndNotMatched)
+{
+    const TestProcess first(m_directory.GetPath(), "snip-hidden");
+    const TestProcess second(m_directory.GetPath(), "snip-hidden");
+    const auto makeLine = [](const TestProcess& process)
+    {
+        return "System Error: Failed to get name of process '" + std::to_string(process.GetId()) +
+               "': Permission denied (D)";
+    };
+    EXPECT_EQ(RunInChild(
+                  [&]
+                  {
+                      const Tests::LogRecorder recorder;
+                      Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+                      Tests::RefuseSystemCallWithout(SYS_openat, 2, O_PATH | O_DIRECTORY, EACCES);
+                      if (EnumerateProcesses("snip-hidden", [](Process&) {}) != 0)
+                          return 2;
+                      const std::vector<std::string>& lines = recorder.GetLines();
+                      const bool isLogged = std::count(lines.begin(), lines.end(), makeLine(first)) == 1 &&
+                                            std::count(lines.begin(), lines.end(), makeLine(second)) == 1;
+                      return isLogged ? 0 : 1;
+                  }),
+              0);
+}
+
 TEST_F(ProcessTest, AListThatCannotBeReadIsLogged)
 {
     EXPECT_EQ(RunInChild(

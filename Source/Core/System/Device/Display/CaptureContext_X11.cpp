@@ -82,39 +82,63 @@ struct PlatformCaptureContext
     Area region;
     std::unique_ptr<Platform::XScreenReader> reader;
     std::optional<PixelConverter> converter;
-    std::unique_ptr<unsigned char[], FreeMemory> pixels; ///< `bytes` of them, packed rows of the region from the top
-    std::size_t bytes = 0;
-    Area drawn; ///< what of `pixels` was written since they were allocated
+    Platform::XImagePointer image; ///< what the last copy read
+    /// Packed rows of the region from the top, where the image isn't just that; none before they are needed.
+    std::unique_ptr<unsigned char[], FreeMemory> pixels;
+    Area drawn;                      ///< what of `pixels` was written since they were allocated
+    const void* delivered = nullptr; ///< the pixels of the last copy
 
     [[nodiscard]] bool AllocatePixels();
     [[nodiscard]] std::size_t GetRowBytes() const
     {
         return static_cast<std::size_t>(region.right - region.left) * s_pixelBytes;
     }
-    void CopyRows(const XImage& image, const Area& visible);
+    [[nodiscard]] std::size_t GetBytes() const
+    {
+        return GetRowBytes() * static_cast<std::size_t>(region.bottom - region.top);
+    }
+    /// Whether the image that was read holds the pixels of the region as they are delivered.
+    [[nodiscard]] bool IsDeliverable(const Area& visible) const;
+    [[nodiscard]] bool ConvertImage(const Area& visible);
+    void CopyRows(const Area& visible);
     /// 0, or the error number that tells why not.
     [[nodiscard]] int CopyScreen(::Display* display);
 };
 
 bool PlatformCaptureContext::AllocatePixels()
 {
-    bytes = GetRowBytes() * static_cast<std::size_t>(region.bottom - region.top);
     // Cleared by the system as it is touched, so that a region far larger than the screen costs no memory by itself.
     drawn = {};
     pixels.reset();
-    pixels.reset(static_cast<unsigned char*>(std::calloc(bytes, 1)));
+    pixels.reset(static_cast<unsigned char*>(std::calloc(GetBytes(), 1)));
     return pixels != nullptr;
 }
 
-void PlatformCaptureContext::CopyRows(const XImage& image, const Area& visible)
+bool PlatformCaptureContext::IsDeliverable(const Area& visible) const
 {
-    const auto width = static_cast<std::uint32_t>(image.width);
-    const auto sourceStride = static_cast<std::size_t>(image.bytes_per_line);
+    return visible == region && converter->IsCopy() && static_cast<std::size_t>(image->bytes_per_line) == GetRowBytes();
+}
+
+bool PlatformCaptureContext::ConvertImage(const Area& visible)
+{
+    // Fresh memory is black: what an earlier copy of a larger screen showed must not stay.
+    const bool isFit = pixels != nullptr && (drawn.IsEmpty() || drawn == visible);
+    if (!isFit && !AllocatePixels())
+        return false;
+    drawn = visible;
+    CopyRows(visible);
+    return true;
+}
+
+void PlatformCaptureContext::CopyRows(const Area& visible)
+{
+    const auto width = static_cast<std::uint32_t>(image->width);
+    const auto sourceStride = static_cast<std::size_t>(image->bytes_per_line);
     const auto firstRow = static_cast<std::size_t>(visible.top - region.top);
     const std::size_t firstByte = static_cast<std::size_t>(visible.left - region.left) * s_pixelBytes;
-    for (std::size_t row = 0; row < static_cast<std::size_t>(image.height); ++row)
+    for (std::size_t row = 0; row < static_cast<std::size_t>(image->height); ++row)
     {
-        const auto* const source = reinterpret_cast<const unsigned char*>(image.data) + row * sourceStride;
+        const auto* const source = reinterpret_cast<const unsigned char*>(image->data) + row * sourceStride;
         converter->ConvertRow(source, width, pixels.get() + (firstRow + row) * GetRowBytes() + firstByte);
     }
 }
@@ -126,17 +150,15 @@ int PlatformCaptureContext::CopyScreen(::Display* display)
     const Area visible = Intersect(region, GetRootArea(display));
     if (visible.IsEmpty())
         return ENXIO;
-    const Platform::XImagePointer image = reader->Read(static_cast<int>(visible.left), static_cast<int>(visible.top),
-                                                       static_cast<unsigned int>(visible.right - visible.left),
-                                                       static_cast<unsigned int>(visible.bottom - visible.top));
+    image = reader->Read(static_cast<int>(visible.left), static_cast<int>(visible.top),
+                         static_cast<unsigned int>(visible.right - visible.left),
+                         static_cast<unsigned int>(visible.bottom - visible.top));
     if (image == nullptr)
         return EIO;
-    // Fresh memory is black: what an earlier copy of a larger screen showed must not stay.
-    const bool isFit = pixels != nullptr && (drawn.IsEmpty() || drawn == visible);
-    if (!isFit && !AllocatePixels())
+    const bool isDeliverable = IsDeliverable(visible);
+    if (!isDeliverable && !ConvertImage(visible))
         return ENOMEM;
-    drawn = visible;
-    CopyRows(*image, visible);
+    delivered = isDeliverable ? static_cast<const void*>(image->data) : pixels.get();
     return 0;
 }
 
@@ -152,9 +174,6 @@ bool CaptureContext::InitializePlatform(const Math::Rectangle& region)
         return false;
     PlatformCaptureContext& context = *m_platformContext;
     context.region = GetArea(region);
-    if (!context.AllocatePixels())
-        return false;
-
     const Area visible = Intersect(context.region, GetRootArea(display));
     const auto width = static_cast<unsigned int>(std::max<std::int64_t>(visible.right - visible.left, 1));
     const auto height = static_cast<unsigned int>(std::max<std::int64_t>(visible.bottom - visible.top, 1));
@@ -164,7 +183,11 @@ bool CaptureContext::InitializePlatform(const Math::Rectangle& region)
     if (pixel == nullptr)
         return false;
     context.converter = PixelConverter::Create(GetLayout(*pixel));
-    return context.converter.has_value();
+    if (!context.converter)
+        return false;
+    // A screen in the format that is delivered needs no memory but the reader's.
+    const bool needsNoPixels = visible == context.region && context.converter->IsCopy();
+    return needsNoPixels || context.AllocatePixels();
 }
 
 void CaptureContext::AwaitRepaintPlatform()
@@ -185,7 +208,7 @@ bool CaptureContext::CopyScreenPlatform()
 
 Types::Buffer<const unsigned char> CaptureContext::GetPixelsPlatform() const
 {
-    return {m_platformContext->pixels.get(), m_platformContext->bytes};
+    return {static_cast<const unsigned char*>(m_platformContext->delivered), m_platformContext->GetBytes()};
 }
 
 } // namespace Orvik::System::Device::Display

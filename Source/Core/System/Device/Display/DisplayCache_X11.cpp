@@ -92,7 +92,8 @@ std::vector<DisplayMode> ListMonitors(::Display* display)
     // What the server knows already: asking the outputs again can take seconds and makes screens flicker.
     const ScreenResources resources(XRRGetScreenResourcesCurrent(display, root));
     int count = 0;
-    const MonitorList monitors(XRRGetMonitors(display, root, True, &count));
+    // Those that are switched off as well, so that they count in the numbers of the others.
+    const MonitorList monitors(XRRGetMonitors(display, root, False, &count));
     if (monitors == nullptr)
         return modes;
     // One id less than 16 bits hold, for the highest one means no display.

@@ -30,6 +30,9 @@ public:
     /// no meaning.
     void ConvertRow(const unsigned char* source, std::uint32_t width, unsigned char* target) const;
 
+    /// Whether rows are converted by a mere copy.
+    [[nodiscard]] bool IsCopy() const { return m_isTargetLayout; }
+
 private:
     struct Channel
     {

@@ -2,9 +2,13 @@
 
 #include "Core/System/Platform/XConnection.h"
 #include "Tests/Core/System/Desktop/OverlayFixture.h"
+#include "Tests/Support/VirtualDisplay.h"
 
 #include <X11/extensions/Xfixes.h>
+#include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 namespace Orvik::System::Device::Cursor
 {
@@ -87,6 +91,81 @@ TEST_F(CursorX11, HiddenPictureComesBackAfterOneShowHoweverOftenItWasHidden)
     XFixesShowCursor(Platform::GetXDisplay(), m_user.GetRoot());
     XSync(Platform::GetXDisplay(), False);
     EXPECT_EQ(m_log.GetLines().size(), 1U);
+}
+
+/// These have a server of their own and run in a process of their own, for a process has one connection.
+class CursorServerX11DeathTest : public testing::Test
+{
+protected:
+    CursorServerX11DeathTest() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
+};
+
+int Fail(const std::string& what)
+{
+    std::fprintf(stderr, "%s\n", what.c_str());
+    return 1;
+}
+
+/// Whether the log has that one line, or none for an empty one.
+int CheckLine(const Tests::LogRecorder& log, const std::string& line)
+{
+    const std::vector<std::string> expected =
+        line.empty() ? std::vector<std::string>() : std::vector<std::string>{line};
+    return log.GetLines() == expected ? 0 : Fail(testing::PrintToString(log.GetLines()));
+}
+
+int CheckServerWithoutTestExtension()
+{
+    const Tests::VirtualDisplay server(640, 480, 24, {"-extension", "XTEST"});
+    setenv("DISPLAY", server.GetName().c_str(), 1);
+    const Tests::LogRecorder log;
+    for (const Math::Point& target : {Math::Point{0, 0}, Math::Point{123, 456}, Math::Point{639, 479}})
+    {
+        Math::Point position;
+        if (!SetPosition(target) || !GetCurrentPosition(position) || position != target)
+            return Fail("not moved");
+    }
+    return CheckLine(log, "");
+}
+
+int CheckServerWithoutFixes()
+{
+    const Tests::VirtualDisplay server(640, 480, 24, {"-extension", "XFIXES"});
+    setenv("DISPLAY", server.GetName().c_str(), 1);
+    const Tests::LogRecorder log;
+    ShowCursor(false);
+    ShowCursor(true);
+    return CheckLine(log, "System Warning: The pointer can't be hidden: the X server has no XFIXES 4.");
+}
+
+int CheckPointerOnAnotherScreen()
+{
+    const Tests::VirtualDisplay server(640, 480, 24, {"-screen", "1", "640x480x24"});
+    setenv("DISPLAY", server.GetName().c_str(), 1);
+    ::Display* const display = Platform::GetXDisplay();
+    if (ScreenCount(display) != 2)
+        return Fail("not two screens");
+    XWarpPointer(display, None, RootWindow(display, 1), 0, 0, 0, 0, 10, 10);
+    const Tests::LogRecorder log;
+    Math::Point position{3, 4};
+    if (GetCurrentPosition(position) || position != Math::Point{3, 4})
+        return Fail("a position");
+    return CheckLine(log, "System Error: GetCurrentPosition failed: The pointer is on another screen (0).");
+}
+
+TEST_F(CursorServerX11DeathTest, WithoutTheTestExtensionThePointerIsWarped)
+{
+    EXPECT_EXIT(std::_Exit(CheckServerWithoutTestExtension()), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(CursorServerX11DeathTest, WithoutXFixesThePictureStaysAndTheLogSaysWhy)
+{
+    EXPECT_EXIT(std::_Exit(CheckServerWithoutFixes()), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(CursorServerX11DeathTest, APointerOnAnotherScreenHasNoPosition)
+{
+    EXPECT_EXIT(std::_Exit(CheckPointerOnAnotherScreen()), testing::ExitedWithCode(0), "");
 }
 
 TEST(CursorX11DeathTest, WithoutAServerEveryCallFailsAndSaysWhy)

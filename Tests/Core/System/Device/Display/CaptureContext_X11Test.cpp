@@ -1,6 +1,7 @@
 #include "Core/System/Device/Display/CaptureContext.h"
 
 #include "Core/System/Desktop/Window.h"
+#include "Tests/Support/Desktop/CompositingManager.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/VirtualDisplay.h"
 
@@ -342,6 +343,26 @@ TEST_F(CaptureContextX11Test, AVisibleWindowIsNotInThePicture)
     XWindowAttributes attributes = {};
     XGetWindowAttributes(m_client.GetDisplay(), handle, &attributes);
     EXPECT_EQ(attributes.map_state, IsViewable);
+}
+
+TEST_F(CaptureContextX11Test, UnderACompositingManagerAVisibleWindowIsNotInThePictureEither)
+{
+    const Tests::CompositingManager manager(std::getenv("DISPLAY"));
+    const SlowProgram program;
+    Desktop::Window window(nullptr, "Cover", {150, 150}, {300, 300}, Desktop::WindowType::Overlay);
+    ASSERT_TRUE(window.Create());
+    window.Show(window.Lock());
+    CaptureContext context;
+    CapturedPicture picture;
+    ASSERT_TRUE(context.Initialize(1, {0, 0, 1280, 720}));
+    context.SetWindow(&window);
+    // Nothing tells when a manager has drawn; a machine with other work to do takes its time.
+    for (int attempt = 0; attempt < 20 && (attempt == 0 || picture.At(300, 300) != SlowProgram::Color); ++attempt)
+        ASSERT_TRUE(Capture(context, picture));
+    EXPECT_EQ(picture.At(300, 300), SlowProgram::Color);
+    EXPECT_EQ(picture.At(200, 200), SlowProgram::Color);
+    EXPECT_EQ(picture.At(399, 399), SlowProgram::Color);
+    EXPECT_EQ(window.GetState(), Desktop::WindowState::Visible);
 }
 
 class CaptureContextX11DeathTest : public testing::TestWithParam<std::uint32_t>

@@ -1,5 +1,6 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 
+#include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/VirtualDisplay.h"
 
@@ -8,6 +9,23 @@
 #include "Tests/Core/System/Device/Display/TestClient.h"
 
 #include <cstdio>
+#include <dlfcn.h>
+#include <functional>
+
+namespace
+{
+
+/// Changes what the server tells of its monitors; where there is one, it stands between the program and the library.
+std::function<XRRMonitorInfo*(XRRMonitorInfo* monitors)> s_changeMonitors;
+
+} // namespace
+
+extern "C" XRRMonitorInfo* XRRGetMonitors(Display* display, Window window, Bool isActive, int* count)
+{
+    static const auto s_next = reinterpret_cast<decltype(&XRRGetMonitors)>(dlsym(RTLD_NEXT, "XRRGetMonitors"));
+    XRRMonitorInfo* const monitors = s_next(display, window, isActive, count);
+    return s_changeMonitors ? s_changeMonitors(monitors) : monitors;
+}
 
 namespace Orvik::System::Device::Display
 {
@@ -40,6 +58,19 @@ protected:
     }
 
     Tests::TestClient m_client;
+};
+
+/// Lets the server tell something else of its monitors, for as long as it lives.
+class ChangedMonitors
+{
+public:
+    explicit ChangedMonitors(std::function<XRRMonitorInfo*(XRRMonitorInfo* monitors)> change)
+    {
+        s_changeMonitors = std::move(change);
+    }
+    ~ChangedMonitors() { s_changeMonitors = nullptr; }
+    ChangedMonitors(const ChangedMonitors&) = delete;
+    ChangedMonitors& operator=(const ChangedMonitors&) = delete;
 };
 
 std::string Describe(const DisplayDescriptor& display)
@@ -150,7 +181,62 @@ TEST_F(DisplayCacheX11Test, AMonitorOfNoSizeIsLeftOut)
     DisplayCache cache;
     ASSERT_TRUE(cache.Initialize(nullptr));
     EXPECT_THAT(DescribeAll(cache), ElementsAre("FIRST 0,0 640x720", "LAST 640,0 640x720"));
+    // The device's number counts it, the id doesn't.
+    EXPECT_EQ(cache.GetDisplays()[0].id, 1);
+    EXPECT_EQ(cache.GetDisplays()[0].deviceIndex, 0U);
     EXPECT_EQ(cache.GetDisplays()[1].id, 2);
+    EXPECT_EQ(cache.GetDisplays()[1].deviceIndex, 2U);
+}
+
+TEST_F(DisplayCacheX11Test, TakesTheFarthestPlacesThatAServerCanTell)
+{
+    m_client.AddMonitor("FAR", {32767, -32768, 65535, 65535}, false, m_client.GetOutput());
+    DisplayCache cache;
+    ASSERT_TRUE(cache.Initialize(nullptr));
+    EXPECT_THAT(DescribeAll(cache), ElementsAre("FAR 32767,-32768 65535x65535"));
+    EXPECT_EQ(cache.GetDesktopBounds(), (Math::Rectangle{0, -32768, 98302, 32767}));
+}
+
+TEST_F(DisplayCacheX11Test, APlaceOrSizeBeyond16BitsIsAFault)
+{
+    constexpr const char* below = "Value must be equal or greater than the target type's minimum value";
+    constexpr const char* above = "Value must be equal or smaller than the target type's minimum value";
+    int XRRMonitorInfo::*field = nullptr;
+    int value = 0;
+    const ChangedMonitors changed(
+        [&](XRRMonitorInfo* monitors)
+        {
+            monitors[0].*field = value;
+            return monitors;
+        });
+    DisplayCache cache;
+    for (int XRRMonitorInfo::*const side : {&XRRMonitorInfo::x, &XRRMonitorInfo::y})
+    {
+        field = side;
+        value = -32769;
+        EXPECT_ASSERTION((void)cache.Initialize(nullptr), "value >= validMinValue", below);
+        value = 32768;
+        EXPECT_ASSERTION((void)cache.Initialize(nullptr), "value <= validMaxValue", above);
+    }
+    for (int XRRMonitorInfo::*const side : {&XRRMonitorInfo::width, &XRRMonitorInfo::height})
+    {
+        field = side;
+        value = 65536;
+        EXPECT_ASSERTION((void)cache.Initialize(nullptr), "value <= validMaxValue", above);
+    }
+}
+
+TEST_F(DisplayCacheX11Test, AServerThatKeepsItsMonitorsToItselfIsOneDisplay)
+{
+    const ChangedMonitors changed(
+        [](XRRMonitorInfo* monitors)
+        {
+            XRRFreeMonitors(monitors);
+            return nullptr;
+        });
+    DisplayCache cache;
+    ASSERT_TRUE(cache.Initialize(nullptr));
+    EXPECT_THAT(DescribeAll(cache), ElementsAre(std::string(std::getenv("DISPLAY")) + " 0,0 1280x720 primary"));
 }
 
 TEST_F(DisplayCacheX11Test, TheRefreshRateIsThatOfTheFirstOutput)
@@ -312,6 +398,22 @@ class DisplayCacheX11DeathTest : public testing::Test
 protected:
     DisplayCacheX11DeathTest() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
 };
+
+TEST_F(DisplayCacheX11DeathTest, APlaceBeyond16BitsEndsTheProcess)
+{
+    const auto initialize = []
+    {
+        const ChangedMonitors changed(
+            [](XRRMonitorInfo* monitors)
+            {
+                monitors[0].x = 40'000;
+                return monitors;
+            });
+        DisplayCache cache;
+        (void)cache.Initialize(nullptr);
+    };
+    EXPECT_DEATH(initialize(), "value <= validMaxValue");
+}
 
 TEST_F(DisplayCacheX11DeathTest, AServerWithoutMonitorsIsOneDisplay)
 {
