@@ -10,6 +10,11 @@ void PressedKeys::Press(std::uint8_t physicalKey, KeyCode key)
     m_pressed[physicalKey] = key;
 }
 
+bool PressedKeys::IsDown(std::uint8_t physicalKey) const
+{
+    return m_pressed[physicalKey] != KeyCode::Undefined;
+}
+
 KeyCode PressedKeys::Release(std::uint8_t physicalKey, KeyCode key)
 {
     const KeyCode pressed = std::exchange(m_pressed[physicalKey], KeyCode::Undefined);

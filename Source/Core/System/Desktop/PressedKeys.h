@@ -17,6 +17,9 @@ class PressedKeys
 public:
     void Press(std::uint8_t physicalKey, KeyCode key);
 
+    /// Whether its press was seen, and not yet its release.
+    [[nodiscard]] bool IsDown(std::uint8_t physicalKey) const;
+
     /// The code to report for a release: that of the press, or `key` if the press wasn't seen.
     [[nodiscard]] KeyCode Release(std::uint8_t physicalKey, KeyCode key);
 

@@ -99,6 +99,24 @@ PointerMotion SkipToNewest(::Display* display, PointerMotion motion)
     return motion;
 }
 
+/// Goes on to the newest of a held key's repeats that stand at the front of the queue, one behind the other. Where
+/// drawing is slower than the key, they would pile up and go on for long after its release.
+XKeyEvent SkipToNewest(::Display* display, XKeyEvent repeat)
+{
+    while (XEventsQueued(display, QueuedAlready) > 0)
+    {
+        XEvent next = {};
+        XPeekEvent(display, &next);
+        const EventData data(display, next);
+        if (next.type != KeyPress || next.xkey.keycode != repeat.keycode || next.xkey.window != repeat.window)
+            break;
+        XEvent taken = {};
+        XNextEvent(display, &taken);
+        repeat = taken.xkey;
+    }
+    return repeat;
+}
+
 } // namespace
 
 void Window::PumpMessagePlatform()
@@ -331,8 +349,10 @@ void Window::Native::OnKeyPress(const XKeyEvent& event)
         OnUndefinedKey(event);
         return;
     }
-    keys.Press(static_cast<std::uint8_t>(event.keycode), key);
-    FollowPointerToKey(GetPlace(event));
+    const auto physicalKey = static_cast<std::uint8_t>(event.keycode);
+    const XKeyEvent newest = keys.IsDown(physicalKey) ? SkipToNewest(display, event) : event;
+    keys.Press(physicalKey, key);
+    FollowPointerToKey(GetPlace(newest));
     window.DeliverKey(key, true);
 }
 

@@ -15,6 +15,20 @@ TEST(PressedKeys, ReleaseHasTheCodeOfItsPress)
     EXPECT_EQ(keys.Release(38, KeyCode::Q), KeyCode::Q);
 }
 
+TEST(PressedKeys, AKeyIsDownBetweenItsPressAndItsRelease)
+{
+    PressedKeys keys;
+    EXPECT_FALSE(keys.IsDown(38));
+    keys.Press(38, KeyCode::A);
+    EXPECT_TRUE(keys.IsDown(38));
+    EXPECT_FALSE(keys.IsDown(39));
+    static_cast<void>(keys.Release(38, KeyCode::A));
+    EXPECT_FALSE(keys.IsDown(38));
+    keys.Press(38, KeyCode::A);
+    keys.LetGo();
+    EXPECT_FALSE(keys.IsDown(38));
+}
+
 TEST(PressedKeys, ReleaseOfAnUnseenPressKeepsItsOwnCode)
 {
     PressedKeys keys;

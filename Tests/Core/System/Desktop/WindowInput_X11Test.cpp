@@ -157,6 +157,21 @@ TEST_F(WindowInputX11, HeldKeyIsRepeatedPressesAndOneRelease)
     EXPECT_EQ(keys.back(), std::pair(57, 0));
 }
 
+TEST_F(WindowInputX11, RepeatsThatPileUpAreOnePress)
+{
+    XkbSetAutoRepeatRate(m_user.GetDisplay(), XkbUseCoreKbd, 50, 10);
+    XSync(m_user.GetDisplay(), False);
+    m_user.Key(s_space, true);
+    System::Time::Sleep(500'000'000);
+    m_user.Key(s_space, false);
+    m_user.Type(s_escape);
+    m_user.Type(s_escape);
+    UpdateUntil([this] { return Count(WindowEventType::Key) >= 7; });
+    // The press of the person, that of the repeats, and the release. Strokes are never merged.
+    EXPECT_THAT(GetKeys(), ElementsAre(std::pair(57, 1), std::pair(57, 1), std::pair(57, 0), std::pair(1, 1),
+                                       std::pair(1, 0), std::pair(1, 1), std::pair(1, 0)));
+}
+
 TEST_F(WindowInputX11, ButtonsLeftAndRightAreTold)
 {
     m_user.MovePointer(200, 100);
