@@ -1,6 +1,7 @@
 #include "Tests/Support/PrivateMounts.h"
 
 #include <fstream>
+#include <iterator>
 #include <sched.h>
 #include <stdexcept>
 #include <string>
@@ -31,6 +32,17 @@ bool EnterNamespace()
            WriteFile("/proc/self/gid_map", group + " " + group + " 1");
 }
 
+/// Keeps what is mounted here from other namespaces.
+bool StopSharing()
+{
+    if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0)
+        return true;
+    // The root of a changed root directory is no mount of its own. What is mounted there may be nobody else's anyway.
+    std::ifstream mounts("/proc/self/mountinfo");
+    const std::string text{std::istreambuf_iterator<char>(mounts), {}};
+    return !text.empty() && text.find(" shared:") == std::string::npos;
+}
+
 void Mount(const char* source, const std::filesystem::path& target, const char* type, unsigned long flags,
            const std::string& options)
 {
@@ -40,8 +52,7 @@ void Mount(const char* source, const std::filesystem::path& target, const char* 
 
 } // namespace
 
-PrivateMounts::PrivateMounts()
-    : m_isGranted(EnterNamespace() && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0)
+PrivateMounts::PrivateMounts() : m_isGranted(EnterNamespace() && StopSharing())
 {
 }
 
