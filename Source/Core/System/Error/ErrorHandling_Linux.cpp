@@ -1,6 +1,5 @@
 #include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/SignalThread.h"
-#include "Core/System/Runtime/Application.h"
 
 #include <array>
 #include <atomic>
@@ -74,16 +73,10 @@ extern "C" void OnSignal(int signal) noexcept
 /// On the signal thread.
 void OnRequest(int signal)
 {
-    Runtime::Application* const application = Runtime::Application::FindInstance();
-    if (application == nullptr)
-    {
-        LetThrough(signal); // nothing is there that could end by itself
-        raise(signal);
+    if (s_errorHandling->HandleRequest(signal))
         return;
-    }
-    // A run that is over takes its Systems down, and needs neither to be asked nor to be logged about.
-    if (std::atomic_ref(application->m_returnCode) == Runtime::Application::UnsetReturnCode)
-        s_errorHandling->HandleSignal(signal);
+    LetThrough(signal); // nothing is there that could end by itself
+    raise(signal);
 }
 
 void UseAlternateStack()
