@@ -18,3 +18,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # One file is the whole program: only what every Windows has is linked dynamically.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(ZLIB_LIBRARY /usr/x86_64-w64-mingw32/lib/libz.a CACHE FILEPATH "The static one of two")
+
+# How a build runs what it has built.
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../Scripts/wine.sh)

@@ -3,6 +3,8 @@
 # exit code is passed on, as far as eight bits go. Without a display it gets a virtual one.
 #
 #   Scripts/wine.sh PROGRAM [arguments]
+#   Scripts/wine.sh --prefix-only           only makes the prefix
+#   Scripts/wine.sh --end                   ends what runs in the prefix
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -27,6 +29,10 @@ make_prefix()
 [ -f "$WINEPREFIX/made" ] || make_prefix
 if [ "${1:-}" = --prefix-only ]; then
     exit 0
+fi
+if [ "${1:-}" = --end ]; then
+    wineserver --kill || true # nothing runs
+    exec wineserver --wait
 fi
 if [ -z "${DISPLAY:-}" ]; then
     exec xvfb-run --auto-servernum --server-args="-screen 0 1280x720x24 -noreset" wine "$@"

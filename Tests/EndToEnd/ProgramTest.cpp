@@ -29,6 +29,15 @@ std::vector<std::filesystem::path> ListByPrefix(const std::filesystem::path& dir
     return files;
 }
 
+/// A program for Windows ends its lines in two characters.
+std::string GetOutput(const ChildResult& result)
+{
+    std::string output = result.standardOutput;
+    if (Installation::IsForWindows())
+        std::erase(output, '\r');
+    return output;
+}
+
 void ExpectExit(const ChildResult& result, int exitCode)
 {
     EXPECT_FALSE(result.isTimeout);
@@ -48,9 +57,21 @@ ProgramTest::ProgramTest()
             m_environment[name] = value;
 }
 
+// What Wine keeps running knows the display of this test.
+ProgramTest::~ProgramTest()
+{
+    if (!Installation::IsForWindows())
+        return;
+    ChildOptions options = m_installation.MakeStart({});
+    options.arguments = {"--end"};
+    for (const auto& [name, value] : m_environment)
+        options.environment.push_back(name + "=" + value);
+    (void)ChildProcess(options).Wait(s_endLimit);
+}
+
 ChildProcess ProgramTest::Start(const Arguments& arguments) const
 {
-    ChildOptions options{m_installation.GetProgram(), arguments, {}, m_installation.GetWork()};
+    ChildOptions options = m_installation.MakeStart(arguments);
     for (const auto& [name, value] : m_environment)
         options.environment.push_back(name + "=" + value);
     return ChildProcess(options);
@@ -64,7 +85,7 @@ ChildResult ProgramTest::Run(const Arguments& arguments) const
 void ExpectAnswer(const ChildResult& result, int exitCode, const std::string& answer)
 {
     ExpectExit(result, exitCode);
-    const std::string& output = result.standardOutput;
+    const std::string output = GetOutput(result);
     ASSERT_GE(output.size(), answer.size()) << output << result.standardError;
     const std::size_t start = output.size() - answer.size();
     EXPECT_EQ(output.substr(start), answer) << result.standardError;
@@ -74,7 +95,7 @@ void ExpectAnswer(const ChildResult& result, int exitCode, const std::string& an
 void ExpectOutput(const ChildResult& result, int exitCode, const std::string& output)
 {
     ExpectExit(result, exitCode);
-    EXPECT_EQ(result.standardOutput, output);
+    EXPECT_EQ(GetOutput(result), output);
     EXPECT_EQ(result.standardError, "");
 }
 

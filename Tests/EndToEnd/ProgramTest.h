@@ -31,6 +31,7 @@ protected:
     static constexpr std::chrono::seconds s_endLimit{20};
 
     ProgramTest();
+    ~ProgramTest() override;
 
     [[nodiscard]] ChildProcess Start(const Arguments& arguments) const;
     /// Starts the program and waits for its end, or kills it after `s_endLimit`.

@@ -50,7 +50,8 @@ UINT GetMessageKey(WPARAM wParam, LPARAM lParam)
         return key;
     const WORD flags = HIWORD(lParam);
     const UINT scanCode = LOBYTE(flags);
-    return MapVirtualKeyW((flags & KF_EXTENDED) != 0 ? 0xE000U + scanCode : scanCode, MAPVK_VSC_TO_VK_EX);
+    return GetKeyboardCalls().mapVirtualKey((flags & KF_EXTENDED) != 0 ? 0xE000U + scanCode : scanCode,
+                                            MAPVK_VSC_TO_VK_EX);
 }
 
 bool OnKey(Window& target, WPARAM wParam, LPARAM lParam)

@@ -20,6 +20,11 @@ std::uint32_t GetLastErrorPlatform() noexcept
     return GetLastError();
 }
 
+void SetLastErrorPlatform(std::uint32_t code) noexcept
+{
+    SetLastError(code);
+}
+
 // The code page of the process is UTF-8, by its manifest.
 std::string GetErrorMessagePlatform(std::uint32_t code)
 {

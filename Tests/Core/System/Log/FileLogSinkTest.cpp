@@ -1,20 +1,17 @@
 #include "Core/System/Log/FileLogSink.h"
 
 #include "Core/System/Error/Exception.h"
-#include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <ctime>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <sstream>
-#include <sys/resource.h>
 #include <thread>
 
 namespace Orvik::System::Log
@@ -25,7 +22,7 @@ namespace
 using std::chrono::hours;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::MatchesRegex;
+using testing::StartsWith;
 
 constexpr std::uint64_t s_manyBytes = 1'000'000;
 constexpr std::uint32_t s_tenDays = 10;
@@ -219,7 +216,7 @@ TEST_F(FileLogSinkTest, WhatIsNoLogFileIsLeftAlone)
         MakeFile(name, "untouched", hours(24 * 300));
     std::filesystem::create_directory(GetPath("Name_2026-01-01T00-00-00.x.log"));
     std::filesystem::create_symlink("nowhere", GetPath("Name_2026-01-01T00-00-01.log"));
-    EXPECT_THAT(WriteOneLine(), MatchesRegex("Name_2.*"));
+    EXPECT_THAT(WriteOneLine(), StartsWith("Name_2"));
     EXPECT_EQ(GetNames().size(), names.size() + 3);
     for (const std::string& name : names)
         EXPECT_EQ(Read(name), "untouched") << name;
@@ -380,30 +377,6 @@ TEST_F(FileLogSinkTest, ASplitWithoutANewFileIsReportedAndLaterLinesAreDropped)
     EXPECT_EQ(GetFailure([&] { sink.Write("0123456789\n"); }),
               "1401f60002 SplitLogFileIfNeeded: Couldn't open new log file.");
     EXPECT_EQ(GetFailure([&] { sink.Write("0123456789\n"); }), "no exception");
-}
-
-TEST_F(FileLogSinkTest, AFullDiskLosesLinesAndNothingElse)
-{
-    const std::filesystem::path directory = m_directory.GetPath();
-    const Tests::ForkedResult result = Tests::RunForked(
-        [&directory]
-        {
-            std::signal(SIGXFSZ, SIG_IGN);
-            FileLogSink sink(directory, "Name", s_manyBytes, s_tenDays);
-            if (!sink.Open())
-                return 2;
-            rlimit limit = {};
-            getrlimit(RLIMIT_FSIZE, &limit);
-            limit.rlim_cur = 10;
-            setrlimit(RLIMIT_FSIZE, &limit);
-            sink.Write("first\n");
-            sink.Write("too long for the rest\n");
-            sink.Write("x\n");
-            return 0;
-        });
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(Read(GetNames()[0]).substr(0, 6), "first\n");
-    EXPECT_LE(Read(GetNames()[0]).size(), 10U);
 }
 
 TEST_F(FileLogSinkTest, ThreadsShareASinkThroughItsSplits)

@@ -1,5 +1,6 @@
 #include "Core/System/Text/Files.h"
 
+#include "Core/System/Text/Paths.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -16,16 +17,15 @@ using Tests::Bytes;
 TEST(Files, AFileUnderAUtf8NameIsWrittenAndReadBack)
 {
     const Tests::TemporaryDirectory directory;
-    const std::string path = (directory.GetPath() / "gr\xC3\xB6\xC3\x9F"
-                                                    "e.bin")
-                                 .string();
+    const std::string path = PathToUtf8(directory.GetPath() / PathFromUtf8("gr\xC3\xB6\xC3\x9F"
+                                                                           "e.bin"));
 
     File written = OpenFile(path, "wb");
     ASSERT_NE(written, nullptr);
-    EXPECT_EQ(std::fputs("abc", written.get()), 1);
+    EXPECT_GE(std::fputs("abc", written.get()), 0);
     EXPECT_TRUE(Close(std::move(written)));
 
-    EXPECT_EQ(Tests::ReadBytes(path), (Bytes{'a', 'b', 'c'}));
+    EXPECT_EQ(Tests::ReadBytes(PathFromUtf8(path)), (Bytes{'a', 'b', 'c'}));
     const File read = OpenFile(path, "rb");
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(std::fgetc(read.get()), 'a');
@@ -45,6 +45,8 @@ TEST(Files, ADirectoryThatIsNotThereGetsNoFile)
 
 TEST(Files, ClosingTellsThatTheDiskIsFull)
 {
+    if (!std::filesystem::exists("/dev/full"))
+        GTEST_SKIP() << "There is no full device here.";
     File file = OpenFile("/dev/full", "wb");
     ASSERT_NE(file, nullptr);
     EXPECT_NE(std::fputs("abc", file.get()), EOF) << "the bytes wait in the buffer";
