@@ -20,4 +20,4 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(ZLIB_LIBRARY /usr/x86_64-w64-mingw32/lib/libz.a CACHE FILEPATH "The static one of two")
 
 # How a build runs what it has built.
-set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../Scripts/wine.sh)
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../Scripts/wine.sh --display)

@@ -139,7 +139,6 @@ build_once() # STAMP VERSIONS FUNCTION
 
 versions()
 {
-    sha256sum "$root/CMake/Toolchain-mingw-w64.cmake" | cut -d ' ' -f 1
     dpkg-query -W -f '${Package} ${Version}\n' "$@"
 }
 

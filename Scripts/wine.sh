@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Runs a Windows program under Wine, in a prefix of this project's own that is made at the first call; the program's
-# exit code is passed on, as far as eight bits go. Without a display it gets a virtual one.
+# exit code is passed on, as far as eight bits go.
 #
 #   Scripts/wine.sh PROGRAM [arguments]
+#   Scripts/wine.sh --display PROGRAM [arguments]   on a virtual display if there is none
 #   Scripts/wine.sh --prefix-only           only makes the prefix
 #   Scripts/wine.sh --end                   ends what runs in the prefix
 set -euo pipefail
@@ -34,7 +35,12 @@ if [ "${1:-}" = --end ]; then
     wineserver --kill || true # nothing runs
     exec wineserver --wait
 fi
-if [ -z "${DISPLAY:-}" ]; then
+show=false
+if [ "${1:-}" = --display ]; then
+    show=true
+    shift
+fi
+if $show && [ -z "${DISPLAY:-}" ]; then
     exec xvfb-run --auto-servernum --server-args="-screen 0 1280x720x24 -noreset" wine "$@"
 fi
 exec wine "$@"

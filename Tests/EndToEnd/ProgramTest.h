@@ -50,6 +50,9 @@ void ExpectOutput(const ChildResult& result, int exitCode, const std::string& ou
 /// below `logs` tell. There is no answer then.
 void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs);
 
+/// A program for Windows ends its lines in two characters; here they are one again.
+[[nodiscard]] std::string WithPlainLineEnds(std::string text);
+
 /// The whole file; empty if there is none.
 [[nodiscard]] std::string ReadText(const std::filesystem::path& file);
 void WriteText(const std::filesystem::path& file, const std::string& text);

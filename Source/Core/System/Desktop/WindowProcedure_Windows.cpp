@@ -4,6 +4,7 @@
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Log/Log.h"
 #include "Core/System/Log/LogSite.h"
+#include "Core/System/Platform/PointerEvent.h"
 
 #include <csignal>
 #include <dbt.h>
@@ -67,6 +68,17 @@ bool OnKey(Window& target, WPARAM wParam, LPARAM lParam)
     return target.DeliverKey(key, !isReleased);
 }
 
+bool OnMouseMove(Window& target, HWND window, LPARAM lParam)
+{
+    const std::int32_t x = GetSignedLow(static_cast<std::uintptr_t>(lParam));
+    const std::int32_t y = GetSignedHigh(static_cast<std::uintptr_t>(lParam));
+    POINT place = {x, y};
+    ClientToScreen(window, &place);
+    const Math::Point onScreen = {place.x, place.y};
+    const Platform::PointerEventScope scope(onScreen);
+    return target.DeliverMouseMove(x, y);
+}
+
 bool OnPaint(Window& target, HWND window)
 {
     PAINTSTRUCT paint = {};
@@ -103,8 +115,7 @@ bool DeliverMessage(Window& target, HWND window, UINT message, WPARAM wParam, LP
     case WM_SYSKEYUP:
         return OnKey(target, wParam, lParam);
     case WM_MOUSEMOVE:
-        return target.DeliverMouseMove(GetSignedLow(static_cast<std::uintptr_t>(lParam)),
-                                       GetSignedHigh(static_cast<std::uintptr_t>(lParam)));
+        return OnMouseMove(target, window, lParam);
     case WM_MOUSEWHEEL:
         return target.DeliverMouseWheel(static_cast<float>(GetSignedHigh(wParam)) / 120.0F);
     case WM_LBUTTONDOWN:

@@ -1,4 +1,5 @@
 #include "Core/System/Desktop/WindowProcedure_Windows.h"
+#include "Core/System/Device/Cursor/Cursor.h"
 #include "Tests/Core/System/Desktop/WindowFixture_Windows.h"
 #include "Tests/Support/LogRecorder.h"
 
@@ -127,6 +128,19 @@ TEST_F(WindowProcedureTest, MouseMovesKeepTheirSigns)
         EXPECT_EQ(m_events[0].data.mouseMove.x, x);
         EXPECT_EQ(m_events[0].data.mouseMove.y, y);
     }
+}
+
+TEST_F(WindowProcedureTest, WhileAMoveIsDeliveredThePointerIsWhereItWasThen)
+{
+    Math::Point position;
+    m_window.SetEventHandler([&position](const WindowEvent&) { return Device::Cursor::GetCurrentPosition(position); });
+    EXPECT_EQ(Send(WM_MOUSEMOVE, 0, MAKELPARAM(7, 8)), 0);
+    EXPECT_EQ(position, (Math::Point{107, 58})) << "in screen pixels; the window is at 100, 50";
+
+    POINT pointer = {};
+    ASSERT_TRUE(GetCursorPos(&pointer));
+    EXPECT_TRUE(Device::Cursor::GetCurrentPosition(position));
+    EXPECT_EQ(position, (Math::Point{pointer.x, pointer.y}));
 }
 
 TEST_F(WindowProcedureTest, WheelDeltasAreNotches)

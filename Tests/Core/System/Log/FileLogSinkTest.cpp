@@ -41,7 +41,7 @@ protected:
 
     [[nodiscard]] std::string Read(const std::string& name) const
     {
-        std::ifstream file(GetPath(name), std::ios::binary);
+        std::ifstream file(GetPath(name)); // as text: line ends differ
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
@@ -177,10 +177,12 @@ TEST_F(FileLogSinkTest, AFileBelowTheLimitIsContinuedAndOneAtTheLimitIsNot)
     }
     for (const std::uint64_t limit : {9U, 8U})
     {
-        const auto sink = MakeSink(limit);
+        auto sink = MakeSink(limit);
         ASSERT_TRUE(sink->Open());
-        EXPECT_NE(sink->GetCurrentPath(), GetPath("Name_2026-01-01T00-00-00.log"));
-        std::filesystem::remove(sink->GetCurrentPath());
+        const std::filesystem::path path = sink->GetCurrentPath();
+        EXPECT_NE(path, GetPath("Name_2026-01-01T00-00-00.log"));
+        sink.reset(); // some systems don't remove what is open
+        std::filesystem::remove(path);
     }
     EXPECT_EQ(Read("Name_2026-01-01T00-00-00.log"), "123456789");
 }
@@ -215,9 +217,12 @@ TEST_F(FileLogSinkTest, WhatIsNoLogFileIsLeftAlone)
     for (const std::string& name : names)
         MakeFile(name, "untouched", hours(24 * 300));
     std::filesystem::create_directory(GetPath("Name_2026-01-01T00-00-00.x.log"));
-    std::filesystem::create_symlink("nowhere", GetPath("Name_2026-01-01T00-00-01.log"));
+    std::error_code ignored;
+    const std::filesystem::path link = GetPath("Name_2026-01-01T00-00-01.log");
+    std::filesystem::create_symlink("nowhere", link, ignored);
     EXPECT_THAT(WriteOneLine(), StartsWith("Name_2"));
-    EXPECT_EQ(GetNames().size(), names.size() + 3);
+    EXPECT_EQ(GetNames().size(), names.size() + (std::filesystem::is_symlink(link) ? 3 : 2))
+        << "not every system has links";
     for (const std::string& name : names)
         EXPECT_EQ(Read(name), "untouched") << name;
 }
@@ -264,10 +269,10 @@ TEST_F(FileLogSinkTest, AFilePassesTheLimitByOneLineAndIsSplitThen)
     MakeFile("Name_2026-01-01T00-00-00.log", "", hours(1));
     const auto sink = MakeSink(10);
     ASSERT_TRUE(sink->Open());
-    sink->Write("12345678\n");
+    sink->Write("1234567\n"); // a line's end may be two characters
     EXPECT_EQ(GetNames().size(), 1U);
     sink->Write("beyond the limit\n");
-    EXPECT_EQ(Read("Name_2026-01-01T00-00-00.log"), "12345678\nbeyond the limit\n");
+    EXPECT_EQ(Read("Name_2026-01-01T00-00-00.log"), "1234567\nbeyond the limit\n");
     ASSERT_EQ(GetNames().size(), 2U);
     EXPECT_NE(sink->GetCurrentPath(), GetPath("Name_2026-01-01T00-00-00.log"));
     sink->Write("next\n");
@@ -353,7 +358,9 @@ TEST_F(FileLogSinkTest, AFileThatIsGoneOrReplacedDuringTheRunIsReported)
 {
     const auto sink = MakeSink();
     ASSERT_TRUE(sink->Open());
-    std::filesystem::remove(sink->GetCurrentPath());
+    std::error_code refusal;
+    if (!std::filesystem::remove(sink->GetCurrentPath(), refusal))
+        GTEST_SKIP() << "An open file can't be removed here.";
     EXPECT_THROW(sink->Write("line\n"), std::filesystem::filesystem_error);
     std::filesystem::create_directory(sink->GetCurrentPath());
     try

@@ -1,6 +1,7 @@
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Device/Cursor/CursorFailure.h"
 #include "Core/System/Error/SystemError.h"
+#include "Core/System/Platform/PointerEvent.h"
 #include "Core/System/Platform/WindowsHeaders.h"
 
 #include <algorithm>
@@ -23,6 +24,11 @@ LONG ScaleCoordinate(std::int32_t coordinate, int desktopBegin, int desktopSize)
 
 bool GetCurrentPosition(Math::Point& position)
 {
+    if (const Math::Point* const eventPosition = Platform::PointerEventScope::GetPosition())
+    {
+        position = *eventPosition;
+        return true;
+    }
     POINT found = {};
     if (GetCursorPos(&found) == FALSE)
         return ReportFailure("GetCurrentPosition", Error::FormatLastError());
