@@ -217,12 +217,11 @@ TEST_F(FileLogSinkTest, WhatIsNoLogFileIsLeftAlone)
     for (const std::string& name : names)
         MakeFile(name, "untouched", hours(24 * 300));
     std::filesystem::create_directory(GetPath("Name_2026-01-01T00-00-00.x.log"));
-    std::error_code ignored;
-    const std::filesystem::path link = GetPath("Name_2026-01-01T00-00-01.log");
-    std::filesystem::create_symlink("nowhere", link, ignored);
+    std::error_code ignored; // not every system has links
+    std::filesystem::create_symlink("nowhere", GetPath("Name_2026-01-01T00-00-01.log"), ignored);
+    const std::size_t before = GetNames().size(); // two of the names are one where case makes no difference
     EXPECT_THAT(WriteOneLine(), StartsWith("Name_2"));
-    EXPECT_EQ(GetNames().size(), names.size() + (std::filesystem::is_symlink(link) ? 3 : 2))
-        << "not every system has links";
+    EXPECT_EQ(GetNames().size(), before + 1);
     for (const std::string& name : names)
         EXPECT_EQ(Read(name), "untouched") << name;
 }
