@@ -358,6 +358,7 @@ TEST(CaptureOfTheScreen, AnOverlayThatIsShownIsNotInThePictureAndStaysShown)
     EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Visible);
     EXPECT_TRUE(IsWindowVisible(handle));
     EXPECT_EQ(pixels.size(), std::size_t{40} * 30 * 4);
+    ExpectColor(pixels, RGB(200, 100, 50));
 }
 
 TEST(CaptureOfTheScreen, AWindowThatItIsToldOfIsShownAgain)
