@@ -6,9 +6,11 @@
 #include "Tests/Support/Texts.h"
 
 #include <array>
+#include <atomic>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace Orvik::System::Device::Display
@@ -272,45 +274,52 @@ TEST_F(CaptureWithRefusals, ADesktopThatIsNotToldEndsItUnlessTheSystemDoesNotKno
 
 // With the system's own functions.
 
-/// Fills a part of the screen: a window of another class than an overlay's.
+/// Fills a part of the screen with a colour: a window of another thread, which paints it anew whenever it is uncovered.
 class Backdrop
 {
 public:
-    explicit Backdrop(COLORREF color) : m_window("Orvik::Backdrop")
+    explicit Backdrop(COLORREF color) : m_color(color), m_thread([this] { Run(); })
     {
-        HDC const context = GetDC(m_window.hwnd);
-        HBRUSH const brush = CreateSolidBrush(color);
-        const RECT all = {0, 0, 200, 100};
-        FillRect(context, &all, brush);
-        DeleteObject(brush);
-        ReleaseDC(m_window.hwnd, context);
-        m_window.Settle(); // until the screen shows it
+        while (m_window.load() == nullptr)
+            Sleep(2);
+        Sleep(200); // until the screen shows it
     }
+    ~Backdrop()
+    {
+        PostMessageW(m_window, WM_CLOSE, 0, 0);
+        m_thread.join();
+    }
+    Backdrop(const Backdrop&) = delete;
+    Backdrop& operator=(const Backdrop&) = delete;
 
 private:
-    struct Shown
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
-        explicit Shown(const char* name) : window(nullptr, name, {40, 30}, {200, 100}, Desktop::WindowType::ToolPopup)
-        {
-            EXPECT_TRUE(window.Create());
-            window.Show(window.Lock());
-            hwnd = reinterpret_cast<HWND>(window.GetNativeWindow());
-            Settle();
-        }
+        if (message == WM_DESTROY)
+            PostQuitMessage(0);
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
 
-        void Settle()
-        {
-            for (int step = 0; step < 100; ++step)
-            {
-                window.Update();
-                Sleep(2);
-            }
-        }
+    void Run()
+    {
+        WNDCLASSW backdropClass = {};
+        backdropClass.lpfnWndProc = &Procedure;
+        backdropClass.hbrBackground = CreateSolidBrush(m_color);
+        backdropClass.lpszClassName = L"Backdrop";
+        RegisterClassW(&backdropClass);
+        HWND const window = CreateWindowExW(WS_EX_TOOLWINDOW, L"Backdrop", L"", WS_POPUP | WS_VISIBLE, 40, 30, 200, 100,
+                                            nullptr, nullptr, nullptr, nullptr);
+        m_window = window;
+        MSG message = {};
+        while (GetMessageW(&message, nullptr, 0, 0) > 0)
+            DispatchMessageW(&message);
+        UnregisterClassW(L"Backdrop", nullptr);
+        DeleteObject(backdropClass.hbrBackground);
+    }
 
-        Desktop::Window window;
-        HWND hwnd = nullptr;
-    };
-    Shown m_window;
+    COLORREF m_color;
+    std::atomic<HWND> m_window = nullptr;
+    std::thread m_thread; // last: it uses the others
 };
 
 std::vector<unsigned char> Capture(const Math::Rectangle& region, Desktop::Window* window = nullptr)
@@ -354,6 +363,15 @@ TEST(CaptureOfTheScreen, AnOverlayThatIsShownIsNotInThePictureAndStaysShown)
     ASSERT_TRUE(overlay.Create());
     overlay.Show(overlay.Lock());
     HWND const handle = reinterpret_cast<HWND>(overlay.GetNativeWindow());
+    for (int step = 0; step < 100; ++step)
+    {
+        overlay.Update();
+        Sleep(2);
+    }
+    HDC const screen = GetDC(nullptr);
+    EXPECT_EQ(GetPixel(screen, 70, 60), RGB(0, 0, 0)) << "the overlay is black on this desktop";
+    ReleaseDC(nullptr, screen);
+
     const std::vector<unsigned char> pixels = Capture({60, 50, 100, 80});
     EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Visible);
     EXPECT_TRUE(IsWindowVisible(handle));
