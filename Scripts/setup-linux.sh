@@ -9,6 +9,7 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 textures=$root/Resources/UI/Textures
+. "$root/Scripts/packages.sh"
 
 packages=(
     cmake ninja-build g++ libc6-dev
@@ -31,38 +32,9 @@ case "${1:-}" in
     *) echo "usage: $0 [--demo | --test]" >&2; exit 2 ;;
 esac
 
-has_sha256() # FILE HASH
-{
-    [ -f "$1" ] && [ "$(sha256sum <"$1")" = "$2  -" ]
-}
-
 has_font()
 {
     has_sha256 "$textures/Mulish-Regular.ttf" "$font_sha256" && [ -f "$textures/Mulish-LICENSE.txt" ]
-}
-
-list_missing_packages()
-{
-    local installed
-    installed=$(dpkg-query -W -f '${db:Status-Abbrev}${Package}\n' "${packages[@]}" 2>/dev/null || true)
-    printf '%s\n' "${packages[@]}" | grep -Fxv -f <(sed -n 's/^ii //p' <<<"$installed") || true
-}
-
-install_packages() # PACKAGE...
-{
-    local as_root=()
-    if [ "$(id -u)" -ne 0 ]; then
-        if ! command -v sudo >/dev/null; then
-            printf 'These packages are missing. Install them as root with this command, then start again:\n\n' >&2
-            printf '    apt-get update && apt-get install -y --no-install-recommends %s\n\n' "$*" >&2
-            exit 1
-        fi
-        as_root=(sudo)
-    fi
-    echo "Installing: $*" >&2
-    "${as_root[@]}" apt-get update -qq >&2
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y -qq --no-install-recommends "$@" >&2
 }
 
 install_font()
@@ -89,12 +61,5 @@ install_font()
 if ! has_font && ! command -v npm >/dev/null; then
     packages+=(npm)
 fi
-if command -v dpkg-query >/dev/null; then
-    mapfile -t missing < <(list_missing_packages)
-    if [ ${#missing[@]} -gt 0 ]; then
-        install_packages "${missing[@]}"
-    fi
-else
-    echo "This isn't a Debian system: what Debian calls ${packages[*]} has to be there already." >&2
-fi
+require_packages "${packages[@]}"
 has_font || install_font

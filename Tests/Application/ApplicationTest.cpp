@@ -5,6 +5,7 @@
 #include "Core/Graphics/Renderer/GLRecorder.h"
 #include "Core/System/Platform/NullDesktop.h"
 #include "Core/System/Runtime/CommandLine.h"
+#include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <atomic>
@@ -41,7 +42,7 @@ std::string MakeCodeObject(const std::string& name, int code)
 
 std::string ReadFile(const std::filesystem::path& path)
 {
-    std::ifstream stream(path, std::ios::binary);
+    std::ifstream stream(path); // as text: line ends differ
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
@@ -58,7 +59,6 @@ class ApplicationTest : public testing::Test
 protected:
     ApplicationTest()
     {
-        setenv("HOME", home.GetPath().c_str(), 1);
         GLRecorder::GetInstance().Reset();
         desktop.Reset();
         AddDisplay(0, 0, 200, 100);
@@ -138,12 +138,13 @@ protected:
     /// The text of the one log file.
     [[nodiscard]] std::string ReadLog() const
     {
-        const auto files = ListFiles(home.GetPath() / ".orvik/Logs");
+        const auto files = ListFiles(home.GetPath() / ".orvik" / "Logs");
         return files.size() == 1 ? ReadFile(files[0]) : std::string();
     }
 
     NullDesktop& desktop = NullDesktop::GetInstance();
     Tests::TemporaryDirectory home;
+    Tests::EnvironmentVariable homeVariable{Tests::HomeVariable, home.GetPath().string().c_str()};
     Tests::TemporaryDirectory output;
     System::Runtime::CommandLine commandLine;
     std::string printed;
@@ -258,7 +259,7 @@ TEST_F(ApplicationTest, TheLogBeginsWithVersionAndFile)
     UseOutput();
     Escape();
     EXPECT_EQ(Run(), 0);
-    const auto files = ListFiles(home.GetPath() / ".orvik/Logs");
+    const auto files = ListFiles(home.GetPath() / ".orvik" / "Logs");
     ASSERT_EQ(files.size(), 1U);
     EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] v0.3.0.2 Preview started.\n"));
     EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Using '" + files[0].string() + "'.\n"));

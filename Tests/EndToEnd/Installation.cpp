@@ -1,7 +1,22 @@
 #include "Tests/EndToEnd/Installation.h"
 
+#include <string_view>
+
 namespace Orvik::Tests
 {
+namespace
+{
+
+/// What starts a program for Windows: Wine's script, and the launcher in it. Empty for a native program.
+constexpr std::string_view s_wine = ORVIK_WINE;
+constexpr std::string_view s_launcher = ORVIK_LAUNCHER;
+
+} // namespace
+
+bool Installation::IsForWindows()
+{
+    return !s_wine.empty();
+}
 
 Installation::Installation()
 {
@@ -15,6 +30,8 @@ Installation::Installation()
     fs::create_directory_symlink(root / "Resources", directory / "Resources");
 
     m_program = binaries / directory.filename();
+    if (IsForWindows())
+        m_program += ".exe";
     fs::copy_file(built, m_program);
 }
 
@@ -33,6 +50,15 @@ void Installation::OpenToOthers() const
     fs::permissions(directory, enter, fs::perm_options::add);
     for (const fs::path& folder : {GetHome(), GetWork()})
         fs::permissions(folder, enter | write, fs::perm_options::add);
+}
+
+ChildOptions Installation::MakeStart(const std::vector<std::string>& arguments) const
+{
+    if (!IsForWindows())
+        return {m_program, arguments, {}, GetWork()};
+    std::vector<std::string> all = {std::string(s_launcher), GetHome().string(), m_program.string()};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return {s_wine, all, {}, GetWork()};
 }
 
 } // namespace Orvik::Tests

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "Tests/Support/Desktop/ChildProcess.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace Orvik::Tests
 {
@@ -14,7 +17,12 @@ class Installation
 public:
     Installation();
 
+    /// Whether the program is one for Windows, which runs under Wine.
+    [[nodiscard]] static bool IsForWindows();
+
     [[nodiscard]] const std::filesystem::path& GetProgram() const { return m_program; }
+    /// How the program is started in its working directory with its home; the environment is left to the caller.
+    [[nodiscard]] ChildOptions MakeStart(const std::vector<std::string>& arguments) const;
     /// Empty directories for `HOME` and to start the program in.
     [[nodiscard]] std::filesystem::path GetHome() const { return m_directory.GetPath() / "home"; }
     [[nodiscard]] std::filesystem::path GetWork() const { return m_directory.GetPath() / "work"; }

@@ -47,9 +47,21 @@ ProgramTest::ProgramTest()
             m_environment[name] = value;
 }
 
+// What Wine keeps running knows the display of this test.
+ProgramTest::~ProgramTest()
+{
+    if (!Installation::IsForWindows())
+        return;
+    ChildOptions options = m_installation.MakeStart({});
+    options.arguments = {"--end"};
+    for (const auto& [name, value] : m_environment)
+        options.environment.push_back(name + "=" + value);
+    (void)ChildProcess(options).Wait(s_endLimit);
+}
+
 ChildProcess ProgramTest::Start(const Arguments& arguments) const
 {
-    ChildOptions options{m_installation.GetProgram(), arguments, {}, m_installation.GetWork()};
+    ChildOptions options = m_installation.MakeStart(arguments);
     for (const auto& [name, value] : m_environment)
         options.environment.push_back(name + "=" + value);
     return ChildProcess(options);
@@ -63,7 +75,7 @@ ChildResult ProgramTest::Run(const Arguments& arguments) const
 void ExpectAnswer(const ChildResult& result, int exitCode, const std::string& answer)
 {
     ExpectExit(result, exitCode);
-    const std::string& output = result.standardOutput;
+    const std::string output = WithPlainLineEnds(result.standardOutput);
     ASSERT_GE(output.size(), answer.size()) << output << result.standardError;
     const std::size_t start = output.size() - answer.size();
     EXPECT_EQ(output.substr(start), answer) << result.standardError;
@@ -73,24 +85,36 @@ void ExpectAnswer(const ChildResult& result, int exitCode, const std::string& an
 void ExpectOutput(const ChildResult& result, int exitCode, const std::string& output)
 {
     ExpectExit(result, exitCode);
-    EXPECT_EQ(result.standardOutput, output);
+    EXPECT_EQ(WithPlainLineEnds(result.standardOutput), output);
     EXPECT_EQ(result.standardError, "");
 }
 
 void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs)
 {
+    constexpr int windowsAbortCode = 3;
     EXPECT_FALSE(result.isTimeout);
-    EXPECT_EQ(result.signal, SIGABRT);
+    if (Installation::IsForWindows())
+        EXPECT_EQ(result.exitCode, windowsAbortCode);
+    else
+        EXPECT_EQ(result.signal, SIGABRT);
     EXPECT_EQ(result.standardOutput.find("\"code\""), std::string::npos) << result.standardOutput;
     const std::string report = "Unhandled Exception: std::exception\n\tMessage: ";
-    EXPECT_NE(result.standardError.find(report), std::string::npos) << result.standardError;
+    const std::string error = WithPlainLineEnds(result.standardError);
+    EXPECT_NE(error.find(report), std::string::npos) << result.standardError;
     EXPECT_NE(result.standardError.find(message), std::string::npos) << result.standardError;
 
     const std::vector<std::filesystem::path> files = ListReports(logs);
     ASSERT_EQ(files.size(), 1U);
-    const std::string reportFile = ReadText(files.front());
+    const std::string reportFile = WithPlainLineEnds(ReadText(files.front()));
     EXPECT_EQ(reportFile.substr(0, report.size()), report);
     EXPECT_NE(reportFile.find(message), std::string::npos) << reportFile;
+}
+
+std::string WithPlainLineEnds(std::string text)
+{
+    if (Installation::IsForWindows())
+        std::erase(text, '\r');
+    return text;
 }
 
 std::string ReadText(const std::filesystem::path& file)

@@ -33,6 +33,7 @@ protected:
     static constexpr std::chrono::seconds s_endLimit{20};
 
     ProgramTest();
+    ~ProgramTest() override;
 
     [[nodiscard]] ChildProcess Start(const Arguments& arguments) const;
     /// Starts the program and waits for its end, or kills it after `s_endLimit`.
@@ -50,6 +51,9 @@ void ExpectOutput(const ChildResult& result, int exitCode, const std::string& ou
 /// The run ended through an unhandled exception with this in its message, which the error stream and a report file
 /// below `logs` tell. There is no answer then.
 void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs);
+
+/// A program for Windows ends its lines in two characters; here they are one again.
+[[nodiscard]] std::string WithPlainLineEnds(std::string text);
 
 /// The whole file; empty if there is none.
 [[nodiscard]] std::string ReadText(const std::filesystem::path& file);

@@ -4,18 +4,6 @@
 
 namespace Orvik::Tests
 {
-namespace
-{
-
-void Set(const char* name, const char* value)
-{
-    if (value != nullptr)
-        setenv(name, value, 1);
-    else
-        unsetenv(name);
-}
-
-} // namespace
 
 EnvironmentVariable::EnvironmentVariable(const char* name, const char* value) : m_name(name)
 {

@@ -5,6 +5,9 @@
 namespace Orvik::Tests
 {
 
+/// The variable that tells the user's home directory.
+extern const char* const HomeVariable;
+
 /// Sets or removes an environment variable; the object's end brings the former value back. One thread.
 class EnvironmentVariable
 {
@@ -16,6 +19,8 @@ public:
     EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
 
 private:
+    static void Set(const char* name, const char* value);
+
     std::string m_name;
     bool m_wasSet = false;
     std::string m_before;

@@ -1,6 +1,6 @@
 #include "Tests/Support/TemporaryDirectory.h"
 
-#include <cstdlib>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -10,10 +10,15 @@ namespace Orvik::Tests
 
 TemporaryDirectory::TemporaryDirectory()
 {
-    std::string pattern = (std::filesystem::temp_directory_path() / "snipbench-test-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-        throw std::runtime_error("No temporary directory can be made.");
-    m_path = pattern;
+    const std::filesystem::path parent = std::filesystem::temp_directory_path();
+    std::random_device random;
+    for (int attempt = 0; attempt < 100; ++attempt)
+    {
+        m_path = parent / ("snipbench-test-" + std::to_string(random()));
+        if (std::filesystem::create_directory(m_path)) // not if it is there already
+            return;
+    }
+    throw std::runtime_error("No temporary directory can be made.");
 }
 
 TemporaryDirectory::~TemporaryDirectory()

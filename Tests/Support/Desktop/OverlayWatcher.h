@@ -33,8 +33,7 @@ public:
     OverlayWatcher(const OverlayWatcher&) = delete;
     OverlayWatcher& operator=(const OverlayWatcher&) = delete;
 
-    /// The overlay is told by its place: a window beside any window manager, one pixel above its monitor and one
-    /// taller.
+    /// The overlay is told by its place among the root's own windows: one pixel above its monitor and one taller.
     [[nodiscard]] State GetState() const;
     /// False if the overlay doesn't come into that state in time.
     [[nodiscard]] bool WaitFor(State state, std::chrono::milliseconds limit = DefaultLimit) const;

@@ -88,8 +88,8 @@ OverlayWatcher::State OverlayWatcher::GetState() const
         XWindowAttributes attributes = {};
         if (XGetWindowAttributes(m_session->GetDisplay(), child, &attributes) == 0)
             continue;
-        if (attributes.override_redirect == True && attributes.x == m_monitor.x && attributes.y == m_monitor.y - 1 &&
-            attributes.width == m_monitor.width && attributes.height == m_monitor.height + 1)
+        if (attributes.x == m_monitor.x && attributes.y == m_monitor.y - 1 && attributes.width == m_monitor.width &&
+            attributes.height == m_monitor.height + 1)
             state = attributes.map_state == IsViewable ? State::Visible : State::Hidden;
     }
     if (children != nullptr)

@@ -105,6 +105,8 @@ public:
     bool DeliverMouseWheel(float notches);
     bool DeliverMouseButton(std::uint8_t button, bool pressed);
     bool DeliverHotKey(std::uint64_t value);
+    /// Whether there is anybody to deliver to.
+    [[nodiscard]] bool HasEventHandler() const { return static_cast<bool>(m_eventHandler); }
     /// A kind that carries nothing.
     bool DeliverPlain(WindowEventType type);
     /// The user or the system asks to close. The handler isn't called; without one the state doesn't change

@@ -66,6 +66,10 @@ public:
     /// of a fault, which ends the process by the signal itself.
     void HandleSignal(int signal);
 
+    /// The same for a request to end that arrives on another thread than the run's. A run that is over isn't asked any
+    /// more. False if nothing is there that could end by itself.
+    bool HandleRequest(int signal);
+
 private:
     ErrorHandling();
     ~ErrorHandling();

@@ -1,6 +1,5 @@
 #include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/SignalThread.h"
-#include "Core/System/Runtime/Application.h"
 
 #include <array>
 #include <atomic>
@@ -81,19 +80,13 @@ extern "C" void OnSignal(int signal, siginfo_t* information, void* /*context*/) 
 /// On the signal thread.
 void OnRequest(int signal)
 {
-    Runtime::Application* const application = Runtime::Application::FindInstance();
-    if (application == nullptr)
-    {
-        LetThrough(signal); // nothing is there that could end by itself
-        raise(signal);
-        return;
-    }
-    // A run that is over takes its Systems down, and needs neither to be asked nor to be logged about.
-    if (std::atomic_ref(application->m_returnCode) != Runtime::Application::UnsetReturnCode)
-        return;
     LimitTime(s_requestTimeLimit, SIGABRT);
-    s_errorHandling->HandleSignal(signal);
+    const bool isHandled = s_errorHandling->HandleRequest(signal);
     alarm(0);
+    if (isHandled)
+        return;
+    LetThrough(signal); // nothing is there that could end by itself
+    raise(signal);
 }
 
 void UseAlternateStack()

@@ -42,6 +42,17 @@ void ErrorHandling::HandleSignal(int signal)
     ReportCurrentException();
 }
 
+bool ErrorHandling::HandleRequest(int signal)
+{
+    Runtime::Application* const application = Runtime::Application::FindInstance();
+    if (application == nullptr)
+        return false;
+    // A run that is over takes its Systems down, and needs neither to be asked nor to be logged about.
+    if (std::atomic_ref(application->m_returnCode) == Runtime::Application::UnsetReturnCode)
+        HandleSignal(signal);
+    return true;
+}
+
 void ErrorHandling::ReportSignal(int signal)
 {
     using enum Log::MessageTypeID;

@@ -18,6 +18,9 @@ std::string& FormatLastError(std::string& text);
 /// The last system error of the calling thread, 0 if there is none.
 [[nodiscard]] std::uint32_t GetLastErrorPlatform() noexcept;
 
+/// Makes `code` the last system error of the calling thread: for what fails without the system.
+void SetLastErrorPlatform(std::uint32_t code) noexcept;
+
 /// The system's own text for a code, as the system gives it.
 [[nodiscard]] std::string GetErrorMessagePlatform(std::uint32_t code);
 

@@ -11,6 +11,11 @@ std::uint32_t GetLastErrorPlatform() noexcept
     return static_cast<std::uint32_t>(errno);
 }
 
+void SetLastErrorPlatform(std::uint32_t code) noexcept
+{
+    errno = static_cast<int>(code);
+}
+
 std::string GetErrorMessagePlatform(std::uint32_t code)
 {
     return std::generic_category().message(static_cast<int>(code));

@@ -1,15 +1,15 @@
 #pragma once
 
-// Private to the X11 halves.
+// Private to the halves.
 
 #include "Core/System/Math/Point.h"
 
 namespace Orvik::System::Platform
 {
 
-/// Says, while a pointer event is being delivered, where the pointer was when the event was made. The server may be far
-/// ahead by then: who handles a motion late and asks the server where the pointer is would start a drag at its end.
-/// Scopes don't nest. The thread of the X connection.
+/// Says, while a pointer event is being delivered, where the pointer was when the event was made. The desktop may be
+/// far ahead by then: who handles a motion late and asks the desktop where the pointer is would start a drag at its
+/// end. Scopes don't nest. The thread of the windows.
 class PointerEventScope
 {
 public:

@@ -1,20 +1,47 @@
 #include "Core/System/Text/Paths.h"
 
+#include "Core/System/Text/Unicode.h"
+
+#include <string>
 #include <system_error>
+#include <type_traits>
 
 namespace Orvik::System::Text
 {
+namespace
+{
+
+// Templates, so that only the platform's own kind of path is compiled. The conversions are ours: the library's throw
+// for what isn't valid.
+
+template <typename Path_Type>
+Path_Type MakePath(std::string_view text)
+{
+    if constexpr (std::is_same_v<typename Path_Type::value_type, wchar_t>)
+        return ToWide(text);
+    else
+        return text;
+}
+
+template <typename Path_Type>
+std::string MakeText(const Path_Type& path)
+{
+    if constexpr (std::is_same_v<typename Path_Type::value_type, wchar_t>)
+        return ToUtf8(path.native());
+    else
+        return path.native();
+}
+
+} // namespace
 
 std::filesystem::path PathFromUtf8(std::string_view text)
 {
-    const std::u8string utf8(text.begin(), text.end());
-    return std::filesystem::path(utf8).make_preferred();
+    return MakePath<std::filesystem::path>(text).make_preferred();
 }
 
 std::string PathToUtf8(const std::filesystem::path& path)
 {
-    const std::u8string utf8 = path.u8string();
-    return {utf8.begin(), utf8.end()};
+    return MakeText(path);
 }
 
 std::filesystem::path Join(const std::filesystem::path& directory, const std::filesystem::path& name)

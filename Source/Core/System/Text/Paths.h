@@ -8,7 +8,7 @@ namespace Orvik::System::Text
 {
 
 /// A path from UTF-8, with the preferred separator everywhere. Where paths are bytes (Linux) the text is taken as it
-/// is, valid UTF-8 or not.
+/// is, valid UTF-8 or not; where they are UTF-16 (Windows) what isn't valid becomes U+FFFD.
 [[nodiscard]] std::filesystem::path PathFromUtf8(std::string_view text);
 
 /// The bare path as UTF-8, without quotes.

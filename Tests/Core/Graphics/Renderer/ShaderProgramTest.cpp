@@ -1,6 +1,7 @@
 #include "Core/Graphics/Renderer/ShaderProgram.h"
 #include "Tests/Core/Graphics/Renderer/RecordedRenderer.h"
 #include "Tests/Core/Graphics/Renderer/ResourceCopy.h"
+#include "Tests/Support/Texts.h"
 
 namespace Orvik::Tests
 {
@@ -52,7 +53,8 @@ TEST_F(RecordedShaders, AMissingFileCantBeOpened)
 {
     std::vector<char> text;
     EXPECT_FALSE(LoadShaderFile("absent.vert", text));
-    EXPECT_THAT(m_log.GetLines(), ElementsAre("Graphics Error: Can't open shader: Resources/UI/Shaders/absent.vert"));
+    EXPECT_THAT(m_log.GetLines(), ElementsAre("Graphics Error: Can't open shader: " +
+                                              Tests::NativePath("Resources/UI/Shaders/absent.vert")));
 }
 
 TEST_F(RecordedShaders, ADirectoryInPlaceOfAFileHasNoSize)
@@ -60,13 +62,20 @@ TEST_F(RecordedShaders, ADirectoryInPlaceOfAFileHasNoSize)
     ResourceCopy::MakeShaderDirectory("quad.vert");
     std::vector<char> text;
     EXPECT_FALSE(LoadShaderFile("quad.vert", text));
-    EXPECT_THAT(m_log.GetLines(), ElementsAre(AllOf(StartsWith("Graphics Error: Failed to load shader: "),
-                                                    HasSubstr("file_size"), HasSubstr("quad.vert"))));
+    // Some systems open a directory and tell no size, and some don't open it.
+    EXPECT_THAT(m_log.GetLines(),
+                ElementsAre(testing::AnyOf(AllOf(StartsWith("Graphics Error: Failed to load shader: "),
+                                                 HasSubstr("file_size"), HasSubstr("quad.vert")),
+                                           "Graphics Error: Can't open shader: " +
+                                               Tests::NativePath("Resources/UI/Shaders/quad.vert"))));
 }
 
 TEST_F(RecordedShaders, AHugeFileIsRefusedWithoutReadingIt)
 {
-    std::filesystem::resize_file("Resources/UI/Shaders/quad.vert", std::uintmax_t{1} << 40U);
+    std::error_code error;
+    std::filesystem::resize_file("Resources/UI/Shaders/quad.vert", std::uintmax_t{1} << 40U, error);
+    if (error)
+        GTEST_SKIP() << "There is no room for such a file here.";
     std::vector<char> text;
     EXPECT_FALSE(LoadShaderFile("quad.vert", text));
     EXPECT_THAT(m_log.GetLines(), ElementsAre("Graphics Error: Failed to load shader: The file is too large."));
@@ -134,7 +143,7 @@ TEST_F(RecordedShaders, AMissingStageGoesOnToTheLink)
                             Call("glDeleteShader", 0), Call("glDeleteShader", 1), Call("glLinkProgram", 2),
                             Call("glGetProgramiv", 2, GL_LINK_STATUS), Call("glGetProgramInfoLog", 2, 512, 0)));
     EXPECT_THAT(m_log.GetLines(),
-                ElementsAre("Graphics Error: Can't open shader: Resources/UI/Shaders/line.vert",
+                ElementsAre("Graphics Error: Can't open shader: " + Tests::NativePath("Resources/UI/Shaders/line.vert"),
                             "Graphics Error: OpenGL: Failed to link program (line.vert, line.frag) with error "));
 }
 

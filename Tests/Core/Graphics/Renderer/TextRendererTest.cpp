@@ -1,6 +1,7 @@
 #include "Tests/Core/Graphics/Renderer/FontBytes.h"
 #include "Tests/Core/Graphics/Renderer/RecordedRenderer.h"
 #include "Tests/Core/Graphics/Renderer/ResourceCopy.h"
+#include "Tests/Support/Texts.h"
 
 #include <algorithm>
 
@@ -100,7 +101,8 @@ TEST_F(TextStart, AMissingFontFails)
     ResourceCopy::RemoveFont();
     EXPECT_FALSE(m_renderer.Initialize(s_window, "TestClass"));
     EXPECT_THAT(m_log.GetLines(),
-                ElementsAre("Graphics Error: Failed to load font: Resources/UI/Textures/Mulish-Regular.ttf",
+                ElementsAre("Graphics Error: Failed to load font: " +
+                                Tests::NativePath("Resources/UI/Textures/Mulish-Regular.ttf"),
                             "Graphics Error: Failed to initialize renderer. Debug draw is disabled!"));
 }
 
@@ -110,7 +112,8 @@ TEST_F(TextStart, AFileThatIsNoFontFails)
     ResourceCopy::WriteFont("This is no font.");
     EXPECT_FALSE(m_renderer.Initialize(s_window, "TestClass"));
     EXPECT_THAT(m_log.GetLines(),
-                ElementsAre("Graphics Error: Failed to load font: Resources/UI/Textures/Mulish-Regular.ttf",
+                ElementsAre("Graphics Error: Failed to load font: " +
+                                Tests::NativePath("Resources/UI/Textures/Mulish-Regular.ttf"),
                             "Graphics Error: Failed to initialize renderer. Debug draw is disabled!"));
 }
 

@@ -1,8 +1,6 @@
 #include "Core/System/Error/Assertion.h"
 #include "Tests/Support/AssertionTrap.h"
 
-#include <csignal>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -91,39 +89,6 @@ TEST(Assertion, SetHandlerReturnsTheOneBefore)
 {
     const AssertionHandler first = SetAssertionHandler(&CountCall);
     EXPECT_EQ(SetAssertionHandler(first), &CountCall);
-}
-
-using AssertionDeathTest = testing::Test;
-
-TEST(AssertionDeathTest, DefaultHandlerWritesTheReportAndAborts)
-{
-    EXPECT_EXIT(
-        {
-            SetAssertionHandler(nullptr);
-            std::signal(SIGABRT, SIG_DFL);
-            FailOnPurpose();
-        },
-        testing::KilledBySignal(SIGABRT),
-        testing::MatchesRegex("Assertion: m_value == 2 \\|\\| m_value == 3\n"
-                              "\tMessage: Value must be two or three\\.\n"
-                              "\n"
-                              "Callstack:\n"
-                              "\t\\[0\\]: \\./Tests/Core/System/Error/AssertionTest\\.cpp at " +
-                              std::to_string(s_failureLine) + ": FailOnPurpose\n"));
-}
-
-TEST(AssertionDeathTest, HandlerThatReturnsEndsInThePlatformsAssertion)
-{
-    EXPECT_EXIT(
-        {
-            SetAssertionHandler(&CountCall);
-            std::signal(SIGABRT, SIG_DFL);
-            FailOnPurpose();
-        },
-        testing::KilledBySignal(SIGABRT),
-        testing::MatchesRegex(".*: \\./Tests/Core/System/Error/AssertionTest\\.cpp:" + std::to_string(s_failureLine) +
-                              ": FailOnPurpose: "
-                              "Assertion `\\(m_value == 2 \\|\\| m_value == 3\\)' failed\\.\n"));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Tests/Support/AssertionTrap.h"
+#include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TestApplication.h"
 
 #include <cstdlib>
@@ -65,7 +66,7 @@ TEST(LoggerConfig, HasValuesBeforeItsDefaults)
 
 TEST(LoggerConfig, DefaultsPutTheFilesIntoTheDataDirectoryUnderTheApplicationsName)
 {
-    setenv("HOME", "/home/somebody", 1);
+    const Tests::EnvironmentVariable home(Tests::HomeVariable, "/home/somebody");
     Runtime::DirectoryCache::GetInstance().Initialize();
     Tests::TestApplication application;
     application.m_configCache.Initialize(nullptr);

@@ -7,6 +7,7 @@
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestApplication.h"
+#include "Tests/Support/Texts.h"
 
 #include <cstdlib>
 #include <ctime>
@@ -21,7 +22,7 @@ namespace Orvik::System::Log
 namespace
 {
 
-using testing::MatchesRegex;
+using Tests::MatchesPattern;
 
 constexpr Context s_systemSite{StreamID::System};
 constexpr const char* s_time = "\\[20[0-9][0-9]-[01][0-9]-[0-3][0-9]T[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9]{7}Z";
@@ -65,7 +66,7 @@ protected:
 
     [[nodiscard]] std::string ReadFile() const
     {
-        std::ifstream file(GetFile(), std::ios::binary);
+        std::ifstream file(GetFile()); // as text: line ends differ
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
@@ -146,7 +147,7 @@ TEST_F(LoggerTest, WritesLinesWithTimeStreamAndSeverity)
     Write(s_systemSite, MessageTypeID::Warning, "number ", 7, '.');
     Write(Context{StreamID::SnipBench}, MessageTypeID::Error, "");
     const std::string output = TakeOutput();
-    EXPECT_THAT(output, MatchesRegex(Line(" | System] Warning: number 7.\n") + Line(" | SnipBench] Error: \n")));
+    EXPECT_THAT(output, MatchesPattern(Line(" | System] Warning: number 7.\n") + Line(" | SnipBench] Error: \n")));
     EXPECT_EQ(ReadFile(), output);
 }
 
@@ -158,17 +159,17 @@ TEST_F(LoggerTest, EverySeverityHasItsWordButAlways)
          {MessageTypeID::Debug, MessageTypeID::Verbose, MessageTypeID::Info, MessageTypeID::Warning,
           MessageTypeID::Error, MessageTypeID::Critical, MessageTypeID::Always})
         Write(site, severity, "text");
-    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | Graphics] Debug: text\n") + Line(" | Graphics] Verbose: text\n") +
-                                           Line(" | Graphics] Info: text\n") + Line(" | Graphics] Warning: text\n") +
-                                           Line(" | Graphics] Error: text\n") + Line(" | Graphics] Critical: text\n") +
-                                           Line(" | Graphics] text\n")));
+    EXPECT_THAT(TakeOutput(), MatchesPattern(Line(" | Graphics] Debug: text\n") + Line(" | Graphics] Verbose: text\n") +
+                                             Line(" | Graphics] Info: text\n") + Line(" | Graphics] Warning: text\n") +
+                                             Line(" | Graphics] Error: text\n") +
+                                             Line(" | Graphics] Critical: text\n") + Line(" | Graphics] text\n")));
 }
 
 TEST_F(LoggerTest, PathsAreWrittenBetweenDoubleQuotes)
 {
     Initialize();
     Write(s_systemSite, MessageTypeID::Always, "from '", std::filesystem::path("/a b/\"c\\"), "'.");
-    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | System] from '\"/a b/\\\"c\\\\\"'.\n")));
+    EXPECT_THAT(TakeOutput(), MatchesPattern(Line(" | System] from '\"/a b/\\\"c\\\\\"'.\n")));
 }
 
 TEST_F(LoggerTest, TheSeverityGateIsTheSites)
@@ -180,8 +181,8 @@ TEST_F(LoggerTest, TheSeverityGateIsTheSites)
     Write(Context{StreamID::System, 0x105}, MessageTypeID::Error, "off: only the low byte counts");
     Write(Context{StreamID::System, 0x105}, MessageTypeID::Critical, "on");
     Write(Context{StreamID::System, 0xFF}, MessageTypeID::Always, "on");
-    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | System] Info: on\n") + Line(" | System] Critical: on\n") +
-                                           Line(" | System] on\n")));
+    EXPECT_THAT(TakeOutput(), MatchesPattern(Line(" | System] Info: on\n") + Line(" | System] Critical: on\n") +
+                                             Line(" | System] on\n")));
 }
 
 TEST_F(LoggerTest, TheStreamGateIsTheConfigurations)
@@ -190,7 +191,7 @@ TEST_F(LoggerTest, TheStreamGateIsTheConfigurations)
     Initialize();
     Write(s_systemSite, MessageTypeID::Always, "off");
     Write(Context{StreamID::Graphics}, MessageTypeID::Info, "on");
-    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | Graphics] Info: on\n")));
+    EXPECT_THAT(TakeOutput(), MatchesPattern(Line(" | Graphics] Info: on\n")));
 }
 
 TEST_F(LoggerTest, ADirectWriteHasNoSeverityGate)
@@ -199,7 +200,7 @@ TEST_F(LoggerTest, ADirectWriteHasNoSeverityGate)
     Initialize();
     m_logger.Write<StreamID::Default, MessageTypeID::Debug>("piece ", 1, " and ", 2.5);
     m_logger.Write<StreamID::System, MessageTypeID::Critical>("off");
-    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | Default] Debug: piece 1 and 2.5\n")));
+    EXPECT_THAT(TakeOutput(), MatchesPattern(Line(" | Default] Debug: piece 1 and 2.5\n")));
 }
 
 TEST_F(LoggerTest, AStreamThatIsNoneIsAnAssertionFailure)
@@ -275,7 +276,7 @@ TEST_F(LoggerTest, ALogFileThatCannotBeOpenedIsThrownAndLeavesTheConsole)
     EXPECT_NE(m_logger.GetSinks()[0], nullptr);
     EXPECT_EQ(m_logger.GetSinks()[1], nullptr);
     Write(s_systemSite, MessageTypeID::Error, "to the console alone");
-    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | System] Error: to the console alone\n")));
+    EXPECT_THAT(TakeOutput(), MatchesPattern(Line(" | System] Error: to the console alone\n")));
 }
 
 TEST_F(LoggerTest, AFailingSinkIsReportedOnceAndLeftOut)
@@ -283,7 +284,12 @@ TEST_F(LoggerTest, AFailingSinkIsReportedOnceAndLeftOut)
     Initialize();
     const std::filesystem::path file = GetFile();
     Write(s_systemSite, MessageTypeID::Error, "one");
-    std::filesystem::remove(file);
+    std::error_code error;
+    if (!std::filesystem::remove(file, error))
+    {
+        (void)TakeOutput();
+        GTEST_SKIP() << "An open file can't be removed here.";
+    }
     std::filesystem::create_directory(file);
     testing::internal::CaptureStderr();
     Write(s_systemSite, MessageTypeID::Error, "two");
@@ -292,9 +298,9 @@ TEST_F(LoggerTest, AFailingSinkIsReportedOnceAndLeftOut)
     std::ofstream(file).flush();
     Write(s_systemSite, MessageTypeID::Error, "four");
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
-                MatchesRegex("A log sink failed and gets no further lines: filesystem error: file_size[^\n]*\n"));
-    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | System] Error: one\n") + Line(" | System] Error: two\n") +
-                                           Line(" | System] Error: three\n") + Line(" | System] Error: four\n")));
+                MatchesPattern("A log sink failed and gets no further lines: filesystem error: file_size[^\n]*\n"));
+    EXPECT_THAT(TakeOutput(), MatchesPattern(Line(" | System] Error: one\n") + Line(" | System] Error: two\n") +
+                                             Line(" | System] Error: three\n") + Line(" | System] Error: four\n")));
     EXPECT_EQ(ReadFile(), "");
 }
 
@@ -312,7 +318,7 @@ TEST_F(LoggerTest, ASplitThatFailsIsReportedAndTheRunGoesOn)
     Write(s_systemSite, MessageTypeID::Error, "two");
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "A log sink failed and gets no further lines: Couldn't open new log file.\n");
-    EXPECT_THAT(TakeOutput(), MatchesRegex(Line(" | System] Error: one\n") + Line(" | System] Error: two\n")));
+    EXPECT_THAT(TakeOutput(), MatchesPattern(Line(" | System] Error: one\n") + Line(" | System] Error: two\n")));
 }
 
 // Contexts. Registered ones have to outlive the process.

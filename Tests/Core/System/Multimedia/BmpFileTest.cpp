@@ -261,6 +261,8 @@ TEST_F(BmpFile, InADirectoryThatIsNotThereIsNotWritten)
 
 TEST_F(BmpFile, OnAFullDiskIsReportedWhateverItsSize)
 {
+    if (!std::filesystem::exists("/dev/full"))
+        GTEST_SKIP() << "There is no full device here.";
     EXPECT_FALSE(Bitmap().SaveBmp("/dev/full"));
     const Bitmap small(1, 1, 32);
     const Bitmap large = small.Crop(0, 0, 500, 500);

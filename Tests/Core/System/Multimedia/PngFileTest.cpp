@@ -363,6 +363,8 @@ TEST_F(PngFile, InADirectoryThatIsNotThereIsNotWritten)
 
 TEST_F(PngFile, OnAFullDiskIsReportedWhateverItsSize)
 {
+    if (!std::filesystem::exists("/dev/full"))
+        GTEST_SKIP() << "There is no full device here.";
     const Bitmap small = Bitmap(1, 1, 32).Crop(1, 1, 1, 1);
     EXPECT_FALSE(small.SavePng("/dev/full"));
 

@@ -88,7 +88,7 @@ protected:
     }
 
     TemporaryDirectory m_home;
-    EnvironmentVariable m_homeVariable{"HOME", m_home.GetPath().c_str()};
+    EnvironmentVariable m_homeVariable{HomeVariable, m_home.GetPath().string().c_str()};
     std::filesystem::path m_before;
     FrameApplication m_application;
 };

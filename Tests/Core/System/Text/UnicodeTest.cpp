@@ -11,7 +11,15 @@ std::wstring Wide(std::initializer_list<std::uint32_t> units)
 {
     std::wstring text;
     for (const std::uint32_t unit : units)
+    {
+        if (sizeof(wchar_t) == 2 && unit >= 0x10000)
+        {
+            text += static_cast<wchar_t>(0xD800 + ((unit - 0x10000) >> 10));
+            text += static_cast<wchar_t>(0xDC00 + ((unit - 0x10000) & 0x3FF));
+            continue;
+        }
         text += static_cast<wchar_t>(unit);
+    }
     return text;
 }
 

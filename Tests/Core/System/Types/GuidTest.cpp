@@ -1,4 +1,5 @@
 #include "Core/System/Types/Guid.h"
+#include "Tests/Support/Texts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -62,7 +63,7 @@ TEST(Guid, GeneratedOnesAreDifferentRandomUuids)
     {
         const std::string text = GenerateGuid().ToString();
         EXPECT_EQ(text.size(), 38U);
-        EXPECT_THAT(text, testing::MatchesRegex("\\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-"
+        EXPECT_THAT(text, Tests::MatchesPattern("\\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-"
                                                 "[0-9A-F]{12}\\}"));
         texts.insert(text);
     }

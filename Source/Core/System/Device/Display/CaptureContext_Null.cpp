@@ -1,13 +1,21 @@
 #include "Core/System/Device/Display/CaptureContext.h"
 
+#include "Core/System/Error/SystemError.h"
 #include "Core/System/Platform/NullDesktop.h"
 
-#include <cerrno>
 #include <cstddef>
 #include <vector>
 
 namespace Orvik::System::Device::Display
 {
+
+namespace
+{
+
+/// Some error of the system.
+constexpr std::uint32_t s_refusal = 5;
+
+} // namespace
 
 struct PlatformCaptureContext
 {
@@ -39,7 +47,7 @@ bool CaptureContext::CopyScreenPlatform()
     PlatformCaptureContext& context = *m_platformContext;
     if (!desktop.captureSucceeds || context.pixels.empty())
     {
-        errno = EIO;
+        Error::SetLastErrorPlatform(s_refusal);
         return false;
     }
     desktop.captures.push_back(context.region);

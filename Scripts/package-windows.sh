@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Builds the program for Windows and packs it with all it needs: build/SnipBench-<version>-Windows-x64.zip, whose path
+# is printed. Unpacked anywhere it runs.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+cd "$root"
+version=$(sed -n 's/^project(SnipBench VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+name=SnipBench-$version-Windows-x64
+stage=build/package/$name
+
+{
+    Scripts/setup-windows.sh
+    [ -f build/windows-release/build.ninja ] || cmake --preset windows-release -DORVIK_BUILD_TESTS=OFF
+    cmake --build build/windows-release --target SnipBench
+} >&2
+
+rm -rf build/package
+mkdir -p "$stage/Binaries/Windows-x64" "$stage/Licenses"
+x86_64-w64-mingw32-strip -o "$stage/Binaries/Windows-x64/SnipBench.exe" Binaries/Windows-x64/SnipBench.exe
+cp -R Resources "$stage/"
+mv "$stage/Resources/UI/Textures/Mulish-LICENSE.txt" "$stage/Licenses/Mulish.txt"
+cp LICENSE "$stage/License.txt"
+cp CHANGELOG.md "$stage/Changelog.txt"
+cp Packaging/Windows-Readme.txt "$stage/Readme.txt"
+
+# What is linked in, each with the text that its package comes with.
+while read -r package title; do
+    cp -L "/usr/share/doc/$package/copyright" "$stage/Licenses/$title.txt"
+done <<'LIST'
+libpng-dev libpng
+libfreetype-dev FreeType
+libz-mingw-w64-dev zlib
+libfmt-dev fmt
+rapidjson-dev RapidJSON
+gcc-mingw-w64-base GCC-runtime
+mingw-w64-common mingw-w64
+LIST
+
+# Windows' own editor of texts knows no other line ends on older versions.
+find "$stage" -maxdepth 2 -name '*.txt' -exec sed -i 's/\r*$/\r/' {} +
+
+rm -f "build/$name.zip"
+(cd build/package && cmake -E tar cf "../$name.zip" --format=zip "$name")
+echo "$root/build/$name.zip"

@@ -1,0 +1,150 @@
+#!/usr/bin/env bash
+# Installs what building SnipBench for Windows needs on Debian 12 beside what Scripts/setup-linux.sh installs: the cross
+# compiler, Wine, and, built once from the archive's source packages into build/windows-dependencies, the libraries
+# that Debian has no Windows version of. With nothing missing it fetches nothing and asks for no rights.
+#
+#   Scripts/setup-windows.sh           what building and running the program needs
+#   Scripts/setup-windows.sh --test    and what the tests need
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+dependencies=$root/build/windows-dependencies
+. "$root/Scripts/packages.sh"
+
+packages=(
+    g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev
+    wine wine64 xvfb xauth
+)
+case "${1:-}" in
+    "") "$root/Scripts/setup-linux.sh" ;;
+    --test) "$root/Scripts/setup-linux.sh" --test; packages+=(googletest) ;;
+    *) echo "usage: $0 [--test]" >&2; exit 2 ;;
+esac
+require_packages "${packages[@]}"
+
+png_archive_sha256=a00e9d2f2f664186e4202db9299397f851aea71b36a35e74910b8820e380d441      # 1.6.39
+freetype_archive_sha256=7dedb6b9adf331559daea614a83b8de42a753e685ec8e1c4bdb4529eb880b0d1 # 2.12.1
+
+# apt with the configured archives, but their source packages, and with its lists in a folder of ours: the system's own
+# stay as they are, and nobody needs to be root.
+make_source_lists() # FOLDER
+{
+    local file
+    mkdir -p "$1/parts" "$1/lists/partial"
+    for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list /etc/apt/sources.list.d/*.sources; do
+        [ -f "$file" ] || continue
+        case $file in
+            *.sources) sed 's/^Types:.*/Types: deb-src/' "$file" >"$1/parts/${file##*/}" ;;
+            *) sed -n 's/^deb[[:blank:]]/deb-src /p' "$file" >"$1/parts/from-${file##*/}.list" ;;
+        esac
+    done
+}
+
+apt_sources() # TOOL FOLDER COMMAND...
+{
+    local tool=$1 folder=$2
+    shift 2
+    "$tool" -qq -o Dir::Etc::SourceList=/dev/null -o Dir::Etc::SourceParts="$folder/parts" \
+        -o Dir::State::Lists="$folder/lists" -o Dir::Cache="$folder" -o APT::Sandbox::User= "$@"
+}
+
+# The newest source package that is there: an archive may name one before each of its mirrors has it.
+download_source() # SCRATCH PACKAGE
+{
+    local version
+    apt_sources apt-cache "$1/apt" showsrc "$2" | sed -n 's/^Version: //p' | sort -ruV >"$1/versions-$2"
+    while read -r version; do
+        if apt_sources apt-get "$1/apt" source --download-only "$2=$version" >&2; then
+            return
+        fi
+        echo "Version $version of $2 isn't there; trying the one before." >&2
+        rm -f -- *
+    done <"$1/versions-$2"
+    return 1
+}
+
+# Leaves the source package's tree, with the archive's security fixes, in SCRATCH/PACKAGE. apt checks the archive's
+# signature; the hash pins the version.
+fetch_source() # SCRATCH PACKAGE ARCHIVE_PATTERN HASH
+{
+    local archive
+    echo "Fetching the sources of $2" >&2
+    mkdir -p "$1/download-$2"
+    (cd "$1/download-$2" && download_source "$1" "$2")
+    archive=$(find "$1/download-$2" -name "$3")
+    if ! has_sha256 "$archive" "$4"; then
+        echo "The sources of $2 aren't of the expected version; it is not built." >&2
+        exit 1
+    fi
+    dpkg-source --no-check -x "$1/download-$2/"*.dsc "$1/$2" >/dev/null
+}
+
+build_library() # SOURCE BUILD [cmake options]
+{
+    local source=$1 build=$2
+    shift 2
+    echo "Building $(basename "$source") for Windows" >&2
+    cmake -S "$source" -B "$build" -G Ninja --toolchain "$root/CMake/Toolchain-mingw-w64.cmake" \
+        -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$dependencies" -DBUILD_SHARED_LIBS=OFF \
+        -DCMAKE_POLICY_DEFAULT_CMP0077=NEW -Wno-dev "$@" >"$build.log" 2>&1 &&
+        cmake --build "$build" --target install >>"$build.log" 2>&1 || {
+        tail -n 30 "$build.log" >&2
+        exit 1
+    }
+}
+
+# The folder of a header-only library, out of its package: the folder that it lies in has headers of this system too.
+copy_headers() # PACKAGE FOLDER
+{
+    local header
+    header=$(dpkg-query -L "$1" | awk -v folder="/include/$2/" 'index($0, folder) && /\.h$/ && !found++')
+    mkdir -p "$dependencies/include"
+    cp -RL "$(dirname "$header")" "$dependencies/include/"
+}
+
+build_libraries()
+(
+    scratch=$(mktemp -d)
+    trap 'rm -rf "$scratch"' EXIT
+    make_source_lists "$scratch/apt"
+    apt_sources apt-get "$scratch/apt" update >&2
+    fetch_source "$scratch" libpng1.6 'libpng1.6_*.orig.tar.gz' "$png_archive_sha256"
+    fetch_source "$scratch" freetype 'freetype_*.orig.tar.xz' "$freetype_archive_sha256"
+    build_library "$scratch/libpng1.6" "$scratch/build-libpng" -DPNG_SHARED=OFF -DPNG_TESTS=OFF
+    # With the same zlib as libpng's: its own copy would be there twice.
+    build_library "$scratch/freetype" "$scratch/build-freetype" -DFT_REQUIRE_ZLIB=ON -DFT_DISABLE_BZIP2=ON \
+        -DFT_DISABLE_PNG=ON -DFT_DISABLE_HARFBUZZ=ON -DFT_DISABLE_BROTLI=ON
+    copy_headers libfmt-dev fmt
+    copy_headers rapidjson-dev rapidjson
+)
+
+build_test_framework()
+(
+    scratch=$(mktemp -d)
+    trap 'rm -rf "$scratch"' EXIT
+    root_list=$(dpkg-query -L googletest | awk '/\/googletest\/CMakeLists.txt$/ && !found++')
+    build_library "${root_list%/CMakeLists.txt}" "$scratch/build-googletest"
+)
+
+# Each stamp names what was built. A change of a version, here or in the archive's headers, builds it again.
+build_once() # STAMP VERSIONS FUNCTION
+{
+    local stamp=$dependencies/$1
+    if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$2" ]; then
+        return
+    fi
+    "$3"
+    echo "$2" >"$stamp"
+}
+
+versions()
+{
+    dpkg-query -W -f '${Package} ${Version}\n' "$@"
+}
+
+mkdir -p "$dependencies"
+build_once libraries.stamp "$png_archive_sha256 $freetype_archive_sha256 $(versions libfmt-dev rapidjson-dev \
+    libz-mingw-w64-dev gcc-mingw-w64-x86-64-posix)" build_libraries
+if [ "${1:-}" = --test ]; then
+    build_once googletest.stamp "$(versions googletest gcc-mingw-w64-x86-64-posix)" build_test_framework
+fi

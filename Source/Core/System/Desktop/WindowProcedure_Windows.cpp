@@ -1,0 +1,173 @@
+#include "Core/System/Desktop/WindowProcedure_Windows.h"
+
+#include "Core/System/Desktop/MessageNames_Windows.h"
+#include "Core/System/Desktop/Window.h"
+#include "Core/System/Log/Log.h"
+#include "Core/System/Log/LogSite.h"
+#include "Core/System/Platform/PointerEvent.h"
+
+#include <csignal>
+#include <dbt.h>
+#include <thread>
+
+namespace Orvik::System::Desktop
+{
+namespace
+{
+
+constexpr std::uint8_t s_leftButton = 1;
+constexpr std::uint8_t s_rightButton = 3;
+
+/// Not a constant as elsewhere: every message is logged once the stream is configured for it.
+struct MessageContext : Log::Context
+{
+    MessageContext() : Log::Context{.stream = Log::StreamID::System} { Log::RegisterContext(this); }
+};
+MessageContext s_context; // NOLINT(cert-err58-cpp)
+
+void LogMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    Log::Write(s_context, Log::MessageTypeID::Debug, "Window (", reinterpret_cast<std::uintptr_t>(window),
+               "): ", GetMessageName(message), " (", message, ") ", wParam, " ", lParam);
+}
+
+/// The low and the high 16 bits with their signs: displays left of and above the primary one have negative
+/// coordinates.
+std::int32_t GetSignedLow(std::uintptr_t bits)
+{
+    return static_cast<std::int16_t>(LOWORD(bits));
+}
+
+std::int32_t GetSignedHigh(std::uintptr_t bits)
+{
+    return static_cast<std::int16_t>(HIWORD(bits));
+}
+
+/// The virtual key of a key message; a modifier's tells its side.
+UINT GetMessageKey(WPARAM wParam, LPARAM lParam)
+{
+    const UINT key = LOWORD(wParam);
+    if (key != VK_SHIFT && key != VK_CONTROL && key != VK_MENU)
+        return key;
+    const WORD flags = HIWORD(lParam);
+    const UINT scanCode = LOBYTE(flags);
+    return GetKeyboardCalls().mapVirtualKey((flags & KF_EXTENDED) != 0 ? 0xE000U + scanCode : scanCode,
+                                            MAPVK_VSC_TO_VK_EX);
+}
+
+bool OnKey(Window& target, WPARAM wParam, LPARAM lParam)
+{
+    const UINT virtualKey = GetMessageKey(wParam, lParam);
+    const KeyCode key = GetKeyCode(virtualKey);
+    if (key == KeyCode::Undefined)
+    {
+        Log::Write(s_context, Log::MessageTypeID::Warning, "Found undefined virtual key: ", virtualKey);
+        return false;
+    }
+    const bool isReleased = (HIWORD(lParam) & KF_UP) != 0;
+    return target.DeliverKey(key, !isReleased);
+}
+
+bool OnMouseMove(Window& target, HWND window, LPARAM lParam)
+{
+    const std::int32_t x = GetSignedLow(static_cast<std::uintptr_t>(lParam));
+    const std::int32_t y = GetSignedHigh(static_cast<std::uintptr_t>(lParam));
+    POINT place = {x, y};
+    ClientToScreen(window, &place);
+    const Math::Point onScreen = {place.x, place.y};
+    const Platform::PointerEventScope scope(onScreen);
+    return target.DeliverMouseMove(x, y);
+}
+
+bool OnPaint(Window& target, HWND window)
+{
+    PAINTSTRUCT paint = {};
+    BeginPaint(window, &paint);
+    const bool isHandled = target.DeliverPlain(WindowEventType::Paint);
+    EndPaint(window, &paint);
+    return isHandled;
+}
+
+/// The session ends. That is a request to end like any other; it comes on a thread of its own, since the run
+/// that it waits for goes on here.
+bool OnEndSession(WPARAM isEnding)
+{
+    if (isEnding == FALSE)
+        return false;
+    std::thread([] { std::raise(SIGTERM); }).detach();
+    return true;
+}
+
+/// Delivers a message's event. False for one that makes none, and for an event that nobody dealt with.
+bool DeliverMessage(Window& target, HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message)
+    {
+    case WM_CREATE:
+        return target.DeliverPlain(WindowEventType::Created);
+    case WM_DEVICECHANGE:
+        return wParam == DBT_DEVNODES_CHANGED && target.DeliverPlain(WindowEventType::DevicesChanged);
+    case WM_DISPLAYCHANGE:
+        return target.DeliverPlain(WindowEventType::DisplayChanged);
+    case WM_KEYDOWN:
+    case WM_KEYUP:
+    case WM_SYSKEYDOWN:
+    case WM_SYSKEYUP:
+        return OnKey(target, wParam, lParam);
+    case WM_MOUSEMOVE:
+        return OnMouseMove(target, window, lParam);
+    case WM_MOUSEWHEEL:
+        return target.DeliverMouseWheel(static_cast<float>(GetSignedHigh(wParam)) / 120.0F);
+    case WM_LBUTTONDOWN:
+        return target.DeliverMouseButton(s_leftButton, true);
+    case WM_LBUTTONUP:
+        return target.DeliverMouseButton(s_leftButton, false);
+    case WM_RBUTTONDOWN:
+        return target.DeliverMouseButton(s_rightButton, true);
+    case WM_RBUTTONUP:
+        return target.DeliverMouseButton(s_rightButton, false);
+    case WM_HOTKEY:
+        return target.DeliverHotKey(wParam);
+    case WM_MOVE:
+        return target.DeliverPlain(WindowEventType::Moved);
+    case WM_SIZE:
+        return target.DeliverPlain(WindowEventType::Resized);
+    case WM_PAINT:
+        return OnPaint(target, window);
+    case WM_ENDSESSION:
+        return OnEndSession(wParam);
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    LogMessage(window, message, wParam, lParam);
+    if (message == WM_NCCREATE)
+    {
+        const auto* const creation = reinterpret_cast<const CREATESTRUCTW*>(lParam);
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(creation->lpCreateParams));
+        return TRUE;
+    }
+    auto* const target = reinterpret_cast<Window*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (target == nullptr || !target->HasEventHandler())
+        return DefWindowProcW(window, message, wParam, lParam);
+    if (message == WM_CLOSE)
+    {
+        target->DeliverClose();
+        return 0;
+    }
+    if (message == WM_DESTROY)
+    {
+        PostQuitMessage(0);
+        return 0;
+    }
+    if (DeliverMessage(*target, window, message, wParam, lParam))
+        return 0;
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+} // namespace Orvik::System::Desktop

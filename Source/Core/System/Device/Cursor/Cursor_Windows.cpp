@@ -1,0 +1,63 @@
+#include "Core/System/Device/Cursor/Cursor.h"
+#include "Core/System/Device/Cursor/CursorFailure.h"
+#include "Core/System/Error/SystemError.h"
+#include "Core/System/Platform/PointerEvent.h"
+#include "Core/System/Platform/WindowsHeaders.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace Orvik::System::Device::Cursor
+{
+namespace
+{
+
+/// A coordinate on the scale of 0 to 65535 that the input queue has for the whole virtual desktop. The half pixel puts
+/// it in the middle of the pixel, so that the system's rounding doesn't shift it.
+LONG ScaleCoordinate(std::int32_t coordinate, int desktopBegin, int desktopSize)
+{
+    const double inDesktop = static_cast<double>(coordinate) - desktopBegin + 0.5;
+    return static_cast<LONG>(inDesktop / std::max(desktopSize, 1) * 65535.0);
+}
+
+} // namespace
+
+bool GetCurrentPosition(Math::Point& position)
+{
+    if (const Math::Point* const eventPosition = Platform::PointerEventScope::GetPosition())
+    {
+        position = *eventPosition;
+        return true;
+    }
+    POINT found = {};
+    if (GetCursorPos(&found) == FALSE)
+        return ReportFailure("GetCurrentPosition", Error::FormatLastError());
+    position = {found.x, found.y};
+    return true;
+}
+
+bool SetPosition(const Math::Point& position)
+{
+    INPUT input = {};
+    input.type = INPUT_MOUSE;
+    input.mi.dx =
+        ScaleCoordinate(position.x, GetSystemMetrics(SM_XVIRTUALSCREEN), GetSystemMetrics(SM_CXVIRTUALSCREEN));
+    input.mi.dy =
+        ScaleCoordinate(position.y, GetSystemMetrics(SM_YVIRTUALSCREEN), GetSystemMetrics(SM_CYVIRTUALSCREEN));
+    input.mi.dwFlags = MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_VIRTUALDESK | MOUSEEVENTF_MOVE;
+    if (SendInput(1, &input, sizeof(input)) != 1)
+        return ReportFailure("SetPosition", Error::FormatLastError());
+    return true;
+}
+
+void ShowCursor(bool visible)
+{
+    // The system counts; a caller that says the same twice means it once.
+    static bool s_isVisible = true;
+    if (visible == s_isVisible)
+        return;
+    s_isVisible = visible;
+    ::ShowCursor(visible ? TRUE : FALSE);
+}
+
+} // namespace Orvik::System::Device::Cursor

@@ -1,0 +1,55 @@
+#include "Core/System/Device/Display/UncoveredScreen_Windows.h"
+
+#include "Core/System/Time/MonotonicClock.h"
+
+#include <dwmapi.h>
+
+namespace Orvik::System::Device::Display
+{
+namespace
+{
+
+/// What other programs take to redraw what is uncovered. Nobody tells when they are done.
+constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
+
+bool IsDesktopComposed()
+{
+    BOOL isComposed = FALSE;
+    return SUCCEEDED(DwmIsCompositionEnabled(&isComposed)) && isComposed != FALSE;
+}
+
+BOOL CALLBACK CollectOverlay(HWND window, LPARAM overlays)
+{
+    if (IsWindowVisible(window) != FALSE && (GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_LAYERED) != 0)
+        reinterpret_cast<std::vector<HWND>*>(overlays)->push_back(window);
+    return TRUE;
+}
+
+} // namespace
+
+void AwaitRepaint()
+{
+    DwmFlush();
+    Time::Sleep(s_repaintNanoseconds);
+}
+
+UncoveredScreen::UncoveredScreen()
+{
+    if (IsDesktopComposed())
+        return;
+    EnumThreadWindows(GetCurrentThreadId(), &CollectOverlay, reinterpret_cast<LPARAM>(&m_overlays));
+    for (HWND const overlay : m_overlays)
+        ShowWindow(overlay, SW_HIDE);
+    if (!m_overlays.empty())
+        AwaitRepaint();
+}
+
+UncoveredScreen::~UncoveredScreen()
+{
+    const DWORD error = GetLastError(); // of the copy
+    for (HWND const overlay : m_overlays)
+        ShowWindow(overlay, SW_SHOWNA);
+    SetLastError(error);
+}
+
+} // namespace Orvik::System::Device::Display

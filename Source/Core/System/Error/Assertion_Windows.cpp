@@ -1,0 +1,19 @@
+#include "Core/System/Error/Assertion.h"
+#include "Core/System/Text/Unicode.h"
+
+#include <cstdlib>
+
+// The failure function is declared in debug builds only; assertions stay in every build here.
+#undef NDEBUG
+#include <cassert>
+
+namespace Orvik::System::Error
+{
+
+void FailAssertionPlatform(const char* condition, const char* path, const SourceLocation& location)
+{
+    _wassert(Text::ToWide(condition).c_str(), Text::ToWide(path).c_str(), static_cast<unsigned>(location.line));
+    std::abort(); // where somebody chose to ignore it
+}
+
+} // namespace Orvik::System::Error

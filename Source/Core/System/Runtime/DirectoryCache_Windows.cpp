@@ -1,0 +1,33 @@
+#include "Core/System/Runtime/DirectoryCache.h"
+#include "Core/System/Text/Paths.h"
+
+#include <initializer_list>
+
+namespace Orvik::System::Runtime
+{
+namespace
+{
+
+std::string JoinAll(std::filesystem::path directory, std::initializer_list<const char*> names)
+{
+    for (const char* const name : names)
+        directory = Text::Join(directory, name);
+    return Text::PathToUtf8(directory);
+}
+
+} // namespace
+
+// A variable that isn't set doesn't keep the next from being read. What is derived from it is left empty.
+void DirectoryCache::InitializePlatform()
+{
+    ReadEnvironmentEntry("USERPROFILE", m_userProfile);
+    if (ReadEnvironmentEntry("LOCALAPPDATA", m_localAppData))
+        m_localLow = JoinAll(Text::PathFromUtf8(m_localAppData.value).parent_path(), {"LocalLow"});
+    if (ReadEnvironmentEntry("APPDATA", m_appData))
+    {
+        m_startup =
+            JoinAll(Text::PathFromUtf8(m_appData.value), {"Microsoft", "Windows", "Start Menu", "Programs", "Startup"});
+    }
+}
+
+} // namespace Orvik::System::Runtime

@@ -1,0 +1,223 @@
+#include "Tests/Core/System/Desktop/WindowFixture_Windows.h"
+#include "Tests/Support/AssertionTrap.h"
+#include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/Texts.h"
+
+#include <array>
+#include <gmock/gmock.h>
+
+namespace Orvik::System::Desktop
+{
+namespace
+{
+
+using WindowWindows = Tests::WindowFixture;
+
+struct ExpectedStyle
+{
+    WindowType type;
+    DWORD style;
+    DWORD extendedStyle;
+};
+
+/// What the system adds by itself: siblings are clipped, a window with a frame has an edge, and one without any style
+/// a caption.
+constexpr DWORD s_ownStyles = WS_CLIPSIBLINGS;
+constexpr DWORD s_ownExtendedStyles = WS_EX_WINDOWEDGE;
+
+bool HasClass(const wchar_t* name)
+{
+    WNDCLASSEXW found = {};
+    found.cbSize = sizeof(found);
+    return GetClassInfoExW(GetModuleHandleW(nullptr), name, &found) != FALSE;
+}
+
+TEST_F(WindowWindows, EachTypeHasItsStyles)
+{
+    constexpr std::array<ExpectedStyle, 5> expected = {{
+        {WindowType::Overlapped, 0x00CF0000, 0},
+        {WindowType::Popup, 0x80C80000, 0},
+        {WindowType::ToolPopup, 0x80000000, 0x00000080},
+        {WindowType::Overlay, 0x80000000, 0x08080088},
+        {WindowType::MessageOnly, 0, 0},
+    }};
+    for (const auto& [type, style, extendedStyle] : expected)
+    {
+        SCOPED_TRACE(static_cast<int>(type));
+        Window window(nullptr, "Orvik::Styles", s_position, s_size, type);
+        ASSERT_TRUE(window.Create());
+        const auto found = static_cast<DWORD>(GetWindowLongW(GetHwnd(window), GWL_STYLE));
+        const auto foundExtended = static_cast<DWORD>(GetWindowLongW(GetHwnd(window), GWL_EXSTYLE));
+        EXPECT_EQ(found & ~(type == WindowType::MessageOnly ? s_ownStyles | WS_CAPTION : s_ownStyles), style);
+        EXPECT_EQ(foundExtended & ~s_ownExtendedStyles, extendedStyle);
+        EXPECT_FALSE(IsWindowVisible(GetHwnd(window)));
+    }
+}
+
+TEST_F(WindowWindows, TheClientAreaHasTheSizeAskedForAndTheWindowThePlace)
+{
+    for (const WindowType type :
+         {WindowType::Overlapped, WindowType::Popup, WindowType::ToolPopup, WindowType::Overlay})
+    {
+        Window window(nullptr, "Orvik::Size", s_position, s_size, type);
+        ASSERT_TRUE(window.Create());
+        RECT client = {};
+        RECT frame = {};
+        ASSERT_TRUE(GetClientRect(GetHwnd(window), &client));
+        ASSERT_TRUE(GetWindowRect(GetHwnd(window), &frame));
+        EXPECT_EQ(client.right, 400);
+        EXPECT_EQ(client.bottom, 300);
+        EXPECT_EQ(frame.left, 100);
+        EXPECT_EQ(frame.top, 50);
+    }
+}
+
+TEST_F(WindowWindows, TheClassIsTheWindowsOwnAndGoesWithIt)
+{
+    EXPECT_FALSE(HasClass(L"Orvik::Class \x00E4"));
+    {
+        Window window(nullptr, "Orvik::Class \xC3\xA4", {}, {1, 1}, WindowType::ToolPopup);
+        ASSERT_TRUE(window.Create());
+        WNDCLASSEXW found = {};
+        found.cbSize = sizeof(found);
+        ASSERT_TRUE(GetClassInfoExW(GetModuleHandleW(nullptr), L"Orvik::Class \x00E4", &found));
+        EXPECT_EQ(found.style, 0x23U);
+        EXPECT_EQ(found.cbClsExtra, 0);
+        EXPECT_EQ(found.cbWndExtra, 8);
+        EXPECT_EQ(found.hIcon, nullptr);
+        EXPECT_EQ(found.hCursor, LoadCursorW(nullptr, IDC_ARROW));
+        EXPECT_EQ(found.hbrBackground, GetStockObject(BLACK_BRUSH));
+        EXPECT_EQ(found.lpszMenuName, nullptr);
+    }
+    EXPECT_FALSE(HasClass(L"Orvik::Class \x00E4"));
+}
+
+TEST_F(WindowWindows, ASecondWindowOfTheSameClassNameIsRefused)
+{
+    ASSERT_TRUE(m_window.Create());
+    Window second(nullptr, "Orvik::WindowTest", {}, {1, 1}, WindowType::ToolPopup);
+    EXPECT_FALSE(second.Create());
+    EXPECT_EQ(second.GetState(), WindowState::Undefined);
+}
+
+TEST_F(WindowWindows, ASizeThatNoWindowHasIsRefusedWithAReason)
+{
+    const Tests::LogRecorder recorder;
+    Window window(nullptr, "Orvik::Huge", {}, {0xFFFFFFFF, 1}, WindowType::Overlay);
+    EXPECT_FALSE(window.Create());
+    EXPECT_EQ(window.GetState(), WindowState::Creating);
+    EXPECT_EQ(window.GetNativeWindow(), NativeWindow::None);
+    EXPECT_THAT(recorder.GetLines(),
+                testing::ElementsAre(Tests::MatchesPattern("System Error: Failed to create window: .+ \\(57\\)")));
+}
+
+TEST_F(WindowWindows, AnUnknownTypeIsAnAssertionFailure)
+{
+    Window window(nullptr, "Orvik::Type", {}, {1, 1}, static_cast<WindowType>(6));
+    EXPECT_ASSERTION((void)window.Create(), "false", "Illegal switch case.");
+}
+
+TEST_F(WindowWindows, CreationMakesOneEventWhileThereIsNoHandleYet)
+{
+    NativeWindow handle{99};
+    m_window.SetEventHandler(
+        [&](const WindowEvent& event)
+        {
+            if (event.type == WindowEventType::Created)
+                handle = m_window.GetNativeWindow();
+            m_events.push_back(event);
+            return false;
+        });
+    ASSERT_TRUE(m_window.Create());
+    EXPECT_EQ(handle, NativeWindow::None);
+    ASSERT_FALSE(m_events.empty());
+    EXPECT_EQ(m_events.front().type, WindowEventType::Created);
+    EXPECT_NE(m_window.GetNativeWindow(), NativeWindow::None);
+}
+
+class RefusingWindow : public Window
+{
+public:
+    RefusingWindow() : Window(nullptr, "Orvik::Refusing", {}, {1, 1}, WindowType::Overlay) {}
+    bool OnNativeWindowCreated(NativeWindow nativeWindow) override
+    {
+        native = nativeWindow;
+        return false;
+    }
+    NativeWindow native = NativeWindow::None;
+};
+
+TEST_F(WindowWindows, ACancelledCreationLeavesNoWindow)
+{
+    RefusingWindow window;
+    EXPECT_FALSE(window.Create());
+    EXPECT_NE(window.native, NativeWindow::None);
+    EXPECT_FALSE(IsWindow(reinterpret_cast<HWND>(window.native)));
+}
+
+TEST_F(WindowWindows, ShowAndHide)
+{
+    ASSERT_TRUE(m_window.Create());
+    HWND const active = GetActiveWindow();
+    m_window.Show(m_window.Lock());
+    EXPECT_TRUE(IsWindowVisible(GetHwnd(m_window)));
+    EXPECT_EQ(GetActiveWindow(), active) << "An overlay isn't activated by being shown.";
+    m_window.Hide(m_window.Lock());
+    EXPECT_FALSE(IsWindowVisible(GetHwnd(m_window)));
+}
+
+TEST_F(WindowWindows, ClickThroughIsTwoStyles)
+{
+    ASSERT_TRUE(m_window.Create());
+    m_window.SetClickThrough(false);
+    EXPECT_EQ(GetWindowLongW(GetHwnd(m_window), GWL_EXSTYLE), 0x00080088);
+    m_window.SetClickThrough(true);
+    EXPECT_EQ(GetWindowLongW(GetHwnd(m_window), GWL_EXSTYLE), 0x080800A8);
+}
+
+TEST_F(WindowWindows, CloseDestroysAtTheNextUpdate)
+{
+    ASSERT_TRUE(m_window.Create());
+    HWND const handle = GetHwnd(m_window);
+    EXPECT_EQ(Send(WM_CLOSE), 0);
+    EXPECT_TRUE(m_events.empty());
+    EXPECT_EQ(m_window.GetState(), WindowState::ClosePending);
+    EXPECT_TRUE(IsWindow(handle));
+    m_window.Update();
+    EXPECT_EQ(m_window.GetState(), WindowState::Closed);
+    EXPECT_FALSE(IsWindow(handle));
+    m_window.Update();
+    EXPECT_EQ(m_window.GetState(), WindowState::Closed);
+}
+
+TEST_F(WindowWindows, WithoutAHandlerCloseAndDestructionAreTheSystemsOwn)
+{
+    m_window.SetEventHandler({});
+    ASSERT_TRUE(m_window.Create());
+    HWND const handle = GetHwnd(m_window);
+    Send(WM_CLOSE);
+    EXPECT_FALSE(IsWindow(handle));
+    EXPECT_EQ(m_window.GetState(), WindowState::Hidden);
+}
+
+TEST_F(WindowWindows, AnUpdateHandlesOneMessage)
+{
+    ASSERT_TRUE(m_window.Create());
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE)
+        DispatchMessageW(&message);
+    m_events.clear();
+    for (const WPARAM value : {7U, 8U})
+        ASSERT_TRUE(PostMessageW(GetHwnd(m_window), WM_HOTKEY, value, 0));
+    m_window.Update();
+    ASSERT_EQ(m_events.size(), 1U);
+    EXPECT_EQ(m_events[0].data.hotKey, 7U);
+    m_window.Update();
+    ASSERT_EQ(m_events.size(), 2U);
+    EXPECT_EQ(m_events[1].data.hotKey, 8U);
+    m_window.Update();
+    EXPECT_EQ(m_events.size(), 2U);
+}
+
+} // namespace
+} // namespace Orvik::System::Desktop

@@ -1,0 +1,395 @@
+#include "Core/System/Device/Display/CaptureContext.h"
+
+#include "Core/System/Desktop/Window.h"
+#include "Core/System/Device/Display/CaptureCalls_Windows.h"
+#include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/Texts.h"
+
+#include <array>
+#include <atomic>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace Orvik::System::Device::Display
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<std::string> s_calls; ///< what was acquired, copied and released, in order
+
+HDC const s_screen = reinterpret_cast<HDC>(11);
+HDC const s_memory = reinterpret_cast<HDC>(12);
+HBITMAP const s_bitmap = reinterpret_cast<HBITMAP>(13);
+HDESK const s_inputDesktop = reinterpret_cast<HDESK>(14);
+std::array<unsigned char, 2 * 3 * 4> s_bits = {};
+BITMAPINFO s_info = {};
+
+template <typename Handle>
+std::string Describe(Handle handle)
+{
+    return std::to_string(reinterpret_cast<std::uintptr_t>(handle));
+}
+
+/// A system whose functions work, and write down what is asked of them.
+CaptureCalls MakeCalls()
+{
+    CaptureCalls calls;
+    calls.getUserObjectInformation = [](HANDLE, int index, void* value, DWORD size, DWORD* needed) -> BOOL
+    {
+        EXPECT_EQ(index, 6);
+        EXPECT_EQ(size, 4U);
+        *static_cast<BOOL*>(value) = TRUE;
+        *needed = 4;
+        return TRUE;
+    };
+    calls.openInputDesktop = [](DWORD flags, BOOL inherit, ACCESS_MASK access) -> HDESK
+    {
+        EXPECT_EQ(flags, 0U);
+        EXPECT_EQ(inherit, FALSE);
+        EXPECT_EQ(access, 256U);
+        s_calls.emplace_back("OpenInputDesktop");
+        return s_inputDesktop;
+    };
+    calls.setThreadDesktop = [](HDESK desktop) -> BOOL
+    {
+        s_calls.push_back("SetThreadDesktop " + Describe(desktop));
+        return TRUE;
+    };
+    calls.closeDesktop = [](HDESK desktop) -> BOOL
+    {
+        s_calls.push_back("CloseDesktop " + Describe(desktop));
+        return TRUE;
+    };
+    calls.getDC = [](HWND window)
+    {
+        EXPECT_EQ(window, nullptr);
+        s_calls.emplace_back("GetDC");
+        return s_screen;
+    };
+    calls.releaseDC = [](HWND, HDC context)
+    {
+        s_calls.push_back("ReleaseDC " + Describe(context));
+        return 1;
+    };
+    calls.createDIBSection = [](HDC, const BITMAPINFO* info, UINT, void** bits, HANDLE, DWORD)
+    {
+        s_info = *info;
+        *bits = s_bits.data();
+        s_calls.emplace_back("CreateDIBSection");
+        return s_bitmap;
+    };
+    calls.createCompatibleDC = [](HDC)
+    {
+        s_calls.emplace_back("CreateCompatibleDC");
+        return s_memory;
+    };
+    calls.selectObject = [](HDC, HGDIOBJ) -> HGDIOBJ
+    {
+        s_calls.emplace_back("SelectObject");
+        return reinterpret_cast<HGDIOBJ>(15);
+    };
+    calls.bitBlt = [](HDC, int, int, int, int, HDC, int left, int top, DWORD operation) -> BOOL
+    {
+        EXPECT_EQ(operation, 0xCC0020U);
+        s_calls.push_back("BitBlt from " + std::to_string(left) + " " + std::to_string(top));
+        return TRUE;
+    };
+    calls.deleteObject = [](HGDIOBJ object) -> BOOL
+    {
+        s_calls.push_back("DeleteObject " + Describe(object));
+        return TRUE;
+    };
+    calls.deleteDC = [](HDC context) -> BOOL
+    {
+        s_calls.push_back("DeleteDC " + Describe(context));
+        return TRUE;
+    };
+    return calls;
+}
+
+/// What a failed initialisation has done, and then what its destruction has.
+std::vector<std::string> FailToInitialize()
+{
+    CaptureContext context;
+    EXPECT_FALSE(context.Initialize(1, {0, 0, 2, 3}));
+    return std::exchange(s_calls, {});
+}
+
+class CaptureWithRefusals : public testing::Test
+{
+protected:
+    CaptureWithRefusals()
+    {
+        s_calls.clear();
+        m_calls = MakeCalls();
+    }
+    ~CaptureWithRefusals() override { m_calls = {}; }
+
+    CaptureCalls& m_calls = GetCaptureCalls();
+};
+
+TEST_F(CaptureWithRefusals, AllIsAcquiredOnceAndReleasedOnce)
+{
+    {
+        CaptureContext context;
+        ASSERT_TRUE(context.Initialize(1, {-10, -20, -8, -17}));
+        EXPECT_THAT(s_calls, ElementsAre("GetDC", "CreateDIBSection", "CreateCompatibleDC", "SelectObject"));
+        s_calls.clear();
+    }
+    EXPECT_THAT(s_calls, ElementsAre("ReleaseDC 11", "DeleteObject 13", "DeleteDC 12"));
+    EXPECT_EQ(s_info.bmiHeader.biSize, 40U);
+    EXPECT_EQ(s_info.bmiHeader.biWidth, 2);
+    EXPECT_EQ(s_info.bmiHeader.biHeight, -3);
+    EXPECT_EQ(s_info.bmiHeader.biPlanes, 1);
+    EXPECT_EQ(s_info.bmiHeader.biBitCount, 32);
+    EXPECT_EQ(s_info.bmiHeader.biCompression, 0U);
+    EXPECT_EQ(s_info.bmiHeader.biSizeImage, 24U);
+}
+
+TEST_F(CaptureWithRefusals, ACopyComesFromTheRegionsPlaceAndIsTightlyPacked)
+{
+    CaptureContext context;
+    ASSERT_TRUE(context.Initialize(1, {-10, -20, -8, -17}));
+    for (std::size_t index = 0; index < s_bits.size(); ++index)
+        s_bits[index] = static_cast<unsigned char>(index);
+    std::vector<unsigned char> pixels;
+    s_calls.clear();
+    EXPECT_TRUE(context.Capture(
+        [&](std::uint16_t width, std::uint16_t height, std::uint64_t bytes)
+        {
+            EXPECT_EQ(width, 2);
+            EXPECT_EQ(height, 3);
+            pixels.resize(bytes);
+            return Types::Buffer<unsigned char>{pixels.data(), pixels.size()};
+        }));
+    EXPECT_THAT(s_calls, ElementsAre("BitBlt from -10 -20"));
+    EXPECT_EQ(pixels, std::vector<unsigned char>(s_bits.begin(), s_bits.end()));
+}
+
+TEST_F(CaptureWithRefusals, ARefusedCopyIsLoggedAndCallsNobody)
+{
+    const Tests::LogRecorder recorder;
+    m_calls.bitBlt = [](HDC, int, int, int, int, HDC, int, int, DWORD) -> BOOL
+    {
+        SetLastError(ERROR_CANCELLED);
+        return FALSE;
+    };
+    CaptureContext context;
+    ASSERT_TRUE(context.Initialize(1, {0, 0, 2, 3}));
+    EXPECT_FALSE(context.Capture(
+        [](std::uint16_t, std::uint16_t, std::uint64_t)
+        {
+            ADD_FAILURE();
+            return Types::Buffer<unsigned char>();
+        }));
+    EXPECT_THAT(recorder.GetLines(),
+                ElementsAre(Tests::MatchesPattern("System Error: Capture failed: .* \\(4C7\\)\\.")));
+}
+
+TEST_F(CaptureWithRefusals, WithoutAScreenThereIsNothingToRelease)
+{
+    m_calls.getDC = [](HWND) -> HDC { return nullptr; };
+    EXPECT_THAT(FailToInitialize(), IsEmpty());
+    EXPECT_THAT(s_calls, IsEmpty());
+}
+
+TEST_F(CaptureWithRefusals, WithoutABitmapTheScreenIsReleasedAndAgainAtTheEnd)
+{
+    m_calls.createDIBSection = [](HDC, const BITMAPINFO*, UINT, void**, HANDLE, DWORD) -> HBITMAP { return nullptr; };
+    {
+        CaptureContext context;
+        EXPECT_FALSE(context.Initialize(1, {0, 0, 2, 3}));
+        EXPECT_THAT(s_calls, ElementsAre("GetDC", "ReleaseDC 11"));
+        s_calls.clear();
+    }
+    EXPECT_THAT(s_calls, ElementsAre("ReleaseDC 11"));
+}
+
+TEST_F(CaptureWithRefusals, WithoutAMemoryContextScreenAndBitmapAreReleased)
+{
+    m_calls.createCompatibleDC = [](HDC) -> HDC { return nullptr; };
+    CaptureContext context;
+    EXPECT_FALSE(context.Initialize(1, {0, 0, 2, 3}));
+    EXPECT_THAT(s_calls, ElementsAre("GetDC", "CreateDIBSection", "ReleaseDC 11", "DeleteObject 13"));
+}
+
+TEST_F(CaptureWithRefusals, ABitmapThatCannotBeSelectedReleasesAllThree)
+{
+    m_calls.selectObject = [](HDC, HGDIOBJ) -> HGDIOBJ { return nullptr; };
+    {
+        CaptureContext context;
+        EXPECT_FALSE(context.Initialize(1, {0, 0, 2, 3}));
+        EXPECT_THAT(s_calls, ElementsAre("GetDC", "CreateDIBSection", "CreateCompatibleDC", "ReleaseDC 11",
+                                         "DeleteObject 13", "DeleteDC 12"));
+        s_calls.clear();
+    }
+    EXPECT_THAT(s_calls, ElementsAre("ReleaseDC 11", "DeleteObject 13", "DeleteDC 12"));
+}
+
+TEST_F(CaptureWithRefusals, AThreadOnAnotherDesktopMovesToTheOneWithTheInput)
+{
+    m_calls.getUserObjectInformation = [](HANDLE, int, void*, DWORD, DWORD*) -> BOOL { return TRUE; };
+    CaptureContext context;
+    EXPECT_TRUE(context.Initialize(1, {0, 0, 2, 3}));
+    EXPECT_THAT(s_calls, ElementsAre("OpenInputDesktop", "SetThreadDesktop 14", "CloseDesktop 14", "GetDC",
+                                     "CreateDIBSection", "CreateCompatibleDC", "SelectObject"));
+}
+
+TEST_F(CaptureWithRefusals, ADesktopThatRefusesTheThreadIsClosedAllTheSame)
+{
+    m_calls.getUserObjectInformation = [](HANDLE, int, void*, DWORD, DWORD*) -> BOOL { return TRUE; };
+    m_calls.setThreadDesktop = [](HDESK) -> BOOL { return FALSE; };
+    EXPECT_THAT(FailToInitialize(), ElementsAre("OpenInputDesktop", "CloseDesktop 14"));
+}
+
+TEST_F(CaptureWithRefusals, AnInputDesktopThatCannotBeOpenedEndsIt)
+{
+    m_calls.getUserObjectInformation = [](HANDLE, int, void*, DWORD, DWORD*) -> BOOL { return TRUE; };
+    m_calls.openInputDesktop = [](DWORD, BOOL, ACCESS_MASK) -> HDESK { return nullptr; };
+    EXPECT_THAT(FailToInitialize(), IsEmpty());
+}
+
+TEST_F(CaptureWithRefusals, ADesktopThatIsNotToldEndsItUnlessTheSystemDoesNotKnowTheQuestion)
+{
+    m_calls.getUserObjectInformation = [](HANDLE, int, void*, DWORD, DWORD*) -> BOOL
+    {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+    };
+    EXPECT_THAT(FailToInitialize(), IsEmpty());
+    m_calls.getUserObjectInformation = [](HANDLE, int, void*, DWORD, DWORD*) -> BOOL
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    };
+    CaptureContext context;
+    EXPECT_TRUE(context.Initialize(1, {0, 0, 2, 3}));
+}
+
+// With the system's own functions.
+
+/// Fills a part of the screen with a colour: a window of another thread, which paints it anew whenever it is uncovered.
+class Backdrop
+{
+public:
+    explicit Backdrop(COLORREF color) : m_color(color), m_thread([this] { Run(); })
+    {
+        while (m_window.load() == nullptr)
+            Sleep(2);
+        Sleep(200); // until the screen shows it
+    }
+    ~Backdrop()
+    {
+        PostMessageW(m_window, WM_CLOSE, 0, 0);
+        m_thread.join();
+    }
+    Backdrop(const Backdrop&) = delete;
+    Backdrop& operator=(const Backdrop&) = delete;
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        if (message == WM_DESTROY)
+            PostQuitMessage(0);
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
+
+    void Run()
+    {
+        WNDCLASSW backdropClass = {};
+        backdropClass.lpfnWndProc = &Procedure;
+        backdropClass.hbrBackground = CreateSolidBrush(m_color);
+        backdropClass.lpszClassName = L"Backdrop";
+        RegisterClassW(&backdropClass);
+        HWND const window = CreateWindowExW(WS_EX_TOOLWINDOW, L"Backdrop", L"", WS_POPUP | WS_VISIBLE, 40, 30, 200, 100,
+                                            nullptr, nullptr, nullptr, nullptr);
+        m_window = window;
+        MSG message = {};
+        while (GetMessageW(&message, nullptr, 0, 0) > 0)
+            DispatchMessageW(&message);
+        UnregisterClassW(L"Backdrop", nullptr);
+        DeleteObject(backdropClass.hbrBackground);
+    }
+
+    COLORREF m_color;
+    std::atomic<HWND> m_window = nullptr;
+    std::thread m_thread; // last: it uses the others
+};
+
+std::vector<unsigned char> Capture(const Math::Rectangle& region, Desktop::Window* window = nullptr)
+{
+    std::vector<unsigned char> pixels;
+    CaptureContext context;
+    EXPECT_TRUE(context.Initialize(1, region));
+    context.SetWindow(window);
+    EXPECT_TRUE(context.Capture(
+        [&pixels](std::uint16_t, std::uint16_t, std::uint64_t bytes)
+        {
+            pixels.resize(bytes);
+            return Types::Buffer<unsigned char>{pixels.data(), pixels.size()};
+        }));
+    return pixels;
+}
+
+void ExpectColor(const std::vector<unsigned char>& pixels, COLORREF color)
+{
+    int others = 0;
+    for (std::size_t index = 0; index < pixels.size(); index += 4)
+    {
+        if (RGB(pixels[index + 2], pixels[index + 1], pixels[index]) != color)
+            ++others;
+    }
+    EXPECT_EQ(others, 0) << "of " << pixels.size() / 4;
+}
+
+TEST(CaptureOfTheScreen, TakesTheColoursOfTheRegion)
+{
+    const Backdrop backdrop(RGB(10, 200, 30));
+    const std::vector<unsigned char> pixels = Capture({50, 40, 110, 70});
+    EXPECT_EQ(pixels.size(), std::size_t{60} * 30 * 4);
+    ExpectColor(pixels, RGB(10, 200, 30));
+}
+
+TEST(CaptureOfTheScreen, AnOverlayThatIsShownIsNotInThePictureAndStaysShown)
+{
+    const Backdrop backdrop(RGB(200, 100, 50));
+    Desktop::Window overlay(nullptr, "Orvik::Overlay", {0, 0}, {400, 300}, Desktop::WindowType::Overlay);
+    ASSERT_TRUE(overlay.Create());
+    overlay.Show(overlay.Lock());
+    HWND const handle = reinterpret_cast<HWND>(overlay.GetNativeWindow());
+    for (int step = 0; step < 100; ++step)
+    {
+        overlay.Update();
+        Sleep(2);
+    }
+    HDC const screen = GetDC(nullptr);
+    EXPECT_EQ(GetPixel(screen, 70, 60), RGB(0, 0, 0)) << "the overlay is black on this desktop";
+    ReleaseDC(nullptr, screen);
+
+    const std::vector<unsigned char> pixels = Capture({60, 50, 100, 80});
+    EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Visible);
+    EXPECT_TRUE(IsWindowVisible(handle));
+    EXPECT_EQ(pixels.size(), std::size_t{40} * 30 * 4);
+    ExpectColor(pixels, RGB(200, 100, 50));
+}
+
+TEST(CaptureOfTheScreen, AWindowThatItIsToldOfIsShownAgain)
+{
+    Desktop::Window overlay(nullptr, "Orvik::Overlay", {0, 0}, {400, 300}, Desktop::WindowType::Overlay);
+    ASSERT_TRUE(overlay.Create());
+    (void)Capture({0, 0, 10, 10}, &overlay);
+    EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Hidden);
+    overlay.Show(overlay.Lock());
+    (void)Capture({0, 0, 10, 10}, &overlay);
+    EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Visible);
+    EXPECT_TRUE(IsWindowVisible(reinterpret_cast<HWND>(overlay.GetNativeWindow())));
+}
+
+} // namespace
+} // namespace Orvik::System::Device::Display

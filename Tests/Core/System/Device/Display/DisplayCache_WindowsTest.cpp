@@ -1,0 +1,244 @@
+#include "Core/System/Device/Display/DisplayCache.h"
+
+#include "Core/System/Device/Display/DisplayCalls_Windows.h"
+#include "Core/System/Error/Exception.h"
+#include "Core/System/Log/Log.h"
+#include "Tests/Support/AssertionTrap.h"
+
+#include <cwchar>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace Orvik::System::Device::Display
+{
+namespace
+{
+
+constexpr DWORD s_allFields = 0x007C0020;
+
+/// A device as the system reports it. One without settings can't be asked for them.
+struct Device
+{
+    const wchar_t* name;
+    DWORD flags = 1;
+    LONG x = 0;
+    LONG y = 0;
+    DWORD width = 1920;
+    DWORD height = 1080;
+    DWORD frequency = 60;
+    DWORD fields = s_allFields;
+    bool hasSettings = true;
+};
+
+struct Desktop
+{
+    std::vector<Device> devices;
+    const wchar_t* activeName = nullptr; ///< null: the system doesn't tell
+    HRESULT getResult = S_OK;
+    int awareness = 0;
+    HRESULT setResult = S_OK;
+    std::vector<int> setAwareness;
+};
+Desktop s_desktop;
+
+BOOL WINAPI GetMonitor(HMONITOR, LPMONITORINFO monitor)
+{
+    EXPECT_EQ(monitor->cbSize, 104U);
+    if (s_desktop.activeName == nullptr)
+        return FALSE;
+    std::wcscpy(reinterpret_cast<MONITORINFOEXW*>(monitor)->szDevice, s_desktop.activeName);
+    return TRUE;
+}
+
+BOOL WINAPI EnumDevices(LPCWSTR, DWORD index, DISPLAY_DEVICEW* device, DWORD)
+{
+    EXPECT_EQ(device->cb, 840U);
+    if (index >= s_desktop.devices.size())
+        return FALSE;
+    std::wcscpy(device->DeviceName, s_desktop.devices[index].name);
+    device->StateFlags = s_desktop.devices[index].flags;
+    return TRUE;
+}
+
+BOOL WINAPI EnumSettings(LPCWSTR name, DWORD number, DEVMODEW* settings)
+{
+    EXPECT_EQ(number, ENUM_CURRENT_SETTINGS);
+    EXPECT_EQ(settings->dmSize, 220);
+    for (const Device& device : s_desktop.devices)
+    {
+        if (std::wcscmp(device.name, name) != 0)
+            continue;
+        settings->dmPosition = {device.x, device.y};
+        settings->dmPelsWidth = device.width;
+        settings->dmPelsHeight = device.height;
+        settings->dmDisplayFrequency = device.frequency;
+        settings->dmFields = device.fields;
+        return device.hasSettings ? TRUE : FALSE;
+    }
+    return FALSE;
+}
+
+class DisplayCacheWindows : public testing::Test
+{
+protected:
+    DisplayCacheWindows()
+    {
+        s_desktop = {};
+        DisplayCalls& calls = GetDisplayCalls();
+        calls.getProcessDpiAwareness = [](HANDLE, PROCESS_DPI_AWARENESS* value) -> HRESULT
+        {
+            *value = static_cast<PROCESS_DPI_AWARENESS>(s_desktop.awareness);
+            return s_desktop.getResult;
+        };
+        calls.setProcessDpiAwareness = [](PROCESS_DPI_AWARENESS value) -> HRESULT
+        {
+            s_desktop.setAwareness.push_back(value);
+            return s_desktop.setResult;
+        };
+        calls.getMonitorInfo = &GetMonitor;
+        calls.enumDisplayDevices = &EnumDevices;
+        calls.enumDisplaySettings = &EnumSettings;
+    }
+    ~DisplayCacheWindows() override { GetDisplayCalls() = {}; }
+
+    DisplayCache m_cache;
+};
+
+TEST_F(DisplayCacheWindows, AwarenessIsAskedForOnceAndSetOnce)
+{
+    EXPECT_TRUE(m_cache.Initialize(nullptr));
+    EXPECT_EQ(s_desktop.setAwareness, std::vector<int>{2});
+}
+
+TEST_F(DisplayCacheWindows, AwarenessThatIsRightOrNotToldIsLeft)
+{
+    s_desktop.awareness = 2;
+    EXPECT_TRUE(m_cache.Initialize(nullptr));
+    s_desktop.awareness = 0;
+    s_desktop.getResult = E_ACCESSDENIED;
+    DisplayCache second;
+    EXPECT_TRUE(second.Initialize(nullptr));
+    EXPECT_TRUE(s_desktop.setAwareness.empty());
+}
+
+TEST_F(DisplayCacheWindows, AwarenessThatCannotBeSetIsThrown)
+{
+    s_desktop.awareness = 1;
+    s_desktop.setResult = E_ACCESSDENIED;
+    s_desktop.devices = {{L"\\\\.\\DISPLAY1"}};
+    try
+    {
+        (void)m_cache.Initialize(nullptr);
+        ADD_FAILURE() << "Nothing thrown.";
+    }
+    catch (const Error::Exception& exception)
+    {
+        Error::ErrorCode code;
+        std::ostringstream message;
+        exception.WriteMessage(message);
+        EXPECT_EQ(exception.GetErrorCode(code).value, 0x103C40002U);
+        EXPECT_EQ(message.str(), "Setup of DPI configuration failed.");
+        EXPECT_STREQ(exception.GetLocation().function, "InitializePlatform");
+    }
+    EXPECT_TRUE(m_cache.GetDisplays().empty());
+}
+
+TEST_F(DisplayCacheWindows, ADeviceThatIsNotAttachedTakesNoId)
+{
+    s_desktop.devices = {
+        {L"\\\\.\\DISPLAY1", 5}, {L"\\\\.\\DISPLAY2", 0}, {L"\\\\.\\DISPLAY3", 1, -1280, -20, 1280, 720, 75}};
+    s_desktop.activeName = L"\\\\.\\DISPLAY3";
+    EXPECT_TRUE(m_cache.Initialize(nullptr));
+    ASSERT_EQ(m_cache.GetDisplays().size(), 2U);
+    const DisplayDescriptor& first = m_cache.GetDisplays()[0];
+    EXPECT_EQ(first.name, "\\\\.\\DISPLAY1");
+    EXPECT_EQ(first.id, 1);
+    EXPECT_EQ(first.deviceIndex, 0U);
+    EXPECT_TRUE(first.isPrimary);
+    const DisplayDescriptor& second = m_cache.GetDisplays()[1];
+    EXPECT_EQ(second.name, "\\\\.\\DISPLAY3");
+    EXPECT_EQ(second.id, 2);
+    EXPECT_EQ(second.deviceIndex, 2U);
+    EXPECT_EQ(second.x, -1280);
+    EXPECT_EQ(second.y, -20);
+    EXPECT_EQ(second.width, 1280);
+    EXPECT_EQ(second.height, 720);
+    EXPECT_EQ(second.refreshRate, 75);
+    EXPECT_FALSE(second.isPrimary);
+    EXPECT_EQ(m_cache.GetActiveDisplayId(), 2);
+}
+
+TEST_F(DisplayCacheWindows, WithoutAForegroundMonitorThePrimaryIsTheDefault)
+{
+    s_desktop.devices = {{L"\\\\.\\DISPLAY1"}, {L"\\\\.\\DISPLAY2", 5}};
+    EXPECT_TRUE(m_cache.Initialize(nullptr));
+    EXPECT_EQ(m_cache.GetActiveDisplayId(), InvalidDisplayId);
+    EXPECT_EQ(m_cache.GetDefaultDisplayId(), 2);
+}
+
+TEST_F(DisplayCacheWindows, SettingsThatCannotBeReadEndTheList)
+{
+    s_desktop.devices = {{L"A"}, {L"B"}, {L"C"}};
+    s_desktop.devices[1].hasSettings = false;
+    EXPECT_TRUE(m_cache.Initialize(nullptr));
+    ASSERT_EQ(m_cache.GetDisplays().size(), 1U);
+    EXPECT_EQ(m_cache.GetDisplays()[0].name, "A");
+}
+
+TEST_F(DisplayCacheWindows, MissingFieldsAreAssertionFailuresInTheirOrder)
+{
+    struct Row
+    {
+        DWORD missing;
+        const char* condition;
+        const char* message;
+    };
+    for (const auto& [missing, condition, message] : std::initializer_list<Row>{
+             {0x007C0020, "displaySettings.dmFields & 0x00080000L",
+              "Display settings retrieved from Windows must contain the display width in pixels."},
+             {0x00740020, "displaySettings.dmFields & 0x00100000L",
+              "Display settings retrieved from Windows must contain the display height in pixels."},
+             {0x00640020, "displaySettings.dmFields & 0x00400000L",
+              "Display settings retrieved from Windows must contain the display's current refresh rate."},
+             {0x00240020, "displaySettings.dmFields & 0x00000020L",
+              "Display settings retrieved from Windows must contain the display's position in the virtual desktop "
+              "space."},
+             {0x00240000, "displaySettings.dmFields & 0x00200000L",
+              "Display settings retrieved from Windows must contain the display's flags."},
+             {0x00040000, "displaySettings.dmFields & 0x00040000L",
+              "Display settings retrieved from Windows must contain the display's coler depth."}})
+    {
+        s_desktop.devices = {{L"A"}};
+        s_desktop.devices[0].fields = s_allFields & ~missing;
+        DisplayCache cache;
+        EXPECT_ASSERTION((void)cache.Initialize(nullptr), condition, message);
+    }
+}
+
+TEST_F(DisplayCacheWindows, ValuesBeyondTheRecordAreAssertionFailures)
+{
+    s_desktop.devices = {{L"A"}};
+    s_desktop.devices[0].width = 65536;
+    EXPECT_ASSERTION((void)m_cache.Initialize(nullptr), "value <= validMaxValue",
+                     "Value must be equal or smaller than the target type's minimum value");
+    s_desktop.devices = {{L"A", 1, -32769}};
+    DisplayCache second;
+    EXPECT_ASSERTION((void)second.Initialize(nullptr), "value >= validMinValue",
+                     "Value must be equal or greater than the target type's minimum value");
+}
+
+TEST(DisplayCacheOfTheSystem, FindsThePrimaryDisplayOfTheVirtualScreen)
+{
+    DisplayCache cache;
+    EXPECT_TRUE(cache.Initialize(nullptr));
+    ASSERT_GE(cache.GetDisplays().size(), 1U);
+    const DisplayDescriptor* const display = cache.GetDisplay(cache.GetDefaultDisplayId());
+    ASSERT_NE(display, nullptr);
+    EXPECT_EQ(display->width, GetSystemMetrics(SM_CXSCREEN));
+    EXPECT_EQ(display->height, GetSystemMetrics(SM_CYSCREEN));
+}
+
+} // namespace
+} // namespace Orvik::System::Device::Display

@@ -1,0 +1,60 @@
+#include "Core/System/Error/Assertion.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace Orvik::System::Error
+{
+namespace
+{
+
+void Ignore(const AssertionInfo& /*info*/)
+{
+}
+
+constexpr unsigned s_failureLine = __LINE__ + 5;
+
+void FailOnPurpose()
+{
+    const int m_value = 1;
+    ORVIK_ASSERT(m_value == 2 || m_value == 3, "Value must be two or three.");
+}
+
+using AssertionDeathTest = testing::Test;
+
+TEST(AssertionDeathTest, DefaultHandlerWritesTheReportAndAborts)
+{
+    EXPECT_EXIT(
+        {
+            SetAssertionHandler(nullptr);
+            std::signal(SIGABRT, SIG_DFL);
+            FailOnPurpose();
+        },
+        testing::KilledBySignal(SIGABRT),
+        testing::MatchesRegex("Assertion: m_value == 2 \\|\\| m_value == 3\n"
+                              "\tMessage: Value must be two or three\\.\n"
+                              "\n"
+                              "Callstack:\n"
+                              "\t\\[0\\]: \\./Tests/Core/System/Error/Assertion_LinuxTest\\.cpp at " +
+                              std::to_string(s_failureLine) + ": FailOnPurpose\n"));
+}
+
+TEST(AssertionDeathTest, HandlerThatReturnsEndsInThePlatformsAssertion)
+{
+    EXPECT_EXIT(
+        {
+            SetAssertionHandler(&Ignore);
+            std::signal(SIGABRT, SIG_DFL);
+            FailOnPurpose();
+        },
+        testing::KilledBySignal(SIGABRT),
+        testing::MatchesRegex(
+            ".*: \\./Tests/Core/System/Error/Assertion_LinuxTest\\.cpp:" + std::to_string(s_failureLine) +
+            ": FailOnPurpose: "
+            "Assertion `\\(m_value == 2 \\|\\| m_value == 3\\)' failed\\.\n"));
+}
+
+} // namespace
+} // namespace Orvik::System::Error

@@ -1,0 +1,70 @@
+// What the program does on Windows alone.
+#include "Tests/EndToEnd/DesktopTest.h"
+#include "Tests/EndToEnd/OutputFiles.h"
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+class OnWindows : public DesktopTest
+{
+protected:
+    [[nodiscard]] ChildProcess StartOnPicture()
+    {
+        return StartOverlay({"-f", AddPicture(m_picture), "-o", GetOutput().string()});
+    }
+
+    const Picture m_picture = MakeTestPicture(s_width, s_height);
+};
+
+TEST_F(OnWindows, ASecondRunEndsTheFirstWithoutAnAnswer)
+{
+    ChildProcess first = StartOnPicture();
+    const ChildProcess second = Start({"-f", m_installation.GetWork() / "picture.png", "-o", GetOutput().string()});
+    const ChildResult result = first.Wait(s_endLimit);
+    EXPECT_FALSE(result.isTimeout);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.standardOutput.find("\"code\""), std::string::npos);
+    ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
+    EXPECT_TRUE(second.IsRunning());
+}
+
+TEST_F(OnWindows, ARunUnderAnotherNameIsLeftAlone)
+{
+    ChildProcess first = StartOnPicture();
+    const Installation other;
+    ChildOptions options = other.MakeStart({"-h"});
+    for (const auto& [name, value] : m_environment)
+        options.environment.push_back(name + "=" + value);
+    EXPECT_EQ(ChildProcess(options).Wait(s_endLimit).exitCode, 0);
+    EXPECT_FALSE(first.HasEndedWithin(std::chrono::milliseconds(300)));
+    ExpectAnswer(EndByEscape(first), 0, Answer::Success);
+}
+
+TEST_F(OnWindows, RunsBelowAPathWithBlanksAndLettersOfAllKinds)
+{
+    namespace fs = std::filesystem;
+    const fs::path tool = m_installation.GetWork() / "t\xC3\xB6\xC3\xB6l \xE2\x82\xAC \xE7\x94\xBB";
+    const fs::path program = tool / "Binaries" / "Windows x64" / m_installation.GetProgram().filename();
+    const fs::path output = tool / "sh\xC3\xB6ts";
+    fs::create_directories(program.parent_path());
+    fs::copy_file(m_installation.GetProgram(), program);
+    const fs::path resources = m_installation.GetProgram().parent_path() / ".." / ".." / "Resources";
+    fs::copy(fs::canonical(resources), tool / "Resources", fs::copy_options::recursive);
+    const std::string picture = (tool / "pictur\xC3\xA9.png").string();
+    SavePng(m_picture, picture);
+
+    ChildOptions options = m_installation.MakeStart({"-f", picture, "-s", "true", "-o", output.string()});
+    options.arguments[2] = program.string();
+    for (const auto& [name, value] : m_environment)
+        options.environment.push_back(name + "=" + value);
+    ChildProcess process(options);
+    ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
+    Drag({10, 20}, {110, 70});
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(output, 1).front().image), m_picture.Crop({10, 20, 100, 50}));
+}
+
+} // namespace
+} // namespace Orvik::Tests

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Core/System/Text/Paths.h"
+
+#include <gmock/gmock.h>
+#include <regex>
+#include <string>
+
+namespace Orvik::Tests
+{
+
+/// A path as this platform writes it: with its own separators.
+[[nodiscard]] inline std::string NativePath(const std::string& path)
+{
+    return System::Text::PathToUtf8(System::Text::PathFromUtf8(path));
+}
+
+/// The whole text matches. gtest's own matcher knows next to nothing of patterns on Windows.
+MATCHER_P(MatchesPattern, pattern, "matches the pattern " + std::string(pattern))
+{
+    return std::regex_match(std::string(arg), std::regex(std::string(pattern)));
+}
+
+} // namespace Orvik::Tests
