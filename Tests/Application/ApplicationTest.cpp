@@ -5,6 +5,7 @@
 #include "Core/Graphics/Renderer/GLRecorder.h"
 #include "Core/System/Platform/NullDesktop.h"
 #include "Core/System/Runtime/CommandLine.h"
+#include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -38,12 +39,6 @@ using testing::Not;
 std::string MakeCodeObject(const std::string& name, int code)
 {
     return "{\n    \"name\": \"" + name + "\",\n    \"code\": " + std::to_string(code) + "\n}\n";
-}
-
-std::string ReadFile(const std::filesystem::path& path)
-{
-    std::ifstream stream(path); // as text: line ends differ
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory)
@@ -139,7 +134,7 @@ protected:
     [[nodiscard]] std::string ReadLog() const
     {
         const auto files = ListFiles(home.GetPath() / ".orvik" / "Logs");
-        return files.size() == 1 ? ReadFile(files[0]) : std::string();
+        return files.size() == 1 ? Tests::ReadText(files[0]) : std::string();
     }
 
     NullDesktop& desktop = NullDesktop::GetInstance();
@@ -468,7 +463,7 @@ TEST_F(ApplicationTest, ThePolygonModeOfTheConfigurationIsTheTools)
     std::string meta;
     for (const auto& file : ListFiles(output.GetPath()))
         if (file.extension() == ".json")
-            meta = ReadFile(file);
+            meta = Tests::ReadText(file);
     EXPECT_THAT(meta, HasSubstr("\"mask\""));
 }
 

@@ -1,13 +1,12 @@
 #include "Application/SnipFiles.h"
 
 #include "Application/SnipJson.h"
+#include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <regex>
 
 namespace Orvik::SnipBench
@@ -24,12 +23,6 @@ using testing::IsEmpty;
 
 constexpr GUID s_guid = {0x4F723C6FB0AE4AC7, 0x94A56A92D5DBD05E};
 constexpr std::int64_t s_startTime = 17'629'300'000'000'000; // 2025-11-12T06:46:40Z
-
-std::string ReadFile(const std::filesystem::path& path)
-{
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory, const std::string& extension)
 {
@@ -157,7 +150,7 @@ TEST_F(SnipFiles, ASnipLeavesImageAndMetaFileOfOneName)
     EXPECT_TRUE(
         std::regex_match(id, std::regex(R"(\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\})")))
         << id;
-    EXPECT_EQ(ReadFile(metas[0]), MakeMetaJson(System::ParseGuid(id), s_startTime, 10, 10, nullptr));
+    EXPECT_EQ(Tests::ReadText(metas[0]), MakeMetaJson(System::ParseGuid(id), s_startTime, 10, 10, nullptr));
 
     Bitmap saved;
     ASSERT_TRUE(saved.Load(images[0].string()));
@@ -181,7 +174,7 @@ TEST_F(SnipFiles, BmpChangesTheImageAlone)
     SaveSnip(result, MakeSettings("bmp"));
     const auto images = ListFiles(directory.GetPath(), ".bmp");
     ASSERT_EQ(images.size(), 1U);
-    EXPECT_EQ(ReadFile(images[0]).substr(0, 2), "BM");
+    EXPECT_EQ(Tests::ReadText(images[0]).substr(0, 2), "BM");
     EXPECT_EQ(ListFiles(directory.GetPath(), ".json").size(), 1U);
 }
 
@@ -199,7 +192,7 @@ TEST_F(SnipFiles, APolygonIsMaskedUnlessTheMaskIsKept)
     EXPECT_EQ(snip.GetPixels()[0], 200) << "inside";
     EXPECT_EQ(snip.GetPixels()[snip.GetSize() - 1], 0) << "outside, alpha included";
     for (const auto& meta : ListFiles(directory.GetPath(), ".json"))
-        EXPECT_NE(ReadFile(meta).find("\"mask\": ["), std::string::npos) << "whether it is kept or not";
+        EXPECT_NE(Tests::ReadText(meta).find("\"mask\": ["), std::string::npos) << "whether it is kept or not";
 }
 
 TEST_F(SnipFiles, WithoutASnipNothingHappens)
@@ -257,7 +250,7 @@ TEST_F(SnipFiles, AnnotationsShareOneImageAndOneFile)
     EXPECT_EQ(images[0].stem(), files[0].stem());
     EXPECT_THAT(shownTexts, ElementsAre(files[0].string(), files[0].string(), files[0].string()));
 
-    const std::string text = ReadFile(files[0]);
+    const std::string text = Tests::ReadText(files[0]);
     std::vector<std::string> lefts;
     const std::regex left(R"("xmin": (\d+))");
     for (std::sregex_iterator match(text.begin(), text.end(), left), end; match != end; ++match)
@@ -280,10 +273,10 @@ TEST_F(SnipFiles, AFullDiskIsLoggedAndTheRunGoesOn)
     SaveAnnotation(result, settings);
     const auto files = ListFiles(directory.GetPath(), ".json");
     ASSERT_EQ(files.size(), 1U);
-    const std::string before = ReadFile(files[0]);
+    const std::string before = Tests::ReadText(files[0]);
     std::filesystem::create_symlink("/dev/full", files[0].string() + ".part");
     SaveAnnotation(result, settings);
-    EXPECT_EQ(ReadFile(files[0]), before);
+    EXPECT_EQ(Tests::ReadText(files[0]), before);
     EXPECT_THAT(log.GetLines(),
                 ElementsAre("SnipBench Error: Failed to save meta file: \"" + files[0].string() + "\""));
 }

@@ -117,12 +117,6 @@ std::string WithPlainLineEnds(std::string text)
     return text;
 }
 
-std::string ReadText(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 void WriteText(const std::filesystem::path& file, const std::string& text)
 {
     std::ofstream(file, std::ios::binary) << text;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tests/EndToEnd/Installation.h"
+#include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/Desktop/ChildProcess.h"
 
 #include <chrono>
@@ -55,8 +56,6 @@ void ExpectFatalEnd(const ChildResult& result, const std::string& message, const
 /// A program for Windows ends its lines in two characters; here they are one again.
 [[nodiscard]] std::string WithPlainLineEnds(std::string text);
 
-/// The whole file; empty if there is none.
-[[nodiscard]] std::string ReadText(const std::filesystem::path& file);
 void WriteText(const std::filesystem::path& file, const std::string& text);
 /// The entries of a directory that is there, in the order of their names.
 [[nodiscard]] std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory);

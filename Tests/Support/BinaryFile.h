@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <initializer_list>
+#include <string>
 #include <vector>
 
 namespace Orvik::Tests
@@ -15,6 +16,9 @@ void WriteBytes(const std::filesystem::path& path, const Bytes& bytes);
 
 /// The whole file. Throws if it can't be opened.
 [[nodiscard]] Bytes ReadBytes(const std::filesystem::path& path);
+
+/// The same as text, bytes as they are. Empty if it can't be opened.
+[[nodiscard]] std::string ReadText(const std::filesystem::path& path);
 
 /// The parts one behind the other.
 [[nodiscard]] Bytes Concatenate(std::initializer_list<Bytes> parts);

@@ -5,9 +5,7 @@
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 
 namespace Orvik::System::Text
@@ -16,12 +14,6 @@ namespace
 {
 
 using Tests::Bytes;
-
-std::string ReadText(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 TEST(Files, AFileUnderAUtf8NameIsWrittenAndReadBack)
 {
@@ -67,9 +59,9 @@ TEST(Files, ReplacingMakesTheFile)
     const Tests::TemporaryDirectory directory;
     const std::filesystem::path file = directory.GetPath() / "file";
     EXPECT_EQ(ReplaceFile(file, std::string("one\r\n\0", 6)), Replacement::Done);
-    EXPECT_EQ(ReadText(file), std::string("one\r\n\0", 6));
+    EXPECT_EQ(Tests::ReadText(file), std::string("one\r\n\0", 6));
     EXPECT_EQ(ReplaceFile(file, ""), Replacement::Done);
-    EXPECT_EQ(ReadText(file), "");
+    EXPECT_EQ(Tests::ReadText(file), "");
     EXPECT_FALSE(std::filesystem::exists(directory.GetPath() / "file.part"));
 }
 

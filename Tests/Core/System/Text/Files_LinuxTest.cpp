@@ -1,4 +1,5 @@
 #include "Core/System/Text/Files.h"
+#include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -6,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <sys/resource.h>
 
@@ -14,12 +14,6 @@ namespace Orvik::System::Text
 {
 namespace
 {
-
-std::string ReadText(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 TEST(Files, WhoReadsTheFileThatIsReplacedReadsItToItsEnd)
 {
@@ -31,7 +25,7 @@ TEST(Files, WhoReadsTheFileThatIsReplacedReadsItToItsEnd)
     std::string text;
     std::getline(reader, text);
     EXPECT_EQ(text, "the old text");
-    EXPECT_EQ(ReadText(file), "new");
+    EXPECT_EQ(Tests::ReadText(file), "new");
 }
 
 TEST(Files, ATextThatDoesNotFitLeavesTheOldOne)
@@ -51,7 +45,7 @@ TEST(Files, ATextThatDoesNotFitLeavesTheOldOne)
             return ReplaceFile(file, std::string(100'000, 'x')) == Replacement::NotWritten ? 0 : 2;
         });
     EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(ReadText(file), "old");
+    EXPECT_EQ(Tests::ReadText(file), "old");
     EXPECT_FALSE(std::filesystem::exists(directory.GetPath() / "file.part"));
 }
 

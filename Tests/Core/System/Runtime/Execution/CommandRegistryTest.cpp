@@ -86,7 +86,7 @@ TEST(CommandRegistry, NameIsCopied)
     std::string name = "Tap";
     const CommandDescription description{&s_command, name};
     registry.Register(NamedCapability("Touch"), description);
-    name = "XXX";
+    name = "other";
     EXPECT_TRUE(registry.GetCommandsByName().contains("Tap"));
 }
 
