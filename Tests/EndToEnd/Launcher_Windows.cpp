@@ -2,7 +2,7 @@
 // outside. The program's exit code is passed on; it ends when this one is ended.
 //
 //   Launcher HOME PROGRAM [arguments]
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 
 #include <string>
 

@@ -1,12 +1,12 @@
 #include "Core/System/Log/FileLogSink.h"
 
+#include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <csignal>
-#include <fstream>
+#include <filesystem>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <sys/resource.h>
 
@@ -39,9 +39,7 @@ TEST(FileLogSink, AFullDiskLosesLinesAndNothingElse)
             return 0;
         });
     EXPECT_EQ(result.exitCode, 0);
-    const std::filesystem::path file = std::filesystem::directory_iterator(directory)->path();
-    std::ifstream stream(file, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    const std::string text = Tests::ReadText(std::filesystem::directory_iterator(directory)->path());
     EXPECT_EQ(text.substr(0, 6), "first\n");
     EXPECT_LE(text.size(), 10U);
 }
