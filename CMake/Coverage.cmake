@@ -6,6 +6,7 @@ if(ORVIK_COVERAGE)
     # The counters are written when a process ends by itself. Much of what is tested ends otherwise.
     add_library(OrvikCoverage STATIC ${CMAKE_SOURCE_DIR}/Tests/Support/Coverage/WriteCounters_Linux.cpp)
     target_link_options(OrvikCoverage INTERFACE
-        LINKER:--wrap=abort LINKER:--wrap=raise LINKER:--wrap=_exit LINKER:--wrap=_Exit)
+        LINKER:--wrap=abort LINKER:--wrap=raise LINKER:--wrap=_exit LINKER:--wrap=_Exit
+        LINKER:--wrap=__assert_fail)
     link_libraries(OrvikCoverage)
 endif()

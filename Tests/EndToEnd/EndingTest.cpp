@@ -33,6 +33,18 @@ protected:
             << result.standardOutput;
     }
 
+    void ExpectEndDuringASelection(int signal)
+    {
+        ChildProcess process = StartOnPicture();
+        MoveTo({10, 20});
+        m_input->PressButton(1);
+        MoveTo({110, 70});
+        ExpectEndBySignal(process, signal);
+        m_input->ReleaseButton(1);
+        EXPECT_TRUE(ListFiles(GetOutput()).empty());
+        ExpectFreeDesktop();
+    }
+
     void ExpectOwnEnd(ChildProcess& process) const
     {
         const ChildResult result = process.Wait(s_politeLimit + s_politeLimit);
@@ -157,19 +169,9 @@ TEST_F(Ending, HangUpEndsTheLoop)
     ExpectFreeDesktop();
 }
 
-TEST_F(Ending, TerminateOrInterruptDuringASelection)
+TEST_F(Ending, TerminateDuringASelection)
 {
-    for (const int signal : {SIGTERM, SIGINT})
-    {
-        ChildProcess process = StartOnPicture();
-        MoveTo({10, 20});
-        m_input->PressButton(1);
-        MoveTo({110, 70});
-        ExpectEndBySignal(process, signal);
-        m_input->ReleaseButton(1);
-        EXPECT_TRUE(ListFiles(GetOutput()).empty());
-        ExpectFreeDesktop();
-    }
+    ExpectEndDuringASelection(SIGTERM);
 }
 
 TEST_F(Ending, TerminateOrInterruptEndsADelay)
@@ -195,6 +197,11 @@ TEST_F(Ending, TheSameRequestTwiceIsOne)
         ExpectEndBySignal(process, signal);
         ExpectFreeDesktop();
     }
+}
+
+TEST_F(Ending, InterruptDuringASelection)
+{
+    ExpectEndDuringASelection(SIGINT);
 }
 
 TEST_F(Ending, ASnipThatIsBeingWrittenIsFinished)

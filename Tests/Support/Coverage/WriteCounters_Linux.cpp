@@ -14,6 +14,8 @@ extern "C"
     [[noreturn]] void __real__exit(int code);
     [[noreturn]] void __real__Exit(int code);
     int __real_raise(int signal);
+    [[noreturn]] void __real___assert_fail(const char* condition, const char* file, unsigned int line,
+                                           const char* function);
 
     static void WriteCounters()
     {
@@ -37,6 +39,13 @@ extern "C"
     {
         WriteCounters();
         __real__Exit(code);
+    }
+
+    [[noreturn]] void __wrap___assert_fail(const char* condition, const char* file, unsigned int line,
+                                           const char* function)
+    {
+        WriteCounters();
+        __real___assert_fail(condition, file, line, function);
     }
 
     int __wrap_raise(int signal)

@@ -223,6 +223,25 @@ TEST(ErrorHandlingRequests, ARunThatIsOverIsLeftToItsEnd)
     EXPECT_EQ(result.output, "running\nover\n");
 }
 
+TEST(ErrorHandlingRequests, ARunThatHasItsCodeMayTakeItsTime)
+{
+    ForkedProcess process(
+        []
+        {
+            ErrorHandling::GetInstance();
+            Program program(true);
+            std::cout << "running" << std::endl;
+            program.Work();
+            std::this_thread::sleep_for(3s); // longer than a run that goes on is waited for
+            return program.m_returnCode;
+        });
+    ASSERT_TRUE(process.WaitForOutput("running"));
+    process.Send(SIGTERM);
+    const ForkedResult result = process.Wait();
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(result.exitCode, 5);
+}
+
 TEST(ErrorHandlingRequests, AHangUpThatWasIgnoredStaysIgnored)
 {
     ForkedProcess process(
