@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <iostream>
 #include <string>
@@ -51,7 +52,8 @@ private:
     std::atomic<bool> m_isAsked = false;
 };
 
-/// A run in a process of its own, with the log printed.
+/// A run in a process of its own, with the log printed. The process ends here, and its objects stay: a request that
+/// comes as late as that finds a run that is over.
 inline int RunProgram(
     bool listens, const std::function<void()>& prepare = [] {})
 {
@@ -61,7 +63,7 @@ inline int RunProgram(
     Program program(listens);
     std::cout << "running" << std::endl;
     program.Work();
-    return program.m_returnCode;
+    std::_Exit(program.m_returnCode);
 }
 
 /// What is logged last before a run is aborted.
