@@ -354,14 +354,11 @@ TEST_F(Ending, ARunOfAnotherUserIsLeftAlone)
         GTEST_SKIP() << "Only root can start the program for another user.";
     const std::string file = AddPicture(MakeTestPicture(s_width, s_height));
     m_installation.OpenToOthers();
-    ChildOptions options{"setpriv",
-                         {"--reuid=65534", "--regid=65534", "--clear-groups", m_installation.GetProgram(), "-f", file,
-                          "-o", GetOutput().string()},
-                         {},
-                         m_installation.GetWork()};
-    for (const auto& [name, value] : m_environment)
-        options.environment.push_back(name + "=" + value);
-    ChildProcess first(options);
+    ChildProcess first = StartWith(ChildOptions{"setpriv",
+                                                {"--reuid=65534", "--regid=65534", "--clear-groups",
+                                                 m_installation.GetProgram(), "-f", file, "-o", GetOutput().string()},
+                                                {},
+                                                m_installation.GetWork()});
     ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
     EXPECT_EQ(Run({"-h"}).exitCode, 0);
     EXPECT_FALSE(first.HasEndedWithin(std::chrono::milliseconds(300)));

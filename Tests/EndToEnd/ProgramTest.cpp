@@ -42,7 +42,7 @@ ProgramTest::ProgramTest()
 {
     m_environment["HOME"] = m_installation.GetHome().string();
     m_environment["PATH"] = "/usr/bin:/bin";
-    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TZ", "LOCPATH", "LC_ALL"})
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TZ", "LOCPATH", "LC_ALL", "WINEPREFIX"})
         if (const char* value = std::getenv(name))
             m_environment[name] = value;
 }
@@ -54,14 +54,16 @@ ProgramTest::~ProgramTest()
         return;
     ChildOptions options = m_installation.MakeStart({});
     options.arguments = {"--end"};
-    for (const auto& [name, value] : m_environment)
-        options.environment.push_back(name + "=" + value);
-    (void)ChildProcess(options).Wait(s_endLimit);
+    (void)StartWith(options).Wait(s_endLimit);
 }
 
 ChildProcess ProgramTest::Start(const Arguments& arguments) const
 {
-    ChildOptions options = m_installation.MakeStart(arguments);
+    return StartWith(m_installation.MakeStart(arguments));
+}
+
+ChildProcess ProgramTest::StartWith(ChildOptions options) const
+{
     for (const auto& [name, value] : m_environment)
         options.environment.push_back(name + "=" + value);
     return ChildProcess(options);

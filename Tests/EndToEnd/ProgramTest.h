@@ -37,6 +37,8 @@ protected:
     ~ProgramTest() override;
 
     [[nodiscard]] ChildProcess Start(const Arguments& arguments) const;
+    /// The same with the test's environment added to what the options say.
+    [[nodiscard]] ChildProcess StartWith(ChildOptions options) const;
     /// Starts the program and waits for its end, or kills it after `s_endLimit`.
     [[nodiscard]] ChildResult Run(const Arguments& arguments) const;
 
