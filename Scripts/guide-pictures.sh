@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Makes the pictures and the example files of the user guide anew (Docs/Pictures, Docs/Examples): real runs of the
-# program on a virtual display. Identifiers and times differ each time. It starts SnipBench, which ends one that runs.
+# program on a virtual display. Identifiers and times differ each time, so Docs/Formats.md, which shows some of the
+# examples, has to follow; a test compares them. It starts SnipBench, which ends one that runs.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
