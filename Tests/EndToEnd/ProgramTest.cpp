@@ -91,7 +91,7 @@ void ExpectOutput(const ChildResult& result, int exitCode, const std::string& ou
     EXPECT_EQ(result.standardError, "");
 }
 
-void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs)
+void ExpectAbort(const ChildResult& result)
 {
     constexpr int windowsAbortCode = 3;
     EXPECT_FALSE(result.isTimeout);
@@ -99,6 +99,11 @@ void ExpectFatalEnd(const ChildResult& result, const std::string& message, const
         EXPECT_EQ(result.exitCode, windowsAbortCode);
     else
         EXPECT_EQ(result.signal, SIGABRT);
+}
+
+void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs)
+{
+    ExpectAbort(result);
     EXPECT_EQ(result.standardOutput.find("\"code\""), std::string::npos) << result.standardOutput;
     const std::string report = "Unhandled Exception: std::exception\n\tMessage: ";
     const std::string error = WithPlainLineEnds(result.standardError);

@@ -51,6 +51,8 @@ protected:
 void ExpectAnswer(const ChildResult& result, int exitCode, const std::string& answer);
 /// The run ended by itself with this exit code, and this is all of its standard output.
 void ExpectOutput(const ChildResult& result, int exitCode, const std::string& output);
+/// The run ended as the C library's `abort` ends one.
+void ExpectAbort(const ChildResult& result);
 /// The run ended through an unhandled exception with this in its message, which the error stream and a report file
 /// below `logs` tell. There is no answer then.
 void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs);

@@ -21,15 +21,6 @@ std::string ReadReport(const std::filesystem::path& directory)
     return Normalize(WithPlainLineEnds(ReadText(files.front())));
 }
 
-void ExpectAbort(const ChildResult& result)
-{
-    constexpr int windowsAbortCode = 3;
-    if (Installation::IsForWindows())
-        EXPECT_EQ(result.exitCode, windowsAbortCode);
-    else
-        EXPECT_EQ(result.signal, SIGABRT);
-}
-
 class Reports : public ProgramTest
 {
 };
