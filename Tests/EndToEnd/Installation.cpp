@@ -23,6 +23,11 @@ std::filesystem::path Installation::GetLauncher()
     return s_launcher;
 }
 
+std::filesystem::path Installation::GetPackage()
+{
+    return ORVIK_PACKAGE;
+}
+
 Installation::Installation()
 {
     namespace fs = std::filesystem;

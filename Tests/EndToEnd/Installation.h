@@ -29,6 +29,8 @@ public:
                                                     const std::vector<std::string>& arguments) const;
     /// What starts a program for Windows below Wine; empty for a native program.
     [[nodiscard]] static std::filesystem::path GetLauncher();
+    /// The zip for Windows.
+    [[nodiscard]] static std::filesystem::path GetPackage();
     /// Empty directories for `HOME` and to start the program in.
     [[nodiscard]] std::filesystem::path GetHome() const { return m_directory.GetPath() / "home"; }
     [[nodiscard]] std::filesystem::path GetWork() const { return m_directory.GetPath() / "work"; }

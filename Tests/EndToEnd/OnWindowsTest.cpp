@@ -45,7 +45,7 @@ TEST_F(OnWindows, ThePackageRunsBelowAPathWithBlanksAndLettersOfAllKinds)
     const fs::path folder = m_installation.GetWork() / "t\xC3\xB6\xC3\xB6l \xE2\x82\xAC \xE7\x94\xBB";
     const fs::path output = folder / "sh\xC3\xB6ts";
     fs::create_directories(folder);
-    const ChildOptions unpack = {"cmake", {"-E", "tar", "xf", ORVIK_PACKAGE}, {}, folder};
+    const ChildOptions unpack = {"cmake", {"-E", "tar", "xf", Installation::GetPackage()}, {}, folder};
     ASSERT_EQ(StartWith(unpack).Wait(s_endLimit).exitCode, 0);
     const fs::path unpacked = ListFiles(folder).front();
     for (const char* const name : {"Readme.txt", "License.txt", "Licenses/FreeType.txt", "Resources"})
