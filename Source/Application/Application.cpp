@@ -6,7 +6,7 @@
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/FileLogSink.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Time/MonotonicClock.h"

@@ -4,7 +4,7 @@
 #include "Application/ReturnCodes.h"
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Device/Display/DisplayCache.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
 
 #include <algorithm>

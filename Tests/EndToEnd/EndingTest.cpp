@@ -33,6 +33,18 @@ protected:
             << result.standardOutput;
     }
 
+    void ExpectEndDuringASelection(int signal)
+    {
+        ChildProcess process = StartOnPicture();
+        MoveTo({10, 20});
+        m_input->PressButton(1);
+        MoveTo({110, 70});
+        ExpectEndBySignal(process, signal);
+        m_input->ReleaseButton(1);
+        EXPECT_TRUE(ListFiles(GetOutput()).empty());
+        ExpectFreeDesktop();
+    }
+
     void ExpectOwnEnd(ChildProcess& process) const
     {
         const ChildResult result = process.Wait(s_politeLimit + s_politeLimit);
@@ -159,31 +171,19 @@ TEST_F(Ending, HangUpEndsTheLoop)
 
 TEST_F(Ending, TerminateDuringASelection)
 {
-    ChildProcess process = StartOnPicture();
-    MoveTo({10, 20});
-    m_input->PressButton(1);
-    MoveTo({110, 70});
-    ExpectEndBySignal(process, SIGTERM);
-    m_input->ReleaseButton(1);
-    ExpectFreeDesktop();
+    ExpectEndDuringASelection(SIGTERM);
 }
 
-TEST_F(Ending, TerminateEndsADelay)
+TEST_F(Ending, TerminateOrInterruptEndsADelay)
 {
-    ChildProcess process = Start({"-d", "60000", "-o", GetOutput().string()});
-    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    ExpectEndBySignal(process, SIGTERM);
-    ExpectFreeDesktop();
-}
-
-TEST_F(Ending, InterruptEndsADelay)
-{
-    ChildProcess process = Start({"-d", "60000", "-o", GetOutput().string()});
-    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    ExpectEndBySignal(process, SIGINT);
-    ExpectFreeDesktop();
+    for (const int signal : {SIGTERM, SIGINT})
+    {
+        ChildProcess process = Start({"-d", "60000", "-o", GetOutput().string()});
+        ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        ExpectEndBySignal(process, signal);
+        ExpectFreeDesktop();
+    }
 }
 
 TEST_F(Ending, TheSameRequestTwiceIsOne)
@@ -201,14 +201,7 @@ TEST_F(Ending, TheSameRequestTwiceIsOne)
 
 TEST_F(Ending, InterruptDuringASelection)
 {
-    ChildProcess process = StartOnPicture();
-    MoveTo({10, 20});
-    m_input->PressButton(1);
-    MoveTo({110, 70});
-    ExpectEndBySignal(process, SIGINT);
-    m_input->ReleaseButton(1);
-    EXPECT_TRUE(ListFiles(GetOutput()).empty());
-    ExpectFreeDesktop();
+    ExpectEndDuringASelection(SIGINT);
 }
 
 TEST_F(Ending, ASnipThatIsBeingWrittenIsFinished)

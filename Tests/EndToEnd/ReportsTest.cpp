@@ -1,5 +1,5 @@
 // What a run that goes wrong leaves for whoever looks into it later: the error stream, the report file, the log.
-#include "Tests/Core/System/Error/ReportText.h"
+#include "Tests/Core/System/Error/Handling/ReportText.h"
 #include "Tests/EndToEnd/DesktopTest.h"
 #include "Tests/EndToEnd/OutputFiles.h"
 #include "Tests/Support/PrivateMounts.h"

@@ -1,6 +1,6 @@
 #include "Core/Graphics/Renderer/Renderer.h"
 
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "Core/System/Desktop/MessageNames_Windows.h"
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/PointerEvent.h"
 
 #include <csignal>

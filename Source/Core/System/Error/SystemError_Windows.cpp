@@ -1,5 +1,5 @@
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 
 #include <memory>
 

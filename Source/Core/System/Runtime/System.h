@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Core/System/Constexpr/CharacterArray.h"
+#include "Core/System/Constexpr/Guid.h"
 #include "Core/System/Runtime/SystemEvent.h"
-#include "Core/System/Types/Guid.h"
 
 #include <atomic>
 #include <cstdint>

@@ -139,6 +139,17 @@ TEST_F(RecordedLines, FewerThanTwoPointsAreAFault)
     }
 }
 
+TEST_F(RecordedLines, WhereSitesGoOnALineKeepsItsPointsInsteadOfTooFew)
+{
+    const std::uint16_t id = Add(MakePoints(2));
+    const AssertionList failed;
+    std::vector<Vector4> points = MakePoints(1);
+    EXPECT_FALSE(m_lines.Update(id, points));
+    EXPECT_THAT(AssertionList::Take(), ElementsAre("Line object requires at least 2 points."));
+    EXPECT_EQ(points.size(), 1U);
+    EXPECT_EQ(m_lines.Get(id)->points.size(), 4U);
+}
+
 TEST_F(RecordedLines, ALineWhoseCreationFailedIsNotDrawn)
 {
     std::uint16_t id = 0;
@@ -204,12 +215,8 @@ TEST_F(RecordedLines, WhereSitesGoOnTheFrameStopsAtTheFault)
     Add(MakePoints(2));
     Add(MakePoints(63));
     Add(MakePoints(2));
-    const System::Error::AssertionHandler previous =
-        System::Error::SetAssertionHandler([](const System::Error::AssertionInfo&) {});
-    System::Error::SetContinueAfterAssertion(true);
+    const AssertionList failed;
     m_lines.Render(m_renderer);
-    System::Error::SetContinueAfterAssertion(false);
-    System::Error::SetAssertionHandler(previous);
     EXPECT_EQ(m_gl.GetCalls("glDrawArrays").size(), 1U);
     EXPECT_EQ(TakeCalls().back(), Call("glBindVertexArray", 0));
 }

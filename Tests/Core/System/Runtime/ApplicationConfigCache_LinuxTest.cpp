@@ -1,9 +1,16 @@
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 
+#include "Tests/Support/ForkedProcess.h"
+#include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/RefusedSystemCall.h"
+
+#include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <string>
+#include <sys/syscall.h>
 
 namespace Orvik::System::Runtime
 {
@@ -23,6 +30,22 @@ TEST(ApplicationConfigCache, ASchemaNameThatTheSystemRefusesIsThrown)
     {
         EXPECT_THAT(error.what(), testing::HasSubstr("exists"));
     }
+}
+
+TEST(ApplicationConfigCache, AProgramWhosePathIsNotToldLiesWhereItWasStarted)
+{
+    const Tests::ForkedResult result = Tests::RunForked(
+        []
+        {
+            const Tests::LogRecorder log;
+            Tests::RefuseSystemCall(SYS_readlink, EACCES);
+            Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+            ApplicationConfigCache cache;
+            cache.Initialize("/elsewhere/program");
+            std::cout << cache.GetRootPath().string() << "\n" << log.GetLines().front();
+            return 0;
+        });
+    EXPECT_EQ(result.output, "/elsewhere\nSystem Error: Failed to retrieve module file name: 'Permission denied (D)'.");
 }
 
 } // namespace

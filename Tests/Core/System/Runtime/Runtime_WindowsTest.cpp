@@ -1,6 +1,6 @@
 // What the system tells a program about itself: directories, errors, arguments.
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/DirectoryCache.h"

@@ -18,14 +18,7 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-/// Parameters that leave other test processes alone.
-ApplicationParameters MakeParameters(CommandLine* commandLine = nullptr)
-{
-    ApplicationParameters parameters;
-    parameters.terminateOtherInstances = false;
-    parameters.commandLine = commandLine;
-    return parameters;
-}
+using Tests::MakeParameters;
 
 using ApplicationInstances = Tests::StartupTest;
 

@@ -1,7 +1,7 @@
-#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/Exception.h"
+#include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/CurrentThread.h"
@@ -22,15 +22,7 @@ namespace
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-/// Parameters that leave other test processes alone.
-ApplicationParameters MakeParameters(CommandLine* commandLine = nullptr)
-{
-    ApplicationParameters parameters;
-    parameters.terminateOtherInstances = false;
-    parameters.commandLine = commandLine;
-    return parameters;
-}
+using Tests::MakeParameters;
 
 using ApplicationRun = Tests::StartupTest;
 

@@ -1,8 +1,8 @@
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Device/Cursor/CursorFailure.h"
 #include "Core/System/Error/SystemError.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 #include "Core/System/Platform/PointerEvent.h"
-#include "Core/System/Platform/WindowsHeaders.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -36,10 +36,8 @@ std::string Describe(Handle handle)
     return std::to_string(reinterpret_cast<std::uintptr_t>(handle));
 }
 
-/// A system whose functions work, and write down what is asked of them.
-CaptureCalls MakeCalls()
+void AddDesktopCalls(CaptureCalls& calls)
 {
-    CaptureCalls calls;
     calls.getUserObjectInformation = [](HANDLE, int index, void* value, DWORD size, DWORD* needed) -> BOOL
     {
         EXPECT_EQ(index, 6);
@@ -66,6 +64,10 @@ CaptureCalls MakeCalls()
         s_calls.push_back("CloseDesktop " + Describe(desktop));
         return TRUE;
     };
+}
+
+void AddDrawingCalls(CaptureCalls& calls)
+{
     calls.getDC = [](HWND window)
     {
         EXPECT_EQ(window, nullptr);
@@ -110,6 +112,14 @@ CaptureCalls MakeCalls()
         s_calls.push_back("DeleteDC " + Describe(context));
         return TRUE;
     };
+}
+
+/// A system whose functions work, and write down what is asked of them.
+CaptureCalls MakeCalls()
+{
+    CaptureCalls calls;
+    AddDesktopCalls(calls);
+    AddDrawingCalls(calls);
     return calls;
 }
 

@@ -1,8 +1,8 @@
-#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Error/Handling/ErrorHandling.h"
 
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Platform/WindowsHandle.h"
-#include "Tests/Core/System/Error/ReportText.h"
+#include "Tests/Core/System/Error/Handling/ReportText.h"
 #include "Tests/Support/OwnProgram.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Texts.h"

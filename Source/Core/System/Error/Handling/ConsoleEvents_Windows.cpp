@@ -1,6 +1,6 @@
-#include "Core/System/Error/ConsoleEvents.h"
+#include "Core/System/Error/Handling/ConsoleEvents.h"
 
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 
 #include <csignal>
 

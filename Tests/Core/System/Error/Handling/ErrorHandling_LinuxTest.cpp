@@ -1,12 +1,10 @@
-#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Error/Handling/ErrorHandling.h"
 
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Runtime/DirectoryCache.h"
-#include "Tests/Core/System/Error/ReportText.h"
+#include "Tests/Core/System/Error/Handling/ReportObserver.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/GroupingLocale.h"
-#include "Tests/Support/TestApplication.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -15,12 +13,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <iterator>
-#include <map>
 #include <stdexcept>
 
-// The object belongs to a whole process: each test forks one for it. A child makes the object by touching it, as the
-// program does before `main`.
 namespace Orvik::System::Error
 {
 namespace
@@ -34,70 +28,15 @@ using Tests::ForkedResult;
 using Tests::Normalize;
 using Tests::NormalizeLog;
 
-/// The files of a directory by their normalised names, with their normalised contents. Directories don't count.
-std::map<std::string, std::string> ReadFiles(const std::filesystem::path& directory)
-{
-    std::map<std::string, std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(directory))
-    {
-        if (!entry.is_regular_file())
-            continue;
-        std::ifstream file(entry.path(), std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
-        files.emplace(Normalize(entry.path().filename().string()), Normalize(text));
-    }
-    return files;
-}
-
-/// How a process ended that ran `function`, and the reports that it left in its working directory.
-struct Outcome
-{
-    ForkedResult result;
-    std::string error;
-    std::map<std::string, std::string> files;
-};
-
-Outcome Observe(const std::function<int()>& function)
-{
-    ForkedProcess process(function);
-    Outcome outcome;
-    outcome.result = process.Wait();
-    outcome.error = Normalize(outcome.result.error);
-    outcome.files = ReadFiles(process.GetWorkingDirectory());
-    return outcome;
-}
-
-/// Makes the working directory the home of an application called "TestApplication" and initialises the reports for
-/// it, as a run does.
-std::unique_ptr<Tests::TestApplication> StartApplication()
-{
-    setenv("HOME", std::filesystem::current_path().c_str(), 1);
-    Runtime::DirectoryCache::GetInstance().Initialize();
-    auto application = std::make_unique<Tests::TestApplication>();
-    application->m_configCache.Initialize(nullptr);
-    if (!ErrorHandling::GetInstance().Initialize(application.get()))
-        std::_Exit(99);
-    return application;
-}
-
 const std::string s_assertionReport = "Assertion: 1 + 1 == 3\n"
                                       "\tMessage: Sums must be wrong.\n"
                                       "\n"
                                       "Callstack:\n"
                                       "\t[0]: file.cpp at 12: function\n";
 
-const SourceLocation s_location("file.cpp", 7, "function");
-
-int FailAssertion()
-{
-    ErrorHandling::GetInstance();
-    System::Error::FailAssertion("1 + 1 == 3", "Sums must be wrong.", "file.cpp", s_location);
-    return 0;
-}
-
 TEST(ErrorHandling, AnAssertionBeforeInitializationIsReportedInTheWorkingDirectory)
 {
-    const Outcome outcome = Observe(&FailAssertion);
+    const Outcome outcome = Observe(&FailSomeAssertion);
     EXPECT_EQ(outcome.result.signal, SIGABRT);
     EXPECT_EQ(outcome.result.output, "");
     EXPECT_EQ(outcome.error, s_assertionReport);
@@ -126,7 +65,7 @@ TEST(ErrorHandling, ReportsGoBesideTheLogFilesUnderTheApplicationsName)
         []
         {
             const auto application = StartApplication();
-            return FailAssertion();
+            return FailSomeAssertion();
         });
     const ForkedResult result = process.Wait();
     EXPECT_EQ(result.signal, SIGABRT);
@@ -147,7 +86,7 @@ TEST(ErrorHandling, AnAssertionIsLoggedOnceThereIsALogger)
             if (!logger.Initialize(&config))
                 return 1;
             ErrorHandling::GetInstance().SetLogger(&logger);
-            return FailAssertion();
+            return FailSomeAssertion();
         });
     const ForkedResult result = process.Wait();
     EXPECT_EQ(result.signal, SIGABRT);
@@ -381,122 +320,6 @@ TEST(ErrorHandling, ReportPathsAreNamedAfterTheLocalTime)
             return 0;
         });
     EXPECT_EQ(result.output, "1 1\n1 \"ERROR_2001-09-09T03-46-40.log\"");
-}
-
-// What a report does whose directory is gone: it is lost, and the process ends, at once and not by going in circles.
-
-int DeleteReports(const std::function<void()>& report)
-{
-    const auto application = StartApplication();
-    std::filesystem::remove_all(".orvik");
-    std::filesystem::path path = "untouched";
-    if (ErrorHandling::GetInstance().MakeReportPath(1000000000, path) || path != "untouched")
-        return 1;
-    report();
-    return 0;
-}
-
-TEST(ErrorHandling, AnAssertionWithoutAReportDirectoryIsLost)
-{
-    const Outcome outcome = Observe([] { return DeleteReports([] { FailAssertion(); }); });
-    EXPECT_EQ(outcome.result.signal, SIGABRT);
-    EXPECT_EQ(outcome.error, "Signal 'SIGABRT' was raised due to an unknown abnormal condition.\n");
-    EXPECT_THAT(outcome.files, IsEmpty());
-}
-
-TEST(ErrorHandling, AnExceptionWithoutAReportDirectoryIsLost)
-{
-    const Outcome outcome = Observe([] { return DeleteReports([] { throw std::runtime_error("lost"); }); });
-    EXPECT_EQ(outcome.result.signal, SIGABRT);
-    EXPECT_EQ(outcome.error, "Signal 'SIGABRT' was raised due to an unknown abnormal condition.\n");
-}
-
-TEST(ErrorHandling, AHandledExceptionWithoutAReportDirectoryEndsTheProcess)
-{
-    const Outcome outcome = Observe(
-        [] { return DeleteReports([] { ErrorHandling::GetInstance().ReportException(Exception(s_location)); }); });
-    EXPECT_EQ(outcome.result.signal, SIGABRT);
-    EXPECT_THAT(outcome.error, testing::Not(testing::HasSubstr("Message")));
-}
-
-// Initialisation.
-
-TEST(ErrorHandling, InitializationWithoutAnApplicationIsAnAssertionFailure)
-{
-    const Outcome outcome = Observe(
-        []
-        {
-            (void)ErrorHandling::GetInstance().Initialize(nullptr);
-            return 0;
-        });
-    EXPECT_EQ(outcome.error, "Assertion: s_instance != nullptr\n"
-                             "\tMessage: Ilegal attempt to access a non-existent application instance.\n"
-                             "\n"
-                             "Callstack:\n"
-                             "\t[0]: /Core/System/Runtime/Application.h at 12: GetInstance\n");
-}
-
-TEST(ErrorHandling, InitializationTakesADirectoryThatExists)
-{
-    const ForkedResult result = Tests::RunForked(
-        []
-        {
-            std::filesystem::create_directories(".orvik/Logs");
-            const auto application = StartApplication();
-            std::filesystem::path path;
-            std::cout << ErrorHandling::GetInstance().MakeReportPath(0, path) << path.parent_path().filename();
-            return 0;
-        });
-    EXPECT_EQ(result.output, "1\"Logs\"");
-}
-
-TEST(ErrorHandling, ADirectoryThatCannotBeCreatedIsThrown)
-{
-    const ForkedResult result = Tests::RunForked(
-        []
-        {
-            std::ofstream(".orvik").flush();
-            try
-            {
-                (void)StartApplication();
-            }
-            catch (const std::filesystem::filesystem_error& error)
-            {
-                std::cout << error.what();
-            }
-            return 0;
-        });
-    EXPECT_THAT(result.output, testing::HasSubstr("create_directories"));
-}
-
-bool IsTerminationBlocked()
-{
-    sigset_t blocked;
-    pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
-    return sigismember(&blocked, SIGTERM) != 0;
-}
-
-TEST(ErrorHandling, TheProcessIsAsBeforeOnceTheObjectIsDestroyed)
-{
-    const Outcome outcome = Observe(
-        []
-        {
-            // Registered before the object is made, and so called after it is destroyed.
-            std::atexit(
-                []
-                {
-                    std::cout << IsTerminationBlocked() << std::endl;
-                    System::Error::FailAssertion("late", "text", "file.cpp", s_location);
-                });
-            ErrorHandling::GetInstance();
-            std::cout << IsTerminationBlocked() << std::endl;
-            std::exit(0);
-            return 1;
-        });
-    EXPECT_EQ(outcome.result.output, "1\n0\n");
-    EXPECT_EQ(outcome.result.signal, SIGABRT);
-    EXPECT_THAT(outcome.error, testing::HasSubstr("Assertion: late\n"));
-    EXPECT_THAT(outcome.files, IsEmpty());
 }
 
 } // namespace

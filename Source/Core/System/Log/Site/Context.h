@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Log/Streams.h"
+#include "Core/System/Log/Site/StreamID.h"
 
 namespace Orvik::System::Log
 {
