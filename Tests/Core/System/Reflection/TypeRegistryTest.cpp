@@ -2,6 +2,7 @@
 
 #include "Tests/Support/AssertionTrap.h"
 
+#include <barrier>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -127,6 +128,32 @@ TEST(TypeRegistry, ServesSeveralThreads)
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(registry.GetTypeCount(), 1U);
+}
+
+// Each round begins with all threads at the same place.
+TEST(TypeRegistry, OneOfSeveralThreadsEntersAType)
+{
+    constexpr int threadCount = 4;
+    constexpr int roundCount = 200;
+    std::vector<TypeRegistry> registries(roundCount);
+    std::barrier<> start(threadCount);
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < threadCount; ++thread)
+    {
+        threads.emplace_back(
+            [&registries, &start]
+            {
+                for (TypeRegistry& registry : registries)
+                {
+                    start.arrive_and_wait();
+                    registry.RegisterType<Second>("Second", "", s_guid, {});
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const TypeRegistry& registry : registries)
+        EXPECT_EQ(registry.GetTypeCount(), 1U);
 }
 
 // 0xDD120E790C2512AF is the published value of the text "foob"; its first character is the id's low byte.
