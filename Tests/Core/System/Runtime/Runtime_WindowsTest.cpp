@@ -4,12 +4,18 @@
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/DirectoryCache.h"
+#include "Core/System/Runtime/ModuleCalls_Windows.h"
+#include "Core/System/Text/Paths.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/TestApplication.h"
 #include "Tests/Support/Texts.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace Orvik::System::Runtime
 {
@@ -37,6 +43,27 @@ TEST(DirectoryCacheWindows, FillsTheFiveEntries)
     EXPECT_TRUE(recorder.GetLines().empty());
 }
 
+// The C library keeps a copy of the environment, in which letters beyond the code page of the process are lost.
+TEST(DirectoryCacheWindows, ReadsTheSystemsOwnTextAndNotTheLibrarysCopy)
+{
+    const EnvironmentVariable home("USERPROFILE", "C:\\users\\somebody");
+    SetEnvironmentVariableW(L"USERPROFILE", L"C:\\users\\\x753B\x50CF");
+    DirectoryCache cache;
+    (void)cache.Initialize();
+    EXPECT_EQ(cache.GetUserProfile().value, "C:\\users\\\xE7\x94\xBB\xE5\x83\x8F");
+}
+
+TEST(DirectoryCacheWindows, AnEmptyVariableIsNoWarning)
+{
+    const EnvironmentVariable home("USERPROFILE", "C:\\users\\somebody");
+    SetEnvironmentVariableW(L"USERPROFILE", L"");
+    const Tests::LogRecorder recorder;
+    DirectoryCache cache;
+    EXPECT_FALSE(cache.Initialize());
+    EXPECT_EQ(cache.GetUserProfile().value, "");
+    EXPECT_TRUE(recorder.GetLines().empty());
+}
+
 TEST(DirectoryCacheWindows, AMissingVariableLeavesTheOthers)
 {
     const EnvironmentVariable home("USERPROFILE", nullptr);
@@ -53,12 +80,71 @@ TEST(DirectoryCacheWindows, AMissingVariableLeavesTheOthers)
                                                           "from environment."));
 }
 
+/// Initialises a cache where the system's answer about the program's path is `getModuleFileName`; the one line of it
+/// that isn't about the schema goes to `line`.
+std::filesystem::path FindRootPath(decltype(&GetModuleFileNameW) getModuleFileName, const char* argument,
+                                   std::string& line)
+{
+    const Tests::LogRecorder recorder;
+    ApplicationConfigCache cache;
+    GetModuleCalls().getModuleFileName = getModuleFileName;
+    EXPECT_TRUE(cache.Initialize(argument));
+    GetModuleCalls() = {};
+    EXPECT_FALSE(recorder.GetLines().empty());
+    line = recorder.GetLines().empty() ? "" : recorder.GetLines().front();
+    return cache.GetRootPath();
+}
+
+TEST(ExecutablePathWindows, WithoutTheSystemsAnswerTheFirstArgumentTellsTheDirectory)
+{
+    const auto refuse = [](HMODULE, LPWSTR, DWORD) -> DWORD
+    {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return 0;
+    };
+    std::string line;
+    EXPECT_EQ(FindRootPath(refuse, "C:\\tool\\program.exe", line), "C:\\tool");
+    EXPECT_THAT(line, Tests::MatchesPattern("System Error: Failed to retrieve module file name: '[^']+ \\(5\\)'\\."));
+    EXPECT_EQ(FindRootPath(refuse, nullptr, line), "");
+}
+
+TEST(ExecutablePathWindows, APathThatIsCutOffIsNoAnswer)
+{
+    const auto cut = [](HMODULE, LPWSTR path, DWORD size) -> DWORD
+    {
+        std::fill_n(path, size - 1, L'x');
+        path[size - 1] = L'\0';
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return size;
+    };
+    std::string line;
+    EXPECT_EQ(FindRootPath(cut, "C:\\tool\\program.exe", line), "C:\\tool");
+    EXPECT_THAT(line, Tests::MatchesPattern("System Error: Failed to retrieve module file name: '[^']+ \\(7A\\)'\\."));
+}
+
 TEST(RootDirectoryWindows, HoldsTheNearestDirectoryOfThatName)
 {
     EXPECT_EQ(FindRootDirectory("C:\\tool\\Binaries\\x64\\program.exe", "Binaries"), "C:\\tool");
     EXPECT_EQ(FindRootDirectory("C:/tool/Binaries/x64", "Binaries"), "C:\\tool");
     EXPECT_EQ(FindRootDirectory("C:\\tool\\bin\\x64", "Binaries"), "");
     EXPECT_EQ(FindRootDirectory("C:\\", "Binaries"), "");
+}
+
+TEST(ResourcePathWindows, IsBelowTheDirectoryOfBinaries)
+{
+    EXPECT_EQ(ResolveResource("C:\\tool\\Binaries\\Windows-x64", {"Resources", "Schemas"}, "a.json"),
+              "C:\\tool\\Resources\\Schemas\\a.json");
+}
+
+// Compared as texts: paths are equal with either separator.
+TEST(ResourcePathWindows, SlashesComeOutAsBackslashes)
+{
+    const Tests::TestApplication application;
+    std::string path;
+    EXPECT_EQ(GetSchemaPath("a/b.json", path), "Resources\\Schemas\\a\\b.json");
+    EXPECT_EQ(GetShaderPath("a\\./b//c.vert", path), "Resources\\UI\\Shaders\\a\\b\\c.vert");
+    EXPECT_EQ(Text::PathToUtf8(ResolveResource("C:/tool/Binaries/Windows-x64", {"Resources"}, "a/b.json")),
+              "C:\\tool\\Resources\\a\\b.json");
 }
 
 TEST(SystemErrorWindows, IsTheSystemsTextAndTheCode)
