@@ -1,18 +1,11 @@
-// What the system tells a program about itself: directories, errors, arguments.
-#include "Core/System/Error/SystemError.h"
-#include "Core/System/Platform/WindowsHeaders.h"
-#include "Core/System/Runtime/ApplicationConfigCache.h"
-#include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/DirectoryCache.h"
-#include "Core/System/Runtime/ModuleCalls_Windows.h"
+
+#include "Core/System/Platform/WindowsHeaders.h"
 #include "Core/System/Text/Paths.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/TestApplication.h"
-#include "Tests/Support/Texts.h"
 
-#include <algorithm>
-#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
@@ -80,48 +73,6 @@ TEST(DirectoryCacheWindows, AMissingVariableLeavesTheOthers)
                                                           "from environment."));
 }
 
-/// Initialises a cache where the system's answer about the program's path is `getModuleFileName`; the one line of it
-/// that isn't about the schema goes to `line`.
-std::filesystem::path FindRootPath(decltype(&GetModuleFileNameW) getModuleFileName, const char* argument,
-                                   std::string& line)
-{
-    const Tests::LogRecorder recorder;
-    ApplicationConfigCache cache;
-    GetModuleCalls().getModuleFileName = getModuleFileName;
-    EXPECT_TRUE(cache.Initialize(argument));
-    GetModuleCalls() = {};
-    EXPECT_FALSE(recorder.GetLines().empty());
-    line = recorder.GetLines().empty() ? "" : recorder.GetLines().front();
-    return cache.GetRootPath();
-}
-
-TEST(ExecutablePathWindows, WithoutTheSystemsAnswerTheFirstArgumentTellsTheDirectory)
-{
-    const auto refuse = [](HMODULE, LPWSTR, DWORD) -> DWORD
-    {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return 0;
-    };
-    std::string line;
-    EXPECT_EQ(FindRootPath(refuse, "C:\\tool\\program.exe", line), "C:\\tool");
-    EXPECT_THAT(line, Tests::MatchesPattern("System Error: Failed to retrieve module file name: '[^']+ \\(5\\)'\\."));
-    EXPECT_EQ(FindRootPath(refuse, nullptr, line), "");
-}
-
-TEST(ExecutablePathWindows, APathThatIsCutOffIsNoAnswer)
-{
-    const auto cut = [](HMODULE, LPWSTR path, DWORD size) -> DWORD
-    {
-        std::fill_n(path, size - 1, L'x');
-        path[size - 1] = L'\0';
-        SetLastError(ERROR_INSUFFICIENT_BUFFER);
-        return size;
-    };
-    std::string line;
-    EXPECT_EQ(FindRootPath(cut, "C:\\tool\\program.exe", line), "C:\\tool");
-    EXPECT_THAT(line, Tests::MatchesPattern("System Error: Failed to retrieve module file name: '[^']+ \\(7A\\)'\\."));
-}
-
 TEST(RootDirectoryWindows, HoldsTheNearestDirectoryOfThatName)
 {
     EXPECT_EQ(FindRootDirectory("C:\\tool\\Binaries\\x64\\program.exe", "Binaries"), "C:\\tool");
@@ -145,27 +96,6 @@ TEST(ResourcePathWindows, SlashesComeOutAsBackslashes)
     EXPECT_EQ(GetShaderPath("a\\./b//c.vert", path), "Resources\\UI\\Shaders\\a\\b\\c.vert");
     EXPECT_EQ(Text::PathToUtf8(ResolveResource("C:/tool/Binaries/Windows-x64", {"Resources"}, "a/b.json")),
               "C:\\tool\\Resources\\a\\b.json");
-}
-
-TEST(SystemErrorWindows, IsTheSystemsTextAndTheCode)
-{
-    SetLastError(0);
-    EXPECT_EQ(Error::FormatLastError(), "None (0)");
-    for (const auto& [code, suffix] : {std::pair{5U, " \\(5\\)"}, std::pair{1223U, " \\(4C7\\)"}})
-    {
-        SetLastError(code);
-        EXPECT_THAT(Error::FormatLastError(), Tests::MatchesPattern("[^\\r\\n]*[^.\\r\\n]" + std::string(suffix)));
-    }
-    SetLastError(0x2FFFFFFF);
-    EXPECT_EQ(Error::FormatLastError(), " (2FFFFFFF)") << "a code without a text";
-}
-
-TEST(CommandLineWindows, ArgumentsBeginWithTheProgram)
-{
-    CommandLine commandLine;
-    commandLine.LoadArguments();
-    ASSERT_FALSE(commandLine.arguments.empty());
-    EXPECT_TRUE(commandLine.arguments.front().ends_with("SystemRuntimeWindowsTests.exe")) << commandLine.arguments[0];
 }
 
 } // namespace
