@@ -71,7 +71,7 @@ public:
     ~GLContext() = default;
 
     /// Makes the context current on the window, loads the entry points and sets the state that everything is drawn
-    /// with. The result is `IsValid`. On failure one log line has said why, and nothing native is left.
+    /// with. The result is `IsValid`. On failure one log line has said why, and no context is left.
     /// `className` is the window's registered class, UTF-8.
     bool Create(System::Desktop::NativeWindow window, const char* className);
 

@@ -18,7 +18,8 @@ namespace
 constexpr std::uint8_t s_leftButton = 1;
 constexpr std::uint8_t s_rightButton = 3;
 
-/// Not a constant as elsewhere: every message is logged once the stream is configured for it.
+/// Not a constant as elsewhere. What a desktop sends, and in which order, differs from machine to machine and is seen
+/// nowhere else: so the configuration can have every message logged, without another build.
 struct MessageContext : Log::Context
 {
     MessageContext() : Log::Context{.stream = Log::StreamID::System} { Log::RegisterContext(this); }

@@ -57,8 +57,9 @@ public:
     /// untouched then.
     [[nodiscard]] bool MakeReportPath(std::int64_t time, std::filesystem::path& path) const;
 
-    /// To be called when the run is over, on the main thread: nobody is asked to end any more. What asks from then on
-    /// ends the process with `exitCode`.
+    /// To be called when the run is over, on the main thread: nobody is asked to end any more. On Linux, where a thread
+    /// of this process takes requests, what asks from then on ends the process with `exitCode`. On Windows there is
+    /// nothing to do, and the program doesn't call it: a request is passed over then, see `HandleRequest`.
     void EndRequests(int exitCode) { EndRequestsPlatform(exitCode); }
 
     /// Reports a signal of the C library and aborts. An interruption or a termination first asks the run to end by
