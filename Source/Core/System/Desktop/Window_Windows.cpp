@@ -48,7 +48,8 @@ HWND ToHwnd(NativeWindow window)
     return reinterpret_cast<HWND>(window);
 }
 
-/// The frame is added to the client area, within the numbers of a rectangle.
+/// The frame is added to the client area. A side must be no longer than 16 bits with a sign tell: a mouse message has
+/// no more for a place in the window.
 std::optional<RECT> MakeFrame(const WindowSize& size, const WindowStyle& style)
 {
     constexpr std::uint32_t longest = std::numeric_limits<std::int16_t>::max();
