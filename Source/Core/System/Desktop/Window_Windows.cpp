@@ -1,12 +1,12 @@
 #include "Core/System/Desktop/Window.h"
 
+#include "Core/System/Desktop/WindowCalls_Windows.h"
 #include "Core/System/Desktop/WindowProcedure_Windows.h"
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Log/LogSite.h"
 #include "Core/System/Text/Unicode.h"
 
-#include <dwmapi.h>
 #include <limits>
 #include <optional>
 
@@ -73,7 +73,7 @@ void BlurBehind(HWND window)
     blur.fEnable = TRUE;
     blur.hRgnBlur = CreateRectRgn(0, 0, -1, -1); // empty; it lives as long as the process
     blur.fTransitionOnMaximized = FALSE;
-    DwmEnableBlurBehindWindow(window, &blur);
+    GetWindowCalls().enableBlurBehindWindow(window, &blur);
     SetLayeredWindowAttributes(window, 0, 255, LWA_ALPHA);
 }
 
