@@ -223,6 +223,20 @@ TEST_F(WindowWindows, BringToFrontActivatesAnOverlayAboveAllOthers)
     EXPECT_TRUE(IsAbove(GetHwnd(m_window), GetHwnd(other)));
 }
 
+TEST_F(WindowWindows, BringToFrontActivatesAnyOtherTypeAsWell)
+{
+    Window first(nullptr, "Orvik::First", s_position, s_size, WindowType::ToolPopup);
+    Window second(nullptr, "Orvik::Second", s_position, s_size, WindowType::ToolPopup);
+    for (Window* const window : {&first, &second})
+    {
+        ASSERT_TRUE(window->Create());
+        window->Show(window->Lock());
+    }
+    EXPECT_EQ(GetForegroundWindow(), GetHwnd(second));
+    first.BringToFront();
+    EXPECT_EQ(GetForegroundWindow(), GetHwnd(first));
+}
+
 TEST_F(WindowWindows, AnOverlayIsOpaqueWhereItIsDrawn)
 {
     ASSERT_TRUE(m_window.Create());
