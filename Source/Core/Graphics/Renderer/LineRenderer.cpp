@@ -145,7 +145,7 @@ bool LineRenderer::Update(std::uint16_t id, std::vector<Vector4>& points)
 
 bool LineRenderer::Remove(std::uint16_t id)
 {
-    return m_objects.Remove(id);
+    return m_objects.Remove(id).has_value();
 }
 
 } // namespace Orvik::Graphics::Renderer

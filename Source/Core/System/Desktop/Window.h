@@ -70,8 +70,9 @@ public:
     /// The one receiver of events. It returns whether it has dealt with the event.
     void SetEventHandler(EventHandler handler);
 
-    /// Creates the native window, hidden. False if the system refuses; a log line has then said why, and
-    /// nothing native is left behind.
+    /// Creates the native window, hidden. False if the system refuses the window, for which a log line gives the
+    /// reason, or its class, or if `OnNativeWindowCreated` cancels. No window is left behind; its class stays until the
+    /// destruction.
     [[nodiscard]] bool Create();
 
     /// One step: handles one message at most, or destroys a window that was asked to close.

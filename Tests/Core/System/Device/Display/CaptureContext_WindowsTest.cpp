@@ -9,6 +9,7 @@
 #include <atomic>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -282,6 +283,89 @@ TEST_F(CaptureWithRefusals, ADesktopThatIsNotToldEndsItUnlessTheSystemDoesNotKno
     EXPECT_TRUE(context.Initialize(1, {0, 0, 2, 3}));
 }
 
+TEST_F(CaptureWithRefusals, ARegionWhoseBytesTakeMoreThan32BitsIsRefused)
+{
+    CaptureContext context;
+    EXPECT_FALSE(context.Initialize(1, {0, 0, 65535, 16385}));
+    EXPECT_THAT(s_calls, IsEmpty());
+    EXPECT_TRUE(context.Initialize(1, {0, 0, 65535, 16384}));
+    EXPECT_EQ(s_info.bmiHeader.biSizeImage, 65535U * 16384 * 4);
+}
+
+bool s_isOverlayVisible = false; ///< during a copy
+
+/// An overlay that is shown, and a system whose copies look at it.
+class CaptureBehindAnOverlay : public CaptureWithRefusals
+{
+protected:
+    CaptureBehindAnOverlay()
+    {
+        s_overlay = std::make_unique<Desktop::Window>(nullptr, "Orvik::Overlay", Math::Point{0, 0},
+                                                      Desktop::WindowSize{400, 300}, Desktop::WindowType::Overlay);
+        EXPECT_TRUE(s_overlay->Create());
+        s_overlay->Show(s_overlay->Lock());
+        m_calls.bitBlt = [](HDC, int, int, int, int, HDC, int, int, DWORD) -> BOOL
+        {
+            s_isOverlayVisible = IsWindowVisible(GetHandle()) != FALSE;
+            return TRUE;
+        };
+        m_calls.isCompositionEnabled = [](BOOL* isEnabled) -> HRESULT
+        {
+            *isEnabled = TRUE;
+            return S_OK;
+        };
+        m_calls.getProcAddress = [](HMODULE, LPCSTR) -> FARPROC { return nullptr; };
+    }
+    ~CaptureBehindAnOverlay() override { s_overlay.reset(); }
+
+    static HWND GetHandle() { return reinterpret_cast<HWND>(s_overlay->GetNativeWindow()); }
+
+    /// Whether the overlay is on the screen while the copy is made. It is there afterwards in any case.
+    static bool IsVisibleDuringCapture()
+    {
+        CaptureContext context;
+        EXPECT_TRUE(context.Initialize(1, {0, 0, 2, 3}));
+        s_isOverlayVisible = false;
+        std::array<unsigned char, sizeof(s_bits)> pixels = {};
+        EXPECT_TRUE(context.Capture(
+            [&pixels](std::uint16_t, std::uint16_t, std::uint64_t) {
+                return Types::Buffer<unsigned char>{pixels.data(), pixels.size()};
+            }));
+        EXPECT_TRUE(IsWindowVisible(GetHandle()));
+        return s_isOverlayVisible;
+    }
+
+    static inline std::unique_ptr<Desktop::Window> s_overlay;
+};
+
+TEST_F(CaptureBehindAnOverlay, AComposedDesktopLeavesItWhereItIs)
+{
+    EXPECT_TRUE(IsVisibleDuringCapture());
+}
+
+TEST_F(CaptureBehindAnOverlay, ADesktopWithoutCompositionTakesItOff)
+{
+    m_calls.isCompositionEnabled = [](BOOL* isEnabled) -> HRESULT
+    {
+        *isEnabled = FALSE;
+        return S_OK;
+    };
+    EXPECT_FALSE(IsVisibleDuringCapture());
+    m_calls.isCompositionEnabled = [](BOOL*) -> HRESULT { return E_NOTIMPL; };
+    EXPECT_FALSE(IsVisibleDuringCapture());
+}
+
+TEST_F(CaptureBehindAnOverlay, WineTakesItOffWhateverItSaysOfItsComposition)
+{
+    m_calls.getProcAddress = [](HMODULE module, LPCSTR name) -> FARPROC
+    {
+        EXPECT_EQ(module, GetModuleHandleW(L"ntdll.dll"));
+        EXPECT_STREQ(name, "wine_get_version");
+        return []() -> INT_PTR { return 0; };
+    };
+    EXPECT_FALSE(IsVisibleDuringCapture());
+}
+
 // With the system's own functions.
 
 /// Fills a part of the screen with a colour: a window of another thread, which paints it anew whenever it is uncovered.
@@ -386,6 +470,22 @@ TEST(CaptureOfTheScreen, AnOverlayThatIsShownIsNotInThePictureAndStaysShown)
     EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Visible);
     EXPECT_TRUE(IsWindowVisible(handle));
     EXPECT_EQ(pixels.size(), std::size_t{40} * 30 * 4);
+    ExpectColor(pixels, RGB(200, 100, 50));
+}
+
+TEST(CaptureOfTheScreen, AnOverlayIsNotInThePictureWhereWineSaysThatItComposes)
+{
+    const Backdrop backdrop(RGB(200, 100, 50));
+    Desktop::Window overlay(nullptr, "Orvik::Overlay", {0, 0}, {400, 300}, Desktop::WindowType::Overlay);
+    ASSERT_TRUE(overlay.Create());
+    overlay.Show(overlay.Lock());
+    GetCaptureCalls().isCompositionEnabled = [](BOOL* isEnabled) -> HRESULT
+    {
+        *isEnabled = TRUE;
+        return S_OK;
+    };
+    const std::vector<unsigned char> pixels = Capture({60, 50, 100, 80});
+    GetCaptureCalls() = {};
     ExpectColor(pixels, RGB(200, 100, 50));
 }
 
