@@ -57,6 +57,8 @@ private:
     void WaitForDelay(const System::Desktop::Window::ScopedLock& lock);
     void StartTool(Graphics::Tools::SnipBench::Parameters parameters);
     void RunFrameLoop();
+    /// Where frames go: nowhere once the system has closed the window.
+    [[nodiscard]] System::Desktop::NativeWindow GetDrawnWindow() const;
 
     [[nodiscard]] System::Tools::ToolContext MakeToolContext() const;
     bool OnWindowEvent(const System::Desktop::WindowEvent& event);

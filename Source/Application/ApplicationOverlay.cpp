@@ -135,10 +135,17 @@ void Application::RunFrameLoop()
         time = now;
         m_window->Update();
         m_savedPathLabel.Tick(elapsed, m_renderer);
-        m_renderer.Render(m_window->GetNativeWindow());
+        m_renderer.Render(GetDrawnWindow());
         // No frame limit: the rate is the display's, through `Render`. The time slice is given up all the same.
         System::Time::Sleep(0);
     }
+}
+
+// The handle of a closed window stays as it was, and the system may give the number to another.
+System::Desktop::NativeWindow Application::GetDrawnWindow() const
+{
+    const bool isClosed = m_window->GetState() == System::Desktop::WindowState::Closed;
+    return isClosed ? System::Desktop::NativeWindow::None : m_window->GetNativeWindow();
 }
 
 ToolContext Application::MakeToolContext() const

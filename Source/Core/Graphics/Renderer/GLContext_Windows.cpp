@@ -188,4 +188,8 @@ void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow window)
     calls.releaseDC(ToHwnd(window), deviceContext);
 }
 
+void GLContext::SkipFramePlatform()
+{
+}
+
 } // namespace Orvik::Graphics::Renderer
