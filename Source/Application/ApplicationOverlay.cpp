@@ -173,7 +173,8 @@ bool Application::OnWindowEvent(const WindowEvent& event)
         return true;
     case WindowEventType::MouseMove:
     {
-        // In screen pixels; the event's own are the window's.
+        // In screen pixels; the event's own are the window's. Where the desktop doesn't tell the position, the
+        // crosshair stays: the zeros of an unread one would send it to the corner.
         System::Math::Point position;
         if (!Cursor::GetCurrentPosition(position))
             return true;
