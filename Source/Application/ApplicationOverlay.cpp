@@ -209,7 +209,7 @@ bool Application::OnWindowEvent(const WindowEvent& event)
 
 bool Application::OnResult(Graphics::Tools::SnipBench::Result& result)
 {
-    const SnipFileSettings settings{m_outputDirectory, m_fileFormat, m_keepMask,
+    const SnipFileSettings settings{m_outputDirectory, m_fileFormat.data(), m_keepMask,
                                     [this](const std::string& text, std::int64_t duration)
                                     { ShowSavedPath(text, duration); }};
     if (m_annotate)
