@@ -77,6 +77,7 @@ TEST_F(ApplicationSystems, ComeUpInTheirOrder)
     EXPECT_EQ(Application::GetSystem<Threads::ThreadManager>().GetState(), State::Initialized);
     EXPECT_EQ(Application::GetSystem<Device::Display::DisplayCache>().GetState(), State::Initialized);
     EXPECT_EQ(Application::TryGetSystem<Log::Logger>(), m_application.m_logSystem.get());
+    EXPECT_NE(m_application.m_logSystem.get_deleter().target<void (*)(Log::Logger*)>(), nullptr) << "a plain function";
     EXPECT_EQ(m_application.m_mainThread, Threads::GetMainThread());
     EXPECT_THAT(m_application.m_systems, IsEmpty());
     EXPECT_NE(m_application.m_configCache.GetConfig(Log::LoggerConfig::s_typeID), nullptr);
