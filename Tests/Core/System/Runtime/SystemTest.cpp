@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
+#include <type_traits>
 
 namespace Orvik::System::Runtime
 {
@@ -94,6 +95,20 @@ public:
     [[nodiscard]] bool Initialize(const IConfig* /*config*/) override { return true; }
     void OnConfigured() override {}
 };
+
+template <typename Configuration>
+concept IsTakenAsConfiguration = requires
+{
+    typename SystemBase<BareSystem, "Bare", 4, GUID{1, 2}, Configuration>;
+};
+
+TEST_F(SystemTest, ConfigurationIsOneOfTheFramework)
+{
+    EXPECT_TRUE((std::is_same_v<BareSystem::ConfigType, EmptyConfig>));
+    EXPECT_TRUE(std::is_abstract_v<EmptyConfig>) << "nobody makes one";
+    EXPECT_TRUE(IsTakenAsConfiguration<EmptyConfig>);
+    EXPECT_FALSE(IsTakenAsConfiguration<BareSystem>);
+}
 
 TEST_F(SystemTest, HooksHaveTheirDefaults)
 {
