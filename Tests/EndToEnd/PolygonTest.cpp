@@ -2,7 +2,6 @@
 #include "Tests/EndToEnd/DesktopTest.h"
 #include "Tests/EndToEnd/OutputFiles.h"
 
-
 namespace Orvik::Tests
 {
 namespace

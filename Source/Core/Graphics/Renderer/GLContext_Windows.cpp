@@ -191,4 +191,8 @@ void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow window)
     calls.releaseDC(ToHwnd(window), deviceContext);
 }
 
+void GLContext::SkipFramePlatform()
+{
+}
+
 } // namespace Orvik::Graphics::Renderer
