@@ -9,7 +9,7 @@
 //
 // The latter two tell the whole exit code, whether the program was on the console at any time, and what stands on it in
 // the end. A file `interrupt` in the home directory is a Ctrl+C on the console.
-#include "Core/System/Platform/WindowsHandle.h"
+#include "Core/System/Platform/Headers/WindowsHandle.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/Site/LogSite.h"
-#include "Core/System/Platform/WindowsHandle.h"
+#include "Core/System/Platform/Headers/WindowsHandle.h"
 #include "Core/System/Runtime/Application.h"
 #include "Tests/Core/System/Error/Handling/ReportText.h"
 #include "Tests/Core/System/Error/Handling/StaticFailure.h"
