@@ -1,7 +1,7 @@
 // Where the process starts on Windows: a program with windows that consoles and other programs drive all the same.
 #include "Application/Application.h"
 #include "Core/System/Error/Handling/ConsoleEvents.h"
-#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/Handling/EarlyErrorHandling.h"
 #include "Core/System/Platform/Headers/WindowsHeaders.h"
 #include "Core/System/Processes/Process.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
@@ -12,9 +12,8 @@
 namespace
 {
 
-// Before the application, so that a fault in its construction is reported as well.
-[[maybe_unused]] const Orvik::System::Error::ErrorHandling& s_errorHandling =
-    Orvik::System::Error::ErrorHandling::GetInstance(); // NOLINT(cert-err58-cpp)
+// Before all other static objects, the application among them.
+[[gnu::init_priority(101)]] const Orvik::System::Error::EarlyErrorHandling s_errorHandling; // NOLINT(cert-err58-cpp)
 
 // Constructed before `wWinMain` and destroyed behind it, so that faults on both ends are reported.
 Orvik::SnipBench::Application s_application; // NOLINT(cert-err58-cpp)

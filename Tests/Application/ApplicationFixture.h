@@ -115,11 +115,13 @@ protected:
         return application.m_returnCode;
     }
 
-    /// The text of the one log file.
+    /// The text of the one log file, without the second character of line ends that Windows has.
     [[nodiscard]] std::string ReadLog() const
     {
         const auto files = ListFiles(home.GetPath() / ".orvik" / "Logs");
-        return files.size() == 1 ? Tests::ReadText(files[0]) : std::string();
+        std::string log = files.size() == 1 ? Tests::ReadText(files[0]) : std::string();
+        std::erase(log, '\r');
+        return log;
     }
 
     System::Platform::NullDesktop& desktop = System::Platform::NullDesktop::GetInstance();

@@ -211,6 +211,8 @@ TEST_F(ApplicationTest, AWindowClosedByTheSystemDoesNotEndTheLoop)
         });
     EXPECT_EQ(Run(), 0);
     stopper.join();
+    EXPECT_EQ(GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U) << "the frame of the request itself";
+    EXPECT_THAT(GLRecorder::GetInstance().GetCalls("SkipFrame"), Not(IsEmpty()));
 }
 
 TEST_F(ApplicationTest, ARequestToEndWakesALongDelay)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -22,7 +23,7 @@ public:
         return object;
     }
 
-    /// The object, or null. Good until the next `Add` or `Remove`.
+    /// The object, or null; of two with one id the older. Good until the next `Add` or `Remove`.
     [[nodiscard]] Object* Find(std::uint16_t id)
     {
         const auto found =
@@ -30,17 +31,19 @@ public:
         return found != m_objects.end() ? &*found : nullptr;
     }
 
-    /// Takes the object out; the last one moves into its place, so the order changes. Without such an object: false.
-    bool Remove(std::uint16_t id)
+    /// Takes the object out and gives it back; the last one moves into its place, so the order changes. Nothing without
+    /// such an object. Of two with one id, which a wrapped counter makes, it is the younger.
+    std::optional<Object> Remove(std::uint16_t id)
     {
         const auto found =
             std::find_if(m_objects.rbegin(), m_objects.rend(), [id](const Object& object) { return object.id == id; });
         if (found == m_objects.rend())
-            return false;
+            return std::nullopt;
+        std::optional<Object> removed = std::move(*found);
         if (&*found != &m_objects.back())
             *found = std::move(m_objects.back());
         m_objects.pop_back();
-        return true;
+        return removed;
     }
 
     void Clear() { m_objects.clear(); }

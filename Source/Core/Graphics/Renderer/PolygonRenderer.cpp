@@ -3,6 +3,7 @@
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Renderer/ShaderProgram.h"
 
+#include <optional>
 #include <utility>
 
 namespace Orvik::Graphics::Renderer
@@ -13,18 +14,26 @@ namespace
 constexpr GLuint s_positionAttribute = 0;
 constexpr GLuint s_colorAttribute = 1;
 
+/// The elements that the polygon's vertices take: there may be more colours than vertices.
 template <typename Element>
-GLsizeiptr GetByteSize(const std::vector<Element>& elements)
+GLsizeiptr GetByteSize(const Polygon& polygon)
 {
-    return static_cast<GLsizeiptr>(elements.size() * sizeof(Element));
+    return static_cast<GLsizeiptr>(polygon.positions.size() * sizeof(Element));
 }
 
-/// Gives the bound buffer the data of a vertex attribute.
 template <typename Element>
-void SetAttribute(const EntryPoints& gl, GLuint attribute, GLuint buffer, const std::vector<Element>& elements)
+void ReplaceBuffer(const EntryPoints& gl, GLuint buffer, const Polygon& polygon, const std::vector<Element>& elements)
 {
     gl.glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    gl.glBufferData(GL_ARRAY_BUFFER, GetByteSize(elements), elements.data(), GL_DYNAMIC_DRAW);
+    gl.glBufferData(GL_ARRAY_BUFFER, GetByteSize<Element>(polygon), elements.data(), GL_DYNAMIC_DRAW);
+}
+
+/// Gives the bound vertex array the data of an attribute.
+template <typename Element>
+void SetAttribute(const EntryPoints& gl, GLuint attribute, GLuint buffer, const Polygon& polygon,
+                  const std::vector<Element>& elements)
+{
+    ReplaceBuffer(gl, buffer, polygon, elements);
     gl.glVertexAttribPointer(attribute, static_cast<GLint>(std::tuple_size_v<Element>), GL_FLOAT, GL_FALSE, 0, nullptr);
     gl.glEnableVertexAttribArray(attribute);
 }
@@ -35,22 +44,15 @@ void CreateBuffers(const EntryPoints& gl, Polygon& polygon)
     gl.glGenBuffers(1, &polygon.gpuData.positionBuffer);
     gl.glGenBuffers(1, &polygon.gpuData.colorBuffer);
     gl.glBindVertexArray(polygon.gpuData.vertexArray);
-    SetAttribute(gl, s_positionAttribute, polygon.gpuData.positionBuffer, polygon.positions);
-    SetAttribute(gl, s_colorAttribute, polygon.gpuData.colorBuffer, polygon.colors);
+    SetAttribute(gl, s_positionAttribute, polygon.gpuData.positionBuffer, polygon, polygon.positions);
+    SetAttribute(gl, s_colorAttribute, polygon.gpuData.colorBuffer, polygon, polygon.colors);
 }
 
 template <typename Element>
-void ReplaceContents(const EntryPoints& gl, GLuint buffer, const std::vector<Element>& elements)
+void ReplaceContents(const EntryPoints& gl, GLuint buffer, const Polygon& polygon, const std::vector<Element>& elements)
 {
     gl.glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    gl.glBufferSubData(GL_ARRAY_BUFFER, 0, GetByteSize(elements), elements.data());
-}
-
-template <typename Element>
-void ReplaceBuffer(const EntryPoints& gl, GLuint buffer, const std::vector<Element>& elements)
-{
-    gl.glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    gl.glBufferData(GL_ARRAY_BUFFER, GetByteSize(elements), elements.data(), GL_DYNAMIC_DRAW);
+    gl.glBufferSubData(GL_ARRAY_BUFFER, 0, GetByteSize<Element>(polygon), elements.data());
 }
 
 } // namespace
@@ -127,11 +129,10 @@ bool PolygonRenderer::Update(std::uint16_t id)
 bool PolygonRenderer::Remove(std::uint16_t id)
 {
     const std::lock_guard lock(m_mutex);
-    const Polygon* const polygon = m_objects.Find(id);
-    if (polygon == nullptr)
-        return false;
-    m_pendingDeletes.push_back(polygon->gpuData);
-    return m_objects.Remove(id);
+    const std::optional<Polygon> removed = m_objects.Remove(id);
+    if (removed)
+        m_pendingDeletes.push_back(removed->gpuData);
+    return removed.has_value();
 }
 
 void PolygonRenderer::Flush(Renderer& renderer)
@@ -140,7 +141,7 @@ void PolygonRenderer::Flush(Renderer& renderer)
     {
         Polygon* const polygon = m_objects.Find(id);
         // Without a colour for each vertex the drawing would read behind the buffer.
-        if (polygon != nullptr && polygon->colors.size() == polygon->positions.size())
+        if (polygon != nullptr && polygon->colors.size() >= polygon->positions.size())
             Upload(renderer, *polygon);
     }
     m_pendingUpdates.clear();
@@ -161,14 +162,14 @@ void PolygonRenderer::Upload(Renderer& renderer, Polygon& polygon)
     }
     else if (polygon.gpuData.uploadedCount == count)
     {
-        ReplaceContents(gl, polygon.gpuData.positionBuffer, polygon.positions);
-        ReplaceContents(gl, polygon.gpuData.colorBuffer, polygon.colors);
+        ReplaceContents(gl, polygon.gpuData.positionBuffer, polygon, polygon.positions);
+        ReplaceContents(gl, polygon.gpuData.colorBuffer, polygon, polygon.colors);
     }
     else
     {
         polygon.gpuData.uploadedCount = count;
-        ReplaceBuffer(gl, polygon.gpuData.positionBuffer, polygon.positions);
-        ReplaceBuffer(gl, polygon.gpuData.colorBuffer, polygon.colors);
+        ReplaceBuffer(gl, polygon.gpuData.positionBuffer, polygon, polygon.positions);
+        ReplaceBuffer(gl, polygon.gpuData.colorBuffer, polygon, polygon.colors);
     }
     gl.glBindBuffer(GL_ARRAY_BUFFER, 0);
     gl.glBindVertexArray(0);

@@ -68,7 +68,7 @@ Quad* QuadRenderer::Get(std::uint16_t id)
 
 bool QuadRenderer::Remove(std::uint16_t id)
 {
-    return m_objects.Remove(id);
+    return m_objects.Remove(id).has_value();
 }
 
 } // namespace Orvik::Graphics::Renderer

@@ -245,7 +245,7 @@ bool TextRenderer::SetText(std::uint16_t id, const char* text, Renderer& rendere
 
 bool TextRenderer::Remove(std::uint16_t id)
 {
-    return m_objects.Remove(id);
+    return m_objects.Remove(id).has_value();
 }
 
 float TextRenderer::GetScale(std::uint16_t pixelSize)

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <optional>
 
 namespace Orvik::Graphics::Renderer
 {
@@ -201,11 +202,10 @@ bool TextureRenderer::UpdateBitmap(std::uint16_t id, std::uint16_t width, std::u
 bool TextureRenderer::Remove(std::uint16_t id)
 {
     const std::lock_guard lock(m_mutex);
-    const Texture* const texture = m_objects.Find(id);
-    if (texture == nullptr)
-        return false;
-    m_pendingDeletes.push_back(texture->gpuData.handle);
-    return m_objects.Remove(id);
+    const std::optional<Texture> removed = m_objects.Remove(id);
+    if (removed)
+        m_pendingDeletes.push_back(removed->gpuData.handle);
+    return removed.has_value();
 }
 
 void TextureRenderer::DeletePending()

@@ -70,8 +70,9 @@ public:
     /// The one receiver of events. It returns whether it has dealt with the event.
     void SetEventHandler(EventHandler handler);
 
-    /// Creates the native window, hidden. False if the system refuses; a log line has then said why, and
-    /// nothing native is left behind.
+    /// Creates the native window, hidden. False if the system refuses the window, for which a log line gives the
+    /// reason, or its class, or if `OnNativeWindowCreated` cancels. No window is left behind; its class stays until the
+    /// destruction.
     [[nodiscard]] bool Create();
 
     /// One step: handles one message at most, or destroys a window that was asked to close.
@@ -92,6 +93,7 @@ public:
     /// Brings the window to the front and gives it the keyboard.
     void BringToFront();
 
+    /// None before `Create`. It stays what it was when the window is closed.
     [[nodiscard]] NativeWindow GetNativeWindow() const { return m_handle; }
     /// The registered class, null before `Create`.
     [[nodiscard]] const char* GetWindowClassName() const { return m_className; }

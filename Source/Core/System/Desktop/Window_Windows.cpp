@@ -1,12 +1,12 @@
 #include "Core/System/Desktop/Window.h"
 
+#include "Core/System/Desktop/WindowCalls_Windows.h"
 #include "Core/System/Desktop/WindowProcedure_Windows.h"
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Text/Unicode.h"
 
-#include <dwmapi.h>
 #include <limits>
 #include <optional>
 
@@ -48,7 +48,8 @@ HWND ToHwnd(NativeWindow window)
     return reinterpret_cast<HWND>(window);
 }
 
-/// The frame is added to the client area, within the numbers of a rectangle.
+/// The frame is added to the client area. A side must be no longer than 16 bits with a sign tell: a mouse message has
+/// no more for a place in the window.
 std::optional<RECT> MakeFrame(const WindowSize& size, const WindowStyle& style)
 {
     constexpr std::uint32_t longest = std::numeric_limits<std::int16_t>::max();
@@ -72,7 +73,7 @@ void BlurBehind(HWND window)
     blur.fEnable = TRUE;
     blur.hRgnBlur = CreateRectRgn(0, 0, -1, -1); // empty; it lives as long as the process
     blur.fTransitionOnMaximized = FALSE;
-    DwmEnableBlurBehindWindow(window, &blur);
+    GetWindowCalls().enableBlurBehindWindow(window, &blur);
     SetLayeredWindowAttributes(window, 0, 255, LWA_ALPHA);
 }
 

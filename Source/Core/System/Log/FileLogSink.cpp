@@ -2,10 +2,10 @@
 
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Error/Exception.h"
+#include "Core/System/Text/Files.h"
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Time/Timestamp.h"
 
-#include <chrono>
 #include <limits>
 #include <system_error>
 #include <thread>
@@ -16,12 +16,8 @@ namespace Orvik::System::Log
 namespace
 {
 
-using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
-
 constexpr std::int64_t s_ticksPerDay = 864'000'000'000;
 constexpr std::int64_t s_ticksPerSecond = 10'000'000;
-/// From the beginning of 1601, where file times of Windows begin, to that of 1970.
-constexpr std::int64_t s_epochDistance = 0x19DB1DED53E8000;
 
 [[noreturn]] void ThrowFileError(const char* operation, const std::filesystem::path& path, const std::error_code& error)
 {
@@ -41,17 +37,16 @@ std::uint64_t GetFileSize(const std::filesystem::path& path)
 std::int64_t GetWriteTime(const std::filesystem::path& path)
 {
     std::error_code error;
-    const std::filesystem::file_time_type time = std::filesystem::last_write_time(path, error);
+    const std::int64_t time = Text::GetWriteTime(path, error);
     if (error)
         ThrowFileError("last_write_time", path, error);
-    const auto systemTime = std::chrono::file_clock::to_sys(time);
-    return std::chrono::floor<Ticks>(systemTime.time_since_epoch()).count();
+    return time;
 }
 
 /// A file system that doesn't keep the time gives the beginning of its clock: 1970 or 1601.
 bool IsUnset(std::int64_t writeTime)
 {
-    return writeTime == 0 || writeTime == -s_epochDistance;
+    return writeTime == 0 || writeTime == Text::WindowsFileTimeBegin;
 }
 
 /// The write time, in ticks since 1970, before which a file has expired. An age that reaches back beyond all clocks

@@ -50,6 +50,19 @@ private:
     std::atomic<bool>& m_isOpen;
 };
 
+/// Counts a thread for as long as the scope lasts, by whatever way it is left.
+class Counted
+{
+public:
+    explicit Counted(std::atomic<std::uint32_t>& count) : m_count(count) { ++m_count; }
+    ~Counted() { --m_count; }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+
+private:
+    std::atomic<std::uint32_t>& m_count;
+};
+
 std::string MakeLine(std::uint32_t stream, MessageTypeID severity, const std::string& text)
 {
     std::ostringstream line;
@@ -120,14 +133,12 @@ bool Logger::AcceptsStream(std::uint32_t stream) const
 
 void Logger::Receive(std::uint32_t stream, MessageTypeID severity, const std::string& text)
 {
-    ++m_writers;
-    if (m_isOpen)
-    {
-        const std::string line = MakeLine(stream, severity, text);
-        for (std::size_t index = 0; index < m_sinks.size(); ++index)
-            WriteToSink(index, line);
-    }
-    --m_writers;
+    const Counted writer(m_writers);
+    if (!m_isOpen)
+        return;
+    const std::string line = MakeLine(stream, severity, text);
+    for (std::size_t index = 0; index < m_sinks.size(); ++index)
+        WriteToSink(index, line);
 }
 
 void Logger::WriteToSink(std::size_t index, const std::string& line)
@@ -174,6 +185,11 @@ void RegisterContext(Context* context)
 {
     GetContextList().push_back(context);
     UpdateContext(context);
+}
+
+const Context& GetSystemContext() noexcept
+{
+    return s_systemContext;
 }
 
 void UpdateContext(Context* context)

@@ -37,9 +37,9 @@ public:
     /// the pixels as they are, and `SavePng` answers false.
     void SetSize(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel);
 
-    /// Copies `bytes` bytes to the beginning of the pixels. More than `GetSize` is an assertion failure; fewer leave
-    /// the rest as it was.
-    void CopyFromImageBuffer(const std::uint8_t* data, std::uint64_t bytes);
+    /// Copies `byteCount` bytes to the beginning of the pixels. More than `GetSize` is an assertion failure; fewer
+    /// leave the rest as it was.
+    void CopyFromImageBuffer(const std::uint8_t* data, std::uint64_t byteCount);
 
     /// Bytes of all pixels.
     [[nodiscard]] std::int32_t GetSize() const { return static_cast<std::int32_t>(m_stride) * m_height; }
@@ -73,7 +73,8 @@ public:
     /// Write a file, in place of one that exists. False, without a word, if it can't be opened or is not written whole;
     /// what was written until then stays. A BMP gets the rows as they lie in memory, without the padding that the
     /// format asks for, so that only rows of a multiple of 4 bytes read back equal. A PNG has no picture without
-    /// pixels, and takes 3 bytes to the pixel or the first 4 of more: what has fewer is refused.
+    /// pixels, and 3 or 4 bytes to the pixel. What has fewer is refused; of what has more, each row gives as many bytes
+    /// from its beginning as 4 to the pixel take.
     [[nodiscard]] bool SaveBmp(const std::string& path) const;
     [[nodiscard]] bool SavePng(const std::string& path) const;
 

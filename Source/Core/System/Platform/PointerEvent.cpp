@@ -1,30 +1,30 @@
 #include "Core/System/Platform/PointerEvent.h"
 
-#include <utility>
+#include <atomic>
 
 namespace Orvik::System::Platform
 {
 namespace
 {
 
-const Math::Point* s_position = nullptr;
-bool s_hasOwnMotion = false;
+thread_local const Math::Point* t_position = nullptr; ///< other threads ask the desktop
+std::atomic<bool> s_hasOwnMotion = false;             ///< any thread may move the pointer
 
 } // namespace
 
 PointerEventScope::PointerEventScope(const Math::Point& position) noexcept
 {
-    s_position = &position;
+    t_position = &position;
 }
 
 PointerEventScope::~PointerEventScope()
 {
-    s_position = nullptr;
+    t_position = nullptr;
 }
 
 const Math::Point* PointerEventScope::GetPosition() noexcept
 {
-    return s_position;
+    return t_position;
 }
 
 void AnnounceOwnMotion() noexcept
@@ -34,7 +34,7 @@ void AnnounceOwnMotion() noexcept
 
 bool TakeOwnMotion() noexcept
 {
-    return std::exchange(s_hasOwnMotion, false);
+    return s_hasOwnMotion.exchange(false);
 }
 
 } // namespace Orvik::System::Platform

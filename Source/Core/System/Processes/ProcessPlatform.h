@@ -27,7 +27,8 @@ enum class ProcessResult : std::uint8_t
 /// Writes the base name of the process's executable, UTF-8, to `name`, which is unchanged after any failure.
 [[nodiscard]] ProcessResult ReadProcessNamePlatform(std::uint64_t id, std::string& name);
 
-/// Ends the process, and returns when it is gone or won't go.
+/// Ends the process. On Linux it returns when the process is gone or won't go; Windows ends a process on its own, a
+/// moment later.
 [[nodiscard]] ProcessResult EndProcessPlatform(std::uint64_t id);
 
 } // namespace Orvik::System::Processes

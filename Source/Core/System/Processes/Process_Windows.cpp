@@ -1,11 +1,11 @@
 #include "Core/System/Processes/ProcessPlatform.h"
 
-#include "Core/System/Platform/WindowsHandle.h"
+#include "Core/System/Platform/Headers/WindowsHandle.h"
+#include "Core/System/Processes/ProcessCalls_Windows.h"
 #include "Core/System/Text/Unicode.h"
 
 #include <array>
 #include <limits>
-#include <psapi.h>
 
 namespace Orvik::System::Processes
 {
@@ -25,22 +25,23 @@ WindowsHandle Open(DWORD access, std::uint64_t id)
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    return WindowsHandle(OpenProcess(access, FALSE, static_cast<DWORD>(id)));
+    return WindowsHandle(GetProcessCalls().openProcess(access, FALSE, static_cast<DWORD>(id)));
 }
 
 /// The modules of a process, its executable first; empty if they can't be listed.
 std::vector<HMODULE> ListModules(HANDLE process)
 {
+    const ProcessCalls& calls = GetProcessCalls();
     std::vector<HMODULE> modules;
     DWORD needed = 0;
-    if (K32EnumProcessModulesEx(process, nullptr, 0, &needed, LIST_MODULES_ALL) == FALSE)
+    if (calls.enumProcessModules(process, nullptr, 0, &needed, LIST_MODULES_ALL) == FALSE)
         return {};
     // The process may load more of them meanwhile.
     while (needed > modules.size() * sizeof(HMODULE))
     {
         modules.resize((needed + sizeof(HMODULE) - 1) / sizeof(HMODULE));
         const auto size = static_cast<DWORD>(modules.size() * sizeof(HMODULE));
-        if (K32EnumProcessModulesEx(process, modules.data(), size, &needed, LIST_MODULES_ALL) == FALSE)
+        if (calls.enumProcessModules(process, modules.data(), size, &needed, LIST_MODULES_ALL) == FALSE)
             return {};
     }
     modules.resize(needed / sizeof(HMODULE));
@@ -61,7 +62,7 @@ bool ListProcessIdsPlatform(std::vector<std::uint64_t>& ids)
 {
     std::array<DWORD, s_maxProcessCount> processes = {};
     DWORD bytes = 0;
-    if (K32EnumProcesses(processes.data(), static_cast<DWORD>(sizeof(processes)), &bytes) == FALSE)
+    if (GetProcessCalls().enumProcesses(processes.data(), static_cast<DWORD>(sizeof(processes)), &bytes) == FALSE)
         return false;
     ids.insert(ids.end(), processes.begin(), processes.begin() + bytes / sizeof(DWORD));
     return true;
@@ -76,7 +77,7 @@ ProcessResult ReadProcessNamePlatform(std::uint64_t id, std::string& name)
     if (modules.empty())
         return ProcessResult::Failed;
     std::array<wchar_t, MAX_PATH> buffer = {};
-    const DWORD length = K32GetModuleBaseNameW(process.get(), modules.front(), buffer.data(), MAX_PATH);
+    const DWORD length = GetProcessCalls().getModuleBaseName(process.get(), modules.front(), buffer.data(), MAX_PATH);
     if (length == 0)
         return ProcessResult::Failed;
     name = Text::ToUtf8({buffer.data(), length});
@@ -88,7 +89,7 @@ ProcessResult EndProcessPlatform(std::uint64_t id)
     const WindowsHandle process = Open(PROCESS_TERMINATE, id);
     if (process == nullptr)
         return ProcessResult::NoHandle;
-    return TerminateProcess(process.get(), 0) != FALSE ? ProcessResult::Done : ProcessResult::Failed;
+    return GetProcessCalls().terminateProcess(process.get(), 0) != FALSE ? ProcessResult::Done : ProcessResult::Failed;
 }
 
 } // namespace Orvik::System::Processes

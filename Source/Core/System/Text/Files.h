@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 namespace Orvik::System::Text
 {
@@ -33,6 +34,13 @@ enum class Replacement : std::uint8_t
 /// after a failure the old one is still there. The text is written beside the file first, under its name with ".part"
 /// behind it.
 [[nodiscard]] Replacement ReplaceFile(const std::filesystem::path& path, const std::string& text);
+
+/// The beginning of 1601, where the file times of Windows begin, in ticks since 1970.
+inline constexpr std::int64_t WindowsFileTimeBegin = -0x19DB1DED53E8000;
+
+/// When a file was last written, in 100-nanosecond ticks since the beginning of 1970 in UTC, as fine as its file system
+/// keeps it. 0 with `error` set if that can't be found out.
+[[nodiscard]] std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error);
 
 /// Closes a file. False if not all that was written to it reached the system, as on a full disk.
 [[nodiscard]] bool Close(File file);

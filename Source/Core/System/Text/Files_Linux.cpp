@@ -1,5 +1,7 @@
 #include "Core/System/Text/Files.h"
 
+#include <chrono>
+
 namespace Orvik::System::Text
 {
 
@@ -8,6 +10,16 @@ File OpenFile(const std::string& utf8Path, const char* mode)
     // "e" is the C library's own: close the file when another program takes this process over.
     const std::string modeWithoutInheritance = std::string(mode) + "e";
     return File(std::fopen(utf8Path.c_str(), modeWithoutInheritance.c_str()));
+}
+
+std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)
+{
+    using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
+    const std::filesystem::file_time_type time = std::filesystem::last_write_time(path, error);
+    if (error)
+        return 0;
+    const auto systemTime = std::chrono::file_clock::to_sys(time);
+    return std::chrono::floor<Ticks>(systemTime.time_since_epoch()).count();
 }
 
 } // namespace Orvik::System::Text

@@ -1,5 +1,6 @@
 #include "Core/System/Text/Files.h"
 
+#include "Core/System/Platform/Headers/WindowsHandle.h"
 #include "Core/System/Text/Unicode.h"
 
 #include <cwchar>
@@ -12,6 +13,24 @@ File OpenFile(const std::string& utf8Path, const char* mode)
     // "N" is the C library's own: programs that this one starts don't get the file.
     const std::string modeWithoutInheritance = std::string(mode) + "N";
     return File(_wfopen(ToWide(utf8Path).c_str(), ToWide(modeWithoutInheritance).c_str()));
+}
+
+// The standard library's is cut to whole seconds here.
+std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)
+{
+    constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    HANDLE const opened = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, shared, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const Platform::WindowsHandle file(opened != INVALID_HANDLE_VALUE ? opened : nullptr);
+    FILETIME time = {};
+    if (file == nullptr || GetFileTime(file.get(), nullptr, nullptr, &time) == FALSE)
+    {
+        error.assign(static_cast<int>(GetLastError()), std::system_category());
+        return 0;
+    }
+    error.clear();
+    const std::uint64_t ticks = std::uint64_t{time.dwHighDateTime} << 32U | time.dwLowDateTime;
+    return static_cast<std::int64_t>(ticks) + WindowsFileTimeBegin;
 }
 
 } // namespace Orvik::System::Text

@@ -120,6 +120,17 @@ TEST_F(RecordedLines, AnUpdateReplacesThePoints)
     EXPECT_EQ(m_lines.Get(id)->points.size(), 4U);
 }
 
+TEST_F(RecordedLines, TheLineKeepsTheMemoryOfThePoints)
+{
+    const std::uint16_t id = Add(MakePoints(5));
+    std::vector<Vector4> points;
+    points.reserve(4);
+    points.assign(2, {1, 0, 0, 1});
+    const Vector4* const memory = points.data();
+    EXPECT_TRUE(m_lines.Update(id, points));
+    EXPECT_EQ(m_lines.Get(id)->points.data(), memory);
+}
+
 TEST_F(RecordedLines, AnUpdateOfAnUnknownLineLeavesTheGivenPoints)
 {
     std::vector<Vector4> points = MakePoints(3);

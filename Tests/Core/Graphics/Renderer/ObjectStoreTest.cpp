@@ -25,6 +25,7 @@ struct OtherThing
 struct WrappingThing
 {
     std::uint16_t id = 0;
+    int value = 0;
 };
 
 std::vector<std::uint16_t> GetIds(ObjectStore<Thing>& store)
@@ -66,6 +67,27 @@ TEST(ObjectStore, ZeroIsNoIdAfterTheCounterWrapped)
         store.Remove(id);
     }
     EXPECT_EQ(store.Add().id, 1);
+}
+
+TEST(ObjectStore, OfTwoWithOneIdTheOlderIsFoundAndTheYoungerRemoved)
+{
+    ObjectStore<WrappingThing> store;
+    WrappingThing& older = store.Add();
+    const std::uint16_t id = older.id;
+    older.value = 1;
+    while (store.Add().id != id)
+        store.Remove(store.begin()[1].id);
+    store.begin()[1].value = 2;
+    store.Add();
+    EXPECT_EQ(store.Find(id)->value, 1);
+
+    const std::optional<WrappingThing> removed = store.Remove(id);
+    ASSERT_TRUE(removed);
+    EXPECT_EQ(removed->id, id);
+    EXPECT_EQ(removed->value, 2);
+    EXPECT_EQ(store.Find(id)->value, 1);
+    EXPECT_EQ(store.Remove(id)->value, 1);
+    EXPECT_FALSE(store.Remove(id));
 }
 
 TEST(ObjectStore, FindsWhatIsInIt)

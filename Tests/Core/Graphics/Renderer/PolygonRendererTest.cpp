@@ -1,5 +1,8 @@
 #include "Tests/Core/Graphics/Renderer/RecordedRenderer.h"
 
+#include <atomic>
+#include <thread>
+
 namespace Orvik::Tests
 {
 namespace
@@ -139,6 +142,73 @@ TEST_F(RecordedPolygons, VerticesWithoutAColourAreNotUploaded)
 {
     const std::uint16_t id = Add(3);
     m_polygons.Get(id)->colors.pop_back();
+    m_polygons.Render(m_renderer);
+    EXPECT_THAT(TakeCalls(), ElementsAre(Call("glUseProgram", s_polygonProgram)));
+}
+
+TEST_F(RecordedPolygons, ColoursBeyondTheVerticesAreLeftOut)
+{
+    const std::uint16_t id = Add(3);
+    m_polygons.Get(id)->colors.resize(5);
+    EXPECT_TRUE(m_polygons.Update(id));
+    m_polygons.Render(m_renderer);
+    ASSERT_EQ(m_gl.GetCalls("glBufferData").size(), 2U);
+    EXPECT_EQ(m_gl.GetCalls("glBufferData")[1].arguments[1], 48.0);
+    ASSERT_EQ(m_gl.GetCalls("glBufferSubData").size(), 2U);
+    EXPECT_EQ(m_gl.GetCalls("glBufferSubData")[1].arguments[2], 48.0);
+    EXPECT_EQ(m_gl.GetCalls("glDrawArrays").front().arguments[2], 3.0);
+}
+
+TEST_F(RecordedPolygons, AnotherThreadQueuesAndTheNextRenderUploadsThenDeletes)
+{
+    const std::uint16_t removed = Add(3);
+    m_polygons.Render(m_renderer);
+    m_gl.ClearCalls();
+    std::uint16_t added = 0;
+    std::thread(
+        [&]
+        {
+            EXPECT_TRUE(m_polygons.Remove(removed));
+            added = Add(6);
+            EXPECT_TRUE(m_polygons.Update(added));
+        })
+        .join();
+    EXPECT_THAT(TakeCalls(), ElementsAre()) << "that thread has no context";
+
+    m_polygons.Render(m_renderer);
+    std::vector<std::string> order;
+    for (const std::string& call : TakeCalls())
+    {
+        const std::string name = call.substr(0, call.find('('));
+        if (name == "glBufferData" || name == "glBufferSubData" || name.starts_with("glDelete") ||
+            name == "glDrawArrays")
+            order.push_back(name);
+    }
+    EXPECT_THAT(order, ElementsAre("glBufferData", "glBufferData", "glBufferSubData", "glBufferSubData",
+                                   "glDeleteBuffers", "glDeleteBuffers", "glDeleteVertexArrays", "glDrawArrays"));
+}
+
+TEST_F(RecordedPolygons, ThreadsQueueAndRemoveWhileItDraws)
+{
+    constexpr int polygons = 200;
+    std::atomic<bool> isDone = false;
+    std::thread other(
+        [&]
+        {
+            for (int index = 0; index < polygons; ++index)
+            {
+                const std::uint16_t id = Add(3);
+                EXPECT_TRUE(m_polygons.Update(id));
+                EXPECT_TRUE(m_polygons.Remove(id));
+            }
+            isDone = true;
+        });
+    while (!isDone)
+        m_polygons.Render(m_renderer);
+    other.join();
+    m_polygons.Render(m_renderer);
+    EXPECT_EQ(m_gl.GetCalls("glDeleteVertexArrays").size(), static_cast<std::size_t>(polygons));
+    m_gl.ClearCalls();
     m_polygons.Render(m_renderer);
     EXPECT_THAT(TakeCalls(), ElementsAre(Call("glUseProgram", s_polygonProgram)));
 }

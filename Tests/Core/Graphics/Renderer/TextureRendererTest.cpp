@@ -181,6 +181,23 @@ TEST_F(RecordedTextures, ARemovedTextureGoesOnceAtTheNextRender)
     EXPECT_EQ(deletions.front().arguments, (std::vector<double>{1, s_nextName}));
 }
 
+TEST_F(RecordedTextures, OfTwoTexturesWithOneIdTheYoungerGoes)
+{
+    const std::uint16_t id = Add(4, 4);
+    for (int count = 0; count < 65534; ++count)
+        EXPECT_TRUE(m_textures.Remove(Add(0, 0)));
+    ASSERT_EQ(Add(4, 4), id) << "the counter has wrapped; the picture goes to the one that is found, the older";
+    m_gl.ClearCalls();
+    EXPECT_TRUE(m_textures.Remove(id));
+    m_textures.Render(m_renderer);
+    EXPECT_EQ(m_gl.GetCalls("glDrawElements").size(), 1U);
+    EXPECT_EQ(m_gl.GetCalls("glDeleteTextures").back().arguments, (std::vector<double>{1, 0}));
+    EXPECT_TRUE(m_textures.Remove(id));
+    m_textures.Render(m_renderer);
+    EXPECT_EQ(m_gl.GetCalls("glDrawElements").size(), 1U);
+    EXPECT_EQ(m_gl.GetCalls("glDeleteTextures").back().arguments, (std::vector<double>{1, s_nextName}));
+}
+
 TEST_F(RecordedTextures, ShutdownDeletesPendingAndLivingTextures)
 {
     const std::uint16_t first = Add(4, 4);

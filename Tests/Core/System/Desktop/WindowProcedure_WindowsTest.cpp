@@ -209,11 +209,27 @@ TEST_F(WindowProcedureTest, WhatTheHandlerLeavesGoesToTheSystem)
     EXPECT_EQ(Send(WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"title")), TRUE);
     EXPECT_EQ(Send(WM_GETTEXTLENGTH), 5);
     EXPECT_TRUE(m_events.empty());
-    // It closes a window whose Alt+F4 nobody took: the key's event comes, then the close.
-    m_handles = false;
-    Send(WM_SYSKEYDOWN, VK_F4, 1 << 29);
-    ASSERT_EQ(m_events.size(), 1U);
-    EXPECT_EQ(m_events[0].data.key.key, KeyCode::F4);
+}
+
+/// Whether the system has been told to close the window, by a message that waits for it.
+bool TakeCloseCommand(HWND window)
+{
+    MSG message = {};
+    return PeekMessageW(&message, window, WM_SYSCOMMAND, WM_SYSCOMMAND, PM_REMOVE) != FALSE &&
+           message.wParam == SC_CLOSE;
+}
+
+TEST_F(WindowProcedureTest, AnEventThatNobodyDealtWithGoesToTheSystem)
+{
+    constexpr LPARAM withAlt = 1 << 29;
+    for (const bool isTaken : {true, false})
+    {
+        m_handles = isTaken;
+        Send(WM_SYSKEYDOWN, VK_F4, withAlt);
+        ASSERT_EQ(m_events.size(), 1U);
+        EXPECT_EQ(m_events[0].data.key.key, KeyCode::F4);
+        EXPECT_EQ(TakeCloseCommand(GetHwnd(m_window)), !isTaken) << "the system closes on Alt+F4";
+    }
 }
 
 TEST_F(WindowProcedureTest, PaintingIsOverOnceItWasDelivered)

@@ -1,3 +1,4 @@
+#include "Core/System/Desktop/WindowCalls_Windows.h"
 #include "Tests/Core/System/Desktop/WindowFixture_Windows.h"
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/LogRecorder.h"
@@ -5,6 +6,7 @@
 
 #include <array>
 #include <gmock/gmock.h>
+#include <vector>
 
 namespace Orvik::System::Desktop
 {
@@ -164,6 +166,109 @@ TEST_F(WindowWindows, ShowAndHide)
     EXPECT_EQ(GetActiveWindow(), active) << "An overlay isn't activated by being shown.";
     m_window.Hide(m_window.Lock());
     EXPECT_FALSE(IsWindowVisible(GetHwnd(m_window)));
+}
+
+TEST_F(WindowWindows, ShowOfAnyOtherTypeActivates)
+{
+    for (const WindowType type : {WindowType::Overlapped, WindowType::Popup, WindowType::ToolPopup})
+    {
+        Window window(nullptr, "Orvik::Shown", s_position, s_size, type);
+        ASSERT_TRUE(window.Create());
+        window.Show(window.Lock());
+        EXPECT_TRUE(IsWindowVisible(GetHwnd(window)));
+        EXPECT_EQ(GetActiveWindow(), GetHwnd(window)) << static_cast<int>(type);
+        window.Hide(window.Lock());
+        EXPECT_FALSE(IsWindowVisible(GetHwnd(window)));
+    }
+}
+
+TEST_F(WindowWindows, AWindowForMessagesIsAmongThoseOfItsKind)
+{
+    Window window(nullptr, "Orvik::Messages", s_position, s_size, WindowType::MessageOnly);
+    ASSERT_TRUE(window.Create());
+    EXPECT_EQ(FindWindowExW(HWND_MESSAGE, nullptr, L"Orvik::Messages", nullptr), GetHwnd(window));
+    ASSERT_TRUE(m_window.Create());
+    EXPECT_EQ(FindWindowExW(HWND_MESSAGE, nullptr, L"Orvik::WindowTest", nullptr), nullptr) << "an overlay isn't";
+    window.Show(window.Lock());
+    EXPECT_EQ(window.GetState(), WindowState::Visible);
+    EXPECT_NE(GetWindowLongW(GetHwnd(window), GWL_STYLE) & WS_VISIBLE, 0);
+}
+
+/// Whether the first of two windows lies above the second.
+bool IsAbove(HWND upper, HWND lower)
+{
+    for (HWND next = GetWindow(upper, GW_HWNDNEXT); next != nullptr; next = GetWindow(next, GW_HWNDNEXT))
+    {
+        if (next == lower)
+            return true;
+    }
+    return false;
+}
+
+TEST_F(WindowWindows, BringToFrontActivatesAnOverlayAboveAllOthers)
+{
+    m_window.BringToFront(); // without a window nothing happens
+    ASSERT_TRUE(m_window.Create());
+    m_window.Show(m_window.Lock());
+    m_window.SetClickThrough(false);
+    Window other(nullptr, "Orvik::Other", s_position, s_size, WindowType::Overlay);
+    ASSERT_TRUE(other.Create());
+    other.Show(other.Lock());
+    EXPECT_TRUE(IsAbove(GetHwnd(other), GetHwnd(m_window)));
+    EXPECT_NE(GetActiveWindow(), GetHwnd(m_window));
+
+    m_window.BringToFront();
+    EXPECT_EQ(GetForegroundWindow(), GetHwnd(m_window));
+    EXPECT_EQ(GetActiveWindow(), GetHwnd(m_window));
+    EXPECT_TRUE(IsAbove(GetHwnd(m_window), GetHwnd(other)));
+}
+
+TEST_F(WindowWindows, BringToFrontActivatesAnyOtherTypeAsWell)
+{
+    Window first(nullptr, "Orvik::First", s_position, s_size, WindowType::ToolPopup);
+    Window second(nullptr, "Orvik::Second", s_position, s_size, WindowType::ToolPopup);
+    for (Window* const window : {&first, &second})
+    {
+        ASSERT_TRUE(window->Create());
+        window->Show(window->Lock());
+    }
+    EXPECT_EQ(GetForegroundWindow(), GetHwnd(second));
+    first.BringToFront();
+    EXPECT_EQ(GetForegroundWindow(), GetHwnd(first));
+}
+
+TEST_F(WindowWindows, AnOverlayIsOpaqueWhereItIsDrawn)
+{
+    ASSERT_TRUE(m_window.Create());
+    COLORREF key = 1;
+    BYTE opacity = 0;
+    DWORD flags = 0;
+    ASSERT_TRUE(GetLayeredWindowAttributes(GetHwnd(m_window), &key, &opacity, &flags));
+    EXPECT_EQ(opacity, 255);
+    EXPECT_EQ(flags, 2U);
+}
+
+std::vector<HWND> s_blurred;
+
+TEST_F(WindowWindows, AnOverlayAloneIsSeenThroughWhereItIsNotDrawn)
+{
+    s_blurred.clear();
+    GetWindowCalls().enableBlurBehindWindow = [](HWND window, const DWM_BLURBEHIND* blur) -> HRESULT
+    {
+        s_blurred.push_back(window);
+        EXPECT_EQ(blur->dwFlags, 3U);
+        EXPECT_TRUE(blur->fEnable);
+        EXPECT_FALSE(blur->fTransitionOnMaximized);
+        EXPECT_NE(blur->hRgnBlur, nullptr);
+        EXPECT_FALSE(RectInRegion(blur->hRgnBlur, std::array<RECT, 1>{{{0, 0, 4000, 3000}}}.data()));
+        return E_FAIL;
+    };
+    Window popup(nullptr, "Orvik::Popup", s_position, s_size, WindowType::ToolPopup);
+    EXPECT_TRUE(popup.Create());
+    EXPECT_THAT(s_blurred, testing::IsEmpty());
+    EXPECT_TRUE(m_window.Create()) << "where the desktop can't do that, the window is there all the same";
+    EXPECT_THAT(s_blurred, testing::ElementsAre(GetHwnd(m_window)));
+    GetWindowCalls() = {};
 }
 
 TEST_F(WindowWindows, ClickThroughIsTwoStyles)

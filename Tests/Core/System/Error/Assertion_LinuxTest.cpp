@@ -1,8 +1,13 @@
 #include "Core/System/Error/Assertion.h"
 
+#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Tests/Core/System/Error/Handling/ReportText.h"
+#include "Tests/Support/ForkedProcess.h"
+
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <string>
 
 namespace Orvik::System::Error
@@ -54,6 +59,28 @@ TEST(AssertionDeathTest, HandlerThatReturnsEndsInThePlatformsAssertion)
             ".*: \\./Tests/Core/System/Error/Assertion_LinuxTest\\.cpp:" + std::to_string(s_failureLine) +
             ": FailOnPurpose: "
             "Assertion `\\(m_value == 2 \\|\\| m_value == 3\\)' failed\\.\n"));
+}
+
+TEST(AssertionReport, OfAnExceptionsHandlerSaysNothingOfTheException)
+{
+    const Tests::ForkedResult result = Tests::RunForked(
+        []
+        {
+            ErrorHandling::GetInstance();
+            try
+            {
+                throw std::runtime_error("handled just now");
+            }
+            catch (const std::exception&)
+            {
+                FailOnPurpose();
+            }
+            return 0;
+        });
+    EXPECT_EQ(result.signal, SIGABRT);
+    EXPECT_EQ(Tests::Normalize(result.error),
+              "Assertion: m_value == 2 || m_value == 3\n\tMessage: Value must be two or three.\n\nCallstack:\n"
+              "\t[0]: ./Tests/Core/System/Error/Assertion_LinuxTest.cpp at 12: FailOnPurpose\n");
 }
 
 } // namespace

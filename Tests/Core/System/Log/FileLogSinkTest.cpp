@@ -13,6 +13,7 @@
 #include <iterator>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 namespace Orvik::System::Log
 {
@@ -185,6 +186,19 @@ TEST_F(FileLogSinkTest, AFileBelowTheLimitIsContinuedAndOneAtTheLimitIsNot)
         std::filesystem::remove(path);
     }
     EXPECT_EQ(Read("Name_2026-01-01T00-00-00.log"), "123456789");
+}
+
+TEST_F(FileLogSinkTest, ATenthOfASecondTellsWhichFileIsNewer)
+{
+    const std::string early = "Name_2026-01-01T00-00-00.log";
+    const std::string late = "Name_2026-01-01T00-00-01.log";
+    for (const auto& [older, newer] : {std::pair(early, late), std::pair(late, early)})
+    {
+        std::ofstream(GetPath(older)) << "older\n";
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        std::ofstream(GetPath(newer)) << "newer\n";
+        EXPECT_EQ(WriteOneLine(), newer);
+    }
 }
 
 TEST_F(FileLogSinkTest, OfTwoFilesOfTheSameTimeOneIsContinued)

@@ -211,6 +211,15 @@ TEST_F(LoggerTest, AStreamThatIsNoneIsAnAssertionFailure)
     EXPECT_EQ(TakeOutput(), "");
 }
 
+TEST_F(LoggerTest, ShutsDownAfterALineThatCouldNotBeMade)
+{
+    Initialize();
+    EXPECT_ASSERTION(Write(Context{0x3}, MessageTypeID::Error, "two streams"), "false",
+                     "Implementation of case directive is missing.");
+    m_logger.OnShutdown(); // waits for nobody
+    EXPECT_EQ(TakeOutput(), "");
+}
+
 TEST_F(LoggerTest, ReleasesItsSinksAtShutdown)
 {
     Initialize();

@@ -89,7 +89,7 @@ TEST(Bitmap, AChangeOfOnlyTheBitDepthDiscardsThePixels)
     EXPECT_EQ(bitmap.GetStride(), 6);
     EXPECT_EQ(bitmap.GetSize(), 12);
 
-    // 33 bits are as many bytes as 32: the size is the same, and yet the old memory is gone.
+    // 33 bits are as many bytes as 32.
     Bitmap other = MakeCounting(2, 2, 32);
     other.SetSize(2, 2, 33);
     EXPECT_EQ(other.GetBitsPerPixel(), 33);

@@ -328,12 +328,12 @@ TEST_F(PngFile, WithThreeBytesToThePixelReadsBackOpaque)
 
 TEST_F(PngFile, OfMoreThanFourBytesToThePixelTakesTheFirstOfEachRow)
 {
-    Bitmap bitmap(1, 2, 40);
-    const Bytes pixels = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    Bitmap bitmap(2, 2, 40);
+    const Bytes pixels = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20};
     bitmap.CopyFromImageBuffer(pixels.data(), pixels.size());
     ASSERT_TRUE(bitmap.SavePng(GetPath("picture.png")));
     ASSERT_TRUE(m_bitmap.Load(GetPath("picture.png")));
-    EXPECT_EQ(GetBytes(m_bitmap), (Bytes{1, 2, 3, 4, 6, 7, 8, 9}));
+    EXPECT_EQ(GetBytes(m_bitmap), (Bytes{1, 2, 3, 4, 5, 6, 7, 8, 11, 12, 13, 14, 15, 16, 17, 18}));
 }
 
 TEST_F(PngFile, OfRowsTooShortForTheirPixelsIsNotWritten)

@@ -10,6 +10,7 @@
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/FakeSystem.h"
 
+#include <algorithm>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <stdexcept>
@@ -158,6 +159,22 @@ TEST_F(ApplicationRun, InitialisedLoggerBecomesThatOfErrorHandling)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Exception: std::exception\n\tMessage: trouble\n");
     EXPECT_THAT(testing::internal::GetCapturedStdout(),
                 HasSubstr(" | Default] Error: Exception: 'std::exception' with message: trouble\n"));
+}
+
+TEST_F(ApplicationRun, NeitherTheFrameNorItsSystemsRegisterACommand)
+{
+    std::size_t systemCount = 0;
+    m_application.onMain = [&]
+    {
+        m_application.InitializeSystems();
+        systemCount = static_cast<std::size_t>(std::ranges::count_if(m_application.calls, [](const std::string& call)
+                                                                     { return call.starts_with("after "); }));
+    };
+    testing::internal::CaptureStdout();
+    Application::Run(MakeParameters());
+    (void)testing::internal::GetCapturedStdout();
+    EXPECT_EQ(systemCount, 3U);
+    EXPECT_THAT(m_application.m_commandRegistry.GetCommands(), IsEmpty());
 }
 
 TEST_F(ApplicationRun, OtherSystemsDoNotBecomeTheLogger)

@@ -24,6 +24,7 @@ public:
 
     using Application::CreateAndInitialize;
     using Application::m_commandLine;
+    using Application::m_commandRegistry;
     using Application::m_configCache;
     using Application::m_displaySystem;
     using Application::m_extension;

@@ -1,12 +1,16 @@
 #include "Core/System/Text/Files.h"
 
 #include "Core/System/Text/Paths.h"
+#include "Core/System/Time/Timestamp.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
+#include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
 
 namespace Orvik::System::Text
 {
@@ -73,6 +77,37 @@ TEST(Files, WhatCantBeReplacedStays)
     EXPECT_EQ(ReplaceFile(directory.GetPath() / "folder", "text"), Replacement::NotOpened);
     EXPECT_TRUE(std::filesystem::is_directory(directory.GetPath() / "folder"));
     EXPECT_FALSE(std::filesystem::exists(directory.GetPath() / "folder.part"));
+}
+
+TEST(Files, TheWriteTimeIsFinerThanASecond)
+{
+    constexpr std::int64_t tenth = 1'000'000;
+    const Tests::TemporaryDirectory directory;
+    const std::filesystem::path first = directory.GetPath() / "first";
+    const std::filesystem::path second = directory.GetPath() / PathFromUtf8("zw\xC3\xB6lf");
+    const std::int64_t begin = Time::GetSystemTicks();
+    std::ofstream(first) << "x";
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    std::ofstream(second) << "x";
+    const std::int64_t end = Time::GetSystemTicks();
+
+    std::error_code error = std::make_error_code(std::errc::io_error);
+    const std::int64_t firstTime = GetWriteTime(first, error);
+    EXPECT_FALSE(error);
+    const std::int64_t secondTime = GetWriteTime(second, error);
+    EXPECT_FALSE(error);
+    // The system's clock for files goes in steps of some milliseconds.
+    EXPECT_GE(firstTime, begin - tenth / 5);
+    EXPECT_GE(secondTime - firstTime, tenth - tenth / 5);
+    EXPECT_LE(secondTime, end + tenth / 5);
+}
+
+TEST(Files, WithoutAFileThereIsNoWriteTime)
+{
+    const Tests::TemporaryDirectory directory;
+    std::error_code error;
+    EXPECT_EQ(GetWriteTime(directory.GetPath() / "none", error), 0);
+    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
 }
 
 TEST(Files, AFileIsClosedWithItsObject)

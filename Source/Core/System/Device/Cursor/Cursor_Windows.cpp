@@ -1,4 +1,5 @@
 #include "Core/System/Device/Cursor/Cursor.h"
+#include "Core/System/Device/Cursor/CursorCalls_Windows.h"
 #include "Core/System/Device/Cursor/CursorFailure.h"
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Platform/Headers/WindowsHeaders.h"
@@ -6,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 namespace Orvik::System::Device::Cursor
 {
@@ -13,11 +15,13 @@ namespace
 {
 
 /// A coordinate on the scale of 0 to 65535 that the input queue has for the whole virtual desktop. The half pixel puts
-/// it in the middle of the pixel, so that the system's rounding doesn't shift it.
+/// it in the middle of the pixel, so that the system's rounding doesn't shift it. What is far off the desktop is cut.
 LONG ScaleCoordinate(std::int32_t coordinate, int desktopBegin, int desktopSize)
 {
+    using Limits = std::numeric_limits<LONG>;
     const double inDesktop = static_cast<double>(coordinate) - desktopBegin + 0.5;
-    return static_cast<LONG>(inDesktop / std::max(desktopSize, 1) * 65535.0);
+    const double scaled = inDesktop / std::max(desktopSize, 1) * 65535.0;
+    return static_cast<LONG>(std::clamp<double>(scaled, Limits::min(), Limits::max()));
 }
 
 } // namespace
@@ -30,7 +34,7 @@ bool GetCurrentPosition(Math::Point& position)
         return true;
     }
     POINT found = {};
-    if (GetCursorPos(&found) == FALSE)
+    if (GetCursorCalls().getCursorPos(&found) == FALSE)
         return ReportFailure("GetCurrentPosition", Error::FormatLastError());
     position = {found.x, found.y};
     return true;
@@ -38,14 +42,17 @@ bool GetCurrentPosition(Math::Point& position)
 
 bool SetPosition(const Math::Point& position)
 {
+    const CursorCalls& calls = GetCursorCalls();
+    const int left = calls.getSystemMetrics(SM_XVIRTUALSCREEN);
+    const int top = calls.getSystemMetrics(SM_YVIRTUALSCREEN);
+    const int width = calls.getSystemMetrics(SM_CXVIRTUALSCREEN);
+    const int height = calls.getSystemMetrics(SM_CYVIRTUALSCREEN);
     INPUT input = {};
     input.type = INPUT_MOUSE;
-    input.mi.dx =
-        ScaleCoordinate(position.x, GetSystemMetrics(SM_XVIRTUALSCREEN), GetSystemMetrics(SM_CXVIRTUALSCREEN));
-    input.mi.dy =
-        ScaleCoordinate(position.y, GetSystemMetrics(SM_YVIRTUALSCREEN), GetSystemMetrics(SM_CYVIRTUALSCREEN));
+    input.mi.dx = ScaleCoordinate(position.x, left, width);
+    input.mi.dy = ScaleCoordinate(position.y, top, height);
     input.mi.dwFlags = MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_VIRTUALDESK | MOUSEEVENTF_MOVE;
-    if (SendInput(1, &input, sizeof(input)) != 1)
+    if (calls.sendInput(1, &input, sizeof(input)) != 1)
         return ReportFailure("SetPosition", Error::FormatLastError());
     return true;
 }

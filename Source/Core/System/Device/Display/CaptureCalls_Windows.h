@@ -4,11 +4,13 @@
 
 #include "Core/System/Platform/Headers/WindowsHeaders.h"
 
+#include <dwmapi.h>
+
 namespace Orvik::System::Device::Display
 {
 
-/// The system's functions that a capture is made with. A table, so that a test can refuse each of them and count
-/// what is released.
+/// The system's functions that a capture is made with. A table, so that a test can refuse each of them, count what is
+/// released, and stand for other desktops.
 struct CaptureCalls
 {
     decltype(&::GetThreadDesktop) getThreadDesktop = &::GetThreadDesktop;
@@ -24,6 +26,8 @@ struct CaptureCalls
     decltype(&::BitBlt) bitBlt = &::BitBlt;
     decltype(&::DeleteObject) deleteObject = &::DeleteObject;
     decltype(&::DeleteDC) deleteDC = &::DeleteDC;
+    decltype(&::GetProcAddress) getProcAddress = &::GetProcAddress;
+    decltype(&::DwmIsCompositionEnabled) isCompositionEnabled = &::DwmIsCompositionEnabled;
 };
 
 [[nodiscard]] inline CaptureCalls& GetCaptureCalls()

@@ -4,6 +4,7 @@
 #include "Core/System/Device/Display/UncoveredScreen_Windows.h"
 
 #include <cstddef>
+#include <limits>
 
 namespace Orvik::System::Device::Display
 {
@@ -27,6 +28,12 @@ bool ReceivesInput(const CaptureCalls& calls)
     receivesInput = calls.setThreadDesktop(inputDesktop);
     calls.closeDesktop(inputDesktop);
     return receivesInput != FALSE;
+}
+
+/// A bitmap tells its bytes in 32 bits.
+bool FitsBitmap(const Math::Rectangle& region)
+{
+    return std::uint64_t{region.GetWidth()} * region.GetHeight() <= std::numeric_limits<DWORD>::max() / 4;
 }
 
 /// Rows from the top, 32 bits for each pixel: blue, green, red and a byte without meaning.
@@ -61,7 +68,7 @@ struct PlatformCaptureContext
 
 bool PlatformCaptureContext::Acquire(const CaptureCalls& calls)
 {
-    if (!ReceivesInput(calls))
+    if (!FitsBitmap(region) || !ReceivesInput(calls))
         return false;
     screenContext = calls.getDC(nullptr);
     if (screenContext == nullptr)

@@ -1,8 +1,7 @@
 #include "Core/System/Device/Display/UncoveredScreen_Windows.h"
 
+#include "Core/System/Device/Display/CaptureCalls_Windows.h"
 #include "Core/System/Time/MonotonicClock.h"
-
-#include <dwmapi.h>
 
 namespace Orvik::System::Device::Display
 {
@@ -12,10 +11,16 @@ namespace
 /// What other programs take to redraw what is uncovered. Nobody tells when they are done.
 constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
 
-bool IsDesktopComposed()
+/// Wine composes nothing. Where it stands for a Windows that always does, it says that it did all the same.
+bool IsWine(const CaptureCalls& calls)
+{
+    return calls.getProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
+bool IsDesktopComposed(const CaptureCalls& calls)
 {
     BOOL isComposed = FALSE;
-    return SUCCEEDED(DwmIsCompositionEnabled(&isComposed)) && isComposed != FALSE;
+    return !IsWine(calls) && SUCCEEDED(calls.isCompositionEnabled(&isComposed)) && isComposed != FALSE;
 }
 
 BOOL CALLBACK CollectOverlay(HWND window, LPARAM overlays)
@@ -35,7 +40,7 @@ void AwaitRepaint()
 
 UncoveredScreen::UncoveredScreen()
 {
-    if (IsDesktopComposed())
+    if (IsDesktopComposed(GetCaptureCalls()))
         return;
     EnumThreadWindows(GetCurrentThreadId(), &CollectOverlay, reinterpret_cast<LPARAM>(&m_overlays));
     for (HWND const overlay : m_overlays)

@@ -1,12 +1,10 @@
-#include "Core/System/Error/Handling/ConsoleEvents.h"
+#include "Core/System/Error/Handling/ConsoleEvents_Windows.h"
 
-#include "Core/System/Platform/Headers/WindowsHeaders.h"
+#include "Core/System/Error/Handling/ConsoleEvents.h"
 
 #include <csignal>
 
 namespace Orvik::System::Error
-{
-namespace
 {
 
 BOOL WINAPI OnConsoleEvent(DWORD event) noexcept
@@ -27,8 +25,6 @@ BOOL WINAPI OnConsoleEvent(DWORD event) noexcept
         return FALSE;
     }
 }
-
-} // namespace
 
 void ListenToConsole() noexcept
 {

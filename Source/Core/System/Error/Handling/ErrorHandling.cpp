@@ -42,6 +42,8 @@ void WriteReportFile(const std::filesystem::path& path, const std::function<void
 
 ErrorHandling& ErrorHandling::GetInstance()
 {
+    // It may be made before the unit is initialised that makes the streams, and has to be destroyed ahead of them.
+    static const std::ios_base::Init s_streams;
     static ErrorHandling s_instance;
     return s_instance;
 }

@@ -28,9 +28,8 @@ class Exception;
 /// a report file, and in the log once a `Logger` is given. It needs nothing of the application for the first two.
 ///
 /// The instance installs its handlers of assertions, of exceptions and of faults when it is constructed and takes them
-/// back when it is destroyed. The program
-/// touches it before `main`, ahead of its application. Nothing here takes a lock: two threads that report at once
-/// interleave.
+/// back when it is destroyed. The program touches it before `main`, ahead of all other static objects
+/// (`EarlyErrorHandling`). Nothing here takes a lock: two threads that report at once interleave.
 class ErrorHandling
 {
 public:
@@ -57,13 +56,14 @@ public:
     /// untouched then.
     [[nodiscard]] bool MakeReportPath(std::int64_t time, std::filesystem::path& path) const;
 
-    /// To be called when the run is over, on the main thread: nobody is asked to end any more. What asks from then on
-    /// ends the process with `exitCode`.
+    /// To be called when the run is over, on the main thread: nobody is asked to end any more. On Linux, where a thread
+    /// of this process takes requests, what asks from then on ends the process with `exitCode`. On Windows there is
+    /// nothing to do, and the program doesn't call it: a request is passed over then, see `HandleRequest`.
     void EndRequests(int exitCode) { EndRequestsPlatform(exitCode); }
 
     /// Reports a signal of the C library and aborts. An interruption or a termination first asks the run to end by
-    /// itself, and aborts only one that doesn't within two seconds. Returns from an abort under way, and to the handler
-    /// of a fault, which ends the process by the signal itself.
+    /// itself, and aborts only one that doesn't within two seconds. Returns from an abort under way, and on Linux to
+    /// the handler of a fault, which ends the process by the signal itself.
     void HandleSignal(int signal);
 
     /// The same for a request to end that arrives on another thread than the run's. A run that is over isn't asked any

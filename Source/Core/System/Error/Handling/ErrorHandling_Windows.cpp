@@ -1,5 +1,6 @@
 #include "Core/System/Error/Handling/ConsoleEvents.h"
 #include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 
 #include <array>
 #include <csignal>
@@ -16,16 +17,42 @@ using SignalHandler = void (*)(int);
 /// The C runtime's own, all it has.
 constexpr std::array s_signals = {SIGTERM, SIGSEGV, SIGINT, SIGILL, SIGABRT, SIGFPE};
 
+/// A request waits two seconds for the run's end. Longer takes only one whose log isn't read by whoever it is for.
+constexpr DWORD s_requestTimeLimit = 3'000; // milliseconds
+constexpr UINT s_abortCode = 3;             ///< what `std::abort` ends the process with
+
 ErrorHandling* s_errorHandling = nullptr;
 std::array<SignalHandler, s_signals.size()> s_previousHandlers = {};
 int s_previousErrorMode = _OUT_TO_DEFAULT;
 
-/// Faults arrive on the faulting thread, an interruption or a termination on one that the system made. The delivery
-/// has reset the signal to its default action: a second one ends the process at once.
+void CALLBACK OnTimeout(void* /*argument*/, BOOLEAN /*hasFired*/) noexcept
+{
+    TerminateProcess(GetCurrentProcess(), s_abortCode);
+}
+
+/// Ends the process if it lives too long.
+class TimeLimit
+{
+public:
+    TimeLimit()
+    {
+        CreateTimerQueueTimer(&m_timer, nullptr, &OnTimeout, nullptr, s_requestTimeLimit, 0, WT_EXECUTEONLYONCE);
+    }
+    ~TimeLimit() { (void)DeleteTimerQueueTimer(nullptr, m_timer, nullptr); }
+    TimeLimit(const TimeLimit&) = delete;
+    TimeLimit& operator=(const TimeLimit&) = delete;
+
+private:
+    HANDLE m_timer = nullptr;
+};
+
+/// Faults arrive on the faulting thread, an interruption or a termination on a thread of its own. The delivery has
+/// reset the signal to its default action: a second one ends the process at once.
 extern "C" void OnSignal(int signal) noexcept
 {
     if (signal != SIGINT && signal != SIGTERM)
         return s_errorHandling->HandleSignal(signal);
+    const TimeLimit limit;
     if (!s_errorHandling->HandleRequest(signal))
         std::raise(signal); // nothing is there that could end by itself
 }

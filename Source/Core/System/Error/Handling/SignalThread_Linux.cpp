@@ -20,7 +20,7 @@ struct State
     int exitCode = 0; ///< of the run that is over
     std::atomic<bool> isStopping = false;
 };
-State s_state;
+constinit State s_state; // started ahead of all other static objects
 
 bool IsIgnored(int signal)
 {

@@ -6,11 +6,10 @@
 #include "Tests/Support/Texts.h"
 
 #include <array>
-#include <atomic>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace Orvik::System::Device::Display
@@ -282,123 +281,87 @@ TEST_F(CaptureWithRefusals, ADesktopThatIsNotToldEndsItUnlessTheSystemDoesNotKno
     EXPECT_TRUE(context.Initialize(1, {0, 0, 2, 3}));
 }
 
-// With the system's own functions.
-
-/// Fills a part of the screen with a colour: a window of another thread, which paints it anew whenever it is uncovered.
-class Backdrop
+TEST_F(CaptureWithRefusals, ARegionWhoseBytesTakeMoreThan32BitsIsRefused)
 {
-public:
-    explicit Backdrop(COLORREF color) : m_color(color), m_thread([this] { Run(); })
-    {
-        while (m_window.load() == nullptr)
-            Sleep(2);
-        Sleep(200); // until the screen shows it
-    }
-    ~Backdrop()
-    {
-        PostMessageW(m_window, WM_CLOSE, 0, 0);
-        m_thread.join();
-    }
-    Backdrop(const Backdrop&) = delete;
-    Backdrop& operator=(const Backdrop&) = delete;
+    CaptureContext context;
+    EXPECT_FALSE(context.Initialize(1, {0, 0, 65535, 16385}));
+    EXPECT_THAT(s_calls, IsEmpty());
+    EXPECT_TRUE(context.Initialize(1, {0, 0, 65535, 16384}));
+    EXPECT_EQ(s_info.bmiHeader.biSizeImage, 65535U * 16384 * 4);
+}
 
-private:
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+bool s_isOverlayVisible = false; ///< during a copy
+
+/// An overlay that is shown, and a system whose copies look at it.
+class CaptureBehindAnOverlay : public CaptureWithRefusals
+{
+protected:
+    CaptureBehindAnOverlay()
     {
-        if (message == WM_DESTROY)
-            PostQuitMessage(0);
-        return DefWindowProcW(window, message, wParam, lParam);
+        s_overlay = std::make_unique<Desktop::Window>(nullptr, "Orvik::Overlay", Math::Point{0, 0},
+                                                      Desktop::WindowSize{400, 300}, Desktop::WindowType::Overlay);
+        EXPECT_TRUE(s_overlay->Create());
+        s_overlay->Show(s_overlay->Lock());
+        m_calls.bitBlt = [](HDC, int, int, int, int, HDC, int, int, DWORD) -> BOOL
+        {
+            s_isOverlayVisible = IsWindowVisible(GetHandle()) != FALSE;
+            return TRUE;
+        };
+        m_calls.isCompositionEnabled = [](BOOL* isEnabled) -> HRESULT
+        {
+            *isEnabled = TRUE;
+            return S_OK;
+        };
+        m_calls.getProcAddress = [](HMODULE, LPCSTR) -> FARPROC { return nullptr; };
+    }
+    ~CaptureBehindAnOverlay() override { s_overlay.reset(); }
+
+    static HWND GetHandle() { return reinterpret_cast<HWND>(s_overlay->GetNativeWindow()); }
+
+    /// Whether the overlay is on the screen while the copy is made. It is there afterwards in any case.
+    static bool IsVisibleDuringCapture()
+    {
+        CaptureContext context;
+        EXPECT_TRUE(context.Initialize(1, {0, 0, 2, 3}));
+        s_isOverlayVisible = false;
+        std::array<unsigned char, sizeof(s_bits)> pixels = {};
+        EXPECT_TRUE(context.Capture(
+            [&pixels](std::uint16_t, std::uint16_t, std::uint64_t) {
+                return Types::Buffer<unsigned char>{pixels.data(), pixels.size()};
+            }));
+        EXPECT_TRUE(IsWindowVisible(GetHandle()));
+        return s_isOverlayVisible;
     }
 
-    void Run()
-    {
-        WNDCLASSW backdropClass = {};
-        backdropClass.lpfnWndProc = &Procedure;
-        backdropClass.hbrBackground = CreateSolidBrush(m_color);
-        backdropClass.lpszClassName = L"Backdrop";
-        RegisterClassW(&backdropClass);
-        HWND const window = CreateWindowExW(WS_EX_TOOLWINDOW, L"Backdrop", L"", WS_POPUP | WS_VISIBLE, 40, 30, 200, 100,
-                                            nullptr, nullptr, nullptr, nullptr);
-        m_window = window;
-        MSG message = {};
-        while (GetMessageW(&message, nullptr, 0, 0) > 0)
-            DispatchMessageW(&message);
-        UnregisterClassW(L"Backdrop", nullptr);
-        DeleteObject(backdropClass.hbrBackground);
-    }
-
-    COLORREF m_color;
-    std::atomic<HWND> m_window = nullptr;
-    std::thread m_thread; // last: it uses the others
+    static inline std::unique_ptr<Desktop::Window> s_overlay;
 };
 
-std::vector<unsigned char> Capture(const Math::Rectangle& region, Desktop::Window* window = nullptr)
+TEST_F(CaptureBehindAnOverlay, AComposedDesktopLeavesItWhereItIs)
 {
-    std::vector<unsigned char> pixels;
-    CaptureContext context;
-    EXPECT_TRUE(context.Initialize(1, region));
-    context.SetWindow(window);
-    EXPECT_TRUE(context.Capture(
-        [&pixels](std::uint16_t, std::uint16_t, std::uint64_t bytes)
-        {
-            pixels.resize(bytes);
-            return Types::Buffer<unsigned char>{pixels.data(), pixels.size()};
-        }));
-    return pixels;
+    EXPECT_TRUE(IsVisibleDuringCapture());
 }
 
-void ExpectColor(const std::vector<unsigned char>& pixels, COLORREF color)
+TEST_F(CaptureBehindAnOverlay, ADesktopWithoutCompositionTakesItOff)
 {
-    int others = 0;
-    for (std::size_t index = 0; index < pixels.size(); index += 4)
+    m_calls.isCompositionEnabled = [](BOOL* isEnabled) -> HRESULT
     {
-        if (RGB(pixels[index + 2], pixels[index + 1], pixels[index]) != color)
-            ++others;
-    }
-    EXPECT_EQ(others, 0) << "of " << pixels.size() / 4;
+        *isEnabled = FALSE;
+        return S_OK;
+    };
+    EXPECT_FALSE(IsVisibleDuringCapture());
+    m_calls.isCompositionEnabled = [](BOOL*) -> HRESULT { return E_NOTIMPL; };
+    EXPECT_FALSE(IsVisibleDuringCapture());
 }
 
-TEST(CaptureOfTheScreen, TakesTheColoursOfTheRegion)
+TEST_F(CaptureBehindAnOverlay, WineTakesItOffWhateverItSaysOfItsComposition)
 {
-    const Backdrop backdrop(RGB(10, 200, 30));
-    const std::vector<unsigned char> pixels = Capture({50, 40, 110, 70});
-    EXPECT_EQ(pixels.size(), std::size_t{60} * 30 * 4);
-    ExpectColor(pixels, RGB(10, 200, 30));
-}
-
-TEST(CaptureOfTheScreen, AnOverlayThatIsShownIsNotInThePictureAndStaysShown)
-{
-    const Backdrop backdrop(RGB(200, 100, 50));
-    Desktop::Window overlay(nullptr, "Orvik::Overlay", {0, 0}, {400, 300}, Desktop::WindowType::Overlay);
-    ASSERT_TRUE(overlay.Create());
-    overlay.Show(overlay.Lock());
-    HWND const handle = reinterpret_cast<HWND>(overlay.GetNativeWindow());
-    for (int step = 0; step < 100; ++step)
+    m_calls.getProcAddress = [](HMODULE module, LPCSTR name) -> FARPROC
     {
-        overlay.Update();
-        Sleep(2);
-    }
-    HDC const screen = GetDC(nullptr);
-    EXPECT_EQ(GetPixel(screen, 70, 60), RGB(0, 0, 0)) << "the overlay is black on this desktop";
-    ReleaseDC(nullptr, screen);
-
-    const std::vector<unsigned char> pixels = Capture({60, 50, 100, 80});
-    EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Visible);
-    EXPECT_TRUE(IsWindowVisible(handle));
-    EXPECT_EQ(pixels.size(), std::size_t{40} * 30 * 4);
-    ExpectColor(pixels, RGB(200, 100, 50));
-}
-
-TEST(CaptureOfTheScreen, AWindowThatItIsToldOfIsShownAgain)
-{
-    Desktop::Window overlay(nullptr, "Orvik::Overlay", {0, 0}, {400, 300}, Desktop::WindowType::Overlay);
-    ASSERT_TRUE(overlay.Create());
-    (void)Capture({0, 0, 10, 10}, &overlay);
-    EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Hidden);
-    overlay.Show(overlay.Lock());
-    (void)Capture({0, 0, 10, 10}, &overlay);
-    EXPECT_EQ(overlay.GetState(), Desktop::WindowState::Visible);
-    EXPECT_TRUE(IsWindowVisible(reinterpret_cast<HWND>(overlay.GetNativeWindow())));
+        EXPECT_EQ(module, GetModuleHandleW(L"ntdll.dll"));
+        EXPECT_STREQ(name, "wine_get_version");
+        return []() -> INT_PTR { return 0; };
+    };
+    EXPECT_FALSE(IsVisibleDuringCapture());
 }
 
 } // namespace

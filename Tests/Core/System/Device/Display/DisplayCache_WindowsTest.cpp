@@ -39,12 +39,24 @@ struct Desktop
     HRESULT getResult = S_OK;
     int awareness = 0;
     HRESULT setResult = S_OK;
+    int askedAwareness = 0; ///< how often
     std::vector<int> setAwareness;
 };
 Desktop s_desktop;
 
-BOOL WINAPI GetMonitor(HMONITOR, LPMONITORINFO monitor)
+HWND const s_foreground = reinterpret_cast<HWND>(21);
+HMONITOR const s_monitor = reinterpret_cast<HMONITOR>(22);
+
+HMONITOR WINAPI FindMonitor(HWND window, DWORD flags)
 {
+    EXPECT_EQ(window, s_foreground);
+    EXPECT_EQ(flags, 2U) << "the nearest";
+    return s_monitor;
+}
+
+BOOL WINAPI GetMonitor(HMONITOR handle, LPMONITORINFO monitor)
+{
+    EXPECT_EQ(handle, s_monitor);
     EXPECT_EQ(monitor->cbSize, 104U);
     if (s_desktop.activeName == nullptr)
         return FALSE;
@@ -52,8 +64,10 @@ BOOL WINAPI GetMonitor(HMONITOR, LPMONITORINFO monitor)
     return TRUE;
 }
 
-BOOL WINAPI EnumDevices(LPCWSTR, DWORD index, DISPLAY_DEVICEW* device, DWORD)
+BOOL WINAPI EnumDevices(LPCWSTR adapter, DWORD index, DISPLAY_DEVICEW* device, DWORD flags)
 {
+    EXPECT_EQ(adapter, nullptr);
+    EXPECT_EQ(flags, 0U);
     EXPECT_EQ(device->cb, 840U);
     if (index >= s_desktop.devices.size())
         return FALSE;
@@ -87,8 +101,10 @@ protected:
     {
         s_desktop = {};
         DisplayCalls& calls = GetDisplayCalls();
-        calls.getProcessDpiAwareness = [](HANDLE, PROCESS_DPI_AWARENESS* value) -> HRESULT
+        calls.getProcessDpiAwareness = [](HANDLE process, PROCESS_DPI_AWARENESS* value) -> HRESULT
         {
+            EXPECT_EQ(process, GetCurrentProcess());
+            ++s_desktop.askedAwareness;
             *value = static_cast<PROCESS_DPI_AWARENESS>(s_desktop.awareness);
             return s_desktop.getResult;
         };
@@ -97,6 +113,8 @@ protected:
             s_desktop.setAwareness.push_back(value);
             return s_desktop.setResult;
         };
+        calls.getForegroundWindow = [] { return s_foreground; };
+        calls.monitorFromWindow = &FindMonitor;
         calls.getMonitorInfo = &GetMonitor;
         calls.enumDisplayDevices = &EnumDevices;
         calls.enumDisplaySettings = &EnumSettings;
@@ -109,6 +127,7 @@ protected:
 TEST_F(DisplayCacheWindows, AwarenessIsAskedForOnceAndSetOnce)
 {
     EXPECT_TRUE(m_cache.Initialize(nullptr));
+    EXPECT_EQ(s_desktop.askedAwareness, 1);
     EXPECT_EQ(s_desktop.setAwareness, std::vector<int>{2});
 }
 

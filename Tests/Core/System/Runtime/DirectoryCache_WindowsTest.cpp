@@ -1,15 +1,14 @@
-// What the system tells a program about itself: directories, errors, arguments.
-#include "Core/System/Error/SystemError.h"
-#include "Core/System/Platform/Headers/WindowsHeaders.h"
-#include "Core/System/Runtime/ApplicationConfigCache.h"
-#include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/DirectoryCache.h"
+
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
+#include "Core/System/Text/Paths.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/LogRecorder.h"
-#include "Tests/Support/Texts.h"
+#include "Tests/Support/TestApplication.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace Orvik::System::Runtime
 {
@@ -37,6 +36,27 @@ TEST(DirectoryCacheWindows, FillsTheFiveEntries)
     EXPECT_TRUE(recorder.GetLines().empty());
 }
 
+// The C library keeps a copy of the environment, in which letters beyond the code page of the process are lost.
+TEST(DirectoryCacheWindows, ReadsTheSystemsOwnTextAndNotTheLibrarysCopy)
+{
+    const EnvironmentVariable home("USERPROFILE", "C:\\users\\somebody");
+    SetEnvironmentVariableW(L"USERPROFILE", L"C:\\users\\\x753B\x50CF");
+    DirectoryCache cache;
+    (void)cache.Initialize();
+    EXPECT_EQ(cache.GetUserProfile().value, "C:\\users\\\xE7\x94\xBB\xE5\x83\x8F");
+}
+
+TEST(DirectoryCacheWindows, AnEmptyVariableIsNoWarning)
+{
+    const EnvironmentVariable home("USERPROFILE", "C:\\users\\somebody");
+    SetEnvironmentVariableW(L"USERPROFILE", L"");
+    const Tests::LogRecorder recorder;
+    DirectoryCache cache;
+    EXPECT_FALSE(cache.Initialize());
+    EXPECT_EQ(cache.GetUserProfile().value, "");
+    EXPECT_TRUE(recorder.GetLines().empty());
+}
+
 TEST(DirectoryCacheWindows, AMissingVariableLeavesTheOthers)
 {
     const EnvironmentVariable home("USERPROFILE", nullptr);
@@ -61,25 +81,21 @@ TEST(RootDirectoryWindows, HoldsTheNearestDirectoryOfThatName)
     EXPECT_EQ(FindRootDirectory("C:\\", "Binaries"), "");
 }
 
-TEST(SystemErrorWindows, IsTheSystemsTextAndTheCode)
+TEST(ResourcePathWindows, IsBelowTheDirectoryOfBinaries)
 {
-    SetLastError(0);
-    EXPECT_EQ(Error::FormatLastError(), "None (0)");
-    for (const auto& [code, suffix] : {std::pair{5U, " \\(5\\)"}, std::pair{1223U, " \\(4C7\\)"}})
-    {
-        SetLastError(code);
-        EXPECT_THAT(Error::FormatLastError(), Tests::MatchesPattern("[^\\r\\n]*[^.\\r\\n]" + std::string(suffix)));
-    }
-    SetLastError(0x2FFFFFFF);
-    EXPECT_EQ(Error::FormatLastError(), " (2FFFFFFF)") << "a code without a text";
+    EXPECT_EQ(ResolveResource("C:\\tool\\Binaries\\Windows-x64", {"Resources", "Schemas"}, "a.json"),
+              "C:\\tool\\Resources\\Schemas\\a.json");
 }
 
-TEST(CommandLineWindows, ArgumentsBeginWithTheProgram)
+// Compared as texts: paths are equal with either separator.
+TEST(ResourcePathWindows, SlashesComeOutAsBackslashes)
 {
-    CommandLine commandLine;
-    commandLine.LoadArguments();
-    ASSERT_FALSE(commandLine.arguments.empty());
-    EXPECT_TRUE(commandLine.arguments.front().ends_with("SystemRuntimeWindowsTests.exe")) << commandLine.arguments[0];
+    const Tests::TestApplication application;
+    std::string path;
+    EXPECT_EQ(GetSchemaPath("a/b.json", path), "Resources\\Schemas\\a\\b.json");
+    EXPECT_EQ(GetShaderPath("a\\./b//c.vert", path), "Resources\\UI\\Shaders\\a\\b\\c.vert");
+    EXPECT_EQ(Text::PathToUtf8(ResolveResource("C:/tool/Binaries/Windows-x64", {"Resources"}, "a/b.json")),
+              "C:\\tool\\Resources\\a\\b.json");
 }
 
 } // namespace
