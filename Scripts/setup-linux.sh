@@ -2,9 +2,10 @@
 # Installs what SnipBench needs on Debian 12 and is missing: packages from the configured Debian archive, and the font
 # of the labels from the configured npm registry. With nothing missing it fetches nothing and asks for no rights.
 #
-#   Scripts/setup-linux.sh           what building and running the program needs
-#   Scripts/setup-linux.sh --demo    and what the demo on a virtual display needs
-#   Scripts/setup-linux.sh --test    and what the tests need
+#   Scripts/setup-linux.sh              what building and running the program needs
+#   Scripts/setup-linux.sh --demo       and what the demo on a virtual display needs
+#   Scripts/setup-linux.sh --test       and what the tests need
+#   Scripts/setup-linux.sh --coverage   and what counting the lines they run needs
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -19,7 +20,8 @@ packages=(
     libegl1 libopengl0 libgl1-mesa-dri
 )
 demo_packages=(xvfb)
-test_packages=(xvfb openbox xcompmgr locales libgtest-dev libgmock-dev clang-format)
+test_packages=(xvfb openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
+coverage_packages=(gcovr)
 
 font_package=@expo-google-fonts/mulish@0.4.2
 font_package_sha256=d452cc6e7ba464fb81ac3f782eeaa1435901a7605cd86097819526e52cc9a318
@@ -29,7 +31,8 @@ case "${1:-}" in
     "") ;;
     --demo) packages+=("${demo_packages[@]}") ;;
     --test) packages+=("${test_packages[@]}") ;;
-    *) echo "usage: $0 [--demo | --test]" >&2; exit 2 ;;
+    --coverage) packages+=("${test_packages[@]}" "${coverage_packages[@]}") ;;
+    *) echo "usage: $0 [--demo | --test | --coverage]" >&2; exit 2 ;;
 esac
 
 has_font()

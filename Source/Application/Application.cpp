@@ -6,7 +6,7 @@
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/FileLogSink.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Time/MonotonicClock.h"
@@ -137,7 +137,8 @@ void Application::WarnOfIgnoredConfiguration()
 void Application::ReadOptions(const CommandLine& commandLine)
 {
     m_outputDirectory = Text::PathFromUtf8(commandLine.GetValue(Id(Option::OutDirectory)));
-    m_fileFormat = commandLine.GetValue(Id(Option::OutFileType)).starts_with('b') ? "bmp" : "png";
+    const bool isBmp = commandLine.GetValue(Id(Option::OutFileType)).starts_with('b');
+    m_fileFormat = isBmp ? FileFormat{"bmp"} : FileFormat{"png"};
     m_oneShot = commandLine.GetBool(Id(Option::OneShot));
     m_keepMask = commandLine.GetBool(Id(Option::KeepMask));
     m_delay = ParseDelay(commandLine.GetValue(Id(Option::Delay)));

@@ -7,6 +7,7 @@
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Runtime/Application.h"
 
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
@@ -40,6 +41,8 @@ public:
     void OnDisplayLost() override;
 
 private:
+    using FileFormat = std::array<char, 4>; ///< three characters and a terminator
+
     /// Runs the program and names the return code; empty where none is to be set.
     [[nodiscard]] std::string_view RunSteps(const System::Runtime::ApplicationParameters& parameters);
     /// Sets the exit code by its name and prints its JSON object.
@@ -57,6 +60,8 @@ private:
     void WaitForDelay(const System::Desktop::Window::ScopedLock& lock);
     void StartTool(Graphics::Tools::SnipBench::Parameters parameters);
     void RunFrameLoop();
+    /// Where frames go: nowhere once the system has closed the window.
+    [[nodiscard]] System::Desktop::NativeWindow GetDrawnWindow() const;
 
     [[nodiscard]] System::Tools::ToolContext MakeToolContext() const;
     bool OnWindowEvent(const System::Desktop::WindowEvent& event);
@@ -64,14 +69,11 @@ private:
     void ShowSavedPath(const std::string& text, std::int64_t duration);
 
     std::atomic<bool> m_running = true;
-    bool m_hasStarted = false; ///< the frame loop has begun
     bool m_oneShot = false;
     bool m_keepMask = false;
     bool m_annotate = false;
-    bool m_hasIgnoredConfiguration = false;
-    Graphics::Tools::SnipMode m_snipMode = Graphics::Tools::SnipMode::Rectangle;
     std::int32_t m_delay = 0; ///< milliseconds
-    std::string m_fileFormat = "png";
+    FileFormat m_fileFormat = {"png"};
     std::filesystem::path m_outputDirectory;
     std::filesystem::path m_inputFile;
     std::uint16_t m_displayId = System::Device::Display::InvalidDisplayId;
@@ -79,6 +81,9 @@ private:
     Graphics::Renderer::Renderer m_renderer;
     Graphics::Tools::TimedLabel m_savedPathLabel;
     Graphics::Tools::SnipBench m_tool;
+    bool m_hasStarted = false;              ///< the frame loop has begun
+    bool m_hasIgnoredConfiguration = false; ///< one was given and couldn't be used
+    Graphics::Tools::SnipMode m_snipMode = Graphics::Tools::SnipMode::Rectangle;
     std::mutex m_delayMutex;
     std::condition_variable m_delayCondition; ///< ends a delay when the run is asked to end
 };

@@ -4,7 +4,7 @@
 #include "Application/ReturnCodes.h"
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Device/Display/DisplayCache.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
 
 #include <algorithm>
@@ -135,10 +135,17 @@ void Application::RunFrameLoop()
         time = now;
         m_window->Update();
         m_savedPathLabel.Tick(elapsed, m_renderer);
-        m_renderer.Render(m_window->GetNativeWindow());
+        m_renderer.Render(GetDrawnWindow());
         // No frame limit: the rate is the display's, through `Render`. The time slice is given up all the same.
         System::Time::Sleep(0);
     }
+}
+
+// The handle of a closed window stays as it was, and the system may give the number to another.
+System::Desktop::NativeWindow Application::GetDrawnWindow() const
+{
+    const bool isClosed = m_window->GetState() == System::Desktop::WindowState::Closed;
+    return isClosed ? System::Desktop::NativeWindow::None : m_window->GetNativeWindow();
 }
 
 ToolContext Application::MakeToolContext() const
@@ -166,7 +173,8 @@ bool Application::OnWindowEvent(const WindowEvent& event)
         return true;
     case WindowEventType::MouseMove:
     {
-        // In screen pixels; the event's own are the window's.
+        // In screen pixels; the event's own are the window's. Where the desktop doesn't tell the position, the
+        // crosshair stays: the zeros of an unread one would send it to the corner.
         System::Math::Point position;
         if (!Cursor::GetCurrentPosition(position))
             return true;
@@ -201,7 +209,7 @@ bool Application::OnWindowEvent(const WindowEvent& event)
 
 bool Application::OnResult(Graphics::Tools::SnipBench::Result& result)
 {
-    const SnipFileSettings settings{m_outputDirectory, m_fileFormat, m_keepMask,
+    const SnipFileSettings settings{m_outputDirectory, m_fileFormat.data(), m_keepMask,
                                     [this](const std::string& text, std::int64_t duration)
                                     { ShowSavedPath(text, duration); }};
     if (m_annotate)

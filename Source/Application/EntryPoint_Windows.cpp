@@ -1,8 +1,8 @@
 // Where the process starts on Windows: a program with windows that consoles and other programs drive all the same.
 #include "Application/Application.h"
-#include "Core/System/Error/ConsoleEvents.h"
-#include "Core/System/Error/EarlyErrorHandling.h"
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Error/Handling/ConsoleEvents.h"
+#include "Core/System/Error/Handling/EarlyErrorHandling.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 #include "Core/System/Processes/Process.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"

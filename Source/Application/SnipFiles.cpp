@@ -1,9 +1,12 @@
 #include "Application/SnipFiles.h"
 
 #include "Application/SnipJson.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Text/Files.h"
 #include "Core/System/Text/Paths.h"
+#include "Core/System/Types/GuidGeneration.h"
+
+#include <exception>
 
 namespace Orvik::SnipBench
 {
@@ -33,11 +36,22 @@ void ShowAbsolutePath(const SnipFileSettings& settings, const std::filesystem::p
         settings.showSavedPath(System::Text::PathToUtf8(absolute), s_savedPathDuration);
 }
 
-/// Writes the text as the whole file. One that can't be opened passes in silence; one that can't be written is logged,
-/// and what it held before stays.
-void WriteMetaFile(const std::filesystem::path& path, const std::string& text)
+/// Writes the text that `makeText` gives as the whole file. A file that can't be opened passes in silence; one that
+/// can't be written is logged, and what it held before stays. What is thrown on the way, for want of memory say, costs
+/// this file and not the run.
+template <typename MakeText>
+void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
 {
-    if (System::Text::ReplaceFile(path, text) == System::Text::Replacement::NotWritten)
+    auto result = System::Text::Replacement::NotWritten;
+    try
+    {
+        result = System::Text::ReplaceFile(path, makeText());
+    }
+    catch (const std::exception&)
+    {
+        result = System::Text::Replacement::NotWritten;
+    }
+    if (result == System::Text::Replacement::NotWritten)
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save meta file: ", path);
 }
 
@@ -78,8 +92,11 @@ void SaveSnip(Result& result, const SnipFileSettings& settings)
         result.snip->ClearOutsidePolygon(*result.polygon, false);
     if (!SaveImage(*result.snip, settings.format, System::Text::PathToUtf8(imagePath)))
         return;
-    WriteMetaFile(MakeFilePath(settings, id, "json"), MakeMetaJson(id, result.startTime, result.snip->GetWidth(),
-                                                                   result.snip->GetHeight(), result.polygon));
+    WriteMetaFile(MakeFilePath(settings, id, "json"),
+                  [&] {
+                      return MakeMetaJson(id, result.startTime, result.snip->GetWidth(), result.snip->GetHeight(),
+                                          result.polygon);
+                  });
 }
 
 void SaveAnnotation(Result& result, const SnipFileSettings& settings)
@@ -103,8 +120,12 @@ void SaveAnnotation(Result& result, const SnipFileSettings& settings)
 
     const std::filesystem::path path = MakeFilePath(settings, list.imageId, "json");
     ShowAbsolutePath(settings, path);
-    WriteMetaFile(path, MakeAnnotationJson(list.imageId, result.startTime, result.capture->GetWidth(),
-                                           result.capture->GetHeight(), list.records));
+    WriteMetaFile(path,
+                  [&]
+                  {
+                      return MakeAnnotationJson(list.imageId, result.startTime, result.capture->GetWidth(),
+                                                result.capture->GetHeight(), list.records);
+                  });
 }
 
 } // namespace Orvik::SnipBench

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Core/System/Constexpr/Guid.h"
 #include "Core/System/Math/Point.h"
 #include "Core/System/Math/Rectangle.h"
-#include "Core/System/Types/Guid.h"
 
 #include <cstdint>
 #include <span>

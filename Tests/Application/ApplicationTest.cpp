@@ -1,21 +1,10 @@
-// The whole program on the desktop of the null halves: real options, Systems, tool and files; input and screen are
-// values.
-#include "Application/Application.h"
+#include "Tests/Application/ApplicationFixture.h"
 
-#include "Core/Graphics/Renderer/GLRecorder.h"
-#include "Core/System/Platform/NullDesktop.h"
-#include "Core/System/Runtime/CommandLine.h"
-#include "Tests/Support/BinaryFile.h"
-#include "Tests/Support/EnvironmentVariable.h"
-#include "Tests/Support/TemporaryDirectory.h"
-
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <thread>
 
 namespace Orvik::SnipBench
@@ -28,123 +17,12 @@ using System::Desktop::KeyCode;
 using System::Desktop::Window;
 using System::Math::Point;
 using System::Multimedia::Bitmap;
-using System::Platform::NullDesktop;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
-
-std::string MakeCodeObject(const std::string& name, int code)
-{
-    return "{\n    \"name\": \"" + name + "\",\n    \"code\": " + std::to_string(code) + "\n}\n";
-}
-
-std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory)
-{
-    std::vector<std::filesystem::path> files;
-    if (std::filesystem::exists(directory))
-        std::copy(std::filesystem::directory_iterator(directory), {}, std::back_inserter(files));
-    return files;
-}
-
-class ApplicationTest : public testing::Test
-{
-protected:
-    ApplicationTest()
-    {
-        GLRecorder::GetInstance().Reset();
-        desktop.Reset();
-        AddDisplay(0, 0, 200, 100);
-        desktop.screenPixel = [](std::int32_t x, std::int32_t y)
-        { return static_cast<std::uint32_t>(x & 0xFF) | static_cast<std::uint32_t>(y & 0xFF) << 8; };
-        commandLine.arguments = {"SnipBench"};
-    }
-
-    void AddDisplay(std::int16_t x, std::int16_t y, std::uint16_t width, std::uint16_t height)
-    {
-        System::Device::Display::DisplayDescriptor display;
-        display.name = "Null";
-        display.x = x;
-        display.y = y;
-        display.width = width;
-        display.height = height;
-        desktop.displays.push_back(display);
-    }
-
-    void AddArguments(const std::vector<std::string>& arguments)
-    {
-        commandLine.arguments.insert(commandLine.arguments.end(), arguments.begin(), arguments.end());
-    }
-
-    void UseOutput() { AddArguments({"-o", output.GetPath().string()}); }
-
-    void Move(Point position)
-    {
-        desktop.messages.emplace_back(
-            [this, position](Window& window)
-            {
-                desktop.cursorPosition = position;
-                window.DeliverMouseMove(position.x, position.y);
-            });
-    }
-
-    void Button(std::uint8_t button, bool pressed)
-    {
-        desktop.messages.emplace_back([button, pressed](Window& window)
-                                      { window.DeliverMouseButton(button, pressed); });
-    }
-
-    void Key(KeyCode key, bool pressed)
-    {
-        desktop.messages.emplace_back([key, pressed](Window& window) { window.DeliverKey(key, pressed); });
-    }
-
-    void Drag(Point from, Point to)
-    {
-        Move(from);
-        Button(1, true);
-        Move(to);
-        Button(1, false);
-    }
-
-    void Escape()
-    {
-        Key(KeyCode::Escape, true);
-        Key(KeyCode::Escape, false);
-    }
-
-    /// Runs the program to its end and keeps what it printed.
-    std::int32_t Run(bool hasCommandLine = true)
-    {
-        System::Runtime::ApplicationParameters parameters;
-        parameters.terminateOtherInstances = false;
-        parameters.commandLine = hasCommandLine ? &commandLine : nullptr;
-        Application application;
-        running = &application;
-        testing::internal::CaptureStdout();
-        System::Runtime::Application::Run(parameters);
-        printed = testing::internal::GetCapturedStdout();
-        running = nullptr;
-        return application.m_returnCode;
-    }
-
-    /// The text of the one log file.
-    [[nodiscard]] std::string ReadLog() const
-    {
-        const auto files = ListFiles(home.GetPath() / ".orvik" / "Logs");
-        return files.size() == 1 ? Tests::ReadText(files[0]) : std::string();
-    }
-
-    NullDesktop& desktop = NullDesktop::GetInstance();
-    Tests::TemporaryDirectory home;
-    Tests::EnvironmentVariable homeVariable{Tests::HomeVariable, home.GetPath().string().c_str()};
-    Tests::TemporaryDirectory output;
-    System::Runtime::CommandLine commandLine;
-    std::string printed;
-    std::atomic<Application*> running = nullptr;
-};
 
 using ApplicationDeathTest = ApplicationTest;
 
@@ -333,6 +211,8 @@ TEST_F(ApplicationTest, AWindowClosedByTheSystemDoesNotEndTheLoop)
         });
     EXPECT_EQ(Run(), 0);
     stopper.join();
+    EXPECT_EQ(GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U) << "the frame of the request itself";
+    EXPECT_THAT(GLRecorder::GetInstance().GetCalls("SkipFrame"), Not(IsEmpty()));
 }
 
 TEST_F(ApplicationTest, ARequestToEndWakesALongDelay)

@@ -4,14 +4,13 @@
 #include "Core/Graphics/Tools/SnipBench.h"
 #include "Core/System/Desktop/KeyCode.h"
 #include "Tests/Support/AssertionTrap.h"
+#include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestApplication.h"
 
 #include <algorithm>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 
 namespace Orvik::SnipBench
 {
@@ -101,11 +100,7 @@ protected:
         return {};
     }
 
-    [[nodiscard]] std::string ReadMeta() const
-    {
-        std::ifstream stream(FindFile(".json"), std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
+    [[nodiscard]] std::string ReadMeta() const { return Tests::ReadText(FindFile(".json")); }
 
     /// Whether the saved picture has its pixel there, or transparent black.
     [[nodiscard]] bool IsKept(const Bitmap& snip, int x, int y) const

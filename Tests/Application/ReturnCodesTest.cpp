@@ -61,6 +61,24 @@ TEST(ReturnCodes, UnknownCodeWritesNothing)
     EXPECT_EQ(text, "before");
 }
 
+TEST(ReturnCodes, EachParameterHasItsOwnCodes)
+{
+    constexpr std::array<ReturnCodeRegistry::NamedCode, 1> first = {{{1, "One"}}};
+    constexpr std::array<ReturnCodeRegistry::NamedCode, 1> second = {{{2, "Two"}}};
+    ReturnCodeRegistry registry;
+    EXPECT_TRUE(registry.AddParameter(7, "A"));
+    EXPECT_TRUE(registry.AddParameter(8, "B"));
+    EXPECT_FALSE(registry.AddParameter(8, "C")) << "there is one";
+    EXPECT_TRUE(registry.AddCodes(8, second));
+    EXPECT_TRUE(registry.AddCodes(7, first));
+    EXPECT_FALSE(registry.AddCodes(9, first)) << "there is none";
+    std::string text;
+    EXPECT_TRUE(registry.WriteAll(0, text));
+    std::erase_if(text, [](char character) { return character == ' ' || character == '\n'; });
+    EXPECT_EQ(text, R"({"parameters":[{"name":"A","codes":[{"name":"One","code":1}]},)"
+                    R"({"name":"B","codes":[{"name":"Two","code":2}]}]})");
+}
+
 TEST(ReturnCodes, TheTableHasAllCodesInOrder)
 {
     const ReturnCodeRegistry registry = MakeRegistry();

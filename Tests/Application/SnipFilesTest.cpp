@@ -262,6 +262,40 @@ TEST_F(SnipFiles, AnnotationsShareOneImageAndOneFile)
     EXPECT_EQ(saved.GetHeight(), 30);
 }
 
+TEST_F(SnipFiles, AnImageOfTheSameNameIsOverwritten)
+{
+    for (const char* format : {"png", "bmp"})
+    {
+        const std::filesystem::path path = directory.GetPath() / "image";
+        Tests::WriteBytes(path, Tests::Bytes(100'000, 'x'));
+        EXPECT_TRUE(SaveImage(snip, format, path.string()));
+        const Tests::Bytes overwritten = Tests::ReadBytes(path);
+        std::filesystem::remove(path);
+        EXPECT_TRUE(SaveImage(snip, format, path.string()));
+        EXPECT_EQ(overwritten, Tests::ReadBytes(path)) << "nothing of the longer file is left behind it";
+    }
+}
+
+TEST_F(SnipFiles, AnAnnotationFileThatWillNotOpenPassesInSilence)
+{
+    const SnipFileSettings settings = MakeSettings();
+    SaveAnnotation(result, settings);
+    SaveAnnotation(result, settings);
+    const auto files = ListFiles(directory.GetPath(), ".json");
+    ASSERT_EQ(files.size(), 1U);
+    const std::string before = Tests::ReadText(files[0]);
+    const std::filesystem::path part = files[0].string() + ".part";
+    std::filesystem::create_directory(part);
+    SaveAnnotation(result, settings);
+    EXPECT_EQ(Tests::ReadText(files[0]), before);
+    EXPECT_EQ(shownTexts.size(), 3U) << "the path is shown before the file is written";
+
+    std::filesystem::remove(part);
+    SaveAnnotation(result, settings);
+    EXPECT_GT(Tests::ReadText(files[0]).size(), before.size()) << "the next one is written";
+    EXPECT_THAT(log.GetLines(), IsEmpty());
+}
+
 TEST_F(SnipFiles, AFullDiskIsLoggedAndTheRunGoesOn)
 {
     if (!std::filesystem::exists("/dev/full"))

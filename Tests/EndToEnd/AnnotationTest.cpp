@@ -63,7 +63,7 @@ TEST_F(Annotation, NumbersAreThePicturesAtAQuarter)
                      {{40, 40, 200, 100}, {0, 0, 12, 16}, {1200, 300, 400, 40}});
 }
 
-TEST_F(Annotation, AsBmp)
+TEST_F(Annotation, OneShotGivesOneEntryBesideABmpAndEnds)
 {
     const Picture picture = MakeTestPicture(s_width, s_height);
     ChildProcess process =
@@ -75,7 +75,7 @@ TEST_F(Annotation, AsBmp)
     EXPECT_EQ(files.json, MakeAnnotationText(files, s_width, s_height, {{10, 20, 100, 50}}));
 }
 
-TEST_F(Annotation, OfTheScreenHoldsNothingOfTheOverlay)
+TEST_F(Annotation, OfTheScreenIsTheWholeCaptureWithTheMaskKept)
 {
     const Picture picture = MakeTestPicture(s_width, s_height, 3);
     m_screen->ShowOnRoot(picture);

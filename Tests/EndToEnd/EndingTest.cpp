@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <sstream>
 #include <thread>
 #include <unistd.h>
 
@@ -31,6 +32,18 @@ protected:
         const char* const name = signal == SIGINT ? "Signal 'SIGINT' was raised" : "Signal 'SIGTERM' was raised";
         EXPECT_NE(result.standardOutput.find(std::string(" | System] Warning: ") + name), std::string::npos)
             << result.standardOutput;
+    }
+
+    void ExpectEndDuringASelection(int signal)
+    {
+        ChildProcess process = StartOnPicture();
+        MoveTo({10, 20});
+        m_input->PressButton(1);
+        MoveTo({110, 70});
+        ExpectEndBySignal(process, signal);
+        m_input->ReleaseButton(1);
+        EXPECT_TRUE(ListFiles(GetOutput()).empty());
+        ExpectFreeDesktop();
     }
 
     void ExpectOwnEnd(ChildProcess& process) const
@@ -70,6 +83,20 @@ protected:
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
         return false;
+    }
+
+    /// The time that the processors have spent on it.
+    [[nodiscard]] static double GetProcessorSeconds(const ChildProcess& process)
+    {
+        std::istringstream text(ReadText("/proc/" + std::to_string(process.GetId()) + "/stat"));
+        constexpr int itemsBefore = 13;
+        std::string item;
+        for (int index = 0; index < itemsBefore; ++index)
+            text >> item;
+        long inProgram = 0;
+        long inSystem = 0;
+        text >> inProgram >> inSystem;
+        return static_cast<double>(inProgram + inSystem) / static_cast<double>(sysconf(_SC_CLK_TCK));
     }
 
     /// Nothing holds the keyboard or the pointer, and no overlay is left.
@@ -159,31 +186,19 @@ TEST_F(Ending, HangUpEndsTheLoop)
 
 TEST_F(Ending, TerminateDuringASelection)
 {
-    ChildProcess process = StartOnPicture();
-    MoveTo({10, 20});
-    m_input->PressButton(1);
-    MoveTo({110, 70});
-    ExpectEndBySignal(process, SIGTERM);
-    m_input->ReleaseButton(1);
-    ExpectFreeDesktop();
+    ExpectEndDuringASelection(SIGTERM);
 }
 
-TEST_F(Ending, TerminateEndsADelay)
+TEST_F(Ending, TerminateOrInterruptEndsADelay)
 {
-    ChildProcess process = Start({"-d", "60000", "-o", GetOutput().string()});
-    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    ExpectEndBySignal(process, SIGTERM);
-    ExpectFreeDesktop();
-}
-
-TEST_F(Ending, InterruptEndsADelay)
-{
-    ChildProcess process = Start({"-d", "60000", "-o", GetOutput().string()});
-    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    ExpectEndBySignal(process, SIGINT);
-    ExpectFreeDesktop();
+    for (const int signal : {SIGTERM, SIGINT})
+    {
+        ChildProcess process = Start({"-d", "60000", "-o", GetOutput().string()});
+        ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        ExpectEndBySignal(process, signal);
+        ExpectFreeDesktop();
+    }
 }
 
 TEST_F(Ending, TheSameRequestTwiceIsOne)
@@ -199,16 +214,21 @@ TEST_F(Ending, TheSameRequestTwiceIsOne)
     }
 }
 
-TEST_F(Ending, InterruptDuringASelection)
+TEST_F(Ending, TerminateEndsARunThatRestsWithoutItsWindow)
 {
     ChildProcess process = StartOnPicture();
-    MoveTo({10, 20});
-    m_input->PressButton(1);
-    MoveTo({110, 70});
-    ExpectEndBySignal(process, SIGINT);
-    m_input->ReleaseButton(1);
-    EXPECT_TRUE(ListFiles(GetOutput()).empty());
+    m_overlay->AskToClose();
+    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Missing));
+    const double before = GetProcessorSeconds(process);
+    EXPECT_FALSE(process.HasEndedWithin(std::chrono::milliseconds(2000)));
+    EXPECT_LT(GetProcessorSeconds(process) - before, 0.2) << "there is nothing to draw on";
+    ExpectEndBySignal(process, SIGTERM);
     ExpectFreeDesktop();
+}
+
+TEST_F(Ending, InterruptDuringASelection)
+{
+    ExpectEndDuringASelection(SIGINT);
 }
 
 TEST_F(Ending, ASnipThatIsBeingWrittenIsFinished)
@@ -266,6 +286,15 @@ TEST_F(Ending, AServerThatGoesAwayEndsTheLoop)
     ChildProcess process = StartOnPicture();
     TakeDesktopAway();
     ExpectOwnEnd(process);
+}
+
+TEST_F(Ending, AServerThatGoesAwayAfterTheWindowEndsTheRun)
+{
+    ChildProcess process = StartOnPicture();
+    m_overlay->AskToClose();
+    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Missing));
+    TakeDesktopAway();
+    ExpectAnswer(process.Wait(s_politeLimit), 0, Answer::Success);
 }
 
 TEST_F(Ending, AServerThatGoesAwayDuringADelayEndsTheRun)
@@ -354,14 +383,11 @@ TEST_F(Ending, ARunOfAnotherUserIsLeftAlone)
         GTEST_SKIP() << "Only root can start the program for another user.";
     const std::string file = AddPicture(MakeTestPicture(s_width, s_height));
     m_installation.OpenToOthers();
-    ChildOptions options{"setpriv",
-                         {"--reuid=65534", "--regid=65534", "--clear-groups", m_installation.GetProgram(), "-f", file,
-                          "-o", GetOutput().string()},
-                         {},
-                         m_installation.GetWork()};
-    for (const auto& [name, value] : m_environment)
-        options.environment.push_back(name + "=" + value);
-    ChildProcess first(options);
+    ChildProcess first = StartWith(ChildOptions{"setpriv",
+                                                {"--reuid=65534", "--regid=65534", "--clear-groups",
+                                                 m_installation.GetProgram(), "-f", file, "-o", GetOutput().string()},
+                                                {},
+                                                m_installation.GetWork()});
     ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
     EXPECT_EQ(Run({"-h"}).exitCode, 0);
     EXPECT_FALSE(first.HasEndedWithin(std::chrono::milliseconds(300)));

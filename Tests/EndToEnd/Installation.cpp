@@ -18,6 +18,16 @@ bool Installation::IsForWindows()
     return !s_wine.empty();
 }
 
+std::filesystem::path Installation::GetLauncher()
+{
+    return s_launcher;
+}
+
+std::filesystem::path Installation::GetPackage()
+{
+    return ORVIK_PACKAGE;
+}
+
 Installation::Installation()
 {
     namespace fs = std::filesystem;
@@ -59,6 +69,14 @@ ChildOptions Installation::MakeStart(const std::vector<std::string>& arguments) 
     std::vector<std::string> all = {std::string(s_launcher), GetHome().string(), m_program.string()};
     all.insert(all.end(), arguments.begin(), arguments.end());
     return {s_wine, all, {}, GetWork()};
+}
+
+ChildOptions Installation::MakeStartFromConsole(const std::string& mode,
+                                                const std::vector<std::string>& arguments) const
+{
+    ChildOptions options = MakeStart(arguments);
+    options.arguments.insert(options.arguments.begin() + 1, mode);
+    return options;
 }
 
 } // namespace Orvik::Tests

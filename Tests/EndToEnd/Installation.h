@@ -23,6 +23,14 @@ public:
     [[nodiscard]] const std::filesystem::path& GetProgram() const { return m_program; }
     /// How the program is started in its working directory with its home; the environment is left to the caller.
     [[nodiscard]] ChildOptions MakeStart(const std::vector<std::string>& arguments) const;
+    /// The same for a program for Windows that is started from a console: `mode` is one of the launcher's, which tells
+    /// of the console on standard output.
+    [[nodiscard]] ChildOptions MakeStartFromConsole(const std::string& mode,
+                                                    const std::vector<std::string>& arguments) const;
+    /// What starts a program for Windows below Wine; empty for a native program.
+    [[nodiscard]] static std::filesystem::path GetLauncher();
+    /// The zip for Windows.
+    [[nodiscard]] static std::filesystem::path GetPackage();
     /// Empty directories for `HOME` and to start the program in.
     [[nodiscard]] std::filesystem::path GetHome() const { return m_directory.GetPath() / "home"; }
     [[nodiscard]] std::filesystem::path GetWork() const { return m_directory.GetPath() / "work"; }

@@ -34,32 +34,32 @@ TEST_F(OnWindows, ARunUnderAnotherNameIsLeftAlone)
 {
     ChildProcess first = StartOnPicture();
     const Installation other;
-    ChildOptions options = other.MakeStart({"-h"});
-    for (const auto& [name, value] : m_environment)
-        options.environment.push_back(name + "=" + value);
-    EXPECT_EQ(ChildProcess(options).Wait(s_endLimit).exitCode, 0);
+    EXPECT_EQ(StartWith(other.MakeStart({"-h"})).Wait(s_endLimit).exitCode, 0);
     EXPECT_FALSE(first.HasEndedWithin(std::chrono::milliseconds(300)));
     ExpectAnswer(EndByEscape(first), 0, Answer::Success);
 }
 
-TEST_F(OnWindows, RunsBelowAPathWithBlanksAndLettersOfAllKinds)
+TEST_F(OnWindows, ThePackageRunsBelowAPathWithBlanksAndLettersOfAllKinds)
 {
     namespace fs = std::filesystem;
-    const fs::path tool = m_installation.GetWork() / "t\xC3\xB6\xC3\xB6l \xE2\x82\xAC \xE7\x94\xBB";
-    const fs::path program = tool / "Binaries" / "Windows x64" / m_installation.GetProgram().filename();
-    const fs::path output = tool / "sh\xC3\xB6ts";
-    fs::create_directories(program.parent_path());
-    fs::copy_file(m_installation.GetProgram(), program);
-    const fs::path resources = m_installation.GetProgram().parent_path() / ".." / ".." / "Resources";
-    fs::copy(fs::canonical(resources), tool / "Resources", fs::copy_options::recursive);
-    const std::string picture = (tool / "pictur\xC3\xA9.png").string();
+    const fs::path folder = m_installation.GetWork() / "t\xC3\xB6\xC3\xB6l \xE2\x82\xAC \xE7\x94\xBB";
+    const fs::path output = folder / "sh\xC3\xB6ts";
+    fs::create_directories(folder);
+    const ChildOptions unpack = {"cmake", {"-E", "tar", "xf", Installation::GetPackage()}, {}, folder};
+    ASSERT_EQ(StartWith(unpack).Wait(s_endLimit).exitCode, 0);
+    const fs::path unpacked = ListFiles(folder).front();
+    for (const char* const name : {"Readme.txt", "License.txt", "Licenses/FreeType.txt", "Resources"})
+        EXPECT_TRUE(fs::exists(unpacked / name)) << name;
+    const std::string picture = (folder / "pictur\xC3\xA9.png").string();
     SavePng(m_picture, picture);
 
+    // Under a name of its own, as every program of a test.
+    const fs::path binaries = unpacked / "Binaries" / "Windows-x64";
+    const fs::path program = binaries / m_installation.GetProgram().filename();
+    fs::rename(binaries / "SnipBench.exe", program);
     ChildOptions options = m_installation.MakeStart({"-f", picture, "-s", "true", "-o", output.string()});
     options.arguments[2] = program.string();
-    for (const auto& [name, value] : m_environment)
-        options.environment.push_back(name + "=" + value);
-    ChildProcess process(options);
+    ChildProcess process = StartWith(options);
     ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
     Drag({10, 20}, {110, 70});
     ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);

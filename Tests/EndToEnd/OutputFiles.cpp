@@ -1,6 +1,7 @@
 #include "Tests/EndToEnd/OutputFiles.h"
 
 #include "Tests/EndToEnd/ProgramTest.h"
+#include "Tests/Support/JsonSchema.h"
 
 #include <algorithm>
 #include <cstring>
@@ -121,12 +122,14 @@ std::vector<SnipFiles> WaitForSnips(const std::filesystem::path& directory, std:
 
 std::string MakeMetaText(const SnipFiles& files, int width, int height)
 {
+    EXPECT_EQ(FindMismatch(files.json, "Snip"), "");
     EXPECT_EQ(GetIds(files.json), std::vector{files.id});
     return MakeHead(files) + MakeSize(width, height) + "\n    }\n}";
 }
 
 std::string MakePolygonText(const SnipFiles& files, int width, int height, const std::vector<Position>& corners)
 {
+    EXPECT_EQ(FindMismatch(files.json, "Snip"), "");
     EXPECT_EQ(GetIds(files.json), std::vector{files.id});
     std::string text = MakeHead(files) + MakeSize(width, height) + ",\n        \"mask\": [\n";
     for (std::size_t i = 0; i < corners.size(); ++i)
@@ -136,6 +139,7 @@ std::string MakePolygonText(const SnipFiles& files, int width, int height, const
 
 std::string MakeAnnotationText(const SnipFiles& files, int width, int height, const std::vector<Area>& rectangles)
 {
+    EXPECT_EQ(FindMismatch(files.json, "Annotations"), "");
     std::vector<std::string> ids = GetIds(files.json);
     if (ids.size() != rectangles.size() + 1)
         throw std::runtime_error("The identifiers aren't those of " + std::to_string(rectangles.size()) +

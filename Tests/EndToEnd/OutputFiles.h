@@ -24,7 +24,7 @@ struct SnipFiles
                                                   const std::string& extension = ".png");
 
 /// The text of a rectangle's meta file, to compare with: identifier and time are taken over from `files` after they
-/// have been checked.
+/// have been checked. All three texts are of files that match the schemas in Docs.
 [[nodiscard]] std::string MakeMetaText(const SnipFiles& files, int width, int height);
 /// The text of a polygon's meta file with these corners, likewise.
 [[nodiscard]] std::string MakePolygonText(const SnipFiles& files, int width, int height,

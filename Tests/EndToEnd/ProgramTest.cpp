@@ -42,7 +42,7 @@ ProgramTest::ProgramTest()
 {
     m_environment["HOME"] = m_installation.GetHome().string();
     m_environment["PATH"] = "/usr/bin:/bin";
-    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TZ", "LOCPATH", "LC_ALL"})
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TZ", "LOCPATH", "LC_ALL", "WINEPREFIX"})
         if (const char* value = std::getenv(name))
             m_environment[name] = value;
 }
@@ -54,14 +54,16 @@ ProgramTest::~ProgramTest()
         return;
     ChildOptions options = m_installation.MakeStart({});
     options.arguments = {"--end"};
-    for (const auto& [name, value] : m_environment)
-        options.environment.push_back(name + "=" + value);
-    (void)ChildProcess(options).Wait(s_endLimit);
+    (void)StartWith(options).Wait(s_endLimit);
 }
 
 ChildProcess ProgramTest::Start(const Arguments& arguments) const
 {
-    ChildOptions options = m_installation.MakeStart(arguments);
+    return StartWith(m_installation.MakeStart(arguments));
+}
+
+ChildProcess ProgramTest::StartWith(ChildOptions options) const
+{
     for (const auto& [name, value] : m_environment)
         options.environment.push_back(name + "=" + value);
     return ChildProcess(options);
@@ -89,7 +91,7 @@ void ExpectOutput(const ChildResult& result, int exitCode, const std::string& ou
     EXPECT_EQ(result.standardError, "");
 }
 
-void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs)
+void ExpectAbort(const ChildResult& result)
 {
     constexpr int windowsAbortCode = 3;
     EXPECT_FALSE(result.isTimeout);
@@ -97,6 +99,11 @@ void ExpectFatalEnd(const ChildResult& result, const std::string& message, const
         EXPECT_EQ(result.exitCode, windowsAbortCode);
     else
         EXPECT_EQ(result.signal, SIGABRT);
+}
+
+void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs)
+{
+    ExpectAbort(result);
     EXPECT_EQ(result.standardOutput.find("\"code\""), std::string::npos) << result.standardOutput;
     const std::string report = "Unhandled Exception: std::exception\n\tMessage: ";
     const std::string error = WithPlainLineEnds(result.standardError);

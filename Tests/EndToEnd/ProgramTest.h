@@ -37,6 +37,8 @@ protected:
     ~ProgramTest() override;
 
     [[nodiscard]] ChildProcess Start(const Arguments& arguments) const;
+    /// The same with the test's environment added to what the options say.
+    [[nodiscard]] ChildProcess StartWith(ChildOptions options) const;
     /// Starts the program and waits for its end, or kills it after `s_endLimit`.
     [[nodiscard]] ChildResult Run(const Arguments& arguments) const;
 
@@ -49,6 +51,8 @@ protected:
 void ExpectAnswer(const ChildResult& result, int exitCode, const std::string& answer);
 /// The run ended by itself with this exit code, and this is all of its standard output.
 void ExpectOutput(const ChildResult& result, int exitCode, const std::string& output);
+/// The run ended as the C library's `abort` ends one.
+void ExpectAbort(const ChildResult& result);
 /// The run ended through an unhandled exception with this in its message, which the error stream and a report file
 /// below `logs` tell. There is no answer then.
 void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs);

@@ -1,5 +1,5 @@
 // What a run that goes wrong leaves for whoever looks into it later: the error stream, the report file, the log.
-#include "Tests/Core/System/Error/ReportText.h"
+#include "Tests/Core/System/Error/Handling/ReportText.h"
 #include "Tests/EndToEnd/DesktopTest.h"
 #include "Tests/EndToEnd/OutputFiles.h"
 #include "Tests/Support/PrivateMounts.h"
@@ -18,7 +18,7 @@ std::string ReadReport(const std::filesystem::path& directory)
     if (files.size() != 1)
         return "There are " + std::to_string(files.size()) + " reports.";
     EXPECT_EQ(Normalize(files.front().filename().string()), "SnipBench_ERROR_<time>.log");
-    return Normalize(ReadText(files.front()));
+    return Normalize(WithPlainLineEnds(ReadText(files.front())));
 }
 
 class Reports : public ProgramTest
@@ -28,13 +28,13 @@ class Reports : public ProgramTest
 TEST_F(Reports, AFailedAssertion)
 {
     const ChildResult result = Run({"-cj", R"({"configuration":{"LogSystem":{}}})"});
-    EXPECT_EQ(result.signal, SIGABRT);
+    ExpectAbort(result);
     constexpr const char* report = "Assertion: success\n"
                                    "\tMessage: Failed to initialize configuration.\n"
                                    "\n"
                                    "Callstack:\n"
                                    "\t[0]: /Core/System/Runtime/ApplicationConfigCache.h at 12: AddConfig\n";
-    EXPECT_EQ(Normalize(result.standardError), report);
+    EXPECT_EQ(Normalize(WithPlainLineEnds(result.standardError)), report);
     EXPECT_EQ(ReadReport(m_installation.GetLogs()), report);
     EXPECT_EQ(result.standardOutput, "");
 }
@@ -51,7 +51,7 @@ TEST_F(Reports, ASystemThatDoesNotComeUp)
                                    "\n"
                                    "Callstack:\n"
                                    "\t[0]: /Core/System/Runtime/SystemCreation.h at 12: CreateAndInitialize\n";
-    EXPECT_EQ(Normalize(result.standardError), report);
+    EXPECT_EQ(Normalize(WithPlainLineEnds(result.standardError)), report);
     EXPECT_EQ(ReadReport(m_installation.GetLogs()), report);
     ExpectAnswer(result, 253, Answer::InitializeSystemsFailed);
 }
@@ -99,10 +99,10 @@ TEST_F(Reports, ALogDirectoryThatCannotBeMade)
 TEST_F(Reports, AStandardExceptionThatNobodyCaught)
 {
     const ChildResult result = Run({"-d", "abc"});
-    EXPECT_EQ(result.signal, SIGABRT);
+    ExpectAbort(result);
     const std::string report = "Unhandled Exception: std::exception\n"
                                "\tMessage: invalid stol argument\n";
-    EXPECT_EQ(result.standardError,
+    EXPECT_EQ(WithPlainLineEnds(result.standardError),
               report + "Signal 'SIGABRT' was raised due to an abnormal condition like an unhandled exception.\n");
     EXPECT_EQ(ReadReport(m_installation.GetLogs()), report);
     EXPECT_EQ(result.standardOutput, "");

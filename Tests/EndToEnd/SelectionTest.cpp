@@ -29,6 +29,17 @@ protected:
         EXPECT_LT(GetCreationTime(snip.json), FormatNow());
     }
 
+    /// Selects once in what the screen shows.
+    void ExpectSnipOfScreen(Position from, Position to, const Area& expected)
+    {
+        const Picture picture = MakeTestPicture(s_width, s_height, 5);
+        m_screen->ShowOnRoot(picture);
+        ChildProcess process = StartOverlay({"-s", "true", "-o", GetOutput().string()});
+        Drag(from, to);
+        ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+        EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop(expected));
+    }
+
     /// Selects once in a picture of another size than the screen's, which is shown around the screen's centre.
     void ExpectScaledSnip(const Picture& picture, Position from, Position to, const Area& expected)
     {
@@ -125,23 +136,13 @@ TEST_F(Selection, UnderAWindowManager)
 
 TEST_F(Selection, OfTheScreen)
 {
-    const Picture picture = MakeTestPicture(s_width, s_height, 5);
-    m_screen->ShowOnRoot(picture);
-    ChildProcess process = StartOverlay({"-s", "true", "-o", GetOutput().string()});
-    Drag({10, 20}, {790, 580});
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({10, 20, 780, 560}));
+    ExpectSnipOfScreen({10, 20}, {790, 580}, {10, 20, 780, 560});
 }
 
 TEST_F(Selection, OfTheScreenUnderAWindowManager)
 {
     const WindowManager manager(m_display->GetName());
-    const Picture picture = MakeTestPicture(s_width, s_height, 6);
-    m_screen->ShowOnRoot(picture);
-    ChildProcess process = StartOverlay({"-s", "true", "-o", GetOutput().string()});
-    Drag({790, 580}, {10, 20});
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({10, 20, 780, 560}));
+    ExpectSnipOfScreen({790, 580}, {10, 20}, {10, 20, 780, 560});
 }
 
 TEST_F(Selection, InAPictureSmallerThanTheScreen)

@@ -1,5 +1,7 @@
 #include "Tests/Support/AssertionTrap.h"
 
+#include <utility>
+
 namespace Orvik::Tests
 {
 namespace
@@ -11,6 +13,13 @@ void ThrowFailure(const System::Error::AssertionInfo& info)
                            info.location->function};
 }
 
+std::vector<std::string> s_messages;
+
+void NoteFailure(const System::Error::AssertionInfo& info)
+{
+    s_messages.emplace_back(info.message);
+}
+
 } // namespace
 
 AssertionTrap::AssertionTrap() : m_previous(System::Error::SetAssertionHandler(&ThrowFailure))
@@ -20,6 +29,23 @@ AssertionTrap::AssertionTrap() : m_previous(System::Error::SetAssertionHandler(&
 AssertionTrap::~AssertionTrap()
 {
     System::Error::SetAssertionHandler(m_previous);
+}
+
+AssertionList::AssertionList() : m_previous(System::Error::SetAssertionHandler(&NoteFailure))
+{
+    s_messages.clear();
+    System::Error::SetContinueAfterAssertion(true);
+}
+
+AssertionList::~AssertionList()
+{
+    System::Error::SetContinueAfterAssertion(false);
+    System::Error::SetAssertionHandler(m_previous);
+}
+
+std::vector<std::string> AssertionList::Take()
+{
+    return std::exchange(s_messages, {});
 }
 
 } // namespace Orvik::Tests

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace Orvik::Tests
 {
@@ -27,6 +28,22 @@ public:
     ~AssertionTrap();
     AssertionTrap(const AssertionTrap&) = delete;
     AssertionTrap& operator=(const AssertionTrap&) = delete;
+
+private:
+    System::Error::AssertionHandler m_previous;
+};
+
+/// Writes failed assertions down while it lives, and lets the code go on behind them.
+class AssertionList
+{
+public:
+    AssertionList();
+    ~AssertionList();
+    AssertionList(const AssertionList&) = delete;
+    AssertionList& operator=(const AssertionList&) = delete;
+
+    /// The messages since the last call, in order.
+    [[nodiscard]] static std::vector<std::string> Take();
 
 private:
     System::Error::AssertionHandler m_previous;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace Orvik::Tests
@@ -8,7 +9,7 @@ namespace Orvik::Tests
 /// The variable that tells the user's home directory.
 extern const char* const HomeVariable;
 
-/// Sets or removes an environment variable; the object's end brings the former value back. One thread.
+/// Sets or removes an environment variable; the object's end brings the former value back. Texts are UTF-8. One thread.
 class EnvironmentVariable
 {
 public:
@@ -19,11 +20,11 @@ public:
     EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
 
 private:
+    [[nodiscard]] static std::optional<std::string> Get(const char* name);
     static void Set(const char* name, const char* value);
 
     std::string m_name;
-    bool m_wasSet = false;
-    std::string m_before;
+    std::optional<std::string> m_before;
 };
 
 } // namespace Orvik::Tests

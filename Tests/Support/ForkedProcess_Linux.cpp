@@ -1,12 +1,12 @@
 #include "Tests/Support/ForkedProcess.h"
 
+#include "Tests/Support/BinaryFile.h"
+
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -17,12 +17,6 @@ namespace Orvik::Tests
 {
 namespace
 {
-
-std::string ReadFile(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 [[noreturn]] void RunChild(const std::function<int()>& function, const std::filesystem::path& directory,
                            const std::filesystem::path& streams) noexcept
@@ -61,12 +55,12 @@ ForkedProcess::~ForkedProcess()
 
 std::string ForkedProcess::ReadOutput() const
 {
-    return ReadFile(m_streams.GetPath() / "output");
+    return ReadText(m_streams.GetPath() / "output");
 }
 
 std::string ForkedProcess::ReadError() const
 {
-    return ReadFile(m_streams.GetPath() / "error");
+    return ReadText(m_streams.GetPath() / "error");
 }
 
 bool ForkedProcess::WaitForOutput(std::string_view text) const

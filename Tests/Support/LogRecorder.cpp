@@ -1,5 +1,7 @@
 #include "Tests/Support/LogRecorder.h"
 
+#include "Core/System/Log/Streams.h"
+
 namespace Orvik::Tests
 {
 

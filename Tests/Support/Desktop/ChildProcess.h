@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,8 @@ public:
     [[nodiscard]] ChildResult Wait(std::chrono::milliseconds limit);
     /// Waits at most so long; true if the child has ended.
     [[nodiscard]] bool HasEndedWithin(std::chrono::milliseconds limit) const;
+    /// Waits until the condition holds, ten seconds and the child's life at the most. True if it came to hold.
+    [[nodiscard]] bool WaitUntil(const std::function<bool()>& condition) const;
     [[nodiscard]] bool IsRunning() const { return !HasEndedWithin(std::chrono::milliseconds(0)); }
 
     void SendSignal(int signal) const;

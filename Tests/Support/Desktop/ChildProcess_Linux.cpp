@@ -9,6 +9,7 @@
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -115,6 +116,17 @@ bool ChildProcess::HasEndedWithin(std::chrono::milliseconds limit) const
 {
     pollfd entry = {m_processDescriptor, POLLIN, 0};
     return poll(&entry, 1, static_cast<int>(limit.count())) == 1;
+}
+
+bool ChildProcess::WaitUntil(const std::function<bool()>& condition) const
+{
+    for (int attempt = 0; attempt < 1000 && IsRunning(); ++attempt)
+    {
+        if (condition())
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
 }
 
 void ChildProcess::SendSignal(int signal) const

@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <stdexcept>
-#include <thread>
 
 namespace Orvik::Tests
 {
@@ -30,13 +29,8 @@ bool IsUp(const XSession& session)
 CompositingManager::CompositingManager(const std::string& displayName) : m_process(MakeOptions(displayName))
 {
     const XSession session(displayName);
-    for (int attempt = 0; attempt < 1000 && m_process.IsRunning(); ++attempt)
-    {
-        if (IsUp(session))
-            return;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    throw std::runtime_error("The compositing manager did not start.");
+    if (!m_process.WaitUntil([&session] { return IsUp(session); }))
+        throw std::runtime_error("The compositing manager did not start.");
 }
 
 } // namespace Orvik::Tests

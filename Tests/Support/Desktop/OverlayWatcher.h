@@ -41,7 +41,12 @@ public:
     /// white. Lines that would lie outside the screen aren't looked for. False if it doesn't come in time.
     [[nodiscard]] bool WaitForCrosshair(Position cursor, std::chrono::milliseconds limit = DefaultLimit) const;
 
+    /// Asks the overlay to close, as a window manager does.
+    void AskToClose() const;
+
 private:
+    /// The X window, 0 if there is none.
+    [[nodiscard]] unsigned long FindWindow(State& state) const;
     [[nodiscard]] bool HasCrosshair(Position cursor) const;
     /// The part of the monitor that the screen has.
     [[nodiscard]] Area GetVisiblePart() const;

@@ -76,13 +76,21 @@ OverlayWatcher::~OverlayWatcher() = default;
 
 OverlayWatcher::State OverlayWatcher::GetState() const
 {
+    State state = State::Missing;
+    static_cast<void>(FindWindow(state));
+    return state;
+}
+
+unsigned long OverlayWatcher::FindWindow(State& state) const
+{
+    state = State::Missing;
     ::Window root = 0;
     ::Window parent = 0;
     ::Window* children = nullptr;
     unsigned count = 0;
     if (XQueryTree(m_session->GetDisplay(), m_session->GetRoot(), &root, &parent, &children, &count) == 0)
-        return State::Missing;
-    State state = State::Missing;
+        return 0;
+    ::Window window = 0;
     for (const ::Window child : std::span(children, count))
     {
         XWindowAttributes attributes = {};
@@ -90,11 +98,14 @@ OverlayWatcher::State OverlayWatcher::GetState() const
             continue;
         if (attributes.x == m_monitor.x && attributes.y == m_monitor.y - 1 && attributes.width == m_monitor.width &&
             attributes.height == m_monitor.height + 1)
+        {
             state = attributes.map_state == IsViewable ? State::Visible : State::Hidden;
+            window = child;
+        }
     }
     if (children != nullptr)
         XFree(children);
-    return state;
+    return window;
 }
 
 bool OverlayWatcher::WaitFor(State state, std::chrono::milliseconds limit) const
@@ -105,6 +116,19 @@ bool OverlayWatcher::WaitFor(State state, std::chrono::milliseconds limit) const
 bool OverlayWatcher::WaitForCrosshair(Position cursor, std::chrono::milliseconds limit) const
 {
     return WaitUntil(limit, [&] { return HasCrosshair(cursor); });
+}
+
+void OverlayWatcher::AskToClose() const
+{
+    State state = State::Missing;
+    XEvent request = {};
+    request.xclient.type = ClientMessage;
+    request.xclient.window = FindWindow(state);
+    request.xclient.message_type = XInternAtom(m_session->GetDisplay(), "WM_PROTOCOLS", False);
+    request.xclient.format = 32;
+    request.xclient.data.l[0] = static_cast<long>(XInternAtom(m_session->GetDisplay(), "WM_DELETE_WINDOW", False));
+    XSendEvent(m_session->GetDisplay(), request.xclient.window, False, NoEventMask, &request);
+    m_session->Synchronize();
 }
 
 Area OverlayWatcher::GetVisiblePart() const

@@ -5,7 +5,6 @@
 #include <X11/Xatom.h>
 #include <cstdlib>
 #include <stdexcept>
-#include <thread>
 
 namespace Orvik::Tests
 {
@@ -43,13 +42,8 @@ bool IsUp(const XSession& session)
 WindowManager::WindowManager(const std::string& displayName) : m_process(MakeOptions(displayName))
 {
     const XSession session(displayName);
-    for (int attempt = 0; attempt < 1000 && m_process.IsRunning(); ++attempt)
-    {
-        if (IsUp(session))
-            return;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    throw std::runtime_error("The window manager did not start.");
+    if (!m_process.WaitUntil([&session] { return IsUp(session); }))
+        throw std::runtime_error("The window manager did not start.");
 }
 
 } // namespace Orvik::Tests

@@ -1,15 +1,42 @@
 #include "Core/Graphics/Renderer/FontFile.h"
 
+#include "Core/System/Text/Files.h"
+
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include <utility>
 
 namespace Orvik::Graphics::Renderer
 {
 namespace
 {
+
+/// More than any font of Latin letters has.
+constexpr std::size_t s_maxFileSize = std::size_t{16} * 1024 * 1024;
+
+/// The file's bytes, none if it can't be read. FreeType would open it by the narrow call of the C library, which
+/// doesn't take UTF-8 on every system.
+std::vector<FT_Byte> ReadFile(const std::string& path)
+{
+    const System::Text::File file = System::Text::OpenFile(path, "rb");
+    if (file == nullptr)
+        return {};
+    std::vector<FT_Byte> bytes;
+    std::array<FT_Byte, std::size_t{64}* 1024> block = {};
+    std::size_t count = 0;
+    while ((count = std::fread(block.data(), 1, block.size(), file.get())) > 0)
+    {
+        if (bytes.size() + count > s_maxFileSize)
+            return {};
+        bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+    return std::ferror(file.get()) == 0 ? bytes : std::vector<FT_Byte>();
+}
 
 /// The rows without FreeType's padding, the top one first. A negative pitch tells that the lowest row lies first in
 /// memory.
@@ -50,10 +77,12 @@ bool FontFile::InitializeLibrary()
 
 bool FontFile::Open(const std::string& path, std::uint32_t pixelSize)
 {
+    std::vector<FT_Byte> bytes = ReadFile(path);
     FT_Face face = nullptr;
-    if (FT_New_Face(m_library.get(), path.c_str(), 0, &face) != FT_Err_Ok)
+    if (FT_New_Memory_Face(m_library.get(), bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &face) != FT_Err_Ok)
         return false;
     m_face.reset(face);
+    m_bytes = std::move(bytes);
     FT_Set_Pixel_Sizes(face, 0, pixelSize);
     return true;
 }

@@ -30,8 +30,8 @@ public:
     /// Starts FreeType. False if that can't be; nothing is logged.
     [[nodiscard]] bool InitializeLibrary();
 
-    /// Opens the first face of a file. False if it can't be read or is no font; nothing is logged. `path` is UTF-8.
-    /// Needs the library.
+    /// Opens the first face of a file. False if it can't be read, is longer than 16 MiB or no font; nothing is logged,
+    /// and an open face stays. `path` is UTF-8. Needs the library.
     [[nodiscard]] bool Open(const std::string& path, std::uint32_t pixelSize);
 
     /// Nothing if the font can't give that character as a picture of coverages. Needs an open face.
@@ -48,7 +48,8 @@ private:
     };
 
     std::unique_ptr<FT_LibraryRec_, LibraryDeleter> m_library;
-    std::unique_ptr<FT_FaceRec_, FaceDeleter> m_face; ///< goes before the library
+    std::vector<std::uint8_t> m_bytes;                ///< the file's, which the face reads from
+    std::unique_ptr<FT_FaceRec_, FaceDeleter> m_face; ///< goes before the library and the bytes
 };
 
 } // namespace Orvik::Graphics::Renderer

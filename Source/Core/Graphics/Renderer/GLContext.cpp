@@ -1,6 +1,9 @@
 #include "Core/Graphics/Renderer/GLContext.h"
 
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Time/MonotonicClock.h"
+
+#include <cstdint>
 
 namespace Orvik::Graphics::Renderer
 {
@@ -8,6 +11,8 @@ namespace
 {
 
 constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
+
+constexpr std::int64_t s_skippedFrame = 16'000'000; ///< nanoseconds
 
 } // namespace
 
@@ -44,6 +49,14 @@ void GLContext::SwapBuffers(System::Desktop::NativeWindow window)
 {
     if (m_valid)
         SwapBuffersPlatform(window);
+}
+
+void GLContext::SkipFrame()
+{
+    if (!m_valid)
+        return;
+    SkipFramePlatform();
+    System::Time::Sleep(s_skippedFrame);
 }
 
 void GLContext::SetFixedState()

@@ -71,7 +71,7 @@ public:
     ~GLContext() = default;
 
     /// Makes the context current on the window, loads the entry points and sets the state that everything is drawn
-    /// with. The result is `IsValid`. On failure one log line has said why, and nothing native is left.
+    /// with. The result is `IsValid`. On failure one log line has said why, and no context is left.
     /// `className` is the window's registered class, UTF-8.
     bool Create(System::Desktop::NativeWindow window, const char* className);
 
@@ -80,6 +80,10 @@ public:
 
     /// Shows what was drawn. Does nothing without a context, or when the window's server is gone.
     void SwapBuffers(System::Desktop::NativeWindow window);
+
+    /// For a frame that has no window to be shown on: takes about the time of one, and notices when the server is gone.
+    /// Does nothing without a context.
+    void SkipFrame();
 
     /// A context is current and all entry points are bound. Whatever draws tests it first.
     [[nodiscard]] bool IsValid() const { return m_valid; }
@@ -91,6 +95,7 @@ private:
     [[nodiscard]] bool CreatePlatform(System::Desktop::NativeWindow window, const char* className);
     void DestroyPlatform(System::Desktop::NativeWindow window);
     void SwapBuffersPlatform(System::Desktop::NativeWindow window);
+    static void SkipFramePlatform();
     static void SetFixedState();
     /// Logs why there is no context. The line begins with the version, or with "OpenGL" as long as it isn't known.
     void Report(const char* failure) const;

@@ -38,4 +38,9 @@ void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow window)
     GLRecorder::GetInstance().Record("SwapBuffers", static_cast<std::uintptr_t>(window));
 }
 
+void GLContext::SkipFramePlatform()
+{
+    GLRecorder::GetInstance().Record("SkipFrame");
+}
+
 } // namespace Orvik::Graphics::Renderer

@@ -32,7 +32,8 @@ EntryPoints LoadEntryPoints(const WglCalls& calls)
 }
 
 /// What the context is chosen by can only be asked of a context: this one, on a window of its own, since a window's
-/// pixel format is for good. Gone with the object, unless that was before.
+/// pixel format is for good. Without the window there is no context either. Gone with the object, unless that was
+/// before.
 class DummyContext
 {
 public:
@@ -56,6 +57,8 @@ DummyContext::DummyContext(const WglCalls& calls, const char* className) : m_cal
     m_window =
         calls.createWindow(0, System::Text::ToWide(className).c_str(), L"GLContext", WS_CLIPSIBLINGS | WS_CLIPCHILDREN,
                            0, 0, 1, 1, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    if (m_window == nullptr)
+        return; // no window's device context is the screen's
     m_deviceContext = calls.getDC(m_window);
     ChooseFormat();
     m_context = calls.createContext(m_deviceContext);
@@ -186,6 +189,10 @@ void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow window)
     HDC const deviceContext = calls.getDC(ToHwnd(window));
     calls.swapBuffers(deviceContext);
     calls.releaseDC(ToHwnd(window), deviceContext);
+}
+
+void GLContext::SkipFramePlatform()
+{
 }
 
 } // namespace Orvik::Graphics::Renderer

@@ -143,4 +143,12 @@ void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow /*window*/)
     eglSwapBuffers(System::Platform::GetEglConfiguration()->display, m_surface);
 }
 
+void GLContext::SkipFramePlatform()
+{
+    // Without a window nobody takes the events that wait, and Xlib doesn't read on where some do: only a question that
+    // has to be answered shows whether the server is there.
+    if (::Display* const display = System::Platform::GetXDisplay())
+        XSync(display, False);
+}
+
 } // namespace Orvik::Graphics::Renderer

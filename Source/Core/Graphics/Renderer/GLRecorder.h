@@ -35,7 +35,7 @@ struct GLCall
 };
 
 /// OpenGL of the null halves: draws nothing, remembers every call, and fails where it is told to. The context's own
-/// operations are recorded as "CreateContext", "SetTitle", "DestroyContext" and "SwapBuffers". One thread.
+/// operations are recorded as "CreateContext", "SetTitle", "DestroyContext", "SwapBuffers" and "SkipFrame". One thread.
 class GLRecorder
 {
 public:

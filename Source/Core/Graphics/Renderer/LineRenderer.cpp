@@ -26,17 +26,15 @@ Vector4 Extrapolate(const Vector4& point, const Vector4& next)
             point.w - (next.w - point.w)};
 }
 
-/// The list with one more point at each end, so that every segment has a neighbour on both sides.
-std::vector<Vector4> PreparePoints(const std::vector<Vector4>& points)
+/// Adds one more point at each end, so that every segment has a neighbour on both sides.
+void AddNeighbours(std::vector<Vector4>& points)
 {
     const std::size_t last = points.size() - 1;
     const bool isRing = points.front() == points.back();
-    std::vector<Vector4> prepared;
-    prepared.reserve(points.size() + 2);
-    prepared.push_back(isRing ? points[last - 1] : Extrapolate(points[0], points[1]));
-    prepared.insert(prepared.end(), points.begin(), points.end());
-    prepared.push_back(isRing ? points[1] : Extrapolate(points[last], points[last - 1]));
-    return prepared;
+    const Vector4 front = isRing ? points[last - 1] : Extrapolate(points[0], points[1]);
+    const Vector4 back = isRing ? points[1] : Extrapolate(points[last], points[last - 1]);
+    points.insert(points.begin(), front);
+    points.push_back(back);
 }
 
 } // namespace
@@ -139,7 +137,8 @@ bool LineRenderer::Update(std::uint16_t id, std::vector<Vector4>& points)
     ORVIK_ASSERT(lastIndex > 0, "Line object requires at least 2 points.");
     if (lastIndex <= 0)
         return false;
-    line->points = PreparePoints(points);
+    AddNeighbours(points);
+    line->points = std::move(points);
     points.clear();
     return true;
 }

@@ -21,7 +21,8 @@ struct Line
     std::vector<System::Math::Vector4> points;
     System::Math::Matrix4 model;
     System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F};
-    float thickness = 1.0F; ///< pixels
+    /// Pixels. Less than 1 is drawn as 1, 0 not at all; horizontal and vertical segments are whole pixels thick.
+    float thickness = 1.0F;
     float dashLength = 1.0F;
     float gapLength = 0.0F; ///< 0 makes a solid line
 };
@@ -34,8 +35,15 @@ public:
     /// Points of a prepared list; a client may give two fewer.
     static constexpr std::size_t s_maxPoints = 64;
 
+    /// Builds the shader program and the buffer of points. False without a context, or if the shaders can't be built;
+    /// log lines have said why.
     [[nodiscard]] bool Initialize(Renderer& renderer);
+
+    /// Draws the visible lines in their order. One with more than `s_maxPoints` is an assertion failure and the last of
+    /// this frame. Does nothing without a context.
     void Render(Renderer& renderer);
+
+    /// Frees the OpenGL objects, where there is a context still, and forgets all lines.
     void Shutdown(Renderer& renderer);
 
     /// Adds a line and stores its id in `id`. `points` is emptied. Returns `id`.
@@ -48,6 +56,7 @@ public:
     /// `points` then stays as it was.
     bool Update(std::uint16_t id, std::vector<System::Math::Vector4>& points);
 
+    /// Takes the line out; the last one takes its place in the order. False for an unknown id.
     bool Remove(std::uint16_t id);
 
     [[nodiscard]] GLuint GetProgram() const { return m_program; }

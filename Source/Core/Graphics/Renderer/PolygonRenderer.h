@@ -38,8 +38,14 @@ struct Polygon
 class PolygonRenderer
 {
 public:
+    /// Builds the shader program. False without a context, or if the shaders can't be built; log lines have said why.
     [[nodiscard]] bool Initialize(Renderer& renderer);
+
+    /// Uploads and deletes what is queued, then draws the visible polygons in their order. Does nothing without a
+    /// context.
     void Render(Renderer& renderer);
+
+    /// Frees the OpenGL objects, where there is a context still, and forgets all polygons.
     void Shutdown(Renderer& renderer);
 
     /// Adds a polygon, queues its upload and stores its id in `id`. Both lists are emptied. Returns `id`.
@@ -50,7 +56,8 @@ public:
     /// Queues the upload of changed positions or colours. The upload leaves out a polygon with fewer colours than
     /// positions. False for an unknown id.
     bool Update(std::uint16_t id);
-    /// Takes the polygon out; its OpenGL objects go at the next `Render`.
+    /// Takes the polygon out; the last one takes its place in the order. Its OpenGL objects go at the next `Render`.
+    /// False for an unknown id.
     bool Remove(std::uint16_t id);
 
     [[nodiscard]] GLuint GetProgram() const { return m_program; }

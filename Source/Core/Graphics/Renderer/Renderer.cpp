@@ -1,6 +1,6 @@
 #include "Core/Graphics/Renderer/Renderer.h"
 
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 
 #include <algorithm>
 
@@ -67,6 +67,11 @@ void Renderer::Render(System::Desktop::NativeWindow window)
 {
     if (!m_initialized || !m_context.IsValid())
         return;
+    if (window == System::Desktop::NativeWindow::None)
+    {
+        m_context.SkipFrame();
+        return;
+    }
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     m_polygonRenderer.Render(*this);
     m_quadRenderer.Render(*this);

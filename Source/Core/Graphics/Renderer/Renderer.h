@@ -36,7 +36,8 @@ public:
     /// surface without area changes nothing.
     void Resize(System::Desktop::NativeWindow window, std::int32_t width, std::int32_t height);
 
-    /// Draws all visible objects and shows the picture.
+    /// Draws all visible objects and shows the picture. Without a window the frame is skipped: a driver may lose memory
+    /// with each picture that it can't show.
     void Render(System::Desktop::NativeWindow window);
 
     /// Frees everything and gives the context up.

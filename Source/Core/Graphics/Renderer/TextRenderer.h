@@ -39,8 +39,14 @@ struct Text
 class TextRenderer
 {
 public:
+    /// Builds the shader program and the atlas of the font's characters. False without a context, or if the shaders or
+    /// the font can't be had; log lines have said why. A character that the font can't give is a warning.
     [[nodiscard]] bool Initialize(Renderer& renderer);
+
+    /// Draws the visible texts in their order, over what is there. Does nothing without a context.
     void Render(Renderer& renderer);
+
+    /// Frees the OpenGL objects, where there is a context still, and forgets all texts.
     void Shutdown(Renderer& renderer);
 
     /// Adds a text and stores its id in `id`. Returns `id`.
@@ -55,6 +61,7 @@ public:
     bool SetText(std::uint16_t id, const char* text, std::uint64_t length, Renderer& renderer);
     bool SetText(std::uint16_t id, const char* text, Renderer& renderer);
 
+    /// Takes the text out; the last one takes its place in the order. False for an unknown id.
     bool Remove(std::uint16_t id);
 
     /// What scales a text to that height in pixels.

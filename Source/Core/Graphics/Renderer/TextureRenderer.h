@@ -34,8 +34,14 @@ struct Texture
 class TextureRenderer
 {
 public:
+    /// Builds the shader program and the square, and asks for the longest side. False without a context, or if the
+    /// shaders can't be built; log lines have said why.
     [[nodiscard]] bool Initialize(Renderer& renderer);
+
+    /// Deletes what was removed, then draws the visible textures in their order. Does nothing without a context.
     void Render(Renderer& renderer);
+
+    /// Frees the OpenGL objects, where there is a context still, and forgets all textures.
     void Shutdown(Renderer& renderer);
 
     /// Adds a texture, stores its id in `id` and uploads the pixels: `height` rows from the top, tightly packed, in
@@ -55,7 +61,8 @@ public:
     /// The longest side of a picture that the driver takes, in pixels; 0 before `Initialize`.
     [[nodiscard]] std::int32_t GetMaximumSide() const { return m_maximumSide; }
 
-    /// Takes the texture out. Its OpenGL object goes at the next `Render`, so this may run away from the drawing.
+    /// Takes the texture out; the last one takes its place in the order. Its OpenGL object goes at the next `Render`,
+    /// so this may run away from the drawing. False for an unknown id.
     bool Remove(std::uint16_t id);
 
     [[nodiscard]] GLuint GetProgram() const { return m_program; }

@@ -3,7 +3,7 @@
 // Private to the Windows half.
 
 #include "Core/Graphics/Renderer/OpenGL.h"
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 
 #include <GL/wglext.h>
 

@@ -4,8 +4,7 @@
 #include "Core/Graphics/Tools/Truncate.h"
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Error/Assertion.h"
-#include "Core/System/Log/LogSite.h"
-#include "Core/System/Log/Streams.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Time/Timestamp.h"
 
 #include <algorithm>

@@ -93,8 +93,14 @@ public:
     [[nodiscard]] SnipMode GetMode() const { return m_snipMode; }
 
 protected:
+    /// Copies the display `displayIds[1]` of the context, opaque, into `m_capture`; the copy doesn't show `window`,
+    /// which may be null. False without such a display, for one whose rows a bitmap can't count, or if the screen can't
+    /// be copied; `m_capture` then stays as it was, and only a copy that was begun has left a log line.
     [[nodiscard]] bool GetDisplayCapture(System::Tools::ToolContext& context, Renderer::Renderer& renderer,
                                          System::Desktop::Window* window);
+    /// Shows `m_capture` on the surface with the cursor at the context's position, and makes the tool `Ready`.
+    /// False for a surface without area and for a picture that can't be drawn: without pixels, without colours, or with
+    /// rows cut short. Nothing is on the screen and nothing is logged then.
     [[nodiscard]] bool Setup(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
 
 private:

@@ -1,6 +1,6 @@
 #include "Core/System/Desktop/InputClaim_X11.h"
 
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Time/MonotonicClock.h"
 

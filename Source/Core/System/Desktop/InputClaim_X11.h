@@ -2,7 +2,7 @@
 
 // Private to the X11 half.
 
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 
 #include <cstdint>
 

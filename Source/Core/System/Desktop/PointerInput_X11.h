@@ -5,7 +5,7 @@
 #include "Core/System/Desktop/EventData_X11.h"
 #include "Core/System/Desktop/ScrollAxes.h"
 #include "Core/System/Math/Point.h"
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 
 #include <optional>
 

@@ -93,6 +93,7 @@ public:
     /// Brings the window to the front and gives it the keyboard.
     void BringToFront();
 
+    /// None before `Create`. It stays what it was when the window is closed.
     [[nodiscard]] NativeWindow GetNativeWindow() const { return m_handle; }
     /// The registered class, null before `Create`.
     [[nodiscard]] const char* GetWindowClassName() const { return m_className; }

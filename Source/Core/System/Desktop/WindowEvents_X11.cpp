@@ -2,7 +2,7 @@
 #include "Core/System/Desktop/WindowHints_X11.h"
 #include "Core/System/Desktop/WindowNative_X11.h"
 #include "Core/System/Desktop/WindowStack_X11.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/PointerEvent.h"
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Time/MonotonicClock.h"

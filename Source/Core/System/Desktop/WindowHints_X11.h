@@ -3,7 +3,7 @@
 // Private to the X11 half: what a window tells window managers and compositors, after ICCCM and EWMH.
 
 #include "Core/System/Desktop/Window.h"
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 
 namespace Orvik::System::Desktop
 {

@@ -8,7 +8,7 @@
 #include "Core/System/Desktop/RateLimit.h"
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Math/Point.h"
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 
 #include <optional>
 

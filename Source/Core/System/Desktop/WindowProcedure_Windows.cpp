@@ -3,7 +3,7 @@
 #include "Core/System/Desktop/MessageNames_Windows.h"
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/PointerEvent.h"
 
 #include <csignal>
@@ -18,16 +18,13 @@ namespace
 constexpr std::uint8_t s_leftButton = 1;
 constexpr std::uint8_t s_rightButton = 3;
 
-/// Not a constant as elsewhere: every message is logged once the stream is configured for it.
-struct MessageContext : Log::Context
-{
-    MessageContext() : Log::Context{.stream = Log::StreamID::System} { Log::RegisterContext(this); }
-};
-MessageContext s_context; // NOLINT(cert-err58-cpp)
+constexpr Log::Context s_context{Log::StreamID::System};
 
+/// What a desktop sends, and in which order, differs from machine to machine and is seen nowhere else: a configuration
+/// can have every message logged, without another build.
 void LogMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    Log::Write(s_context, Log::MessageTypeID::Debug, "Window (", reinterpret_cast<std::uintptr_t>(window),
+    Log::Write(Log::GetSystemContext(), Log::MessageTypeID::Debug, "Window (", reinterpret_cast<std::uintptr_t>(window),
                "): ", GetMessageName(message), " (", message, ") ", wParam, " ", lParam);
 }
 

@@ -1,6 +1,6 @@
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Error/Assertion.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/NullDesktop.h"
 
 #include <functional>

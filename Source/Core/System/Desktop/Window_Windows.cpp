@@ -4,7 +4,7 @@
 #include "Core/System/Desktop/WindowProcedure_Windows.h"
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Text/Unicode.h"
 
 #include <limits>

@@ -3,7 +3,7 @@
 #include "Core/System/Desktop/WindowHints_X11.h"
 #include "Core/System/Desktop/WindowNative_X11.h"
 #include "Core/System/Error/Assertion.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/EglDisplay.h"
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Time/MonotonicClock.h"

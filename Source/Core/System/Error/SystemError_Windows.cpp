@@ -1,5 +1,6 @@
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
+#include "Core/System/Text/Unicode.h"
 
 #include <memory>
 
@@ -10,7 +11,7 @@ namespace
 
 struct FreeLocalMemory
 {
-    void operator()(char* memory) const noexcept { LocalFree(memory); }
+    void operator()(wchar_t* memory) const noexcept { LocalFree(memory); }
 };
 
 } // namespace
@@ -25,15 +26,14 @@ void SetLastErrorPlatform(std::uint32_t code) noexcept
     SetLastError(code);
 }
 
-// The code page of the process is UTF-8, by its manifest.
 std::string GetErrorMessagePlatform(std::uint32_t code)
 {
-    char* buffer = nullptr;
+    wchar_t* buffer = nullptr;
     const DWORD length =
-        FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM,
-                       nullptr, code, GetUserDefaultLangID(), reinterpret_cast<char*>(&buffer), 0, nullptr);
-    const std::unique_ptr<char, FreeLocalMemory> message(buffer);
-    return {message.get(), length};
+        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM,
+                       nullptr, code, GetUserDefaultLangID(), reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
+    const std::unique_ptr<wchar_t, FreeLocalMemory> message(buffer);
+    return Text::ToUtf8({message.get(), length});
 }
 
 } // namespace Orvik::System::Error

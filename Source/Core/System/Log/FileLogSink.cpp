@@ -69,13 +69,19 @@ FileLogSink::FileLogSink(std::filesystem::path directory, std::string fileName, 
 {
 }
 
-bool FileLogSink::Open()
+void FileLogSink::ExpectClosed(const Error::SourceLocation& location) const
 {
     using namespace Error;
     if (m_stream.is_open())
-        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStatusError, "Log file is expected to be closed."));
+        throw ExceptionWithDetails(location, ErrorDetails(LogFileStatusError, "Log file is expected to be closed."));
     if (m_isOpen)
-        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStateError));
+        throw ExceptionWithDetails(location, ErrorDetails(LogFileStateError));
+}
+
+bool FileLogSink::Open()
+{
+    using namespace Error;
+    ExpectClosed(ORVIK_HERE);
 
     if (!Text::Exists(m_directory) && !Text::CreateDirectories(m_directory))
     {
@@ -93,11 +99,7 @@ bool FileLogSink::Open()
 
 bool FileLogSink::OpenNewLogFile()
 {
-    using namespace Error;
-    if (m_stream.is_open())
-        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStatusError, "Log file is expected to be closed."));
-    if (m_isOpen)
-        throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(LogFileStateError));
+    ExpectClosed(ORVIK_HERE);
 
     const std::int64_t now = Time::GetSystemTicks() / s_ticksPerSecond;
     const std::string name = m_fileName + "_" + Time::FormatLocalFileTime(now) + ".log";

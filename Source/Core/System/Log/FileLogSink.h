@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/System/Error/SourceLocation.h"
 #include "Core/System/Log/Sink.h"
 
 #include <atomic>
@@ -36,6 +37,8 @@ public:
     [[nodiscard]] const std::filesystem::path& GetCurrentPath() const { return m_currentPath; }
 
 private:
+    /// Throws in the name of the place that is about to open a file.
+    void ExpectClosed(const Error::SourceLocation& location) const;
     [[nodiscard]] bool OpenNewLogFile();
     void OpenForAppend(const std::filesystem::path& path);
     void SplitLogFileIfNeeded();

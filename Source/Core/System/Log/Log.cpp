@@ -187,6 +187,11 @@ void RegisterContext(Context* context)
     UpdateContext(context);
 }
 
+const Context& GetSystemContext() noexcept
+{
+    return s_systemContext;
+}
+
 void UpdateContext(Context* context)
 {
     if (Runtime::Application::FindInstance() == nullptr)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Core/System/Log/LogSite.h"
 #include "Core/System/Log/LoggerConfig.h"
 #include "Core/System/Log/Sink.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/System.h"
 
 #include <atomic>
@@ -69,6 +69,9 @@ private:
 /// Adds a context to those that the `Logger` sets up when it is initialised, and sets it up at once if that is over.
 /// `context` has to live as long as the process. May be called by static constructors in any order.
 void RegisterContext(Context* context);
+
+/// The registered context of the stream `System`: for lines of that stream that only a configuration can switch on.
+[[nodiscard]] const Context& GetSystemContext() noexcept;
 
 /// Gives `context` the threshold that the configuration has for its stream. Does nothing without a `Logger`.
 void UpdateContext(Context* context);

@@ -2,6 +2,7 @@
 
 #include "Core/System/Error/Assertion.h"
 
+#include <array>
 #include <bit>
 
 namespace Orvik::System::Log

@@ -3,7 +3,6 @@
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Multimedia/PolygonMask.h"
 #include "Core/System/Text/Paths.h"
-#include "Core/System/Utilities/Image.h"
 
 #include <algorithm>
 #include <cstdlib>

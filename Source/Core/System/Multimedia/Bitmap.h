@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/System/Math/Point.h"
+#include "Core/System/Utilities/Image.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,13 +13,7 @@
 namespace Orvik::System::Multimedia
 {
 
-/// How `Resize` makes a target pixel.
-enum class ResizeMethod : std::uint8_t
-{
-    Nearest,  ///< copies the source pixel
-    Bilinear, ///< mixes the four around the position
-    Box,      ///< averages the block that the pixel covers
-};
+using ResizeMethod = Utilities::Image::ResizeMethod;
 
 /// An image: interleaved 8-bit channels, rows from the top without padding. In a 24- or 32-bit image the channels are
 /// blue, green, red and, with 32, alpha. It owns its pixels, can be moved and not copied. A row has 65,535 bytes at

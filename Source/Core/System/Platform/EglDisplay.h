@@ -2,7 +2,7 @@
 
 // Private to the X11 halves: the window needs the visual of the configuration that the context will use.
 
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 
 #include <EGL/egl.h>
 #include <optional>

@@ -7,9 +7,9 @@
 namespace Orvik::System::Platform
 {
 
-/// Says, while a pointer event is being delivered, where the pointer was when the event was made. The desktop may be
-/// far ahead by then: who handles a motion late and asks the desktop where the pointer is would start a drag at its
-/// end. Scopes don't nest. The thread of the windows.
+/// Says, while a motion is being delivered, where the pointer was when the motion was made. The desktop may be far
+/// ahead by then: who handles a motion late and asks the desktop where the pointer is would start a drag at its end.
+/// Scopes don't nest. The thread of the windows.
 class PointerEventScope
 {
 public:
@@ -19,7 +19,7 @@ public:
     PointerEventScope(const PointerEventScope&) = delete;
     PointerEventScope& operator=(const PointerEventScope&) = delete;
 
-    /// The position of the event under way, or null.
+    /// The position of the motion under way, or null.
     [[nodiscard]] static const Math::Point* GetPosition() noexcept;
 };
 

@@ -2,8 +2,9 @@
 
 // Private to the X11 halves.
 
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 
+#include <optional>
 #include <string>
 
 namespace Orvik::System::Platform
@@ -37,6 +38,19 @@ private:
     XErrorScope* m_outer;
     int m_errorCode = 0;
 };
+
+/// Where a window lies in its parent. All are pixels.
+struct XGeometry
+{
+    int x = 0;
+    int y = 0;
+    unsigned int width = 0;
+    unsigned int height = 0;
+    unsigned int border = 0; ///< around the size, on each side
+};
+
+/// Nothing if the window is gone. Call it within an `XErrorScope`.
+[[nodiscard]] std::optional<XGeometry> GetXGeometry(::Display* display, ::Window window);
 
 /// The text of an X error code and the code in hexadecimal in parentheses, in the form of `FormatLastError`. The code 0
 /// stands for a missing connection.

@@ -1,6 +1,6 @@
 #include "Core/System/Platform/XConnection.h"
 
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/ServerWatch.h"
 #include "Core/System/Runtime/Application.h"
 
@@ -97,6 +97,17 @@ int RecordXError(::Display* display, XErrorEvent* error)
                ", request ", int{error->request_code}, ".", int{error->minor_code}, ", resource ", error->resourceid,
                ".");
     return 0;
+}
+
+std::optional<XGeometry> GetXGeometry(::Display* display, ::Window window)
+{
+    XGeometry geometry;
+    ::Window ignoredRoot = None;
+    unsigned int ignoredDepth = 0;
+    if (XGetGeometry(display, window, &ignoredRoot, &geometry.x, &geometry.y, &geometry.width, &geometry.height,
+                     &geometry.border, &ignoredDepth) == 0)
+        return std::nullopt;
+    return geometry;
 }
 
 std::string FormatXError(int errorCode)

@@ -2,7 +2,7 @@
 
 // Private to the X11 halves.
 
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 #include "Core/System/Platform/XHandle.h"
 
 #include <X11/extensions/XShm.h>

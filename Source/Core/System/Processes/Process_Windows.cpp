@@ -1,6 +1,6 @@
 #include "Core/System/Processes/ProcessPlatform.h"
 
-#include "Core/System/Platform/WindowsHandle.h"
+#include "Core/System/Platform/Headers/WindowsHandle.h"
 #include "Core/System/Processes/ProcessCalls_Windows.h"
 #include "Core/System/Text/Unicode.h"
 

@@ -56,7 +56,7 @@ const Registration<Image> s_image("Image", "{10C2B4D2-BE1D-4CD6-863E-890F32BA555
 const Registration<GUID> s_guid("Guid", "{601D319D-5E22-4C9E-9F84-3492796DE067}", "A 128-bit guid",
                                 {{"m_lowPart", UnsignedTypeId, offsetof(GUID, m_lowPart)},
                                  {"m_highPart", UnsignedTypeId, offsetof(GUID, m_highPart)}});
-// Shares its GUID with Int64, which other programs have stored by now.
+// Shares its GUID with Int64; the ids alone have to differ.
 const Registration<Coordinate2> s_coordinate2("Coordinate2", "{164B6651-C16C-46A5-AE1C-2A75C90F93D3}",
                                               "A 2-dimensional coordinate",
                                               {{"y", Id<std::int64_t>, offsetof(Coordinate2, y)},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Types/Guid.h"
+#include "Core/System/Constexpr/Guid.h"
 
 #include <cstdint>
 #include <string>

@@ -42,14 +42,18 @@ void TypeRegistry::Register(TypeDescription description)
 {
     const std::uint32_t typeId = description.typeId;
     const GUID guid = description.guid;
-    if (GetTypeDescription(typeId) != nullptr)
-    {
+    if (!Enter(std::move(description)))
         ORVIK_ASSERT(GetTypeDescription(typeId)->guid == guid, "TypeId conflict detected");
-        return;
-    }
+}
+
+bool TypeRegistry::Enter(TypeDescription description)
+{
     const std::scoped_lock lock(m_mutex);
-    m_typeIndices.emplace(typeId, static_cast<std::uint32_t>(m_typeDescriptions.size()));
+    const auto index = static_cast<std::uint32_t>(m_typeDescriptions.size());
+    if (!m_typeIndices.emplace(description.typeId, index).second)
+        return false;
     m_typeDescriptions.push_back(std::make_unique<TypeDescription>(std::move(description)));
+    return true;
 }
 
 } // namespace Orvik::System::Reflection

@@ -53,6 +53,8 @@ private:
     static constexpr std::size_t s_initialBuckets = 8;
 
     void Register(TypeDescription description);
+    /// False, and nothing changes, if there is a type with that id. Look-up and entry are one step for other threads.
+    [[nodiscard]] bool Enter(TypeDescription description);
 
     mutable std::mutex m_mutex;
     std::unordered_map<std::uint32_t, std::uint32_t, TypeIdHash> m_typeIndices{s_initialBuckets};

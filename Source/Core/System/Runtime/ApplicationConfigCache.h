@@ -35,7 +35,9 @@ public:
     /// no document then, and `GetError` tells why.
     bool LoadFromString(const std::string& json);
 
-    /// The same from a file.
+    /// Replaces the document by a file's. False if the file can't be opened, which leaves the document as it was, or
+    /// parsed, which leaves an empty one, or doesn't match the schema, which leaves none. `GetError` tells why; the
+    /// first two are logged as well.
     bool LoadFromFile(const std::filesystem::path& file);
 
     /// Looks for a schema file below "Resources/Schemas" beside the directory "Binaries" that the program lies in, and

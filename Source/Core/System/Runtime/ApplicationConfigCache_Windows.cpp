@@ -1,5 +1,5 @@
-#include "Core/System/Platform/WindowsHeaders.h"
 #include "Core/System/Runtime/ApplicationConfigCache.h"
+#include "Core/System/Runtime/ModuleCalls_Windows.h"
 #include "Core/System/Text/Unicode.h"
 
 #include <array>
@@ -10,7 +10,7 @@ namespace Orvik::System::Runtime
 std::string ApplicationConfigCache::FindExecutablePathPlatform()
 {
     std::array<wchar_t, MAX_PATH> path = {};
-    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    const DWORD length = GetModuleCalls().getModuleFileName(nullptr, path.data(), static_cast<DWORD>(path.size()));
     // A longer path fills the buffer and lacks its end.
     if (length == 0 || length >= path.size())
         return {};

@@ -1,4 +1,4 @@
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Text/Unicode.h"
 

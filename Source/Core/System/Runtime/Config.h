@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/System/Constexpr/CharacterArray.h"
-#include "Core/System/Types/Guid.h"
+#include "Core/System/Constexpr/Guid.h"
 
 #include <cstdint>
 #include <rapidjson/fwd.h>

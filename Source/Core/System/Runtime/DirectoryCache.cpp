@@ -1,10 +1,8 @@
 #include "Core/System/Runtime/DirectoryCache.h"
 
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Text/Paths.h"
-
-#include <cstdlib>
 
 namespace Orvik::System::Runtime
 {
@@ -40,14 +38,14 @@ bool DirectoryCache::Initialize()
 bool DirectoryCache::ReadEnvironmentEntry(const char* name, Entry& entry)
 {
     entry = {name, {}};
-    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): read before any thread is started
-    if (value == nullptr)
+    const std::optional<std::string> value = ReadVariablePlatform(name);
+    if (!value)
     {
         Log::Write(s_context, Log::MessageTypeID::Warning,
                    "Failed to retrieve the users home directory from environment.");
         return false;
     }
-    entry.value = value;
+    entry.value = *value;
     return !entry.value.empty();
 }
 

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <initializer_list>
+#include <optional>
 #include <string>
 
 namespace Orvik::System::Runtime
@@ -33,6 +34,8 @@ public:
 private:
     void InitializePlatform();
     static bool ReadEnvironmentEntry(const char* name, Entry& entry);
+    /// The value of an environment variable, UTF-8; nothing if it isn't set.
+    [[nodiscard]] static std::optional<std::string> ReadVariablePlatform(const char* name);
 
     Entry m_userProfile;
     Entry m_localAppData;

@@ -1,5 +1,7 @@
 #include "Core/System/Runtime/DirectoryCache.h"
 
+#include <cstdlib>
+
 namespace Orvik::System::Runtime
 {
 
@@ -10,6 +12,12 @@ void DirectoryCache::InitializePlatform()
     ReadEnvironmentEntry("HOME", m_userProfile);
     m_localAppData.name = "LOCALAPPDATA";
     m_appData.name = "APPDATA";
+}
+
+std::optional<std::string> DirectoryCache::ReadVariablePlatform(const char* name)
+{
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): no thread changes the environment
+    return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
 }
 
 } // namespace Orvik::System::Runtime

@@ -1,5 +1,7 @@
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Core/System/Text/Paths.h"
+#include "Core/System/Text/Unicode.h"
 
 #include <initializer_list>
 
@@ -28,6 +30,17 @@ void DirectoryCache::InitializePlatform()
         m_startup =
             JoinAll(Text::PathFromUtf8(m_appData.value), {"Microsoft", "Windows", "Start Menu", "Programs", "Startup"});
     }
+}
+
+std::optional<std::string> DirectoryCache::ReadVariablePlatform(const char* name)
+{
+    const std::wstring wideName = Text::ToWide(name);
+    const DWORD size = GetEnvironmentVariableW(wideName.c_str(), nullptr, 0); // with the zero behind the text
+    if (size == 0)
+        return std::nullopt;
+    std::wstring value(size, L'\0');
+    value.resize(GetEnvironmentVariableW(wideName.c_str(), value.data(), size));
+    return Text::ToUtf8(value);
 }
 
 } // namespace Orvik::System::Runtime

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "Core/System/Constexpr/CharacterArray.h"
+#include "Core/System/Constexpr/Guid.h"
+#include "Core/System/Runtime/Config.h"
 #include "Core/System/Runtime/SystemEvent.h"
-#include "Core/System/Types/Guid.h"
 
 #include <atomic>
+#include <concepts>
 #include <cstdint>
 #include <memory>
 #include <semaphore>
@@ -19,10 +21,9 @@ namespace Orvik::System::Runtime
 {
 
 class Application;
-class IConfig;
 
-/// Marks a System that takes no configuration; it is initialised with null.
-struct EmptyConfig
+/// Marks a System that takes no configuration; it is initialised with null, and none of these is ever made.
+class EmptyConfig : public IConfig
 {
 };
 
@@ -129,11 +130,12 @@ private:
 };
 
 /// The base of every System: who it is, at compile time. `Derived` has a static constant `s_typeID`.
-template <typename Derived, Constexpr::CharacterArray<128> Name, std::uint64_t NameLength, GUID Guid, typename Config>
+template <typename Derived, Constexpr::CharacterArray<128> Name, std::uint64_t NameLength, GUID Guid,
+          std::derived_from<IConfig> Configuration>
 class SystemBase : public SystemLifecycle
 {
 public:
-    using ConfigType = Config;
+    using ConfigType = Configuration;
 
     static constexpr std::string_view s_name{Name.characters, NameLength};
     static constexpr GUID s_guid = Guid;

@@ -17,8 +17,9 @@ void Application::CreateAndInitialize(SystemPointer<T>& slot, const IConfig* con
     if constexpr (std::is_same_v<T, Log::Logger>)
         ORVIK_ASSERT(config != nullptr, "Function parameter 'config' must be non-null.");
 
+    void (*const deleteSystem)(T*) = [](T* system) { delete system; };
     // No memory leaves the slot empty: that is the one way in which a creation fails.
-    slot = SystemPointer<T>(new (std::nothrow) T, [](T* system) { delete system; });
+    slot = SystemPointer<T>(new (std::nothrow) T, deleteSystem);
     if (slot == nullptr)
     {
         throw Error::SystemCreationException(ORVIK_HERE,

@@ -1,9 +1,9 @@
 // The order of a run. Up here because a run begins and ends with rooms that lie above the `Application`: threads,
 // processes, error handling.
-#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/Exception.h"
+#include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Processes/Process.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Runtime/CommandLine.h"

@@ -1,6 +1,6 @@
 #include "Core/System/Text/Files.h"
 
-#include "Core/System/Platform/WindowsHandle.h"
+#include "Core/System/Platform/Headers/WindowsHandle.h"
 #include "Core/System/Text/Unicode.h"
 
 #include <cwchar>

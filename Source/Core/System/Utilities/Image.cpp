@@ -164,8 +164,7 @@ void ScaleBox(const Pictures& pictures)
 } // namespace
 
 void Resize(std::uint8_t* target, const std::uint8_t* source, std::int32_t sourceWidth, std::int32_t sourceHeight,
-            std::int32_t targetWidth, std::int32_t targetHeight, std::uint8_t bitsPerPixel,
-            Multimedia::ResizeMethod method)
+            std::int32_t targetWidth, std::int32_t targetHeight, std::uint8_t bitsPerPixel, ResizeMethod method)
 {
     const std::int64_t channels = bitsPerPixel >> 3;
     const bool hasTarget = targetHeight > 0 && targetWidth > 0;
@@ -176,13 +175,13 @@ void Resize(std::uint8_t* target, const std::uint8_t* source, std::int32_t sourc
     const Pictures pictures{target, source, sourceWidth, sourceHeight, targetWidth, targetHeight, channels};
     switch (method)
     {
-    case Multimedia::ResizeMethod::Nearest:
+    case ResizeMethod::Nearest:
         ScaleNearest(pictures);
         return;
-    case Multimedia::ResizeMethod::Bilinear:
+    case ResizeMethod::Bilinear:
         ScaleBilinear(pictures);
         return;
-    case Multimedia::ResizeMethod::Box:
+    case ResizeMethod::Box:
         ScaleBox(pictures);
         return;
     }

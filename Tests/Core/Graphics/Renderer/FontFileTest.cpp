@@ -1,9 +1,12 @@
 #include "Core/Graphics/Renderer/FontFile.h"
+#include "Core/System/Text/Paths.h"
 #include "Tests/Core/Graphics/Renderer/FontBytes.h"
 #include "Tests/Core/Graphics/Renderer/ResourceCopy.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace Orvik::Tests
 {
@@ -53,6 +56,45 @@ TEST(FontFile, WhatIsNoFontIsNotOpened)
     EXPECT_FALSE(font.Open(s_path, 96));
     ResourceCopy::WriteFont(std::string(1000, '\0'));
     EXPECT_FALSE(font.Open(s_path, 96));
+}
+
+TEST(FontFile, APathMayHaveAnyLetters)
+{
+    const ResourceCopy resources;
+    const std::string path = "\xE7\x94\xBB\xE5\x83\x8F \xC3\xBC.ttf";
+    std::filesystem::rename(s_path, System::Text::PathFromUtf8(path));
+    FontFile font;
+    ASSERT_TRUE(font.InitializeLibrary());
+    ASSERT_TRUE(font.Open(path, 96));
+    EXPECT_TRUE(font.Render('L').has_value());
+}
+
+TEST(FontFile, AFileBeyondTheLimitIsNotOpened)
+{
+    const ResourceCopy resources;
+    FontFile font;
+    ASSERT_TRUE(font.InitializeLibrary());
+    std::filesystem::resize_file(s_path, 16 * 1024 * 1024);
+    EXPECT_TRUE(font.Open(s_path, 96)) << "what stands behind a font is nobody's";
+    std::filesystem::resize_file(s_path, 16 * 1024 * 1024 + 1);
+    EXPECT_FALSE(font.Open(s_path, 96));
+}
+
+TEST(FontFile, ASecondFileReplacesTheFirst)
+{
+    const ResourceCopy resources;
+    FontBytes bytes;
+    bytes.Enlarge(2);
+    FontFile font;
+    ASSERT_TRUE(font.InitializeLibrary());
+    ASSERT_TRUE(font.Open(s_path, 48));
+    const std::uint32_t advance = font.Render('L').value().advance;
+    ResourceCopy::WriteFont(bytes.Get());
+    ASSERT_TRUE(font.Open(s_path, 48));
+    EXPECT_GT(font.Render('L').value().advance, advance);
+    ResourceCopy::WriteFont("");
+    EXPECT_FALSE(font.Open(s_path, 48));
+    EXPECT_GT(font.Render('L').value().advance, advance) << "the former stays";
 }
 
 TEST(FontFile, ABrokenOutlineGivesNothing)

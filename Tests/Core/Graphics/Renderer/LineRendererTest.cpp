@@ -120,6 +120,17 @@ TEST_F(RecordedLines, AnUpdateReplacesThePoints)
     EXPECT_EQ(m_lines.Get(id)->points.size(), 4U);
 }
 
+TEST_F(RecordedLines, TheLineKeepsTheMemoryOfThePoints)
+{
+    const std::uint16_t id = Add(MakePoints(5));
+    std::vector<Vector4> points;
+    points.reserve(4);
+    points.assign(2, {1, 0, 0, 1});
+    const Vector4* const memory = points.data();
+    EXPECT_TRUE(m_lines.Update(id, points));
+    EXPECT_EQ(m_lines.Get(id)->points.data(), memory);
+}
+
 TEST_F(RecordedLines, AnUpdateOfAnUnknownLineLeavesTheGivenPoints)
 {
     std::vector<Vector4> points = MakePoints(3);
@@ -137,6 +148,17 @@ TEST_F(RecordedLines, FewerThanTwoPointsAreAFault)
         EXPECT_EQ(points.size(), count);
         EXPECT_EQ(m_lines.Get(id)->points.size(), 4U);
     }
+}
+
+TEST_F(RecordedLines, WhereSitesGoOnALineKeepsItsPointsInsteadOfTooFew)
+{
+    const std::uint16_t id = Add(MakePoints(2));
+    const AssertionList failed;
+    std::vector<Vector4> points = MakePoints(1);
+    EXPECT_FALSE(m_lines.Update(id, points));
+    EXPECT_THAT(AssertionList::Take(), ElementsAre("Line object requires at least 2 points."));
+    EXPECT_EQ(points.size(), 1U);
+    EXPECT_EQ(m_lines.Get(id)->points.size(), 4U);
 }
 
 TEST_F(RecordedLines, ALineWhoseCreationFailedIsNotDrawn)
@@ -204,12 +226,8 @@ TEST_F(RecordedLines, WhereSitesGoOnTheFrameStopsAtTheFault)
     Add(MakePoints(2));
     Add(MakePoints(63));
     Add(MakePoints(2));
-    const System::Error::AssertionHandler previous =
-        System::Error::SetAssertionHandler([](const System::Error::AssertionInfo&) {});
-    System::Error::SetContinueAfterAssertion(true);
+    const AssertionList failed;
     m_lines.Render(m_renderer);
-    System::Error::SetContinueAfterAssertion(false);
-    System::Error::SetAssertionHandler(previous);
     EXPECT_EQ(m_gl.GetCalls("glDrawArrays").size(), 1U);
     EXPECT_EQ(TakeCalls().back(), Call("glBindVertexArray", 0));
 }

@@ -1,6 +1,8 @@
 #include "Tests/Core/Graphics/Renderer/RecordedRenderer.h"
 #include "Tests/Core/Graphics/Renderer/ResourceCopy.h"
 
+#include <chrono>
+
 namespace Orvik::Tests
 {
 namespace
@@ -90,6 +92,20 @@ TEST_F(RendererFrontEnd, AFrameDrawsTheMembersInOrderAndSwaps)
             Call("glBindVertexArray", s_textArray), Call("glActiveTexture", GL_TEXTURE0),
             Call("glBindTexture", GL_TEXTURE_2D_ARRAY, s_atlas), Call("glBindTexture", GL_TEXTURE_2D_ARRAY, 0),
             Call("glBindVertexArray", 0), Call("glEnable", GL_DEPTH_TEST), Call("SwapBuffers", 77)));
+}
+
+TEST_F(RendererFrontEnd, AFrameWithoutAWindowIsSkipped)
+{
+    Start();
+    const auto begin = std::chrono::steady_clock::now();
+    m_renderer.Render(System::Desktop::NativeWindow::None);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(10)) << "nothing else sets the rate";
+    EXPECT_THAT(TakeCalls(), ElementsAre(Call("SkipFrame")));
+    m_renderer.Shutdown(s_window);
+    m_gl.ClearCalls();
+    m_renderer.Render(System::Desktop::NativeWindow::None);
+    m_renderer.GetContext().SkipFrame();
+    EXPECT_THAT(TakeCalls(), ElementsAre());
 }
 
 TEST_F(RendererFrontEnd, IsInertBeforeInitialisationAndAfterShutdown)

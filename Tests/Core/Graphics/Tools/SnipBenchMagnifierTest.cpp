@@ -85,12 +85,10 @@ TEST_F(SnipBenchSecondSetupTest, WhereTheProgramGoesOnItGetsATextureOfItsOwn)
     const std::uint16_t texture = m_openProbe.GetCaptureTexture();
     const auto objects = CountObjects();
     m_openProbe.GetCapture() = MakePicture(100, 90);
-    System::Error::AssertionHandler const previous =
-        System::Error::SetAssertionHandler([](const System::Error::AssertionInfo&) {});
-    System::Error::SetContinueAfterAssertion(true);
-    EXPECT_TRUE(m_open.Setup(m_context, m_renderer));
-    System::Error::SetContinueAfterAssertion(false);
-    System::Error::SetAssertionHandler(previous);
+    {
+        const Tests::AssertionList failed;
+        EXPECT_TRUE(m_open.Setup(m_context, m_renderer));
+    }
     EXPECT_NE(m_openProbe.GetCaptureTexture(), texture);
     EXPECT_EQ(CountObjects(), objects);
     EXPECT_EQ(GetTexture(m_openProbe.GetCaptureTexture()).gpuData.width, 100);

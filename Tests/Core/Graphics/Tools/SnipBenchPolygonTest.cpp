@@ -270,6 +270,9 @@ TEST_F(SnipBenchPolygonTest, ARingNeedsAVertex)
 {
     EXPECT_ASSERTION(static_cast<void>(m_probe.CloseRing()), "!m_polygonModeData.points.empty()",
                      "Points should not be empty");
+    const Tests::AssertionList failed;
+    EXPECT_THAT(m_probe.CloseRing(), IsEmpty()) << "where sites go on";
+    EXPECT_THAT(Tests::AssertionList::Take(), SizeIs(1));
 }
 
 TEST_F(SnipBenchPolygonTest, SixtyOneVerticesDrawAndOneMoreIsTheLineRenderersFault)

@@ -15,8 +15,8 @@ class MessageLog : public Tests::WindowFixture
 protected:
     MessageLog() { EXPECT_TRUE(m_window.Create()); }
 
-    /// What goes to the console while the window gets a message, with all streams at that severity.
-    std::string LogMessage(Log::MessageTypeID severity)
+    /// What goes to the console while the window gets messages, with all streams at that severity.
+    std::string LogMessages(Log::MessageTypeID severity)
     {
         Log::LoggerConfig config;
         config.m_logDirectory = m_directory.GetPath();
@@ -27,8 +27,11 @@ protected:
         Log::Logger logger;
         EXPECT_TRUE(logger.Initialize(&config));
         Send(WM_HOTKEY, 5, -6);
+        Send(WM_KEYDOWN, s_undefinedKey, 0);
         return testing::internal::GetCapturedStdout();
     }
+
+    static constexpr WPARAM s_undefinedKey = 0x07;
 
     Tests::TemporaryDirectory m_directory;
 };
@@ -36,9 +39,15 @@ protected:
 TEST_F(MessageLog, EveryMessageIsALineOnceTheStreamIsConfiguredForIt)
 {
     const std::string handle = std::to_string(reinterpret_cast<std::uintptr_t>(GetHwnd(m_window)));
-    EXPECT_THAT(LogMessage(Log::MessageTypeID::Debug),
+    EXPECT_THAT(LogMessages(Log::MessageTypeID::Debug),
                 testing::HasSubstr(" | System] Debug: Window (" + handle + "): WM_HOTKEY (786) 5 -6\n"));
-    EXPECT_EQ(LogMessage(Log::MessageTypeID::Info), "");
+    EXPECT_THAT(LogMessages(Log::MessageTypeID::Info), testing::Not(testing::HasSubstr("WM_HOTKEY")));
+}
+
+TEST_F(MessageLog, AWarningIsOneWhateverIsConfigured)
+{
+    EXPECT_THAT(LogMessages(Log::MessageTypeID::Error),
+                testing::HasSubstr(" | System] Warning: Found undefined virtual key: 7\n"));
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 // For tests of the Windows half: a window, and what it receives.
 
 #include "Core/System/Desktop/Window.h"
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 
 #include <gtest/gtest.h>
 #include <vector>

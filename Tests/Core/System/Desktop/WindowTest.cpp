@@ -229,6 +229,14 @@ TEST_F(WindowTest, UpdateBeforeCreateIsAnAssertion)
     EXPECT_ASSERTION(m_window.Update(), "false", "Illegal switch case.");
 }
 
+TEST_F(WindowTest, WhereSitesGoOnUpdateBeforeCreateDoesNothing)
+{
+    const Tests::AssertionList failed;
+    m_window.Update();
+    EXPECT_THAT(Tests::AssertionList::Take(), testing::ElementsAre("Illegal switch case."));
+    EXPECT_THAT(NullDesktop::GetInstance().windowCalls, testing::IsEmpty());
+}
+
 TEST_F(WindowTest, UpdateAfterAFailedCreationIsAnAssertion)
 {
     NullDesktop::GetInstance().windowCreates = false;

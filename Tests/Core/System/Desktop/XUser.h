@@ -2,7 +2,7 @@
 
 // For tests with a real X server: what a person and other programs do on it, over a connection of their own.
 
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 
 #include <X11/XKBlib.h>
 #include <X11/Xatom.h>

@@ -1,14 +1,18 @@
 #include "Core/System/Log/FileLogSink.h"
 
+#include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/ForkedProcess.h"
+#include "Tests/Support/RefusedSystemCall.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
+#include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 
 namespace Orvik::System::Log
 {
@@ -39,11 +43,53 @@ TEST(FileLogSink, AFullDiskLosesLinesAndNothingElse)
             return 0;
         });
     EXPECT_EQ(result.exitCode, 0);
-    const std::filesystem::path file = std::filesystem::directory_iterator(directory)->path();
-    std::ifstream stream(file, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    const std::string text = Tests::ReadText(std::filesystem::directory_iterator(directory)->path());
     EXPECT_EQ(text.substr(0, 6), "first\n");
     EXPECT_LE(text.size(), 10U);
+}
+
+TEST(FileLogSink, AFileWhoseKindIsNotToldIsThrown)
+{
+    const Tests::TemporaryDirectory directory;
+    const std::filesystem::path loop = directory.GetPath() / "Name_2.log";
+    std::filesystem::create_symlink(loop, loop);
+    FileLogSink sink(directory.GetPath(), "Name", s_manyBytes, s_tenDays);
+    try
+    {
+        (void)sink.Open();
+        ADD_FAILURE() << "Nothing thrown.";
+    }
+    catch (const std::filesystem::filesystem_error& error)
+    {
+        EXPECT_EQ(error.path1(), loop);
+        EXPECT_EQ(error.code(), std::errc::too_many_symbolic_link_levels);
+    }
+}
+
+TEST(FileLogSink, AnExpiredFileThatCannotBeRemovedIsThrown)
+{
+    const Tests::TemporaryDirectory directory;
+    const std::filesystem::path folder = directory.GetPath();
+    const Tests::ForkedResult result = Tests::RunForked(
+        [&folder]
+        {
+            const std::filesystem::path file = folder / "Name_2.log";
+            std::ofstream(file).flush();
+            std::filesystem::last_write_time(file,
+                                             std::filesystem::file_time_type::clock::now() - std::chrono::days(3));
+            FileLogSink sink(folder, "Name", s_manyBytes, 1);
+            Tests::RefuseSystemCall(SYS_unlink, EROFS);
+            Tests::RefuseSystemCall(SYS_unlinkat, EROFS);
+            try
+            {
+                return sink.Open() ? 1 : 2;
+            }
+            catch (const std::filesystem::filesystem_error& error)
+            {
+                return error.path1() == file && error.code() == std::errc::read_only_file_system ? 0 : 3;
+            }
+        });
+    EXPECT_EQ(result.exitCode, 0);
 }
 
 } // namespace

@@ -72,6 +72,13 @@ TEST(Streams, WhatIsNoSingleStreamFails)
         EXPECT_ASSERTION((void)GetStreamName(value), "false", "Implementation of case directive is missing.");
 }
 
+TEST(Streams, WhereSitesGoOnWhatIsNoSingleStreamHasNoName)
+{
+    const Tests::AssertionList failed;
+    EXPECT_EQ(GetStreamName(0x3), "");
+    EXPECT_EQ(Tests::AssertionList::Take().size(), 1U);
+}
+
 TEST(Streams, SeveritiesRise)
 {
     EXPECT_EQ(static_cast<int>(MessageTypeID::Debug), 0);

@@ -6,6 +6,7 @@
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <algorithm>
+#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -119,7 +120,7 @@ class MutatedFiles : public testing::Test
 {
 protected:
     // A file is refused, and then the bitmap is what it was; or it loads, and then each byte of it can be read.
-    void Load(const Bytes& bytes, const char* name)
+    void Load(const Bytes& bytes, const std::string& name)
     {
         const std::string path = (m_directory.GetPath() / name).string();
         Tests::WriteBytes(path, bytes);
@@ -136,6 +137,15 @@ protected:
         EXPECT_EQ(bitmap.GetStride(), bitmap.GetWidth() * (bitmap.GetBitsPerPixel() / 8));
         ReadEnds(bitmap);
         UseLoaded(bitmap);
+    }
+
+    void LoadMany(const std::string& name, const std::function<Bytes()>& make)
+    {
+        for (int i = 0; i < 600; ++i)
+        {
+            SCOPED_TRACE(i);
+            Load(make(), name);
+        }
     }
 
     // Of a picture of a gibibyte, only its ends are touched.
@@ -166,11 +176,7 @@ TEST_F(MutatedFiles, OfBmpAreRefusedOrLoadWhole)
 {
     Random random(20'250'101);
     const Bytes original = MakeBmp();
-    for (int i = 0; i < 600; ++i)
-    {
-        SCOPED_TRACE(i);
-        Load(Mutate(original, random), "picture.bmp");
-    }
+    LoadMany("picture.bmp", [&original, &random] { return Mutate(original, random); });
     EXPECT_GT(m_refused, 50U);
     EXPECT_GT(m_loaded, 50U);
 }
@@ -181,11 +187,7 @@ TEST_F(MutatedFiles, OfPngAreRefusedOrLoadWhole)
     const Bytes original =
         MakePng({.width = 5, .height = 4, .colourType = 3}, Bytes(24, 0),
                 Tests::Concatenate({MakePngChunk("PLTE", Bytes(9, 3)), MakePngChunk("tRNS", {1, 2})}));
-    for (int i = 0; i < 600; ++i)
-    {
-        SCOPED_TRACE(i);
-        Load(Mutate(original, random), "picture.png");
-    }
+    LoadMany("picture.png", [&original, &random] { return Mutate(original, random); });
     EXPECT_GT(m_refused, 50U);
     EXPECT_GT(m_loaded, 5U);
 }
@@ -193,11 +195,7 @@ TEST_F(MutatedFiles, OfPngAreRefusedOrLoadWhole)
 TEST_F(MutatedFiles, OfPngWithSoundChecksumsAreRefusedOrLoadWhole)
 {
     Random random(20'250'103);
-    for (int i = 0; i < 600; ++i)
-    {
-        SCOPED_TRACE(i);
-        Load(MakeDamagedChunkPng(random), "picture.png");
-    }
+    LoadMany("picture.png", [&random] { return MakeDamagedChunkPng(random); });
     EXPECT_GT(m_refused, 50U);
     EXPECT_GT(m_loaded, 50U);
 }

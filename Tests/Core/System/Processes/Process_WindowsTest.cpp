@@ -1,6 +1,6 @@
 #include "Core/System/Processes/Process.h"
 
-#include "Core/System/Platform/WindowsHandle.h"
+#include "Core/System/Platform/Headers/WindowsHandle.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/OwnProgram.h"
 #include "Tests/Support/TemporaryDirectory.h"

@@ -2,6 +2,8 @@
 
 #include "Tests/Support/AssertionTrap.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -127,6 +129,28 @@ TEST(TypeRegistry, ServesSeveralThreads)
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(registry.GetTypeCount(), 1U);
+}
+
+/// How many registries have other than one record after two threads have registered a type in all of them. The thread
+/// that is behind finds what is entered already and catches up: both are at the same registry time and again.
+std::ptrdiff_t CountDoubleEntries()
+{
+    std::vector<TypeRegistry> registries(10'000);
+    const auto registerAll = [&registries]
+    {
+        for (TypeRegistry& registry : registries)
+            registry.RegisterType<Second>("Second", "", s_guid, {});
+    };
+    std::thread other(registerAll);
+    registerAll();
+    other.join();
+    return std::ranges::count_if(registries, [](const TypeRegistry& one) { return one.GetTypeCount() != 1; });
+}
+
+TEST(TypeRegistry, OneOfTwoThreadsEntersAType)
+{
+    for (int round = 0; round < 20; ++round)
+        ASSERT_EQ(CountDoubleEntries(), 0);
 }
 
 // 0xDD120E790C2512AF is the published value of the text "foob"; its first character is the id's low byte.

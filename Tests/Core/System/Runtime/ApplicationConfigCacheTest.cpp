@@ -2,15 +2,11 @@
 
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Core/System/Runtime/JsonHolders.h"
-#include "Tests/Support/AssertionTrap.h"
+#include "Tests/Core/System/Runtime/ConfigCacheFixture.h"
 #include "Tests/Support/EnvironmentVariable.h"
-#include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/OwnProgram.h"
-#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Texts.h"
 
-#include <cstdlib>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,76 +16,12 @@ namespace
 {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr const char* s_noSchema = "System Warning: No configuration schema loaded, configuration might be invalid.";
 /// Wants a number under "number".
 constexpr const char* s_schema = R"({"type": "object", "properties": {"number": {"type": "number"}}})";
 
-/// Counts what the cache does with it, and refuses what has a member "refuse".
-class TestConfig final : public Config<TestConfig, "Test", 4, GUID{1, 2}>
-{
-public:
-    static constexpr std::uint32_t s_typeID = 7;
-    static constexpr std::string_view s_systemName = "TestSystem";
-
-    void SetDefaults() override { m_calls += "SetDefaults "; }
-    bool Load(const rapidjson::Value* section) override
-    {
-        m_calls += "Load ";
-        return !section->HasMember("refuse");
-    }
-
-    std::string m_calls;
-};
-
-class OtherConfig final : public Config<OtherConfig, "Other", 5, GUID{3, 4}>
-{
-public:
-    static constexpr std::uint32_t s_typeID = 8;
-    static constexpr std::string_view s_systemName = "OtherSystem";
-
-    void SetDefaults() override {}
-    bool Load(const rapidjson::Value* /*section*/) override { return true; }
-};
-
-/// The test program lies in no directory "Binaries", so that the working directory decides about the schema.
-class ApplicationConfigCacheTest : public testing::Test
-{
-protected:
-    ApplicationConfigCacheTest() { std::filesystem::current_path(m_directory.GetPath()); }
-    ~ApplicationConfigCacheTest() override { std::filesystem::current_path(m_previous); }
-
-    void WriteFile(const std::filesystem::path& path, const std::string& text)
-    {
-        if (path.has_parent_path())
-            std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary) << text;
-    }
-
-    /// Initialises the cache with that schema and forgets what was logged.
-    void UseSchema(const std::string& schema)
-    {
-        WriteFile("Resources/Schemas/Zentrov-Configuration-2501.json", schema);
-        EXPECT_TRUE(m_cache.Initialize(nullptr));
-        m_log.Clear();
-    }
-
-    /// The schema that comes with the program.
-    void UseOwnSchema()
-    {
-        std::filesystem::create_directories("Resources/Schemas");
-        std::filesystem::copy_file(m_previous / "Resources/Schemas/Zentrov-Configuration-2501.json",
-                                   "Resources/Schemas/Zentrov-Configuration-2501.json");
-        EXPECT_TRUE(m_cache.Initialize(nullptr));
-        EXPECT_THAT(m_log.GetLines(), IsEmpty());
-    }
-
-    std::filesystem::path m_previous = std::filesystem::current_path();
-    Tests::TemporaryDirectory m_directory;
-    Tests::LogRecorder m_log;
-    ApplicationConfigCache m_cache;
-};
+using ApplicationConfigCacheTest = ConfigCacheFixture;
 
 // Directories and the schema.
 
@@ -391,173 +323,6 @@ TEST_F(ApplicationConfigCacheTest, ValidationNeedsADocumentAndASchema)
     rapidjson::Document anything;
     schema.schema = std::make_unique<rapidjson::SchemaDocument>(anything.Parse("{}"));
     EXPECT_TRUE(ApplicationConfigCache::ValidateDocument(&schema, &document, error));
-}
-
-// Sections.
-
-TEST_F(ApplicationConfigCacheTest, WithoutADocumentThereIsNoSection)
-{
-    EXPECT_EQ(m_cache.FindSection("a"), nullptr);
-}
-
-TEST_F(ApplicationConfigCacheTest, WhatIsNoSectionIsAsGoodAsNone)
-{
-    for (const char* json : {
-             "7",
-             "null",
-             "[]",
-             "\"configuration\"",
-             R"([{"configuration": {"a": {}}}])",
-             "{}",
-             R"({"Configuration": {"a": {}}})",
-             R"({"configuration": 7})",
-             R"({"configuration": ["a", {}]})",
-             R"({"configuration": {}})",
-             R"({"configuration": {"A": {}, "aa": {}, "": {}}})",
-             R"({"configuration": {"a\u0000": {}}})",
-             R"({"configuration": {"a": 7}})",
-             R"({"configuration": {"a": []}})",
-             R"({"configuration": {"a": 7, "a": {}}})",
-             R"({"configuration": 7, "configuration": {"a": {}}})",
-         })
-    {
-        EXPECT_TRUE(m_cache.LoadFromString(json)) << json;
-        EXPECT_EQ(m_cache.FindSection("a"), nullptr) << json;
-    }
-}
-
-TEST_F(ApplicationConfigCacheTest, TheFirstSectionOfANameIsTaken)
-{
-    EXPECT_TRUE(m_cache.LoadFromString(R"({"configuration": {"b": 1, "a": {"first": 1}, "a": {"second": 1}}})"));
-    const rapidjson::Value* const section = m_cache.FindSection("a");
-    ASSERT_NE(section, nullptr);
-    EXPECT_TRUE(section->HasMember("first"));
-}
-
-// Typed configurations.
-
-TEST_F(ApplicationConfigCacheTest, AConfigurationGetsItsDefaultsWithoutADocument)
-{
-    TestConfig* const config = m_cache.AddConfig<TestConfig>();
-    EXPECT_EQ(config->m_calls, "SetDefaults ");
-}
-
-TEST_F(ApplicationConfigCacheTest, AConfigurationGetsItsSectionOnTopOfItsDefaults)
-{
-    EXPECT_TRUE(m_cache.LoadFromString(R"({"configuration": {"TestSystem": {}}})"));
-    EXPECT_EQ(m_cache.AddConfig<TestConfig>()->m_calls, "SetDefaults Load ");
-}
-
-TEST_F(ApplicationConfigCacheTest, AConfigurationWithoutASectionKeepsItsDefaults)
-{
-    EXPECT_TRUE(m_cache.LoadFromString(R"({"configuration": {"TestSystem": 7, "testsystem": {}}})"));
-    EXPECT_EQ(m_cache.AddConfig<TestConfig>()->m_calls, "SetDefaults ");
-}
-
-TEST_F(ApplicationConfigCacheTest, ALaterDocumentHasNoEffectOnAConfigurationThatExists)
-{
-    TestConfig* const config = m_cache.AddConfig<TestConfig>();
-    EXPECT_TRUE(m_cache.LoadFromString(R"({"configuration": {"TestSystem": {}}})"));
-    EXPECT_EQ(config->m_calls, "SetDefaults ");
-}
-
-TEST_F(ApplicationConfigCacheTest, ConfigurationsAreFoundByTheirType)
-{
-    EXPECT_EQ(m_cache.GetConfig(7), nullptr);
-    TestConfig* const config = m_cache.AddConfig<TestConfig>();
-    OtherConfig* const other = m_cache.AddConfig<OtherConfig>();
-    EXPECT_EQ(m_cache.GetConfig(7), config);
-    EXPECT_EQ(m_cache.GetConfig(8), other);
-    EXPECT_EQ(m_cache.GetConfig(9), nullptr);
-}
-
-TEST_F(ApplicationConfigCacheTest, ASecondConfigurationOfOneTypeIsAnAssertionFailure)
-{
-    m_cache.AddConfig<TestConfig>();
-    EXPECT_ASSERTION(m_cache.AddConfig<TestConfig>(), "GetConfig(Config_Type::s_typeID) == nullptr",
-                     "Config already exists.");
-}
-
-TEST_F(ApplicationConfigCacheTest, ASectionThatIsRefusedIsAnAssertionFailure)
-{
-    EXPECT_TRUE(m_cache.LoadFromString(R"({"configuration": {"TestSystem": {"refuse": 1}}})"));
-    EXPECT_ASSERTION(m_cache.AddConfig<TestConfig>(), "success", "Failed to initialize configuration.");
-}
-
-// The schema of the program.
-
-TEST_F(ApplicationConfigCacheTest, TheOwnSchemaTakesWhateverHasAMeaning)
-{
-    UseOwnSchema();
-    for (const char* json : {
-             "{}",
-             R"({"other": 1})",
-             R"({"configuration": []})",
-             R"({"configuration": 7})",
-             R"({"configuration": {"LogSystem": {}}})",
-             R"({"configuration": {"LogSystem": 7, "Unknown": []}})",
-             R"({"configuration": {"LogSystem": {"streams": []}}})",
-             R"({"configuration": {"LogSystem": {"streams": {"system": 7, "System": 7, "Graphics": {}}}}})",
-             R"({"configuration": {"LogSystem": {"streams": {"All": {"severity": "Loud", "id": "4"}}}}})",
-             R"({"configuration": {"LogSystem": {"streams": {"x": {"severity": 3, "id": 4294967295}}}}})",
-             R"({"configuration": {"SnipBench": {}}})",
-             R"({"configuration": {"SnipBench": {"mode": "Rectangle"}}})",
-             R"({"configuration": {"SnipBench": {"mode": "Polygon"}}})",
-             R"({"SnipBench": 7})",
-         })
-        EXPECT_TRUE(m_cache.LoadFromString(json)) << json << "\n" << m_cache.GetError();
-}
-
-TEST_F(ApplicationConfigCacheTest, TheOwnSchemaRefusesWhatHasNone)
-{
-    UseOwnSchema();
-    const auto getError = [this](const char* json)
-    {
-        EXPECT_FALSE(m_cache.LoadFromString(json)) << json;
-        return m_cache.GetError();
-    };
-    EXPECT_EQ(getError("[]"), "Failed to validate against schema at keyword: type");
-    EXPECT_EQ(getError("7"), "Failed to validate against schema at keyword: type");
-    EXPECT_EQ(getError(R"({"configuration": {"SnipBench": 7}})"), "Failed to validate against schema at keyword: type");
-    EXPECT_EQ(getError(R"({"configuration": {"SnipBench": {"mode": "polygon"}}})"),
-              "Failed to validate against schema at keyword: enum");
-    EXPECT_EQ(getError(R"({"configuration": {"SnipBench": {"mode": 1}}})"),
-              "Failed to validate against schema at keyword: enum");
-    EXPECT_EQ(getError(R"({"configuration": {"SnipBench": {"Mode": "Polygon"}}})"),
-              "Failed to validate against schema at keyword: additionalProperties");
-}
-
-// The documentation.
-
-/// The documents between the fences of a Markdown file's JSON blocks.
-std::vector<std::string> ReadExamples(const std::filesystem::path& file)
-{
-    std::ifstream stream(file);
-    std::vector<std::string> examples;
-    bool isInside = false;
-    for (std::string line; std::getline(stream, line);)
-    {
-        const bool isFence = line.starts_with("```");
-        if (!isInside && line == "```json")
-            examples.emplace_back();
-        else if (isInside && !isFence)
-            examples.back() += line + "\n";
-        isInside = isFence ? line == "```json" : isInside;
-    }
-    return examples;
-}
-
-TEST_F(ApplicationConfigCacheTest, TheDocumentationsExamplesAreTaken)
-{
-    UseOwnSchema();
-    const std::vector<std::string> examples = ReadExamples(m_previous / "Docs/Configuration.md");
-    EXPECT_GE(examples.size(), 5U);
-    for (const std::string& example : examples)
-    {
-        EXPECT_TRUE(m_cache.LoadFromString(example)) << example << m_cache.GetError();
-        EXPECT_TRUE(m_cache.FindSection("LogSystem") != nullptr || m_cache.FindSection("SnipBench") != nullptr)
-            << example;
-    }
 }
 
 } // namespace

@@ -1,14 +1,47 @@
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 
+#include "Tests/Support/ForkedProcess.h"
+#include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/RefusedSystemCall.h"
+
+#include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <string>
+#include <sys/syscall.h>
 
 namespace Orvik::System::Runtime
 {
 namespace
 {
+
+/// Initialises a cache in a process that can't read links, and gives what was logged of it and the root path.
+std::string FindRootPathWithoutLinks(const char* argument)
+{
+    const auto initialize = [argument]
+    {
+        Tests::RefuseSystemCall(SYS_readlink, EACCES);
+        Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+        const Tests::LogRecorder recorder;
+        ApplicationConfigCache cache;
+        if (!cache.Initialize(argument) || recorder.GetLines().empty())
+            return 1;
+        std::cout << recorder.GetLines().front() << '\n' << cache.GetRootPath().native();
+        return 0;
+    };
+    const Tests::ForkedResult result = Tests::RunForked(initialize);
+    EXPECT_EQ(result.exitCode, 0);
+    return result.output;
+}
+
+TEST(ApplicationConfigCache, WithoutTheSystemsAnswerTheFirstArgumentTellsTheDirectory)
+{
+    const std::string line = "System Error: Failed to retrieve module file name: 'Permission denied (D)'.\n";
+    EXPECT_EQ(FindRootPathWithoutLinks("/tool/program"), line + "/tool");
+    EXPECT_EQ(FindRootPathWithoutLinks(nullptr), line);
+}
 
 TEST(ApplicationConfigCache, ASchemaNameThatTheSystemRefusesIsThrown)
 {
@@ -23,6 +56,22 @@ TEST(ApplicationConfigCache, ASchemaNameThatTheSystemRefusesIsThrown)
     {
         EXPECT_THAT(error.what(), testing::HasSubstr("exists"));
     }
+}
+
+TEST(ApplicationConfigCache, AProgramWhosePathIsNotToldLiesWhereItWasStarted)
+{
+    const Tests::ForkedResult result = Tests::RunForked(
+        []
+        {
+            const Tests::LogRecorder log;
+            Tests::RefuseSystemCall(SYS_readlink, EACCES);
+            Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+            ApplicationConfigCache cache;
+            cache.Initialize("/elsewhere/program");
+            std::cout << cache.GetRootPath().string() << "\n" << log.GetLines().front();
+            return 0;
+        });
+    EXPECT_EQ(result.output, "/elsewhere\nSystem Error: Failed to retrieve module file name: 'Permission denied (D)'.");
 }
 
 } // namespace

@@ -3,13 +3,18 @@
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Tests/Core/System/Startup/StartupFixture.h"
+#include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/RefusedSystemCall.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <iostream>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,14 +23,7 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-/// Parameters that leave other test processes alone.
-ApplicationParameters MakeParameters(CommandLine* commandLine = nullptr)
-{
-    ApplicationParameters parameters;
-    parameters.terminateOtherInstances = false;
-    parameters.commandLine = commandLine;
-    return parameters;
-}
+using Tests::MakeParameters;
 
 using ApplicationInstances = Tests::StartupTest;
 
@@ -43,6 +41,27 @@ TEST_F(ApplicationInstances, RootPathIsTheProgramsDirectoryWithOrWithoutArgument
     StartFrame(MakeParameters(&commandLine));
     EXPECT_EQ(m_application.rootPath, expected);
     EXPECT_EQ(m_application.calls.size(), 3U);
+}
+
+TEST_F(ApplicationInstances, RootPathIsThatOfTheFirstArgumentWhereTheSystemDoesNotTell)
+{
+    const Tests::ForkedResult result = Tests::RunForked(
+        [this]
+        {
+            Tests::RefuseSystemCall(SYS_readlink, EACCES);
+            Tests::RefuseSystemCall(SYS_readlinkat, EACCES);
+            CommandLine commandLine;
+            StartFrame(MakeParameters(nullptr));
+            std::cout << m_application.rootPath.string() << '|';
+            StartFrame(MakeParameters(&commandLine));
+            std::cout << m_application.rootPath.string() << '|';
+            commandLine.arguments = {"/elsewhere/program", "/another/argument"};
+            StartFrame(MakeParameters(&commandLine));
+            std::cout << m_application.rootPath.string();
+            return static_cast<int>(m_application.calls.size());
+        });
+    EXPECT_EQ(result.exitCode, 3) << result.error;
+    EXPECT_EQ(result.output, "||/elsewhere");
 }
 
 TEST_F(ApplicationInstances, UnresolvedDirectoriesAreAWarning)

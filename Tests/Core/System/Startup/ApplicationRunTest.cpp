@@ -1,7 +1,7 @@
-#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/Exception.h"
+#include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/CurrentThread.h"
@@ -10,6 +10,7 @@
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/FakeSystem.h"
 
+#include <algorithm>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <stdexcept>
@@ -22,15 +23,7 @@ namespace
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-/// Parameters that leave other test processes alone.
-ApplicationParameters MakeParameters(CommandLine* commandLine = nullptr)
-{
-    ApplicationParameters parameters;
-    parameters.terminateOtherInstances = false;
-    parameters.commandLine = commandLine;
-    return parameters;
-}
+using Tests::MakeParameters;
 
 using ApplicationRun = Tests::StartupTest;
 
@@ -166,6 +159,22 @@ TEST_F(ApplicationRun, InitialisedLoggerBecomesThatOfErrorHandling)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Exception: std::exception\n\tMessage: trouble\n");
     EXPECT_THAT(testing::internal::GetCapturedStdout(),
                 HasSubstr(" | Default] Error: Exception: 'std::exception' with message: trouble\n"));
+}
+
+TEST_F(ApplicationRun, NeitherTheFrameNorItsSystemsRegisterACommand)
+{
+    std::size_t systemCount = 0;
+    m_application.onMain = [&]
+    {
+        m_application.InitializeSystems();
+        systemCount = static_cast<std::size_t>(std::ranges::count_if(m_application.calls, [](const std::string& call)
+                                                                     { return call.starts_with("after "); }));
+    };
+    testing::internal::CaptureStdout();
+    Application::Run(MakeParameters());
+    (void)testing::internal::GetCapturedStdout();
+    EXPECT_EQ(systemCount, 3U);
+    EXPECT_THAT(m_application.m_commandRegistry.GetCommands(), IsEmpty());
 }
 
 TEST_F(ApplicationRun, OtherSystemsDoNotBecomeTheLogger)

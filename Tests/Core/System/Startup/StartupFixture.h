@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Runtime/SystemCreation.h"
 #include "Core/System/Threads/ThreadManager.h"
@@ -24,6 +24,7 @@ public:
 
     using Application::CreateAndInitialize;
     using Application::m_commandLine;
+    using Application::m_commandRegistry;
     using Application::m_configCache;
     using Application::m_displaySystem;
     using Application::m_extension;
@@ -67,6 +68,16 @@ public:
     std::filesystem::path rootPath;
     const System::Runtime::ApplicationParameters* lastParameters = nullptr;
 };
+
+/// Parameters that leave other test processes alone.
+[[nodiscard]] inline System::Runtime::ApplicationParameters
+MakeParameters(System::Runtime::CommandLine* commandLine = nullptr)
+{
+    System::Runtime::ApplicationParameters parameters;
+    parameters.terminateOtherInstances = false;
+    parameters.commandLine = commandLine;
+    return parameters;
+}
 
 /// A home of its own, for log and report files, and a working directory for reports that come before those.
 class StartupTest : public testing::Test

@@ -10,7 +10,6 @@ namespace Orvik::System::Utilities::Image
 namespace
 {
 
-using Multimedia::ResizeMethod;
 using Bytes = std::vector<std::uint8_t>;
 
 struct Size

@@ -1,6 +1,6 @@
 #include "Core/System/Device/Cursor/CursorFailure.h"
 
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 
 namespace Orvik::System::Device::Cursor
 {

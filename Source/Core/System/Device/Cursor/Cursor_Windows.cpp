@@ -2,6 +2,7 @@
 #include "Core/System/Device/Cursor/CursorCalls_Windows.h"
 #include "Core/System/Device/Cursor/CursorFailure.h"
 #include "Core/System/Error/SystemError.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 #include "Core/System/Platform/PointerEvent.h"
 
 #include <algorithm>

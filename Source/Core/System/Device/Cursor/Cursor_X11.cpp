@@ -1,6 +1,6 @@
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Device/Cursor/CursorFailure.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/PointerEvent.h"
 #include "Core/System/Platform/XConnection.h"
 

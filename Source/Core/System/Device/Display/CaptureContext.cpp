@@ -3,7 +3,7 @@
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 
 #include <cstring>
 #include <limits>

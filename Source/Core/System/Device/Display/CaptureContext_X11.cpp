@@ -49,17 +49,10 @@ Area GetArea(const Math::Rectangle& region)
 /// The screen as it is now. Its size may have changed since the connection was opened.
 Area GetRootArea(::Display* display)
 {
-    Platform::XErrorScope errors(display);
-    ::Window ignoredRoot = None;
-    int x = 0;
-    int y = 0;
-    unsigned int width = 0;
-    unsigned int height = 0;
-    unsigned int border = 0;
-    unsigned int depth = 0;
-    if (XGetGeometry(display, DefaultRootWindow(display), &ignoredRoot, &x, &y, &width, &height, &border, &depth) == 0)
-        return {};
-    return {0, 0, width, height};
+    const Platform::XErrorScope errors(display);
+    const Platform::XGeometry root =
+        Platform::GetXGeometry(display, DefaultRootWindow(display)).value_or(Platform::XGeometry());
+    return {0, 0, root.width, root.height};
 }
 
 Area Intersect(const Area& first, const Area& second)

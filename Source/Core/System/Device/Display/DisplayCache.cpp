@@ -1,7 +1,7 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Types/Utilities.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/System/Device/Display/DisplayDescriptor.h"
-#include "Core/System/Log/Context.h"
+#include "Core/System/Device/DisplayDescriptor.h"
+#include "Core/System/Log/Site/Context.h"
 #include "Core/System/Math/Rectangle.h"
 #include "Core/System/Runtime/System.h"
 

@@ -1,7 +1,7 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 #include "Core/System/Device/Display/DisplayMode.h"
 #include "Core/System/Device/Display/DisplayOverlap.h"
-#include "Core/System/Log/LogSite.h"
+#include "Core/System/Log/Site/LogSite.h"
 
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Platform/XHandle.h"
@@ -186,17 +186,14 @@ std::optional<Math::Rectangle> GetForegroundArea(::Display* display)
     const Platform::XErrorScope errors(display);
     const ::Window root = DefaultRootWindow(display);
     const ::Window frame = GetFrame(display, root, GetForegroundWindow(display, root));
-    ::Window ignoredRoot = None;
-    int x = 0;
-    int y = 0;
-    unsigned int width = 0;
-    unsigned int height = 0;
-    unsigned int border = 0;
-    unsigned int depth = 0;
-    if (frame == None || XGetGeometry(display, frame, &ignoredRoot, &x, &y, &width, &height, &border, &depth) == 0)
+    if (frame == None)
         return std::nullopt;
-    return Math::Rectangle{x, y, x + static_cast<std::int32_t>(width + 2 * border),
-                           y + static_cast<std::int32_t>(height + 2 * border)};
+    const std::optional<Platform::XGeometry> geometry = Platform::GetXGeometry(display, frame);
+    if (!geometry)
+        return std::nullopt;
+    const unsigned int borders = 2 * geometry->border;
+    return Math::Rectangle{geometry->x, geometry->y, geometry->x + static_cast<std::int32_t>(geometry->width + borders),
+                           geometry->y + static_cast<std::int32_t>(geometry->height + borders)};
 }
 
 } // namespace

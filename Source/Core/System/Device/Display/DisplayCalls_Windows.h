@@ -2,7 +2,7 @@
 
 // Private to the Windows half.
 
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 
 #include <shellscalingapi.h>
 

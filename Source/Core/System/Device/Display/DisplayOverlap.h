@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Device/Display/DisplayDescriptor.h"
+#include "Core/System/Device/DisplayDescriptor.h"
 #include "Core/System/Math/Rectangle.h"
 
 #include <cstdint>

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Core/System/Platform/X11Headers.h"
+#include "Core/System/Platform/Headers/X11Headers.h"
 
 #include <X11/Xatom.h>
 #include <X11/extensions/Xrandr.h>

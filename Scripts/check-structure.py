@@ -1,0 +1,202 @@
+#!/usr/bin/env python3
+"""Checks what Docs/Architecture.md promises about the structure of the sources, and names each line that breaks it:
+
+  no include points to a layer above its own, and no two folders need each other, on whatever way;
+  no unit that all systems share reaches a system's header or asks which system it is;
+  no file has more than 500 lines, no function more than 60.
+
+    Scripts/check-structure.py          this repository
+    Scripts/check-structure.py FOLDER   another tree of the same form
+
+The layers are read from the table in Docs/Architecture.md.
+"""
+import re
+import sys
+from pathlib import Path
+
+FILE_LINES = 500
+FUNCTION_LINES = 60
+SOURCES = ("Source", "Tests", "Examples", "Benchmarks")
+
+# Headers that are the same on every system. Whatever else stands in angle brackets belongs to one of them.
+SHARED_HEADERS = re.compile(r"[a-z_]+|fmt/.*|rapidjson/.*|gtest/.*|gmock/.*|png\.h|ft2build\.h|GL/glcorearb\.h")
+# The null half is made of values and is held to what the shared units are held to.
+HALF = re.compile(r"_(Linux|X11|Windows)(Test)?\.(h|cpp)$")
+# Private to the halves: headers here may name a system's.
+PLATFORM_FOLDER = "Source/Core/System/Platform/"
+# The calling convention of OpenGL's functions can be told in no other way.
+CONDITIONS_ALLOWED = {"Source/Core/Graphics/Renderer/OpenGL.h"}
+
+
+def read_layers(root):
+    """The rows of the table of layers: folder below Source -> its layer, counted from the ground."""
+    text = (root / "Docs/Architecture.md").read_text(encoding="utf-8")
+    layers = {}
+    for number, folders in re.findall(r"^\| (\d+) \| (.*?) \|", text, re.MULTILINE):
+        for folder in re.findall(r"`([^`]+)`", folders):
+            layers[folder] = int(number)
+    return layers
+
+
+def find_files(root):
+    for folder in SOURCES:
+        for path in sorted((root / folder).rglob("*")):
+            if path.suffix in (".h", ".cpp"):
+                yield path.relative_to(root).as_posix(), path.read_text(encoding="utf-8")
+
+
+def find_includes(text):
+    """(line number, name, whether it is one of ours) of each include."""
+    for match in re.finditer(r'^#include ([<"])([^">]+)[">]', text, re.MULTILINE):
+        yield text.count("\n", 0, match.start()) + 1, match[2], match[1] == '"'
+
+
+def get_folder(name):
+    """The folder below Source that a source or an include's name lies in."""
+    return name.removeprefix("Source/").rpartition("/")[0]
+
+
+def check_layers(files, layers):
+    for name, text in files.items():
+        if not name.startswith("Source/"):
+            continue
+        folder = get_folder(name)
+        if folder not in layers:
+            yield f"{name}: its folder has no layer in Docs/Architecture.md"
+            continue
+        for line, include, is_ours in find_includes(text):
+            if is_ours and layers.get(get_folder(include), 0) > layers[folder]:
+                yield f"{name}:{line}: the include points upward, to {include}"
+
+
+def find_circles(edges):
+    """The folders that reach themselves over other folders, with those they share the circle with."""
+    def reach(start):
+        seen, rest = set(), list(edges.get(start, ()))
+        while rest:
+            folder = rest.pop()
+            if folder not in seen:
+                seen.add(folder)
+                rest.extend(edges.get(folder, ()))
+        return seen
+
+    reached = {folder: reach(folder) for folder in edges}
+    circles = {frozenset(other for other in reached[folder] if folder in reached.get(other, ()))
+               for folder in edges if folder in reached[folder]}
+    return sorted(sorted(circle) for circle in circles)
+
+
+def check_circles(files):
+    edges = {}
+    for name, text in files.items():
+        if name.startswith("Source/"):
+            for _, include, is_ours in find_includes(text):
+                if is_ours and get_folder(include) != get_folder(name):
+                    edges.setdefault(get_folder(name), {}).setdefault(get_folder(include), (name, include))
+    for circle in find_circles(edges):
+        steps = [f"{a} includes {b}" for folder in circle
+                 for other, (a, b) in sorted(edges[folder].items()) if other in circle]
+        yield "these folders need each other: " + ", ".join(circle) + "".join("\n    " + step for step in steps)
+
+
+def check_platform(files):
+    """A header of a system may be reached by the halves alone, over whatever headers of ours."""
+    def find_system_header(name, seen):
+        if name in seen or name not in files:
+            return None
+        seen.add(name)
+        for _, include, is_ours in find_includes(files[name]):
+            found = find_system_header(f"Source/{include}", seen) or find_system_header(include, seen) \
+                if is_ours else (None if SHARED_HEADERS.fullmatch(include) else include)
+            if found:
+                return found
+        return None
+
+    for name, text in files.items():
+        if not name.startswith("Source/") or HALF.search(name):
+            continue
+        is_private = name.startswith(PLATFORM_FOLDER) and name.endswith(".h")
+        header = None if is_private else find_system_header(name, set())
+        if header:
+            yield f"{name}: a shared unit reaches the system header <{header}>"
+
+
+def check_conditions(files):
+    for name, text in files.items():
+        if name in CONDITIONS_ALLOWED:
+            continue
+        for match in re.finditer(r"^[ \t]*#[ \t]*(?:if|ifdef|ifndef|elif)\b.*", text, re.MULTILINE):
+            line = text.count("\n", 0, match.start()) + 1
+            yield f"{name}:{line}: a half is chosen by its name, not by {match[0].strip()}"
+
+
+def check_file_lengths(files):
+    for name, text in files.items():
+        lines = text.count("\n")
+        if lines > FILE_LINES:
+            yield f"{name}: {lines} lines, more than {FILE_LINES}"
+
+
+HEADING_START = re.compile(r"(?:\s|(?:public|protected|private):)*")
+
+
+def strip_texts(text):
+    """The same lines without comments, literals, preprocessor lines and values in braces, so that every brace that is
+    left has a block behind it."""
+    def keep_lines(match):
+        return "\n" * match[0].count("\n")
+
+    pattern = r"""//[^\n]*|/\*.*?\*/|R"(\w*)\(.*?\)\1"|"(?:\\.|[^"\\\n])*"|(?<!\w)'(?:\\.|[^'\\\n])+'|^#(?:\\\n|[^\n])*"""
+    text = re.sub(pattern, keep_lines, text, flags=re.DOTALL | re.MULTILINE)
+    count = 1
+    while count > 0:
+        text, count = re.subn(r"(?:(?<=\S)|(?<== ))\{[^{}]*\}", keep_lines, text) # a block has white space before it
+    return text
+
+
+def is_function(heading):
+    """Whether what stands before a brace, from the end of what came before, opens a function's body."""
+    count = 1
+    while count > 0:
+        heading, count = re.subn(r"\([^()]*\)", "@", heading)
+    return "@" in heading and "=" not in re.sub(r"operator\s*\W+", "", heading)
+
+
+def find_functions(text):
+    """(line number, number of lines) of each function, from its heading to the brace that ends it."""
+    text = strip_texts(text)
+    depth = 0
+    begin = 0       # of what stands before the next brace
+    function = None # where the one that is being read begins, and how deep
+    for match in re.finditer(r"[{};]", text):
+        if match[0] == "{":
+            if function is None and is_function(text[begin:match.start()]):
+                function = HEADING_START.match(text, begin).end(), depth
+            depth += 1
+        elif match[0] == "}":
+            depth -= 1
+            if function is not None and depth == function[1]:
+                first = text.count("\n", 0, function[0]) + 1
+                yield first, text.count("\n", 0, match.start()) + 2 - first
+                function = None
+        begin = match.end()
+
+
+def check_function_lengths(files):
+    for name, text in files.items():
+        for line, lines in find_functions(text):
+            if lines > FUNCTION_LINES:
+                yield f"{name}:{line}: a function of {lines} lines, more than {FUNCTION_LINES}"
+
+
+def main():
+    root = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).resolve().parent.parent)
+    files = dict(find_files(root))
+    findings = [*check_layers(files, read_layers(root)), *check_circles(files), *check_platform(files),
+                *check_conditions(files), *check_file_lengths(files), *check_function_lengths(files)]
+    print("\n".join(findings) or f"{len(files)} files, nothing found.")
+    return 1 if findings else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Makes the pictures and the example files of the user guide anew (Docs/Pictures, Docs/Examples): real runs of the
+# program on a virtual display. Identifiers and times differ each time, so Docs/Formats.md, which shows some of the
+# examples, has to follow; a test compares them. It starts SnipBench, which ends one that runs.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+build=$root/build/linux-release
+snips=/tmp/Snips # is seen in a picture
+
+"$root/Scripts/setup-linux.sh" --demo
+[ -f "$build/build.ninja" ] || (cd "$root" && cmake --preset linux-release -DORVIK_BUILD_TESTS=OFF)
+cmake --build "$build" --target SnipBench GuidePictures
+mkdir "$snips"
+trap 'rm -r "$snips"' EXIT
+mkdir -p "$root/Docs/Pictures" "$root/Docs/Examples"
+"$build/Examples/GuidePictures" "$root/Binaries/Linux-x64/SnipBench" "$snips" "$root/Docs"

@@ -1,0 +1,147 @@
+#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/Handling/SignalThread.h"
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace Orvik::System::Error
+{
+namespace
+{
+
+/// Signals that are raised where the fault is.
+constexpr std::array s_faultSignals = {SIGSEGV, SIGILL, SIGABRT, SIGFPE, SIGBUS};
+
+/// Writing to a pipe that nobody reads, or beyond the limit of a file's size, fails like any other writing.
+constexpr std::array s_ignoredSignals = {SIGPIPE, SIGXFSZ};
+
+/// Reporting takes milliseconds, unless the fault lies where a lock is held that reporting needs as well.
+constexpr unsigned s_reportTimeLimit = 5; // seconds
+
+/// A request waits two seconds for the run's end. Longer takes only one whose log isn't read by whoever it is for.
+constexpr unsigned s_requestTimeLimit = 3; // seconds
+
+ErrorHandling* s_errorHandling = nullptr;
+std::array<struct sigaction, s_faultSignals.size()> s_previousActions = {};
+std::atomic<int> s_signalBeingReported = 0; ///< 0 for none
+std::atomic<int> s_signalOfTimeout = 0;     ///< ends a process whose report or request doesn't come to its end
+
+/// Where a fault of the main thread is reported on: its own stack may be what has run out.
+alignas(std::max_align_t) std::array<std::byte, std::size_t{256} * 1024> s_alternateStack;
+stack_t s_previousStack = {};
+
+/// Unblocks a signal for the calling thread.
+void LetThrough(int signal)
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, signal);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+/// Calls only what may be called at any instant.
+extern "C" void OnTimeout(int /*signal*/)
+{
+    const int signal = s_signalOfTimeout;
+    struct sigaction action = {};
+    action.sa_handler = SIG_DFL;
+    sigaction(signal, &action, nullptr);
+    LetThrough(signal);
+    raise(signal);
+}
+
+/// Ends the process by the signal unless `alarm(0)` comes first.
+void LimitTime(unsigned seconds, int signal)
+{
+    s_signalOfTimeout = signal;
+    struct sigaction action = {};
+    action.sa_handler = &OnTimeout;
+    sigaction(SIGALRM, &action, nullptr);
+    LetThrough(SIGALRM);
+    alarm(seconds);
+}
+
+extern "C" void OnSignal(int signal, siginfo_t* information, void* /*context*/) noexcept
+{
+    s_signalBeingReported = signal;
+    LimitTime(s_reportTimeLimit, signal);
+    s_errorHandling->HandleSignal(signal == SIGBUS ? SIGSEGV : signal);
+    alarm(0);
+    // The delivery has reset the signal to its default action. A true fault comes again when this handler returns to
+    // where it lies, with its address for a debugger or a core dump; one that somebody sent has to be sent again.
+    if (information->si_code <= 0)
+        raise(signal);
+}
+
+/// On the signal thread.
+void OnRequest(int signal)
+{
+    LimitTime(s_requestTimeLimit, SIGABRT);
+    const bool isHandled = s_errorHandling->HandleRequest(signal);
+    alarm(0);
+    if (isHandled)
+        return;
+    LetThrough(signal); // nothing is there that could end by itself
+    raise(signal);
+}
+
+void UseAlternateStack()
+{
+    stack_t stack = {};
+    stack.ss_sp = s_alternateStack.data();
+    stack.ss_size = s_alternateStack.size();
+    sigaltstack(&stack, &s_previousStack);
+}
+
+} // namespace
+
+void ErrorHandling::InstallSignalHandlersPlatform()
+{
+    s_errorHandling = this;
+    UseAlternateStack();
+    for (std::size_t index = 0; index < s_faultSignals.size(); ++index)
+    {
+        struct sigaction action = {};
+        action.sa_sigaction = &OnSignal;
+        action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND | SA_SIGINFO);
+        sigaction(s_faultSignals[index], &action, &s_previousActions[index]);
+    }
+    for (const int signal : s_ignoredSignals)
+        std::signal(signal, SIG_IGN);
+    SignalThread::Start(&OnRequest);
+}
+
+void ErrorHandling::RemoveSignalHandlersPlatform() noexcept
+{
+    SignalThread::Stop();
+    for (std::size_t index = 0; index < s_faultSignals.size(); ++index)
+        sigaction(s_faultSignals[index], &s_previousActions[index], nullptr);
+    sigaltstack(&s_previousStack, nullptr);
+    s_errorHandling = nullptr;
+}
+
+void ErrorHandling::EndRequestsPlatform(int exitCode) noexcept
+{
+    SignalThread::StopWith(exitCode);
+}
+
+void ErrorHandling::AllowSecondInterruptionPlatform()
+{
+    SignalThread::LetInterruptionThrough();
+}
+
+void ErrorHandling::AbortPlatform(int signal)
+{
+    if (s_signalBeingReported == 0)
+        std::abort();
+    // A fault ends the process by its own signal, which a debugger or a core dump is to show: only the line that an
+    // abort writes is left to do.
+    if (signal != SIGABRT)
+        ReportSignal(SIGABRT);
+}
+
+} // namespace Orvik::System::Error

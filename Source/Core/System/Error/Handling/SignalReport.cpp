@@ -1,0 +1,114 @@
+// What ErrorHandling does about signals; how they arrive is the operating system's half.
+#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Runtime/Application.h"
+#include "Core/System/Time/MonotonicClock.h"
+
+#include <csignal>
+#include <iostream>
+
+namespace Orvik::System::Error
+{
+namespace
+{
+
+constexpr Log::Context s_context{Log::StreamID::System};
+
+/// How often a run that is asked to end is looked at, and how long each time: about two seconds.
+constexpr int s_shutdownPolls = 64;
+/// After about half a second another interruption is meant as one.
+constexpr int s_firstImpatientPoll = 16;
+constexpr std::int64_t s_shutdownPollPeriod = 32'000'000; // nanoseconds
+
+/// To the error stream and the log.
+void ReportError(const char* text)
+{
+    std::cerr << text << std::endl;
+    Log::Write(s_context, Log::MessageTypeID::Error, text);
+}
+
+} // namespace
+
+void ErrorHandling::HandleSignal(int signal)
+{
+    ReportSignal(signal);
+    if (std::uncaught_exceptions() == 0)
+    {
+        if (!m_terminating.exchange(true))
+            AbortPlatform(signal);
+        return;
+    }
+    ReportError("Signal handler detected unhandled exceptions.");
+    ReportCurrentException();
+}
+
+bool ErrorHandling::HandleRequest(int signal)
+{
+    Runtime::Application* const application = Runtime::Application::FindInstance();
+    if (application == nullptr)
+        return false;
+    // A run that is over takes its Systems down, and needs neither to be asked nor to be logged about.
+    if (std::atomic_ref(application->m_returnCode) == Runtime::Application::UnsetReturnCode)
+        HandleSignal(signal);
+    return true;
+}
+
+void ErrorHandling::ReportSignal(int signal)
+{
+    using enum Log::MessageTypeID;
+    switch (signal)
+    {
+    case SIGINT:
+        Log::Write(s_context, Warning,
+                   "Signal 'SIGINT' was raised (most likely by an user, script, etc.) to initiate an interruption of "
+                   "program execution.");
+        return WaitForShutdown();
+    case SIGTERM:
+        if (m_unhandledException)
+            ReportError("Signal 'SIGTERM' was raised to terminate the program due to an unhandled exception.");
+        else
+            Log::Write(s_context, Warning,
+                       "Signal 'SIGTERM' was raised to terminate the program due to an unknown reason.");
+        return WaitForShutdown();
+    case SIGILL:
+        return ReportError("Signal 'SIGILL' was raised to due to an invalid instruction. Executable may be invalid.");
+    case SIGFPE:
+        return ReportError(
+            "Signal 'SIGFPE' was raised to due to an erronouse arithmetic operation such as a divide by zero.");
+    case SIGSEGV:
+        return ReportError("Signal 'SIGSEGV' was raised due to an invalid memory access (segmentation fault).");
+    case SIGABRT:
+        if (m_terminating)
+            return Log::Write(s_context, Info, "Shutting down due to a forced abortion or error.");
+        return ReportError(m_unhandledException
+                               ? "Signal 'SIGABRT' was raised due to an abnormal condition like an unhandled exception."
+                               : "Signal 'SIGABRT' was raised due to an unknown abnormal condition.");
+    default:
+        return ReportError("Unknown signal was raised.");
+    }
+}
+
+void ErrorHandling::WaitForShutdown()
+{
+    Runtime::Application* const application = Runtime::Application::FindInstance();
+    if (application == nullptr)
+    {
+        m_terminating = true; // the run is over
+        return;
+    }
+    Runtime::Application::RequestShutdown();
+    const std::atomic_ref<std::int32_t> returnCode(application->m_returnCode);
+    for (int poll = 0; poll < s_shutdownPolls; ++poll)
+    {
+        if (returnCode != Runtime::Application::UnsetReturnCode)
+        {
+            m_terminating = true;
+            return;
+        }
+        if (poll == s_firstImpatientPoll)
+            AllowSecondInterruptionPlatform();
+        Time::Sleep(s_shutdownPollPeriod);
+    }
+}
+
+} // namespace Orvik::System::Error

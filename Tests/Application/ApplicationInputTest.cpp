@@ -1,0 +1,132 @@
+#include "Tests/Application/ApplicationFixture.h"
+#include "Tests/Support/OwnProgram.h"
+
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace Orvik::SnipBench
+{
+namespace
+{
+
+using System::Desktop::Window;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+class ApplicationInput : public ApplicationTest
+{
+protected:
+    void Wheel(float notches)
+    {
+        desktop.messages.emplace_back([notches](Window& window) { window.DeliverMouseWheel(notches); });
+    }
+
+    /// The widths of the magnifier's textures, in the order in which they were made.
+    [[nodiscard]] static std::vector<double> GetMagnifierWidths()
+    {
+        std::vector<double> widths;
+        for (const Graphics::Renderer::GLCall& call :
+             Graphics::Renderer::GLRecorder::GetInstance().GetCalls("glTexImage2D"))
+        {
+            constexpr std::size_t widthIndex = 3;
+            constexpr double captureWidth = 200;
+            if (call.arguments.at(widthIndex) != captureWidth)
+                widths.push_back(call.arguments.at(widthIndex));
+        }
+        return widths;
+    }
+};
+
+TEST_F(ApplicationInput, TheWheelChangesTheMagnification)
+{
+    UseOutput();
+    Wheel(1.0F);
+    Wheel(-1.0F);
+    Wheel(-1.0F);
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    const std::vector<double> widths = GetMagnifierWidths();
+    ASSERT_EQ(widths.size(), 4U) << "one for the start and one a notch";
+    EXPECT_LT(widths[1], widths[0]) << "nearer";
+    EXPECT_EQ(widths[2], widths[0]);
+    EXPECT_GT(widths[3], widths[2]) << "farther";
+}
+
+TEST_F(ApplicationInput, AMotionWhosePlaceIsNotToldIsLeftOut)
+{
+    UseOutput();
+    AddArguments({"-s", "true"});
+    Move({10, 20});
+    Button(1, true);
+    desktop.messages.emplace_back(
+        [this](Window& window)
+        {
+            desktop.cursorFails = true;
+            EXPECT_TRUE(window.DeliverMouseMove(150, 90)) << "it counts as handled";
+            desktop.cursorFails = false;
+        });
+    Move({110, 70});
+    Button(1, false);
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(ReadLog(), HasSubstr("GetCurrentPosition"));
+    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U);
+}
+
+TEST_F(ApplicationInput, AnAnnotationLeavesAFileOfRectangles)
+{
+    UseOutput();
+    AddArguments({"-a", "true"});
+    Drag({10, 20}, {110, 70});
+    Drag({20, 30}, {40, 50});
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    std::string text;
+    for (const auto& file : ListFiles(output.GetPath()))
+    {
+        if (file.extension() == ".json")
+            text += Tests::ReadText(file);
+    }
+    EXPECT_THAT(text, HasSubstr("\"xmin\": 10,"));
+    EXPECT_THAT(text, HasSubstr("\"xmin\": 20,"));
+}
+
+TEST_F(ApplicationInput, PermissionIsThereAndTheRunGoesOn)
+{
+    UseOutput();
+    AddArguments({"-p", "-s", "true"});
+    Drag({10, 20}, {110, 70});
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
+    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U);
+}
+
+TEST_F(ApplicationInput, WithoutAnOutputDirectoryFilesGoBelowTheRoot)
+{
+    const std::filesystem::path folder = Tests::GetOwnProgram().parent_path() / ".temp";
+    for (const auto& [annotate, name] : {std::pair{"false", "Screenshots"}, std::pair{"true", "Annotations"}})
+    {
+        std::filesystem::remove_all(folder);
+        commandLine = {};
+        commandLine.arguments = {"SnipBench", "-s", "true", "-a", annotate};
+        Drag({10, 20}, {110, 70});
+        EXPECT_EQ(Run(), 0);
+        EXPECT_FALSE(ListFiles(folder / name).empty()) << name;
+        EXPECT_EQ(ListFiles(folder).size(), 1U);
+    }
+    std::filesystem::remove_all(folder);
+}
+
+using ApplicationInputDeathTest = ApplicationInput;
+
+TEST_F(ApplicationInputDeathTest, ALostDisplayEndsARunAtOnceAndWithSuccess)
+{
+    UseOutput();
+    Drag({10, 20}, {110, 70});
+    desktop.messages.emplace_back([this](Window& /*window*/) { running.load()->OnDisplayLost(); });
+    EXPECT_EXIT(std::exit(100 + Run()), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U) << "what was saved before is there";
+}
+
+} // namespace
+} // namespace Orvik::SnipBench

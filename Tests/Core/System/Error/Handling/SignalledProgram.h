@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/Streams.h"
+#include "Core/System/Runtime/Application.h"
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <iostream>
+#include <string>
+#include <thread>
+
+namespace Orvik::System::Error
+{
+
+/// Prints what is logged, so that the parent sees it.
+class LogPrinter final : public Log::IMessageReceiver
+{
+public:
+    LogPrinter() { Log::SetReceiver(this); }
+    ~LogPrinter() override { Log::SetReceiver(nullptr); }
+    [[nodiscard]] bool AcceptsStream(std::uint32_t /*stream*/) const override { return true; }
+    void Receive(std::uint32_t stream, Log::MessageTypeID severity, const std::string& text) override
+    {
+        std::cout << Log::GetStreamName(stream) << " " << Log::messageTypeIDNames[static_cast<std::size_t>(severity)]
+                  << ": " << text << std::endl;
+    }
+};
+
+/// Ends its run when it is asked to, if it listens.
+class Program final : public Runtime::Application
+{
+public:
+    explicit Program(bool listens) : Application(L"Program"), m_listens(listens) {}
+    void OnShutdownRequested() override
+    {
+        std::cout << "asked" << std::endl;
+        m_isAsked = m_listens;
+    }
+    void Work()
+    {
+        while (!m_isAsked)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        m_returnCode = 5;
+    }
+
+private:
+    bool m_listens;
+    std::atomic<bool> m_isAsked = false;
+};
+
+/// A run in a process of its own, with the log printed.
+inline int RunProgram(
+    bool listens, const std::function<void()>& prepare = [] {})
+{
+    LogPrinter printer;
+    ErrorHandling::GetInstance();
+    prepare();
+    Program program(listens);
+    std::cout << "running" << std::endl;
+    program.Work();
+    return program.m_returnCode;
+}
+
+/// What is logged last before a run is aborted.
+inline constexpr const char* s_abortion = "System Info: Shutting down due to a forced abortion or error.\n";
+
+} // namespace Orvik::System::Error

@@ -1,0 +1,120 @@
+#!/usr/bin/env python3
+"""Tests of Scripts/check-structure.py: a small tree in which it finds nothing, and what it finds in the same tree with
+one thing changed."""
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+SCRIPT = Path(__file__).resolve().parents[2] / "Scripts/check-structure.py"
+
+TREE = {
+    "Docs/Architecture.md": "| Layer | Folders |\n|---|---|\n| 1 | `Low`, `Other`, `Core/System/Platform` |\n"
+                            "| 2 | `Middle` |\n| 3 | `High` |\n| 4 | `Top` |\n",
+    "Source/Low/Low.h": "#include <vector>\n",
+    "Source/Low/Low.cpp": '#include "Low/Low.h"\n#include <fmt/format.h>\n',
+    "Source/Low/Low_X11.cpp": '#include "Core/System/Platform/XHeaders.h"\n#include <unistd.h>\n',
+    "Source/Middle/Middle.h": '#include "Low/Low.h"\n#include "Other/Other.h"\n',
+    "Source/High/High.cpp": '#include "Middle/Middle.h"\n',
+    "Source/Top/Top.h": "",
+    "Source/Other/Other.h": "",
+    "Source/Core/System/Platform/XHeaders.h": "#include <X11/Xlib.h>\n",
+    "Tests/High/HighTest.cpp": '#include "Low/Low.h"\n#include <gtest/gtest.h>\n',
+}
+
+
+def function(lines, heading="int Count(int (*function)())"):
+    """A function of so many lines, heading and braces included."""
+    return heading + "\n{\n" + "    Call();\n" * (lines - 3) + "}\n"
+
+
+class CheckStructure(unittest.TestCase):
+    def check(self, files=None):
+        """What is found in the tree with these files added or changed."""
+        with tempfile.TemporaryDirectory() as root:
+            for name, text in {**TREE, **(files or {})}.items():
+                path = Path(root) / name
+                path.parent.mkdir(parents=True, exist_ok=True)
+                path.write_text(text, encoding="utf-8")
+            result = subprocess.run([sys.executable, SCRIPT, root], capture_output=True, text=True, check=False)
+        self.assertEqual(result.stderr, "")
+        found = result.stdout.rstrip("\n").split("\n")
+        self.assertEqual(result.returncode, 0 if found[0].endswith("nothing found.") else 1)
+        return found
+
+    def find(self, name, text):
+        """The one thing that is found once this file is as given."""
+        found = self.check({name: text})
+        self.assertEqual(len([line for line in found if not line.startswith("    ")]), 1, found)
+        return found[0]
+
+    def test_nothing_is_found_in_a_tree_that_keeps_the_rules(self):
+        self.assertEqual(self.check(), ["9 files, nothing found."])
+
+    def test_an_include_of_a_higher_layer(self):
+        self.assertEqual(self.find("Source/Low/New.cpp", '\n#include "Top/Top.h"\n'),
+                         "Source/Low/New.cpp:2: the include points upward, to Top/Top.h")
+
+    def test_a_folder_without_a_layer(self):
+        self.assertIn("has no layer", self.find("Source/New/New.h", ""))
+
+    def test_two_folders_of_one_layer_that_need_each_other(self):
+        found = self.check({"Source/Low/New.h": '#include "Other/Other.h"\n',
+                                  "Source/Other/Other.h": '#include "Low/Low.h"\n'})
+        self.assertEqual(found, ["these folders need each other: Low, Other",
+                                 "    Source/Low/New.h includes Other/Other.h",
+                                 "    Source/Other/Other.h includes Low/Low.h"])
+
+    def test_folders_that_need_each_other_over_a_third(self):
+        found = self.check({"Docs/Architecture.md": "| 1 | `Low`, `Middle`, `High`, `Other`, `Top`, "
+                                                          "`Core/System/Platform` |\n",
+                                  "Source/Other/Other.h": '#include "High/High.h"\n'})
+        self.assertEqual(found[0], "these folders need each other: High, Middle, Other")
+
+    def test_a_system_header_in_a_shared_unit(self):
+        self.assertEqual(self.find("Source/Low/New.cpp", "#include <windows.h>\n"),
+                         "Source/Low/New.cpp: a shared unit reaches the system header <windows.h>")
+
+    def test_a_system_header_in_the_null_half(self):
+        self.assertIn("<unistd.h>", self.find("Source/Low/New_Null.cpp", "#include <unistd.h>\n"))
+
+    def test_a_system_header_that_is_reached_over_a_private_one(self):
+        self.assertIn("Low/New.cpp: a shared unit reaches the system header <X11/Xlib.h>",
+                      self.find("Source/Low/New.cpp", '#include "Core/System/Platform/XHeaders.h"\n'))
+
+    def test_a_condition_on_the_system(self):
+        for line in ("#ifdef _WIN32", "  #  if defined(__linux__)", "#ifndef NDEBUG", "#elif 1"):
+            self.assertIn("Low/New.h:2:", self.find("Source/Low/New.h", f"\n{line}\n"))
+
+    def test_a_file_that_is_too_long(self):
+        self.assertEqual(self.check({"Source/Low/New.h": "\n" * 500})[0], "10 files, nothing found.")
+        self.assertEqual(self.find("Source/Low/New.h", "\n" * 501), "Source/Low/New.h: 501 lines, more than 500")
+
+    def test_a_function_that_is_too_long(self):
+        name = "Source/Low/New.cpp"
+        before = "namespace A\n{\nint s_table[] = {1, 2};\n"
+        self.assertEqual(self.check({name: before + function(60) + "}\n"})[0], "10 files, nothing found.")
+        self.assertEqual(self.find(name, before + function(61) + "}\n"), f"{name}:4: a function of 61 lines, more than 60")
+
+    def test_functions_of_every_form(self):
+        for heading in ("void A::B() const noexcept", "A::A(int a) : m_a{a}, m_b(2)", "TEST(Name, Case)",
+                        "bool A::operator==(const A& other)", "template <typename T>\nauto F(T a = {}) -> int",
+                        'void F(const char* text = "{(")', "// a brace: {\nint main()"):
+            with self.subTest(heading):
+                self.assertRegex(self.find("Source/Low/New.cpp", function(61, heading)), "a function of 6[12] lines")
+
+    def test_a_function_in_a_class(self):
+        text = "class A : public B<int>\n{\npublic:\n" + function(61, "    int F()") + "};\n"
+        self.assertIn("New.h:4: a function of 61 lines", self.find("Source/Low/New.h", text))
+
+    def test_a_table_and_a_class_may_be_long(self):
+        rows = "    {1, Make(2)},\n" * 70
+        table = "constexpr std::array s_table = {\n" + rows + "};\n"
+        self.assertIn("nothing found", self.check({"Source/Low/New.cpp": table})[0])
+        members = "    int F(int a);\n" * 70
+        self.assertIn("nothing found", self.check({"Source/Low/New.h": "class A\n{\n" + members + "};\n"})[0])
+
+
+if __name__ == "__main__":
+    unittest.main()
