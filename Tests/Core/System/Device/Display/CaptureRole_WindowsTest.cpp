@@ -1,6 +1,6 @@
 // This program as what CaptureUnderWine_X11Test starts: it captures what it is told to and tests nothing.
 #include "Core/System/Device/Display/CaptureContext.h"
-#include "Core/System/Platform/WindowsHeaders.h"
+#include "Core/System/Platform/Headers/WindowsHeaders.h"
 
 #include <cstdlib>
 #include <fstream>
