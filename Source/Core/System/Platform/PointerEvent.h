@@ -9,7 +9,7 @@ namespace Orvik::System::Platform
 
 /// Says, while a motion is being delivered, where the pointer was when the motion was made. The desktop may be far
 /// ahead by then: who handles a motion late and asks the desktop where the pointer is would start a drag at its end.
-/// Scopes don't nest. The thread of the windows.
+/// Scopes don't nest, and count for their own thread alone.
 class PointerEventScope
 {
 public:
@@ -19,11 +19,11 @@ public:
     PointerEventScope(const PointerEventScope&) = delete;
     PointerEventScope& operator=(const PointerEventScope&) = delete;
 
-    /// The position of the motion under way, or null.
+    /// The position of the motion under way on the calling thread, or null.
     [[nodiscard]] static const Math::Point* GetPosition() noexcept;
 };
 
-/// The program has moved the pointer itself, and the motion event of that is in the queue.
+/// The program has moved the pointer itself, and the motion event of that is in the queue. From any thread.
 void AnnounceOwnMotion() noexcept;
 
 /// Whether that was announced since the last call.
