@@ -8,6 +8,8 @@
 #include "Core/System/Runtime/CommandLine.h"
 
 #include <cstdio>
+#include <optional>
+#include <utility>
 
 namespace
 {
@@ -75,11 +77,12 @@ int WINAPI wWinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPWSTR /*com
 {
     using namespace Orvik::System;
 
-    const ParentConsole console(!IsSetupToolRunning());
+    std::optional<ParentConsole> console(std::in_place, !IsSetupToolRunning());
     Runtime::CommandLine commandLine;
     commandLine.LoadArguments();
     Runtime::ApplicationParameters parameters;
     parameters.commandLine = &commandLine;
     Runtime::Application::Run(parameters);
+    console.reset(); // before the exit code is read: nothing is written from here on
     return Runtime::Application::GetInstance().m_returnCode;
 }
