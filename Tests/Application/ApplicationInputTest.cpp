@@ -59,6 +59,7 @@ TEST_F(ApplicationInput, AMotionWhosePlaceIsNotToldIsLeftOut)
     AddArguments({"-s", "true"});
     Move({10, 20});
     Button(1, true);
+    Move({110, 70});
     desktop.messages.emplace_back(
         [this](Window& window)
         {
@@ -66,11 +67,15 @@ TEST_F(ApplicationInput, AMotionWhosePlaceIsNotToldIsLeftOut)
             EXPECT_TRUE(window.DeliverMouseMove(150, 90)) << "it counts as handled";
             desktop.cursorFails = false;
         });
-    Move({110, 70});
     Button(1, false);
     EXPECT_EQ(Run(), 0);
     EXPECT_THAT(ReadLog(), HasSubstr("GetCurrentPosition"));
-    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U);
+    const auto files = ListFiles(output.GetPath());
+    ASSERT_EQ(files.size(), 2U);
+    System::Multimedia::Bitmap snip;
+    ASSERT_TRUE(snip.Load(files[files[0].extension() == ".png" ? 0 : 1].string()));
+    EXPECT_EQ(snip.GetWidth(), 100) << "the crosshair stays where it is";
+    EXPECT_EQ(snip.GetHeight(), 50);
 }
 
 TEST_F(ApplicationInput, AnAnnotationLeavesAFileOfRectangles)
