@@ -1,7 +1,6 @@
 #include "Tests/Application/ApplicationFixture.h"
 #include "Tests/Support/OwnProgram.h"
 
-#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -78,24 +77,6 @@ TEST_F(ApplicationInput, AMotionWhosePlaceIsNotToldIsLeftOut)
     EXPECT_EQ(snip.GetHeight(), 50);
 }
 
-TEST_F(ApplicationInput, AnAnnotationLeavesAFileOfRectangles)
-{
-    UseOutput();
-    AddArguments({"-a", "true"});
-    Drag({10, 20}, {110, 70});
-    Drag({20, 30}, {40, 50});
-    Escape();
-    EXPECT_EQ(Run(), 0);
-    std::string text;
-    for (const auto& file : ListFiles(output.GetPath()))
-    {
-        if (file.extension() == ".json")
-            text += Tests::ReadText(file);
-    }
-    EXPECT_THAT(text, HasSubstr("\"xmin\": 10,"));
-    EXPECT_THAT(text, HasSubstr("\"xmin\": 20,"));
-}
-
 TEST_F(ApplicationInput, PermissionIsThereAndTheRunGoesOn)
 {
     UseOutput();
@@ -120,17 +101,6 @@ TEST_F(ApplicationInput, WithoutAnOutputDirectoryFilesGoBelowTheRoot)
         EXPECT_EQ(ListFiles(folder).size(), 1U);
     }
     std::filesystem::remove_all(folder);
-}
-
-using ApplicationInputDeathTest = ApplicationInput;
-
-TEST_F(ApplicationInputDeathTest, ALostDisplayEndsARunAtOnceAndWithSuccess)
-{
-    UseOutput();
-    Drag({10, 20}, {110, 70});
-    desktop.messages.emplace_back([this](Window& /*window*/) { running.load()->OnDisplayLost(); });
-    EXPECT_EXIT(std::exit(100 + Run()), testing::ExitedWithCode(0), "");
-    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U) << "what was saved before is there";
 }
 
 } // namespace
