@@ -1,6 +1,7 @@
 // The schemas and examples in Docs, against each other and against what the program writes.
 #include "Application/ReturnCodes.h"
 #include "Application/SnipJson.h"
+#include "Core/System/Types/GuidGeneration.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/JsonSchema.h"
 
