@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <locale>
 #include <sstream>
 #include <thread>
 #include <utility>
@@ -100,6 +101,7 @@ std::string GetFailure(Function&& function)
     {
         Error::ErrorCode code;
         std::ostringstream text;
+        text.imbue(std::locale::classic()); // the tests' own groups digits
         text << std::hex << exception.GetErrorCode(code).value << " " << exception.GetLocation().function << ": ";
         exception.WriteMessage(text);
         return text.str();
