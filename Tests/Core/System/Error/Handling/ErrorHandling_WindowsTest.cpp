@@ -1,16 +1,14 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 
 #include "Core/System/Error/Exception.h"
-#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/Headers/WindowsHandle.h"
-#include "Core/System/Runtime/Application.h"
 #include "Tests/Core/System/Error/Handling/ReportText.h"
+#include "Tests/Core/System/Error/Handling/SignalledProgram.h"
 #include "Tests/Core/System/Error/Handling/StaticFailure.h"
 #include "Tests/Support/OwnProgram.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Texts.h"
 
-#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -55,53 +53,15 @@ void FailAnAssertion()
     ORVIK_ASSERT(1 == 2, "One is two.");
 }
 
-/// Writes the log to the error stream.
-class LogPrinter : public Log::IMessageReceiver
-{
-public:
-    LogPrinter() { Log::SetReceiver(this); }
-    ~LogPrinter() override { Log::SetReceiver(nullptr); }
-    LogPrinter(const LogPrinter&) = delete;
-    LogPrinter& operator=(const LogPrinter&) = delete;
-
-    [[nodiscard]] bool AcceptsStream(std::uint32_t /*stream*/) const override { return true; }
-    void Receive(std::uint32_t stream, Log::MessageTypeID severity, const std::string& text) override
-    {
-        std::cerr << Log::GetStreamName(stream) << " " << Log::messageTypeIDNames[static_cast<std::size_t>(severity)]
-                  << ": " << text << std::endl;
-    }
-};
-
 /// A log that nobody reads.
-class BlockedPrinter final : public LogPrinter
+class BlockedReceiver final : public Log::IMessageReceiver
 {
 public:
+    [[nodiscard]] bool AcceptsStream(std::uint32_t /*stream*/) const override { return true; }
     void Receive(std::uint32_t /*stream*/, Log::MessageTypeID /*severity*/, const std::string& /*text*/) override
     {
         Sleep(INFINITE);
     }
-};
-
-/// Ends its run when it is asked to, if it listens.
-class Program final : public Runtime::Application
-{
-public:
-    explicit Program(bool listens) : Application(L"Program"), m_listens(listens) {}
-    void OnShutdownRequested() override
-    {
-        std::cerr << "asked" << std::endl;
-        m_isAsked = m_listens;
-    }
-    void Work()
-    {
-        while (!m_isAsked)
-            Sleep(1);
-        m_returnCode = 5;
-    }
-
-private:
-    bool m_listens;
-    std::atomic<bool> m_isAsked = false;
 };
 
 /// A run that the signal reaches on another thread, as the system does it, so many times.
@@ -141,7 +101,8 @@ const std::map<std::string, void (*)()> s_roles = {
     {"run without a reader",
      []
      {
-         const BlockedPrinter printer;
+         BlockedReceiver receiver;
+         Log::SetReceiver(&receiver);
          RunAndRaise(true, SIGTERM);
      }},
     {"run that is over",
