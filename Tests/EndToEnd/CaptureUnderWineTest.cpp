@@ -26,8 +26,6 @@ class CaptureUnderWine : public testing::Test
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(s_program))
-            GTEST_SKIP() << "The tests for Windows aren't built.";
         m_screen.ShowOnRoot(m_picture);
         SetMonitors(m_display.GetName(), {m_other, m_primary}, 1);
         // Monitors of RandR 1.5 reach Wine through Xinerama alone.
