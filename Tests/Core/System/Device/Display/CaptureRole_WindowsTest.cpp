@@ -1,4 +1,4 @@
-// This program as what CaptureUnderWine_X11Test starts: it captures what it is told to and tests nothing.
+// This program as what CaptureUnderWine starts: it captures what it is told to and tests nothing.
 #include "Core/System/Device/Display/CaptureContext.h"
 #include "Core/System/Platform/Headers/WindowsHeaders.h"
 
