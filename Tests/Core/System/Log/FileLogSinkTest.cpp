@@ -74,6 +74,12 @@ protected:
     Tests::TemporaryDirectory m_directory;
 };
 
+/// The second by the clock that names the files. The C library's own is some milliseconds late.
+std::time_t GetTime()
+{
+    return std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+}
+
 std::string MakeName(std::time_t time)
 {
     std::array<char, 64> name = {};
@@ -119,9 +125,9 @@ TEST_F(FileLogSinkTest, ConstructionTouchesNoFile)
 TEST_F(FileLogSinkTest, AnEmptyDirectoryGivesANewFileNamedAfterTheLocalTime)
 {
     const auto sink = MakeSink();
-    const std::time_t before = std::time(nullptr);
+    const std::time_t before = GetTime();
     ASSERT_TRUE(sink->Open());
-    const std::time_t after = std::time(nullptr);
+    const std::time_t after = GetTime();
     EXPECT_EQ(sink->GetCurrentPath().parent_path(), m_directory.GetPath());
     EXPECT_THAT(sink->GetCurrentPath().filename().string(), testing::AnyOf(MakeName(before), MakeName(after)));
     EXPECT_THAT(GetNames(), ElementsAre(sink->GetCurrentPath().filename().string()));
