@@ -14,12 +14,12 @@ export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 export LC_ALL=C.UTF-8 # file names are UTF-8
 export LIBGL_ALWAYS_SOFTWARE=1
 
-# Wine's drivers serve devices that no program here has. The process that they run in falls over at times, and says so
-# on the standard error of whichever program was started first.
+# These drivers of Wine serve devices that no program here has. The process that they run in falls over at times, and
+# says so on the standard error of whichever program was started first.
 leave_out_drivers()
 {
     local service
-    for service in MountMgr NDIS nsiproxy PlugPlay; do
+    for service in NDIS nsiproxy PlugPlay; do
         env -u DISPLAY wine reg add "HKLM\\System\\CurrentControlSet\\Services\\$service" \
             /v Start /t REG_DWORD /d 4 /f >&2 9>&-
     done
