@@ -11,7 +11,7 @@ extern "C" const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserve
 extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserved-identifier)
 {
     return "leak:swrast_dri.so\nleak:libEGL_mesa.so\nleak:libLLVM\nleak:libxcb.so\n"
-           "leak:__argz_add_sep\n";
+           "leak:argz_add_sep\n";
 }
 
 // Nor a word of it: tests look at what ends up on the error stream.
