@@ -1,17 +1,34 @@
 #include "Tests/Support/VirtualDisplay.h"
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace Orvik::Tests
 {
 namespace
 {
+
+/// Ends the server; one that doesn't end when it is asked to is killed.
+void End(pid_t server)
+{
+    constexpr int attempts = 500;
+    kill(server, SIGTERM);
+    for (int attempt = 0; attempt < attempts; ++attempt)
+    {
+        if (waitpid(server, nullptr, WNOHANG) != 0)
+            return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    kill(server, SIGKILL);
+    waitpid(server, nullptr, 0);
+}
 
 /// Reads the line that the server writes once it takes connections.
 std::string ReadDisplayNumber(int descriptor)
@@ -32,11 +49,13 @@ VirtualDisplay::VirtualDisplay(std::uint32_t width, std::uint32_t height, std::u
     if (pipe(pipeEnds.data()) != 0)
         throw std::runtime_error("No pipe can be made.");
     const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth);
+    // No socket outside of the file system ("local"): tests in another root would meet there under one number.
     std::vector<std::string> command = {"Xvfb",       "-displayfd", std::to_string(pipeEnds[1]),
                                         "-screen",    "0",          screen,
                                         "+extension", "GLX",        "+extension",
                                         "RANDR",      "-noreset",   "-nolisten",
-                                        "tcp",        "-dpi",       "96"};
+                                        "tcp",        "-nolisten",  "local",
+                                        "-dpi",       "96"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     std::vector<char*> commandPointers;
     for (std::string& part : command)
@@ -64,8 +83,7 @@ VirtualDisplay::VirtualDisplay(std::uint32_t width, std::uint32_t height, std::u
 
 VirtualDisplay::~VirtualDisplay()
 {
-    kill(m_process, SIGTERM);
-    waitpid(m_process, nullptr, 0);
+    End(m_process);
 }
 
 } // namespace Orvik::Tests
