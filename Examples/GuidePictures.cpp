@@ -5,6 +5,7 @@
 // DIRECTORY is where the program saves; its path is seen in a picture. DOCUMENTS has the folders Pictures and Examples.
 #include "Examples/SampleDesktop.h"
 #include "Examples/SampleSession.h"
+#include "Tests/Support/Desktop/DirectoryList.h"
 
 #include <algorithm>
 #include <cstdlib>

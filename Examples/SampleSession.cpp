@@ -2,7 +2,6 @@
 
 #include "Examples/SampleDesktop.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 #include <unistd.h>
@@ -88,15 +87,6 @@ std::string SampleSession::Finish(ChildProcess& process)
     if (result.exitCode != 0)
         throw std::runtime_error("The program failed.\n" + result.standardOutput + result.standardError);
     return result.standardOutput;
-}
-
-std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory)
-{
-    std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(directory))
-        files.push_back(entry.path());
-    std::sort(files.begin(), files.end());
-    return files;
 }
 
 } // namespace Orvik::Examples

@@ -47,7 +47,4 @@ private:
     Tests::OverlayWatcher m_overlay;
 };
 
-/// The entries of a directory.
-[[nodiscard]] std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory);
-
 } // namespace Orvik::Examples

@@ -6,6 +6,7 @@
 // picture of the overlay that was taken during the selection. Ends with 0 if all of that came about.
 #include "Examples/SampleDesktop.h"
 #include "Examples/SampleSession.h"
+#include "Tests/Support/Desktop/DirectoryList.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -14,17 +14,6 @@ export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 export LC_ALL=C.UTF-8 # file names are UTF-8
 export LIBGL_ALWAYS_SOFTWARE=1
 
-# These drivers of Wine serve devices that no program here has. The process that they run in falls over at times, and
-# says so on the standard error of whichever program was started first.
-leave_out_drivers()
-{
-    local service
-    for service in NDIS nsiproxy PlugPlay; do
-        env -u DISPLAY wine reg add "HKLM\\System\\CurrentControlSet\\Services\\$service" \
-            /v Start /t REG_DWORD /d 4 /f >&2 9>&-
-    done
-}
-
 make_prefix()
 (
     mkdir -p "$WINEPREFIX"
@@ -33,7 +22,6 @@ make_prefix()
     if [ ! -f "$WINEPREFIX/made" ]; then
         # No output and no display: nothing of it is a window.
         env -u DISPLAY wineboot --init >&2 9>&-
-        leave_out_drivers
         wineserver --wait 9>&-
         touch "$WINEPREFIX/made"
     fi

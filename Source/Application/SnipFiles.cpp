@@ -47,9 +47,8 @@ void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
     {
         result = System::Text::ReplaceFile(path, makeText());
     }
-    catch (const std::exception&)
+    catch (const std::exception&) // NOLINT(bugprone-empty-catch): nothing is written then
     {
-        result = System::Text::Replacement::NotWritten;
     }
     if (result == System::Text::Replacement::NotWritten)
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save meta file: ", path);

@@ -23,6 +23,20 @@ protected:
         EXPECT_FALSE(result.isTimeout);
         return WithPlainLineEnds(result.standardOutput);
     }
+
+    /// The same of a run that has its overlay up when Ctrl+C is pressed.
+    [[nodiscard]] std::string InterruptRun(const std::string& mode)
+    {
+        const std::string picture = AddPicture(MakeTestPicture(s_width, s_height));
+        ChildProcess process = StartFromConsole(mode, {"-f", picture, "-o", GetOutput().string()});
+        EXPECT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
+        WriteText(m_installation.GetHome() / "interrupt", "");
+        const ChildResult result = process.Wait(s_endLimit);
+        EXPECT_FALSE(result.isTimeout);
+        const std::string log = ReadText(ListLogs(m_installation.GetLogs()).at(0));
+        EXPECT_NE(log.find(" | System] Warning: Signal 'SIGINT' was raised"), std::string::npos) << log;
+        return WithPlainLineEnds(result.standardOutput);
+    }
 };
 
 TEST_F(OnAConsole, TheHelpStandsOnIt)
@@ -61,16 +75,15 @@ TEST_F(OnAConsole, ItIsLeftAloneWhileTheSetupToolRuns)
 
 TEST_F(OnAConsole, AnInterruptionEndsTheRunByItself)
 {
-    const std::string picture = AddPicture(MakeTestPicture(s_width, s_height));
-    ChildProcess process = StartFromConsole("--console", {"-f", picture, "-o", GetOutput().string()});
-    ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
-    WriteText(m_installation.GetHome() / "interrupt", "");
-    const ChildResult result = process.Wait(s_endLimit);
-    const std::string output = WithPlainLineEnds(result.standardOutput);
-    EXPECT_FALSE(result.isTimeout);
+    const std::string output = InterruptRun("--console");
     EXPECT_TRUE(output.starts_with("exit code 0\non the console\n")) << output;
-    EXPECT_NE(output.find(" | System] Warning: Signal 'SIGINT' was raised"), std::string::npos) << output;
     EXPECT_TRUE(output.ends_with(Answer::Success)) << output;
+}
+
+TEST_F(OnAConsole, AnInterruptionIsHeardOnTheOneThatWasTakenToo)
+{
+    const std::string output = InterruptRun("--beside");
+    EXPECT_TRUE(output.starts_with("exit code 0\non the console\n")) << output;
 }
 
 } // namespace

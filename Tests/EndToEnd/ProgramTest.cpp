@@ -1,6 +1,5 @@
 #include "Tests/EndToEnd/ProgramTest.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -127,15 +126,6 @@ std::string WithPlainLineEnds(std::string text)
 void WriteText(const std::filesystem::path& file, const std::string& text)
 {
     std::ofstream(file, std::ios::binary) << text;
-}
-
-std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory)
-{
-    std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(directory))
-        files.push_back(entry.path());
-    std::sort(files.begin(), files.end());
-    return files;
 }
 
 std::vector<std::filesystem::path> ListLogs(const std::filesystem::path& directory)

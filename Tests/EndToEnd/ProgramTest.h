@@ -3,6 +3,7 @@
 #include "Tests/EndToEnd/Installation.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/Desktop/ChildProcess.h"
+#include "Tests/Support/Desktop/DirectoryList.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -61,8 +62,6 @@ void ExpectFatalEnd(const ChildResult& result, const std::string& message, const
 [[nodiscard]] std::string WithPlainLineEnds(std::string text);
 
 void WriteText(const std::filesystem::path& file, const std::string& text);
-/// The entries of a directory that is there, in the order of their names.
-[[nodiscard]] std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory);
 
 /// The directory's log files, in the order of their names; its report files aren't among them.
 [[nodiscard]] std::vector<std::filesystem::path> ListLogs(const std::filesystem::path& directory);
