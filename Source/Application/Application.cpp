@@ -193,6 +193,7 @@ void Application::OnShutdownRequested()
         m_running = false;
     }
     m_delayCondition.notify_all();
+    m_wake.Raise();
 }
 
 // Whatever was saved is on the disk and every log line is written: there is nothing to lose by ending here, where

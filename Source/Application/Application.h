@@ -6,6 +6,7 @@
 #include "Core/Graphics/Tools/TimedLabel.h"
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Runtime/Application.h"
+#include "Core/System/Threads/WakeSignal.h"
 
 #include <array>
 #include <atomic>
@@ -60,6 +61,11 @@ private:
     void WaitForDelay(const System::Desktop::Window::ScopedLock& lock);
     void StartTool(Graphics::Tools::SnipBench::Parameters parameters);
     void RunFrameLoop();
+    /// Draws the frame if that is due. False if there is nothing to do until something comes in. `now` is the clock's
+    /// time, nanoseconds.
+    [[nodiscard]] bool FinishFrame(std::int64_t now);
+    /// Nanoseconds from one picture of the display to the next.
+    [[nodiscard]] std::int64_t GetRefreshPeriod() const;
     /// Where frames go: nowhere once the system has closed the window.
     [[nodiscard]] System::Desktop::NativeWindow GetDrawnWindow() const;
 
@@ -84,6 +90,8 @@ private:
     bool m_hasStarted = false;              ///< the frame loop has begun
     bool m_hasIgnoredConfiguration = false; ///< one was given and couldn't be used
     Graphics::Tools::SnipMode m_snipMode = Graphics::Tools::SnipMode::Rectangle;
+    std::int64_t m_lastFrame = 0; ///< when one was drawn, nanoseconds of the monotonic clock
+    System::Threads::WakeSignal m_wake; ///< ends a wait when the run is asked to end
     std::mutex m_delayMutex;
     std::condition_variable m_delayCondition; ///< ends a delay when the run is asked to end
 };

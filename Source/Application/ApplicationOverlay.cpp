@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <fmt/format.h>
+#include <utility>
 
 namespace Orvik::SnipBench
 {
@@ -85,6 +87,12 @@ std::string_view Application::OpenWindow()
     m_window = std::make_unique<Window>(this, s_windowName, System::Math::Point{display.x, display.y - 1},
                                         System::Desktop::WindowSize{display.width, display.height + 1U},
                                         System::Desktop::WindowType::Overlay);
+    Graphics::Renderer::PainterChoice painter = Graphics::Renderer::ChoosePainter();
+    const bool isOpenGL = painter.kind == System::Desktop::SurfaceKind::OpenGL;
+    Log::Write(s_context, Log::MessageTypeID::Verbose, "The overlay is drawn by ",
+               isOpenGL ? "OpenGL" : "the program itself", ": ", painter.reason, ".");
+    m_window->SetSurfaceKind(painter.kind);
+    m_renderer.SetPainter(std::move(painter));
     m_window->SetEventHandler([this](const WindowEvent& event) { return OnWindowEvent(event); });
     if (!m_window->Create())
     {
@@ -96,6 +104,8 @@ std::string_view Application::OpenWindow()
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to initialize renderer.");
         return ReturnCodeName::InitializeRendererFailed;
     }
+    if (m_renderer.DrawsIntoMemory())
+        m_window->SetTitle(fmt::format("SnipBench {}", VersionText));
     return {};
 }
 
@@ -135,10 +145,30 @@ void Application::RunFrameLoop()
         time = now;
         m_window->Update();
         m_savedPathLabel.Tick(elapsed, m_renderer);
-        m_renderer.Render(GetDrawnWindow());
-        // No frame limit: the rate is the display's, through `Render`. The time slice is given up all the same.
-        System::Time::Sleep(0);
+        if (!FinishFrame(now))
+            m_window->WaitForMessage(m_savedPathLabel.GetRemaining(), m_wake);
     }
+}
+
+// Input goes first: where drawing is slower than what comes in, a frame is drawn once a refresh period.
+bool Application::FinishFrame(std::int64_t now)
+{
+    const bool isInputWaiting = m_window->HasMessage();
+    if (isInputWaiting && now - m_lastFrame < GetRefreshPeriod())
+        return true;
+    const bool isDrawn = m_renderer.Render(GetDrawnWindow());
+    if (isDrawn)
+        m_lastFrame = now;
+    return isDrawn || isInputWaiting || !m_running;
+}
+
+std::int64_t Application::GetRefreshPeriod() const
+{
+    constexpr std::int64_t second = 1'000'000'000;
+    constexpr std::uint16_t usualRate = 60;
+    const DisplayDescriptor* const display = GetSystem<DisplayCache>().GetDisplay(m_displayId);
+    const std::uint16_t rate = display != nullptr ? display->refreshRate : 0;
+    return second / (rate != 0 ? rate : usualRate);
 }
 
 // The handle of a closed window stays as it was, and the system may give the number to another.
@@ -200,8 +230,11 @@ bool Application::OnWindowEvent(const WindowEvent& event)
     case WindowEventType::DisplayChanged:
     case WindowEventType::HotKey:
     case WindowEventType::Moved:
+        return false;
     case WindowEventType::Resized:
     case WindowEventType::Paint:
+        // What the window showed is lost.
+        m_renderer.Invalidate();
         return false;
     }
     return false;

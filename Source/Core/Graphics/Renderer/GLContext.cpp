@@ -1,9 +1,6 @@
 #include "Core/Graphics/Renderer/GLContext.h"
 
 #include "Core/System/Log/Site/LogSite.h"
-#include "Core/System/Time/MonotonicClock.h"
-
-#include <cstdint>
 
 namespace Orvik::Graphics::Renderer
 {
@@ -11,8 +8,6 @@ namespace
 {
 
 constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
-
-constexpr std::int64_t s_skippedFrame = 16'000'000; ///< nanoseconds
 
 } // namespace
 
@@ -25,8 +20,9 @@ bool EntryPoints::IsComplete() const noexcept
     return isComplete;
 }
 
-bool GLContext::Create(System::Desktop::NativeWindow window, const char* className)
+bool GLContext::Create(System::Desktop::NativeWindow window, const char* className, bool isDemanded)
 {
+    m_isDemanded = isDemanded;
     Destroy(window);
     m_version.clear();
     m_valid = CreatePlatform(window, className);
@@ -51,14 +47,6 @@ void GLContext::SwapBuffers(System::Desktop::NativeWindow window)
         SwapBuffersPlatform(window);
 }
 
-void GLContext::SkipFrame()
-{
-    if (!m_valid)
-        return;
-    SkipFramePlatform();
-    System::Time::Sleep(s_skippedFrame);
-}
-
 void GLContext::SetFixedState()
 {
     glEnable(GL_DEPTH_TEST);
@@ -71,7 +59,9 @@ void GLContext::SetFixedState()
 
 void GLContext::Report(const char* failure) const
 {
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, m_version.empty() ? "OpenGL" : m_version.c_str(),
+    using System::Log::MessageTypeID;
+    const MessageTypeID severity = m_isDemanded ? MessageTypeID::Error : MessageTypeID::Verbose;
+    System::Log::Write(s_context, severity, m_version.empty() ? "OpenGL" : m_version.c_str(),
                        failure);
 }
 

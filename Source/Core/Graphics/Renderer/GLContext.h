@@ -55,7 +55,10 @@ struct EntryPoints
     ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_DECLARE_ENTRY_POINT)
 #undef ORVIK_DECLARE_ENTRY_POINT
 
-    /// Whether none is null.
+    /// Newer than OpenGL 1.1 too, but not demanded; null where the driver hasn't got it.
+    PFNGLGETACTIVEUNIFORMBLOCKIVPROC glGetActiveUniformBlockiv = nullptr;
+
+    /// Whether none of the demanded ones is null.
     [[nodiscard]] bool IsComplete() const noexcept;
 };
 
@@ -71,19 +74,15 @@ public:
     ~GLContext() = default;
 
     /// Makes the context current on the window, loads the entry points and sets the state that everything is drawn
-    /// with. The result is `IsValid`. On failure one log line has said why, and no context is left.
-    /// `className` is the window's registered class, UTF-8.
-    bool Create(System::Desktop::NativeWindow window, const char* className);
+    /// with. The result is `IsValid`. On failure one log line has said why, and no context is left; it is an error only
+    /// if the context is demanded. `className` is the window's registered class, UTF-8.
+    bool Create(System::Desktop::NativeWindow window, const char* className, bool isDemanded = true);
 
     /// Gives the context up and deletes it; the context isn't valid afterwards. Does nothing without one.
     void Destroy(System::Desktop::NativeWindow window);
 
     /// Shows what was drawn. Does nothing without a context, or when the window's server is gone.
     void SwapBuffers(System::Desktop::NativeWindow window);
-
-    /// For a frame that has no window to be shown on: takes about the time of one, and notices when the server is gone.
-    /// Does nothing without a context.
-    void SkipFrame();
 
     /// A context is current and all entry points are bound. Whatever draws tests it first.
     [[nodiscard]] bool IsValid() const { return m_valid; }
@@ -95,12 +94,12 @@ private:
     [[nodiscard]] bool CreatePlatform(System::Desktop::NativeWindow window, const char* className);
     void DestroyPlatform(System::Desktop::NativeWindow window);
     void SwapBuffersPlatform(System::Desktop::NativeWindow window);
-    static void SkipFramePlatform();
     static void SetFixedState();
     /// Logs why there is no context. The line begins with the version, or with "OpenGL" as long as it isn't known.
     void Report(const char* failure) const;
 
     bool m_valid = false;
+    bool m_isDemanded = true;
     EntryPoints m_entryPoints;
     void* m_handle = nullptr;  ///< the half's context
     void* m_surface = nullptr; ///< what the half draws on, where that isn't the window itself

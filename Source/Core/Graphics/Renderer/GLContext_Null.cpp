@@ -38,9 +38,4 @@ void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow window)
     GLRecorder::GetInstance().Record("SwapBuffers", static_cast<std::uintptr_t>(window));
 }
 
-void GLContext::SkipFramePlatform()
-{
-    GLRecorder::GetInstance().Record("SkipFrame");
-}
-
 } // namespace Orvik::Graphics::Renderer

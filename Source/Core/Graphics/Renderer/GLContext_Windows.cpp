@@ -28,6 +28,7 @@ EntryPoints LoadEntryPoints(const WglCalls& calls)
 #define ORVIK_LOAD_ENTRY_POINT(Type, name) entryPoints.name = LoadFunction<Type>(calls, #name);
     ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_LOAD_ENTRY_POINT)
 #undef ORVIK_LOAD_ENTRY_POINT
+    entryPoints.glGetActiveUniformBlockiv = LoadFunction<PFNGLGETACTIVEUNIFORMBLOCKIVPROC>(calls, "glGetActiveUniformBlockiv");
     return entryPoints;
 }
 
@@ -189,10 +190,6 @@ void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow window)
     HDC const deviceContext = calls.getDC(ToHwnd(window));
     calls.swapBuffers(deviceContext);
     calls.releaseDC(ToHwnd(window), deviceContext);
-}
-
-void GLContext::SkipFramePlatform()
-{
 }
 
 } // namespace Orvik::Graphics::Renderer

@@ -1,10 +1,10 @@
 #include "Core/Graphics/Renderer/GLContext.h"
 
+#include "Core/System/Desktop/WindowHints_X11.h"
 #include "Core/System/Platform/EglDisplay.h"
 #include "Core/System/Platform/ServerWatch.h"
 #include "Core/System/Platform/XConnection.h"
 
-#include <X11/Xatom.h>
 #include <array>
 
 namespace Orvik::Graphics::Renderer
@@ -61,20 +61,9 @@ EntryPoints LoadEntryPoints()
 #define ORVIK_LOAD_ENTRY_POINT(Type, name) entryPoints.name = reinterpret_cast<Type>(eglGetProcAddress(#name));
     ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_LOAD_ENTRY_POINT)
 #undef ORVIK_LOAD_ENTRY_POINT
+    entryPoints.glGetActiveUniformBlockiv = reinterpret_cast<PFNGLGETACTIVEUNIFORMBLOCKIVPROC>(
+        eglGetProcAddress("glGetActiveUniformBlockiv"));
     return entryPoints;
-}
-
-/// Sets both of the title's properties: the one for window managers of the ICCCM, and EWMH's in UTF-8.
-void SetTitle(System::Desktop::NativeWindow window, const std::string& title)
-{
-    ::Display* const display = System::Platform::GetXDisplay();
-    if (display == nullptr || title.empty())
-        return;
-    const System::Platform::XErrorScope errors(display);
-    XStoreName(display, ToXWindow(window), title.c_str());
-    XChangeProperty(display, ToXWindow(window), XInternAtom(display, "_NET_WM_NAME", False),
-                    XInternAtom(display, "UTF8_STRING", False), 8, PropModeReplace,
-                    reinterpret_cast<const unsigned char*>(title.data()), static_cast<int>(title.size()));
 }
 
 } // namespace
@@ -107,7 +96,8 @@ bool GLContext::CreatePlatform(System::Desktop::NativeWindow window, const char*
         m_entryPoints = LoadEntryPoints();
         isBound = m_entryPoints.IsComplete();
     }
-    SetTitle(window, m_version);
+    if (!m_version.empty())
+        System::Desktop::SetWindowTitle(display, ToXWindow(window), m_version);
     if (!isBound)
     {
         Report(": Failed to bind all required OpenGL methods.");
@@ -141,14 +131,6 @@ void GLContext::SwapBuffersPlatform(System::Desktop::NativeWindow /*window*/)
         return;
     const System::Platform::DriverCallScope scope;
     eglSwapBuffers(System::Platform::GetEglConfiguration()->display, m_surface);
-}
-
-void GLContext::SkipFramePlatform()
-{
-    // Without a window nobody takes the events that wait, and Xlib doesn't read on where some do: only a question that
-    // has to be answered shows whether the server is there.
-    if (::Display* const display = System::Platform::GetXDisplay())
-        XSync(display, False);
 }
 
 } // namespace Orvik::Graphics::Renderer

@@ -35,7 +35,7 @@ struct GLCall
 };
 
 /// OpenGL of the null halves: draws nothing, remembers every call, and fails where it is told to. The context's own
-/// operations are recorded as "CreateContext", "SetTitle", "DestroyContext", "SwapBuffers" and "SkipFrame". One thread.
+/// operations are recorded as "CreateContext", "SetTitle", "DestroyContext" and "SwapBuffers". One thread.
 class GLRecorder
 {
 public:
@@ -61,6 +61,8 @@ public:
     GLenum failingStage = 0; ///< the kind of shader that doesn't compile
     bool programsLink = true;
     GLint maximumTextureSize = 16384;
+    bool tellsBlockSizes = true;
+    GLint blockSize = 136; ///< of every uniform block
     std::string infoLog; ///< what is wrong with a shader or program
 
     // What the half's functions call.

@@ -4,6 +4,7 @@
 #include "Core/Graphics/Renderer/ShaderProgram.h"
 #include "Core/System/Error/Assertion.h"
 
+#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -91,8 +92,7 @@ bool LineRenderer::DrawLine(Renderer& renderer, const Line& line)
     gl.glUniform1f(m_dashLengthLocation, line.dashLength);
     gl.glUniform1f(m_gapLengthLocation, line.gapLength);
 
-    ORVIK_ASSERT(line.points.size() <= s_maxPoints, "Line object can't draw so many points!");
-    if (line.points.size() > s_maxPoints)
+    if (!IsDrawable(line))
         return false;
     if (line.points.size() <= s_pointsWithoutSegment)
         return true;
@@ -101,6 +101,26 @@ bool LineRenderer::DrawLine(Renderer& renderer, const Line& line)
     const auto segments = static_cast<GLsizei>(line.points.size() - s_pointsWithoutSegment);
     glDrawArrays(GL_TRIANGLES, 0, segments * s_verticesPerSegment);
     return true;
+}
+
+bool LineRenderer::IsDrawable(const Line& line)
+{
+    ORVIK_ASSERT(line.points.size() <= s_maxPoints, "Line object can't draw so many points!");
+    return line.points.size() <= s_maxPoints;
+}
+
+void LineRenderer::AppendState(FrameState& state) const
+{
+    for (const Line& line : m_objects)
+    {
+        if (!line.visible)
+            continue;
+        state.Add(line.id);
+        state.Add(line.points);
+        state.Add(line.model);
+        state.Add(line.color);
+        state.Add(std::array<float, 3>{line.thickness, line.dashLength, line.gapLength});
+    }
 }
 
 void LineRenderer::Shutdown(Renderer& renderer)

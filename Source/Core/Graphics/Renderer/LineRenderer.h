@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
 #include "Core/Graphics/Renderer/OpenGL.h"
 #include "Core/System/Math/Matrix4.h"
@@ -59,7 +60,14 @@ public:
     /// Takes the line out; the last one takes its place in the order. False for an unknown id.
     bool Remove(std::uint16_t id);
 
+    /// Whether a line has few enough points; an assertion failure if not.
+    [[nodiscard]] static bool IsDrawable(const Line& line);
+
+    /// Adds what the next frame's lines are made of.
+    void AppendState(FrameState& state) const;
+
     [[nodiscard]] GLuint GetProgram() const { return m_program; }
+    [[nodiscard]] const ObjectStore<Line>& GetObjects() const { return m_objects; }
     [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
 
 private:

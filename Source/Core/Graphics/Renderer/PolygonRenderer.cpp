@@ -86,6 +86,19 @@ void PolygonRenderer::Render(Renderer& renderer)
     }
 }
 
+void PolygonRenderer::AppendState(FrameState& state)
+{
+    const std::lock_guard lock(m_mutex);
+    state.Add(m_updateCount);
+    for (const Polygon& polygon : m_objects)
+    {
+        if (!polygon.visible)
+            continue;
+        state.Add(polygon.id);
+        state.Add(polygon.model);
+    }
+}
+
 void PolygonRenderer::Shutdown(Renderer& renderer)
 {
     const std::lock_guard lock(m_mutex);
@@ -109,6 +122,7 @@ std::uint16_t& PolygonRenderer::Create(std::uint16_t& id, std::vector<std::array
     polygon.colors = std::exchange(colors, {});
     id = polygon.id;
     m_pendingUpdates.push_back(id);
+    ++m_updateCount;
     return id;
 }
 
@@ -123,6 +137,7 @@ bool PolygonRenderer::Update(std::uint16_t id)
     if (m_objects.Find(id) == nullptr)
         return false;
     m_pendingUpdates.push_back(id);
+    ++m_updateCount;
     return true;
 }
 

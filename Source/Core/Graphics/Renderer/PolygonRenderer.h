@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
 #include "Core/Graphics/Renderer/OpenGL.h"
 #include "Core/System/Math/Matrix4.h"
@@ -60,7 +61,11 @@ public:
     /// False for an unknown id.
     bool Remove(std::uint16_t id);
 
+    /// Adds what the next frame's polygons are made of.
+    void AppendState(FrameState& state);
+
     [[nodiscard]] GLuint GetProgram() const { return m_program; }
+    [[nodiscard]] const ObjectStore<Polygon>& GetObjects() const { return m_objects; }
 
 private:
     void Flush(Renderer& renderer);
@@ -69,6 +74,7 @@ private:
 
     ObjectStore<Polygon> m_objects;
     std::vector<std::uint16_t> m_pendingUpdates;
+    std::uint32_t m_updateCount = 0; ///< of all that were ever queued
     std::vector<Polygon::GpuData> m_pendingDeletes;
     std::mutex m_mutex;
     GLuint m_program = 0;

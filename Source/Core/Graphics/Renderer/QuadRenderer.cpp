@@ -42,6 +42,18 @@ void QuadRenderer::Render(Renderer& renderer)
     gl.glBindVertexArray(0);
 }
 
+void QuadRenderer::AppendState(FrameState& state) const
+{
+    for (const Quad& quad : m_objects)
+    {
+        if (!quad.visible)
+            continue;
+        state.Add(quad.id);
+        state.Add(quad.model);
+        state.Add(quad.color);
+    }
+}
+
 void QuadRenderer::Shutdown(Renderer& renderer)
 {
     if (renderer.GetContext().IsValid())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
 #include "Core/Graphics/Renderer/OpenGL.h"
 #include "Core/System/Math/Matrix4.h"
@@ -41,7 +42,11 @@ public:
     /// Takes the quad out; the last one takes its place in the order. False for an unknown id.
     bool Remove(std::uint16_t id);
 
+    /// Adds what the next frame's quads are made of.
+    void AppendState(FrameState& state) const;
+
     [[nodiscard]] GLuint GetProgram() const { return m_program; }
+    [[nodiscard]] const ObjectStore<Quad>& GetObjects() const { return m_objects; }
 
 private:
     ObjectStore<Quad> m_objects;

@@ -113,6 +113,13 @@ void SetProgramEntryPoints(EntryPoints& gl)
         GetRecorder().Record("glGetUniformBlockIndex", program).text = name;
         return GLuint{0};
     };
+    gl.glGetActiveUniformBlockiv = [](GLuint program, GLuint index, GLenum name, GLint* value)
+    {
+        GetRecorder().Record("glGetActiveUniformBlockiv", program, index, name);
+        *value = GetRecorder().blockSize;
+    };
+    if (!GetRecorder().tellsBlockSizes)
+        gl.glGetActiveUniformBlockiv = nullptr;
     gl.glUniform1iv = [](GLint location, GLsizei count, const GLint* values)
     {
         AttachData(GetRecorder().Record("glUniform1iv", location, count), values,

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/GLContext.h"
 #include "Core/Graphics/Renderer/LineRenderer.h"
+#include "Core/Graphics/Renderer/PainterChoice.h"
 #include "Core/Graphics/Renderer/PolygonRenderer.h"
 #include "Core/Graphics/Renderer/QuadRenderer.h"
+#include "Core/Graphics/Renderer/RasterPainter.h"
 #include "Core/Graphics/Renderer/TextRenderer.h"
 #include "Core/Graphics/Renderer/TextureRenderer.h"
 #include "Core/System/Desktop/NativeWindow.h"
@@ -11,12 +14,14 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 
 namespace Orvik::Graphics::Renderer
 {
 
 /// The one drawing object of the program. Clients ask the member renderers for objects, keep their ids, change the
-/// records in place, and call `Render` once a frame. The origin is the bottom left corner, y counts upward, a greater z
+/// records in place, and call `Render` once a frame. How the objects become pixels is the painter's business: OpenGL's,
+/// or the program's own in memory (`RasterPainter`). The origin is the bottom left corner, y counts upward, a greater z
 /// is nearer the viewer. One thread.
 class Renderer
 {
@@ -28,17 +33,26 @@ public:
         float height = 0.0F;
     };
 
+    /// Settles how objects become pixels; by OpenGL if nobody says. Before `Initialize`, and the window has to be made
+    /// for it.
+    void SetPainter(PainterChoice choice) { m_choice = std::move(choice); }
+
     /// Creates the context on the window and the member renderers. False if one of them can't be; log lines have said
-    /// why, what came up stays, and the renderer draws nothing.
+    /// why, what came up stays, and the renderer draws nothing. Where OpenGL can't be had and wasn't demanded by hand,
+    /// the objects are drawn into memory in its place. A shader file or a font that is missing or unreadable is a
+    /// failure either way.
     [[nodiscard]] bool Initialize(System::Desktop::NativeWindow window, const char* className);
 
     /// Settles the size of the drawing surface, in pixels. Has to be called before the first object is asked for. A
     /// surface without area changes nothing.
     void Resize(System::Desktop::NativeWindow window, std::int32_t width, std::int32_t height);
 
-    /// Draws all visible objects and shows the picture. Without a window the frame is skipped: a driver may lose memory
-    /// with each picture that it can't show.
-    void Render(System::Desktop::NativeWindow window);
+    /// Draws all visible objects and shows the picture, if it would differ from the one before. False if nothing was
+    /// drawn. Without a window nothing is: a driver may lose memory with each picture that it can't show.
+    bool Render(System::Desktop::NativeWindow window);
+
+    /// The window has lost what it showed: the next `Render` draws in any case.
+    void Invalidate();
 
     /// Frees everything and gives the context up.
     void Shutdown(System::Desktop::NativeWindow window);
@@ -47,7 +61,10 @@ public:
     [[nodiscard]] float GetUiScale() const;
     [[nodiscard]] const ScreenSize& GetScreenSize() const { return m_screenSize; }
 
+    /// Whether objects are drawn into memory. Settled by `Initialize`.
+    [[nodiscard]] bool DrawsIntoMemory() const { return m_drawsIntoMemory; }
     [[nodiscard]] GLContext& GetContext() { return m_context; }
+    [[nodiscard]] const GLContext& GetContext() const { return m_context; }
     [[nodiscard]] LineRenderer& GetLineRenderer() { return m_lineRenderer; }
     [[nodiscard]] PolygonRenderer& GetPolygonRenderer() { return m_polygonRenderer; }
     [[nodiscard]] TextureRenderer& GetTextureRenderer() { return m_textureRenderer; }
@@ -56,10 +73,16 @@ public:
 
 private:
     [[nodiscard]] bool InitializeMembers();
+    [[nodiscard]] bool InitializeForRaster();
+    [[nodiscard]] bool HasChanged();
+    [[nodiscard]] std::array<GLuint, 5> GetPrograms() const;
+    [[nodiscard]] GLsizeiptr GetSharedSize() const;
     void CreateSharedBuffer();
 
     GLContext m_context;
+    PainterChoice m_choice;
     bool m_initialized = false;
+    bool m_drawsIntoMemory = false;
     GLuint m_sharedBuffer = 0;
     System::Math::Matrix4 m_projection;
     System::Math::Matrix4 m_view;
@@ -69,6 +92,10 @@ private:
     TextureRenderer m_textureRenderer;
     TextRenderer m_textRenderer;
     QuadRenderer m_quadRenderer;
+    RasterPainter m_rasterPainter;
+    FrameState m_shown; ///< what the last frame of OpenGL was made of
+    FrameState m_wanted;
+    bool m_mustDraw = true; ///< whatever was shown before
 };
 
 } // namespace Orvik::Graphics::Renderer

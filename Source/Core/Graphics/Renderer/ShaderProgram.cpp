@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 namespace Orvik::Graphics::Renderer
@@ -63,6 +64,37 @@ bool CompileStage(const GLContext& context, const char* file, GLenum type, std::
     return shader != 0;
 }
 
+void ReportUncompiled(GLenum type, const char* log)
+{
+    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "OpenGL: Failed to compile shader type ", type,
+                       " with error ", log);
+}
+
+void ReportUnlinked(const char* vertexFile, const char* fragmentFile, const char* log)
+{
+    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "OpenGL: Failed to link program (", vertexFile,
+                       ", ", fragmentFile, ") with error ", log);
+}
+
+/// What is known of a stage that no driver has seen.
+enum class StageState : std::uint8_t
+{
+    Whole,
+    Missing,
+    Damaged,
+};
+
+StageState CheckStage(const char* file, GLenum type, std::vector<char>& text)
+{
+    constexpr std::string_view beginning = "#version";
+    if (!LoadShaderFile(file, text))
+        return StageState::Missing;
+    if (std::string_view(text.data()).starts_with(beginning))
+        return StageState::Whole;
+    ReportUncompiled(type, "it doesn't begin as a shader does");
+    return StageState::Damaged;
+}
+
 } // namespace
 
 GLuint CreateProgram(const GLContext& context, const char* vertexFile, const char* fragmentFile)
@@ -91,8 +123,7 @@ GLuint CreateProgram(const GLContext& context, const char* vertexFile, const cha
 
     std::array<char, s_logSize> log = {};
     gl.glGetProgramInfoLog(program, s_logSize, nullptr, log.data());
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "OpenGL: Failed to link program (", vertexFile,
-                       ", ", fragmentFile, ") with error ", log.data());
+    ReportUnlinked(vertexFile, fragmentFile, log.data());
     return 0;
 }
 
@@ -111,9 +142,23 @@ GLuint CompileShader(const GLContext& context, const char* source, GLenum type)
 
     std::array<char, s_logSize> log = {};
     gl.glGetShaderInfoLog(shader, s_logSize, nullptr, log.data());
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "OpenGL: Failed to compile shader type ", type,
-                       " with error ", log.data());
+    ReportUncompiled(type, log.data());
     return 0;
+}
+
+bool CheckProgramFiles(const char* vertexFile, const char* fragmentFile)
+{
+    std::vector<char> text;
+    const StageState vertex = CheckStage(vertexFile, GL_VERTEX_SHADER, text);
+    if (vertex == StageState::Damaged)
+        return false;
+    const StageState fragment = CheckStage(fragmentFile, GL_FRAGMENT_SHADER, text);
+    if (fragment == StageState::Damaged)
+        return false;
+    if (vertex == StageState::Whole && fragment == StageState::Whole)
+        return true;
+    ReportUnlinked(vertexFile, fragmentFile, "a stage is missing");
+    return false;
 }
 
 bool LoadShaderFile(const char* file, std::vector<char>& text)

@@ -10,7 +10,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace Orvik::Graphics::Renderer
 {
@@ -23,12 +25,31 @@ constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
 
 constexpr const char* s_fontFile = "Mulish-Regular.ttf";
 constexpr std::uint32_t s_fontSize = 96; ///< pixels
-constexpr char s_firstCharacter = 32;
-constexpr char s_lastCharacter = 126;
+constexpr char s_firstCharacter = RasterFont::s_firstCharacter;
+constexpr char s_lastCharacter = RasterFont::s_lastCharacter;
 constexpr GLsizei s_layerSize = 128; ///< pixels, both ways
 constexpr GLsizei s_layerCount = s_lastCharacter - s_firstCharacter + 1;
 constexpr double s_lineStep = 124.8; ///< 1.3 times the font's size
 constexpr std::size_t s_maxInstances = 64;
+
+/// Nothing, with a log line, if the font can't be had.
+std::optional<FontFile> OpenFont()
+{
+    FontFile font;
+    if (!font.InitializeLibrary())
+    {
+        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to initialize freetype library.");
+        return std::nullopt;
+    }
+    std::string path;
+    System::Runtime::GetTexturePath(s_fontFile, path);
+    if (!font.Open(path, s_fontSize))
+    {
+        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to load font: ", path);
+        return std::nullopt;
+    }
+    return font;
+}
 
 /// Reserves the layers, all empty: a glyph fills but a part of its own.
 void CreateLayers(const EntryPoints& gl, GLuint& atlas)
@@ -105,27 +126,26 @@ bool TextRenderer::Initialize(Renderer& renderer)
     return true;
 }
 
+bool TextRenderer::InitializeForRaster()
+{
+    std::optional<FontFile> font = OpenFont();
+    if (!font)
+        return false;
+    m_rasterFont.emplace(std::move(*font));
+    return true;
+}
+
 bool TextRenderer::CreateAtlas(Renderer& renderer)
 {
-    FontFile font;
-    if (!font.InitializeLibrary())
-    {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to initialize freetype library.");
+    const std::optional<FontFile> font = OpenFont();
+    if (!font)
         return false;
-    }
-    std::string path;
-    System::Runtime::GetTexturePath(s_fontFile, path);
-    if (!font.Open(path, s_fontSize))
-    {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to load font: ", path);
-        return false;
-    }
     // It stays so: all pictures come with rows of any length, tightly packed.
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
     CreateLayers(gl, m_atlas);
     m_glyphs.clear();
-    LoadGlyphs(gl, font, m_glyphs);
+    LoadGlyphs(gl, *font, m_glyphs);
     glBindTexture(GL_TEXTURE_2D_ARRAY, 0);
     return true;
 }
@@ -179,6 +199,7 @@ void TextRenderer::Shutdown(Renderer& renderer)
     m_vertexArray = 0;
     m_atlas = 0;
     m_glyphs.clear();
+    m_rasterFont.reset();
     m_objects.Clear();
 }
 
@@ -217,25 +238,58 @@ bool TextRenderer::SetText(std::uint16_t id, const char* text, std::uint64_t len
             penY = static_cast<std::int64_t>(static_cast<double>(penY) - s_lineStep);
             continue;
         }
-        // A character that isn't ASCII is negative, or above 126 where the type is unsigned.
-        const bool isPrintable = character >= s_firstCharacter && character <= s_lastCharacter;
-        const auto glyphIndex = static_cast<std::size_t>(character - s_firstCharacter);
-        if (!isPrintable || glyphIndex >= m_glyphs.size())
+        const std::optional<Glyph> glyph = FindGlyph(character);
+        if (!glyph)
         {
             System::Log::Write(s_context, System::Log::MessageTypeID::Warning, "Character ", character,
                                " is not supported as font glyph.");
             continue;
         }
-        const Glyph& glyph = m_glyphs[glyphIndex];
         if (character != ' ')
         {
-            object->instanceModels.push_back(PlaceGlyph(glyph, penX, penY));
-            object->instanceIndices.push_back(glyph.layer);
+            object->instanceModels.push_back(PlaceGlyph(*glyph, penX, penY));
+            object->instanceIndices.push_back(glyph->layer);
         }
-        penX += glyph.advance >> 6U;
+        penX += glyph->advance >> 6U;
     }
     object->width = penX;
     return true;
+}
+
+std::optional<Glyph> TextRenderer::FindGlyph(char character)
+{
+    // A character that isn't ASCII is negative, or above 126 where the type is unsigned.
+    if (character < s_firstCharacter || character > s_lastCharacter)
+        return std::nullopt;
+    const auto index = static_cast<std::size_t>(character - s_firstCharacter);
+    if (!m_rasterFont)
+        return index < m_glyphs.size() ? std::optional(m_glyphs[index]) : std::nullopt;
+    const RasterFont::Character* const found = m_rasterFont->Find(index, s_layerSize);
+    if (found == nullptr)
+        return std::nullopt;
+    const GlyphBitmap& bitmap = found->bitmap;
+    return Glyph{static_cast<std::uint32_t>(index), bitmap.width, bitmap.rows, bitmap.left, bitmap.top,
+                 bitmap.advance};
+}
+
+const Raster::Glyph* TextRenderer::GetCoverage(std::uint32_t layer)
+{
+    const RasterFont::Character* const found = m_rasterFont ? m_rasterFont->Find(layer, s_layerSize) : nullptr;
+    return found != nullptr ? &found->coverage : nullptr;
+}
+
+void TextRenderer::AppendState(FrameState& state) const
+{
+    for (const Text& text : m_objects)
+    {
+        if (!text.visible)
+            continue;
+        state.Add(text.id);
+        state.Add(text.model);
+        state.Add(text.color);
+        state.Add(text.instanceIndices);
+        state.Add(text.instanceModels);
+    }
 }
 
 bool TextRenderer::SetText(std::uint16_t id, const char* text, Renderer& renderer)

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
 #include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/Graphics/Renderer/RasterFont.h"
 #include "Core/System/Math/Matrix4.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace Orvik::Graphics::Renderer
@@ -43,6 +46,10 @@ public:
     /// the font can't be had; log lines have said why. A character that the font can't give is a warning.
     [[nodiscard]] bool Initialize(Renderer& renderer);
 
+    /// For drawing into memory: opens the font. Its characters are made when they are first needed. False if it can't be
+    /// had; a log line has said why.
+    [[nodiscard]] bool InitializeForRaster();
+
     /// Draws the visible texts in their order, over what is there. Does nothing without a context.
     void Render(Renderer& renderer);
 
@@ -67,16 +74,27 @@ public:
     /// What scales a text to that height in pixels.
     [[nodiscard]] static float GetScale(std::uint16_t pixelSize);
 
+    /// Adds what the next frame's texts are made of.
+    void AppendState(FrameState& state) const;
+
+    /// The coverage of the glyph of an atlas layer, for drawing into memory; good until `Shutdown`. Null if there is
+    /// none.
+    [[nodiscard]] const Raster::Glyph* GetCoverage(std::uint32_t layer);
+
     [[nodiscard]] GLuint GetProgram() const { return m_program; }
+    [[nodiscard]] const ObjectStore<Text>& GetObjects() const { return m_objects; }
     [[nodiscard]] const std::vector<Glyph>& GetGlyphs() const { return m_glyphs; }
     [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
 
 private:
     [[nodiscard]] bool CreateAtlas(Renderer& renderer);
     void DrawText(Renderer& renderer, const Text& text);
+    /// Nothing for a character without a glyph.
+    [[nodiscard]] std::optional<Glyph> FindGlyph(char character);
 
     ObjectStore<Text> m_objects;
     std::vector<Glyph> m_glyphs;
+    std::optional<RasterFont> m_rasterFont; ///< for drawing into memory
     GLuint m_program = 0;
     GLuint m_vertexArray = 0;
     GLuint m_vertexBuffer = 0;

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <optional>
 
 namespace Orvik::Graphics::Renderer
@@ -70,7 +71,6 @@ void ScaleToPixels(Texture& texture)
 /// Makes the texture from its first pixels and leaves it bound.
 void UploadFirst(Texture& texture, GLenum format, const void* pixels)
 {
-    ScaleToPixels(texture);
     glGenTextures(1, &texture.gpuData.handle);
     glBindTexture(GL_TEXTURE_2D, texture.gpuData.handle);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, texture.gpuData.width, texture.gpuData.height, 0, format, GL_UNSIGNED_BYTE,
@@ -100,6 +100,11 @@ bool TextureRenderer::Initialize(Renderer& renderer)
     return true;
 }
 
+void TextureRenderer::InitializeForRaster()
+{
+    m_maximumSide = std::numeric_limits<std::uint16_t>::max();
+}
+
 void TextureRenderer::Render(Renderer& renderer)
 {
     if (!renderer.GetContext().IsValid())
@@ -122,6 +127,19 @@ void TextureRenderer::Render(Renderer& renderer)
         }
     }
     gl.glBindVertexArray(0);
+}
+
+void TextureRenderer::AppendState(FrameState& state) const
+{
+    for (const Texture& texture : m_objects)
+    {
+        if (!texture.visible)
+            continue;
+        state.Add(texture.id);
+        state.Add(texture.uploads);
+        state.Add(texture.model);
+        state.Add(texture.color);
+    }
 }
 
 void TextureRenderer::Shutdown(Renderer& renderer)
@@ -169,7 +187,7 @@ bool TextureRenderer::UpdateBitmap(std::uint16_t id, std::uint16_t width, std::u
                                    std::uint8_t bitsPerPixel, const void* pixels, Renderer& renderer)
 {
     Texture* const texture = m_objects.Find(id);
-    if (texture == nullptr || !renderer.GetContext().IsValid())
+    if (texture == nullptr || !CanUpload(renderer))
         return false;
     const bool isFirst = texture->gpuData.width == 0 && texture->gpuData.height == 0;
     if (isFirst && (width == 0 || height == 0))
@@ -178,25 +196,51 @@ bool TextureRenderer::UpdateBitmap(std::uint16_t id, std::uint16_t width, std::u
     if (pixels == nullptr || bitsPerPixel < s_bitsWithoutAlpha)
         return false;
 
-    const GLenum format = bitsPerPixel == s_bitsWithAlpha ? GL_BGRA : GL_BGR;
     if (isFirst)
     {
         texture->gpuData.width = width;
         texture->gpuData.height = height;
-        UploadFirst(*texture, format, pixels);
+        ScaleToPixels(*texture);
+    }
+    ORVIK_ASSERT(texture->gpuData.width == width && texture->gpuData.height == height,
+                 "Update bitmap size doesn't match!");
+    if (texture->gpuData.width != width || texture->gpuData.height != height)
+        return false;
+    ++texture->uploads;
+    Upload(*texture, isFirst, bitsPerPixel, pixels, renderer);
+    return true;
+}
+
+bool TextureRenderer::CanUpload(const Renderer& renderer)
+{
+    return renderer.DrawsIntoMemory() || renderer.GetContext().IsValid();
+}
+
+void TextureRenderer::Upload(Texture& texture, bool isFirst, std::uint8_t bitsPerPixel, const void* pixels,
+                             Renderer& renderer)
+{
+    const std::uint16_t width = texture.gpuData.width;
+    const std::uint16_t height = texture.gpuData.height;
+    if (renderer.DrawsIntoMemory())
+    {
+        if (isFirst)
+            texture.image = std::make_shared<Raster::Image>();
+        // As OpenGL reads it: four bytes to the pixel for 32 bits, three for anything else.
+        texture.image->Set(width, height, bitsPerPixel == s_bitsWithAlpha ? 4 : 3, pixels);
+        return;
+    }
+    const GLenum format = bitsPerPixel == s_bitsWithAlpha ? GL_BGRA : GL_BGR;
+    if (isFirst)
+    {
+        UploadFirst(texture, format, pixels);
     }
     else
     {
-        ORVIK_ASSERT(texture->gpuData.width == width && texture->gpuData.height == height,
-                     "Update bitmap size doesn't match!");
-        if (texture->gpuData.width != width || texture->gpuData.height != height)
-            return false;
-        glBindTexture(GL_TEXTURE_2D, texture->gpuData.handle);
+        glBindTexture(GL_TEXTURE_2D, texture.gpuData.handle);
         glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, format, GL_UNSIGNED_BYTE, pixels);
     }
     renderer.GetContext().GetEntryPoints().glGenerateMipmap(GL_TEXTURE_2D);
     glBindTexture(GL_TEXTURE_2D, 0);
-    return true;
 }
 
 bool TextureRenderer::Remove(std::uint16_t id)

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "Core/Graphics/Raster/Image.h"
+#include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
 #include "Core/Graphics/Renderer/OpenGL.h"
 #include "Core/System/Math/Matrix4.h"
 
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -28,6 +31,8 @@ struct Texture
     bool visible = true;
     System::Math::Matrix4 model;
     System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F}; ///< multiplies the image's colour
+    std::uint32_t uploads = 0;                              ///< counts them
+    std::shared_ptr<Raster::Image> image;                   ///< the pixels, where no driver keeps them
 };
 
 /// Draws images. Enlarged they show hard pixel squares, shrunk they are filtered. They are opaque.
@@ -37,6 +42,9 @@ public:
     /// Builds the shader program and the square, and asks for the longest side. False without a context, or if the
     /// shaders can't be built; log lines have said why.
     [[nodiscard]] bool Initialize(Renderer& renderer);
+
+    /// For drawing into memory: no side of a picture is too long.
+    void InitializeForRaster();
 
     /// Deletes what was removed, then draws the visible textures in their order. Does nothing without a context.
     void Render(Renderer& renderer);
@@ -65,10 +73,17 @@ public:
     /// so this may run away from the drawing. False for an unknown id.
     bool Remove(std::uint16_t id);
 
+    /// Adds what the next frame's textures are made of.
+    void AppendState(FrameState& state) const;
+
     [[nodiscard]] GLuint GetProgram() const { return m_program; }
+    [[nodiscard]] const ObjectStore<Texture>& GetObjects() const { return m_objects; }
     [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
 
 private:
+    [[nodiscard]] static bool CanUpload(const Renderer& renderer);
+    static void Upload(Texture& texture, bool isFirst, std::uint8_t bitsPerPixel, const void* pixels,
+                       Renderer& renderer);
     void DeletePending();
 
     ObjectStore<Texture> m_objects;

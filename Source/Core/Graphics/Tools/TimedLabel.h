@@ -18,6 +18,9 @@ public:
     /// Lets time pass, in nanoseconds. True in the one call that took the text away.
     bool Tick(std::int64_t elapsed, Renderer::Renderer& renderer);
 
+    /// How long the text stays, in nanoseconds; less than 0 if there is none.
+    [[nodiscard]] std::int64_t GetRemaining() const { return m_remaining > 0 ? m_remaining : -1; }
+
 private:
     std::uint16_t m_id = 0;
     std::int64_t m_remaining = 0; ///< nanoseconds

@@ -4,6 +4,8 @@
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Time/MonotonicClock.h"
 
+#include <algorithm>
+
 namespace Orvik::System::Desktop
 {
 namespace
@@ -56,6 +58,13 @@ void InputClaim::Retry()
         m_keyboard = Judge("Keyboard", GrabKeyboard(), now);
     if (m_pointer == Grab::Wanted)
         m_pointer = Judge("Pointer", GrabPointer(), now);
+}
+
+std::int64_t InputClaim::GetTimeToRetry() const
+{
+    if (m_keyboard != Grab::Wanted && m_pointer != Grab::Wanted)
+        return -1;
+    return std::max<std::int64_t>(m_nextTry - Time::GetMonotonicNanoseconds(), 0);
 }
 
 void InputClaim::Suspend()

@@ -26,6 +26,8 @@ public:
     /// Queues a release for every key that is down: its own won't come here any more.
     void LetGo();
 
+    [[nodiscard]] bool HasQueuedRelease() const { return !m_queued.empty(); }
+
     /// Takes the next queued release; `Undefined` if there is none.
     [[nodiscard]] KeyCode TakeQueuedRelease();
 

@@ -102,6 +102,30 @@ void Window::PumpVisible()
     OnVisibleUpdate();
 }
 
+bool Window::HasMessage()
+{
+    switch (m_state.load(std::memory_order_relaxed))
+    {
+    case WindowState::Hidden:
+    case WindowState::Visible:
+        return HasMessagePlatform();
+    case WindowState::ClosePending:
+        return true;
+    case WindowState::Undefined:
+    case WindowState::Registered:
+    case WindowState::Creating:
+    case WindowState::Closed:
+        return false;
+    }
+    return false;
+}
+
+void Window::WaitForMessage(std::int64_t nanoseconds, Threads::WakeSignal& wake)
+{
+    if (!HasMessage())
+        WaitForMessagePlatform(nanoseconds, wake);
+}
+
 void Window::Show(const ScopedLock& /*lock*/)
 {
     if (m_state.load() != WindowState::Hidden)
@@ -128,6 +152,12 @@ bool Window::IsVisible(const ScopedLock& /*lock*/) const
 Window::ScopedLock Window::Lock()
 {
     return ScopedLock(m_mutex);
+}
+
+void Window::SetTitle(const std::string& title)
+{
+    if (m_handle != NativeWindow::None)
+        SetTitlePlatform(title);
 }
 
 void Window::SetClickThrough(bool enabled)

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Core/System/Desktop/NativeWindow.h"
+#include "Core/System/Desktop/SurfaceKind.h"
 #include "Core/System/Desktop/WindowEvent.h"
 #include "Core/System/Desktop/WindowMutex.h"
 #include "Core/System/Math/Point.h"
+#include "Core/System/Threads/WakeSignal.h"
 
 #include <atomic>
 #include <cstdint>
@@ -70,6 +72,9 @@ public:
     /// The one receiver of events. It returns whether it has dealt with the event.
     void SetEventHandler(EventHandler handler);
 
+    /// What the window will be drawn on by; OpenGL if nobody says. Before `Create`.
+    void SetSurfaceKind(SurfaceKind kind) { m_surfaceKind = kind; }
+
     /// Creates the native window, hidden. False if the system refuses the window, for which a log line gives the
     /// reason, or its class, or if `OnNativeWindowCreated` cancels. No window is left behind; its class stays until the
     /// destruction.
@@ -77,6 +82,14 @@ public:
 
     /// One step: handles one message at most, or destroys a window that was asked to close.
     void Update();
+
+    /// Whether `Update` would find something to do.
+    [[nodiscard]] bool HasMessage();
+
+    /// Returns when `HasMessage` may have become true, when `wake` was raised, or after that many nanoseconds; less
+    /// than 0 is without a limit. It may return early for no reason. Takes the signal back. A closed window waits for
+    /// the other two, and for the end of the desktop.
+    void WaitForMessage(std::int64_t nanoseconds, Threads::WakeSignal& wake);
 
     // These three want the lock of `Lock` as a proof.
     void Show(const ScopedLock& lock);
@@ -86,6 +99,9 @@ public:
     /// Locks the window against being shown or hidden. A second lock on the same thread is an error of the standard
     /// library.
     [[nodiscard]] ScopedLock Lock();
+
+    /// Replaces the title, UTF-8. Nothing before `Create`.
+    void SetTitle(const std::string& title);
 
     /// Whether mouse and keyboard pass the window by.
     void SetClickThrough(bool enabled);
@@ -132,6 +148,9 @@ private:
     void HidePlatform();
     /// Handles one native message at most, of any window of the thread.
     void PumpMessagePlatform();
+    [[nodiscard]] bool HasMessagePlatform();
+    void WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSignal& wake);
+    void SetTitlePlatform(const std::string& title);
     void SetClickThroughPlatform(bool enabled);
     void BringToFrontPlatform();
 
@@ -145,6 +164,7 @@ private:
     std::atomic<WindowState> m_state{WindowState::Undefined};
     EventHandler m_eventHandler;
     WindowType m_type;
+    SurfaceKind m_surfaceKind = SurfaceKind::OpenGL;
     WindowSize m_size;
     Math::Point m_position;
     const char* m_className = nullptr;

@@ -1,5 +1,7 @@
 #include "Core/System/Desktop/WindowHints_X11.h"
 
+#include "Core/System/Platform/XConnection.h"
+
 #include <X11/Xatom.h>
 #include <array>
 #include <string>
@@ -104,6 +106,15 @@ void SetWindowHints(::Display* display, ::Window window, const char* name, const
                     {decorationsFlag, 0, 0, 0, 0});
     }
     SetStateHints(display, window, traits);
+}
+
+void SetWindowTitle(::Display* display, ::Window window, const std::string& title)
+{
+    const Platform::XErrorScope errors(display);
+    XStoreName(display, window, title.c_str());
+    XChangeProperty(display, window, GetAtom(display, "_NET_WM_NAME"), GetAtom(display, "UTF8_STRING"), 8,
+                    PropModeReplace, reinterpret_cast<const unsigned char*>(title.data()),
+                    static_cast<int>(title.size()));
 }
 
 void SetStateHints(::Display* display, ::Window window, const WindowTraits& traits)

@@ -5,6 +5,8 @@
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Platform/Headers/X11Headers.h"
 
+#include <string>
+
 namespace Orvik::System::Desktop
 {
 
@@ -32,6 +34,9 @@ struct WindowGeometry
 /// Title, class, protocols, type and process of a new window.
 void SetWindowHints(::Display* display, ::Window window, const char* name, const WindowTraits& traits,
                     const WindowGeometry& geometry);
+
+/// Replaces a window's title, UTF-8: ICCCM's property, and EWMH's.
+void SetWindowTitle(::Display* display, ::Window window, const std::string& title);
 
 /// The states that a window wants when it is mapped. A window manager takes them away when it is unmapped.
 void SetStateHints(::Display* display, ::Window window, const WindowTraits& traits);

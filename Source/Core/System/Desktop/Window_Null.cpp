@@ -3,6 +3,7 @@
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/NullDesktop.h"
 
+#include <algorithm>
 #include <functional>
 #include <utility>
 
@@ -104,6 +105,24 @@ void Window::PumpMessagePlatform()
     const std::function<void(Window&)> message = std::move(messages.front());
     messages.pop_front();
     message(*this);
+}
+
+bool Window::HasMessagePlatform()
+{
+    return !NullDesktop::GetInstance().messages.empty();
+}
+
+// Messages come from the thread that waits, or not at all: a wait without an end is a short one.
+void Window::WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSignal& wake)
+{
+    constexpr std::int64_t shortWait = 1'000'000;
+    ++NullDesktop::GetInstance().waits;
+    wake.Wait(nanoseconds < 0 ? shortWait : std::min(nanoseconds, shortWait));
+}
+
+void Window::SetTitlePlatform(const std::string& title)
+{
+    NullDesktop::GetInstance().windowTitle = title;
 }
 
 void Window::SetClickThroughPlatform(bool enabled)

@@ -6,6 +6,7 @@
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Text/Unicode.h"
+#include "Core/System/Time/Milliseconds.h"
 
 #include <limits>
 #include <optional>
@@ -161,6 +162,30 @@ void Window::PumpMessagePlatform()
         return;
     TranslateMessage(&message);
     DispatchMessageW(&message);
+}
+
+bool Window::HasMessagePlatform()
+{
+    MSG message = {};
+    return PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) != FALSE;
+}
+
+void Window::WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSignal& wake)
+{
+    // The messages of a window that is gone are nobody's to take.
+    if (m_state == WindowState::Closed || wake.GetHandle() == -1)
+    {
+        wake.Wait(nanoseconds);
+        return;
+    }
+    auto* const signal = reinterpret_cast<HANDLE>(wake.GetHandle()); // NOLINT(performance-no-int-to-ptr)
+    MsgWaitForMultipleObjectsEx(1, &signal, Time::ToMilliseconds(nanoseconds), QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    wake.Reset();
+}
+
+void Window::SetTitlePlatform(const std::string& title)
+{
+    SetWindowTextW(ToHwnd(m_handle), Text::ToWide(title).c_str());
 }
 
 void Window::SetClickThroughPlatform(bool enabled)

@@ -1,10 +1,10 @@
 #include "Core/System/Desktop/Window.h"
 
+#include "Core/System/Desktop/OverlayVisual_X11.h"
 #include "Core/System/Desktop/WindowHints_X11.h"
 #include "Core/System/Desktop/WindowNative_X11.h"
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Log/Site/LogSite.h"
-#include "Core/System/Platform/EglDisplay.h"
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Time/MonotonicClock.h"
 
@@ -59,14 +59,10 @@ CreatedWindow CreateInputOnlyWindow(::Display* display)
 
 /// The overlay lives on the visual that its context will use. It has no background: until the first frame the screen
 /// stays as it is.
-CreatedWindow CreateOverlayWindow(::Display* display, const WindowGeometry& geometry)
+CreatedWindow CreateOverlayWindow(::Display* display, const WindowGeometry& geometry, SurfaceKind surfaceKind)
 {
     ::Window const root = DefaultRootWindow(display);
-    XVisualInfo visual = {};
-    visual.visual = DefaultVisual(display, DefaultScreen(display));
-    visual.depth = DefaultDepth(display, DefaultScreen(display));
-    if (const auto& configuration = Platform::GetEglConfiguration())
-        visual = configuration->visual;
+    const XVisualInfo visual = ChooseOverlayVisual(display, surfaceKind);
 
     XSetWindowAttributes attributes = {};
     attributes.event_mask = s_eventMask;
@@ -91,11 +87,13 @@ CreatedWindow CreateOrdinaryWindow(::Display* display, const WindowGeometry& geo
             None};
 }
 
-CreatedWindow CreateXWindow(::Display* display, const WindowTraits& traits, const WindowGeometry& geometry)
+CreatedWindow CreateXWindow(::Display* display, const WindowTraits& traits, const WindowGeometry& geometry,
+                            SurfaceKind surfaceKind)
 {
     if (traits.isInputOnly)
         return CreateInputOnlyWindow(display);
-    return traits.isOverrideRedirect ? CreateOverlayWindow(display, geometry) : CreateOrdinaryWindow(display, geometry);
+    return traits.isOverrideRedirect ? CreateOverlayWindow(display, geometry, surfaceKind)
+                                     : CreateOrdinaryWindow(display, geometry);
 }
 
 /// Gives the window the arrow. A server without cursor fonts keeps its own picture.
@@ -153,7 +151,7 @@ bool Window::CreatePlatform()
                                                 m_size.width, m_size.height, m_position.x, m_position.y));
 
     const WindowGeometry geometry{m_position, m_size};
-    const CreatedWindow created = CreateXWindow(display, *traits, geometry);
+    const CreatedWindow created = CreateXWindow(display, *traits, geometry, m_surfaceKind);
     m_native.reset(new Native(*this, display, created.window, created.colormap));
     SetWindowHints(display, created.window, m_name, *traits, geometry);
     if (scope.HasFailed())
@@ -202,6 +200,12 @@ void Window::HidePlatform()
     // Tells a window manager, too, that the window is to be withdrawn rather than made an icon.
     XWithdrawWindow(m_native->display, m_native->id, DefaultScreen(m_native->display));
     XSync(m_native->display, False);
+}
+
+void Window::SetTitlePlatform(const std::string& title)
+{
+    if (m_native && m_native->IsUsable())
+        SetWindowTitle(m_native->display, m_native->id, title);
 }
 
 void Window::SetClickThroughPlatform(bool enabled)

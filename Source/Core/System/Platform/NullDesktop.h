@@ -44,6 +44,11 @@ struct NullDesktop
     std::function<std::uint32_t(std::int32_t x, std::int32_t y)> screenPixel;
     std::vector<Math::Rectangle> captures; ///< every region that was copied
 
+    // Surfaces.
+    bool hasGraphicsCard = true;
+    bool surfacesCreate = true;
+    std::vector<std::vector<Math::Rectangle>> presentations; ///< what each frame showed anew
+
     // Windows.
     bool windowRegisters = true;
     bool windowCreates = true;
@@ -52,6 +57,8 @@ struct NullDesktop
     std::vector<std::string> windowCalls;
     /// What the message pump finds, one a call. Each is run with the window that pumps.
     std::deque<std::function<void(Desktop::Window&)>> messages;
+    std::string windowTitle; ///< the last one that was set
+    std::uint64_t waits = 0; ///< how often a window has waited for a message
 };
 
 } // namespace Orvik::System::Platform

@@ -1,0 +1,32 @@
+#include "Core/Graphics/Renderer/PainterChoice.h"
+
+#include "Core/System/Desktop/GraphicsCard.h"
+
+#include <cstdlib>
+#include <string_view>
+
+namespace Orvik::Graphics::Renderer
+{
+namespace
+{
+
+using System::Desktop::SurfaceKind;
+
+constexpr const char* s_variable = "ORVIK_RENDERER";
+constexpr const char* s_byHand = "ORVIK_RENDERER says so";
+
+} // namespace
+
+PainterChoice ChoosePainter()
+{
+    const char* const value = std::getenv(s_variable);
+    const std::string_view wanted = value != nullptr ? value : "";
+    if (wanted == "opengl")
+        return {SurfaceKind::OpenGL, true, s_byHand};
+    if (wanted == "raster")
+        return {SurfaceKind::Pixels, true, s_byHand};
+    const System::Desktop::GraphicsCard card = System::Desktop::FindGraphicsCard();
+    return {card.isReachable ? SurfaceKind::OpenGL : SurfaceKind::Pixels, false, card.reason};
+}
+
+} // namespace Orvik::Graphics::Renderer

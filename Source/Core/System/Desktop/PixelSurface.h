@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Core/System/Desktop/NativeWindow.h"
+#include "Core/System/Math/Rectangle.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace Orvik::System::Desktop
+{
+
+/// Memory that is shown on a window, aligned to the window's lower left corner: what a window has more of lies above
+/// and to the right, and is left alone. The desktop's plainest means, without a driver. The thread of the window.
+class PixelSurface
+{
+public:
+    PixelSurface() noexcept;
+    ~PixelSurface();
+    PixelSurface(const PixelSurface&) = delete;
+    PixelSurface& operator=(const PixelSurface&) = delete;
+
+    /// Makes the memory for a window, both sides at least 1, in pixels. Its contents are anything. False if the
+    /// memory can't be had, if the window is gone or if its colours can't be made of ours; there is none then.
+    [[nodiscard]] bool Create(NativeWindow window, std::uint32_t width, std::uint32_t height);
+
+    /// Gives the memory back. The window keeps what it shows.
+    void Destroy() noexcept;
+
+    /// Blue, green, red and alpha of each pixel, rows from the top, `GetStride` pixels from one to the next. Null
+    /// without memory. To be written between `BeginFrame` and `Present` alone.
+    [[nodiscard]] std::uint32_t* GetPixels() const noexcept;
+    [[nodiscard]] std::size_t GetStride() const noexcept;
+
+    /// Waits until what was presented before has been read from the memory. False if the desktop is gone.
+    [[nodiscard]] bool BeginFrame();
+
+    /// Shows parts of the memory, in pixels from its top left corner; they lie within it.
+    void Present(std::span<const Math::Rectangle> areas);
+
+private:
+    struct Native; ///< defined in each half
+    struct NativeDeleter
+    {
+        void operator()(Native* native) const noexcept; ///< in each half, where `Native` is complete
+    };
+
+    std::unique_ptr<Native, NativeDeleter> m_native;
+};
+
+} // namespace Orvik::System::Desktop

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+namespace Orvik::System::Time
+{
+
+/// Nanoseconds as Windows takes a time to wait: whole milliseconds, rounded up so that nothing is waited for in vain;
+/// less than 0 is without a limit.
+[[nodiscard]] constexpr std::uint32_t ToMilliseconds(std::int64_t nanoseconds) noexcept
+{
+    constexpr std::int64_t millisecond = 1'000'000;
+    constexpr std::int64_t withoutLimit = 0xFFFFFFFF;
+    if (nanoseconds < 0)
+        return static_cast<std::uint32_t>(withoutLimit);
+    const std::int64_t rounded = nanoseconds / millisecond + (nanoseconds % millisecond != 0 ? 1 : 0);
+    return static_cast<std::uint32_t>(std::min(rounded, withoutLimit - 1));
+}
+
+} // namespace Orvik::System::Time
