@@ -7,7 +7,9 @@ uniform vec4 color;
 
 out vec4 fragmentColor;
 
+// A pixel that the picture covers in part shows the picture's last pixels; beyond them it would begin anew.
 void main()
 {
-    fragmentColor = texture(image, coordinate) * color;
+    vec2 margin = min(fwidth(coordinate) * 0.5, 0.5);
+    fragmentColor = texture(image, clamp(coordinate, margin, 1.0 - margin)) * color;
 }

@@ -1,7 +1,8 @@
 #version 330 core
 
-// Places an image. The edges of an upright picture go to whole pixels, right and downward where they fall on a half:
-// a picture of odd width in a window of even width would otherwise be sampled between its pixels.
+// Places an image. An upright picture lies on whole pixels, as the tool counts them: its centre goes to a whole pixel,
+// left and upward from a half, and its left and top edges from there to the nearest pixel inside. So a picture of even
+// width in a window of odd width begins where the tool says. A picture that ends within a pixel has that pixel too.
 
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec2 textureCoordinate;
@@ -21,12 +22,21 @@ out vec2 coordinate;
 // goes.
 const float settledSteps = 64.0;
 
-vec2 SettleToPixels(vec2 clip)
+vec2 Settle(vec2 pixels)
 {
-    vec2 pixels = (clip * 0.5 + 0.5) * screenSize;
-    pixels = floor(pixels * settledSteps + 0.5) / settledSteps;
-    pixels = vec2(floor(pixels.x + 0.5), ceil(pixels.y - 0.5));
-    return (pixels * 2.0 - screenSize) / screenSize;
+    return floor(pixels * settledSteps + 0.5) / settledSteps;
+}
+
+// An upright picture of that size around a centre, both in pixels with y upward: where the corner at `place`, from 0 to
+// 1 in both directions, goes in clip space, and what it shows.
+void PlaceUpright(vec2 centre, vec2 size, vec2 place)
+{
+    vec2 middle = vec2(floor(centre.x), ceil(centre.y));
+    vec2 topLeft = vec2(ceil(middle.x - size.x * 0.5), floor(middle.y + size.y * 0.5));
+    vec2 whole = ceil(size);
+    vec2 pixels = topLeft + vec2(place.x, place.y - 1.0) * whole;
+    gl_Position.xy = (pixels * 2.0 - screenSize) / screenSize;
+    coordinate = vec2(place.x, 1.0 - place.y) * whole / size;
 }
 
 void main()
@@ -35,7 +45,8 @@ void main()
     coordinate = vec2(textureCoordinate.x, 1.0 - textureCoordinate.y);
     mat4 placement = projection * view * model;
     gl_Position = placement * vec4(position, 1.0);
-    bool isUpright = placement[0].y == 0.0 && placement[1].x == 0.0;
+    vec2 size = vec2(placement[0].x, placement[1].y) * screenSize * 0.5;
+    bool isUpright = placement[0].y == 0.0 && placement[1].x == 0.0 && size.x > 0.0 && size.y > 0.0;
     if (isUpright && gl_Position.w == 1.0)
-        gl_Position.xy = SettleToPixels(gl_Position.xy);
+        PlaceUpright(Settle((placement[3].xy * 0.5 + 0.5) * screenSize), Settle(size), textureCoordinate);
 }
