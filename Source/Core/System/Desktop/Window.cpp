@@ -130,6 +130,12 @@ Window::ScopedLock Window::Lock()
     return ScopedLock(m_mutex);
 }
 
+void Window::AnswerOthers()
+{
+    if (m_handle != NativeWindow::None)
+        AnswerOthersPlatform();
+}
+
 void Window::SetClickThrough(bool enabled)
 {
     if (m_handle != NativeWindow::None)

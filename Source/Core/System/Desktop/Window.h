@@ -78,6 +78,10 @@ public:
     /// One step: handles one message at most, or destroys a window that was asked to close.
     void Update();
 
+    /// Handles what the system and other programs send the window and wait for, a broadcast or the end of the session,
+    /// for a time without `Update`. Queued messages, input among them, stay where they are.
+    void AnswerOthers();
+
     // These three want the lock of `Lock` as a proof.
     void Show(const ScopedLock& lock);
     void Hide(const ScopedLock& lock);
@@ -132,6 +136,7 @@ private:
     void HidePlatform();
     /// Handles one native message at most, of any window of the thread.
     void PumpMessagePlatform();
+    void AnswerOthersPlatform();
     void SetClickThroughPlatform(bool enabled);
     void BringToFrontPlatform();
 

@@ -106,6 +106,12 @@ void Window::PumpMessagePlatform()
     message(*this);
 }
 
+// Counted alone: who rests does it again and again.
+void Window::AnswerOthersPlatform()
+{
+    ++NullDesktop::GetInstance().answers;
+}
+
 void Window::SetClickThroughPlatform(bool enabled)
 {
     Remember(enabled ? "SetClickThrough(true)" : "SetClickThrough(false)");
