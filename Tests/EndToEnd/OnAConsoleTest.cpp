@@ -61,7 +61,7 @@ TEST_F(OnAConsole, ItIsTakenByAProgramThatIsStartedBesideIt)
 {
     const std::string output = RunFromConsole("--beside", {"-h"});
     EXPECT_TRUE(output.starts_with("exit code 0\non the console\nUsage: SnipBench [option(s)]\n")) << output;
-    EXPECT_TRUE(output.ends_with("-Help            -h    Prints this help.\n")) << output;
+    EXPECT_NE(output.find("-Help            -h    Prints this help.\n"), std::string::npos) << output;
 }
 
 TEST_F(OnAConsole, NothingStandsOnItIfTheOutputGoesToTheNullDevice)

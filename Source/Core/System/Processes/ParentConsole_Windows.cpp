@@ -3,6 +3,7 @@
 #include "Core/System/Error/Handling/ConsoleEvents.h"
 #include "Core/System/Processes/ConsoleCalls_Windows.h"
 
+#include <cstddef>
 #include <initializer_list>
 
 namespace Orvik::System::Processes
@@ -41,14 +42,25 @@ UINT ChangeOutputPage()
     return previous != CP_UTF8 && calls.setOutputPage(CP_UTF8) != FALSE ? previous : 0;
 }
 
+/// Opens a stream of the C library anew, on the console. It writes to a console byte by byte unless it has a buffer,
+/// and a console takes the bytes of one letter only together. All writers flush what they have to say.
+std::FILE* ReopenOnConsole(std::FILE* stream)
+{
+    constexpr std::size_t bufferSize = 4096;
+    std::FILE* opened = nullptr;
+    GetConsoleCalls().reopen(&opened, "CONOUT$", "w", stream);
+    if (opened != nullptr)
+        (void)std::setvbuf(opened, nullptr, _IOFBF, bufferSize);
+    return opened;
+}
+
 } // namespace
 
 ParentConsole::ParentConsole(bool attach)
 {
-    const ConsoleCalls& calls = GetConsoleCalls();
     const OwnStream output(STD_OUTPUT_HANDLE);
     const OwnStream error(STD_ERROR_HANDLE);
-    if (!attach || calls.attachConsole(ATTACH_PARENT_PROCESS) == FALSE)
+    if (!attach || GetConsoleCalls().attachConsole(ATTACH_PARENT_PROCESS) == FALSE)
         return;
     Error::ListenToConsole();
     const bool isOutputRedirected = output.IsRedirected();
@@ -57,9 +69,9 @@ ParentConsole::ParentConsole(bool attach)
         return;
     m_previousPage = ChangeOutputPage();
     if (!isOutputRedirected)
-        calls.reopen(&m_redirectedStdout, "CONOUT$", "w", stdout);
+        m_redirectedStdout = ReopenOnConsole(stdout);
     if (!isErrorRedirected)
-        calls.reopen(&m_redirectedStderr, "CONOUT$", "w", stderr);
+        m_redirectedStderr = ReopenOnConsole(stderr);
 }
 
 ParentConsole::~ParentConsole()

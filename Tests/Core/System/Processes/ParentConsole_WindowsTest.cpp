@@ -4,12 +4,13 @@
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
+#include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,6 @@ namespace
 {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr UINT s_oldPage = 437;
 constexpr UINT s_utf8Page = 65001;
@@ -40,6 +40,7 @@ struct Parent
     bool canSetPage = true;
     std::map<DWORD, Stream> streams;
     std::filesystem::path screen; ///< what stands on the console: one file for each stream
+    std::vector<std::FILE*> opened;
     std::vector<std::string> calls;
 };
 Parent s_parent;
@@ -64,6 +65,8 @@ errno_t Reopen(std::FILE** opened, const char* path, const char* mode, std::FILE
     const std::string name = stream == stdout ? "output" : "error";
     s_parent.calls.push_back("reopen " + name);
     *opened = std::fopen((s_parent.screen / name).string().c_str(), "w");
+    std::setvbuf(*opened, nullptr, _IONBF, 0); // as the library has it for a console
+    s_parent.opened.push_back(*opened);
     return 0;
 }
 
@@ -132,6 +135,34 @@ TEST_F(ParentConsoleTest, StreamsThatAreOnAConsoleGoToItToo)
     SetStreams({FILE_TYPE_CHAR, true}, {FILE_TYPE_CHAR, true});
     const ParentConsole console(true);
     EXPECT_THAT(s_parent.calls, ElementsAre("attach", "page 65001", "reopen output", "reopen error"));
+}
+
+// The bytes of one letter have to arrive together.
+TEST_F(ParentConsoleTest, WhatIsWrittenArrivesInOnePiece)
+{
+    {
+        const ParentConsole console(true);
+        ASSERT_EQ(s_parent.opened.size(), 2U);
+        for (std::FILE* const stream : s_parent.opened)
+            std::fputs("\xE2\x82\xAC", stream);
+        EXPECT_EQ(std::filesystem::file_size(m_screen.GetPath() / "output"), 0U);
+        EXPECT_EQ(std::filesystem::file_size(m_screen.GetPath() / "error"), 0U);
+    }
+    EXPECT_EQ(Tests::ReadText(m_screen.GetPath() / "output"), "\xE2\x82\xAC");
+    EXPECT_EQ(Tests::ReadText(m_screen.GetPath() / "error"), "\xE2\x82\xAC");
+}
+
+TEST_F(ParentConsoleTest, AConsoleThatCantBeOpenedIsLeftAllTheSame)
+{
+    GetConsoleCalls().reopen = [](std::FILE** opened, const char*, const char*, std::FILE*) -> errno_t
+    {
+        *opened = nullptr;
+        return ENOENT;
+    };
+    {
+        const ParentConsole console(true);
+    }
+    EXPECT_THAT(s_parent.calls, ElementsAre("attach", "page 65001", "page 437", "free"));
 }
 
 TEST_F(ParentConsoleTest, StreamsThatGoElsewhereStayThere)
