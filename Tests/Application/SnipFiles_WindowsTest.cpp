@@ -43,7 +43,9 @@ TEST(SnipFilesWindows, AnAnnotationFileThatAReaderKeepsIsLoggedAndWrittenWithThe
     Graphics::Tools::SnipBench::Result result = {0, &capture, nullptr, &bounds, nullptr};
     SaveAnnotation(result, settings);
     const std::filesystem::path file = FindJsonFile(directory.GetPath());
-    ASSERT_EQ(CountRectangles(file), 1U);
+    // The list is the process's.
+    const std::size_t saved = CountRectangles(file);
+    ASSERT_GE(saved, 1U);
 
     const Tests::LogRecorder log;
     {
@@ -55,10 +57,10 @@ TEST(SnipFilesWindows, AnAnnotationFileThatAReaderKeepsIsLoggedAndWrittenWithThe
         ASSERT_EQ(log.GetLines().size(), 1U);
         EXPECT_THAT(log.GetLines().front(), testing::StartsWith("SnipBench Error: Failed to save meta file: "));
         EXPECT_THAT(log.GetLines().front(), testing::HasSubstr(file.filename().string()));
-        EXPECT_EQ(CountRectangles(file), 1U) << "what was saved stays whole";
+        EXPECT_EQ(CountRectangles(file), saved) << "what was saved stays whole";
     }
     SaveAnnotation(result, settings);
-    EXPECT_EQ(CountRectangles(file), 3U);
+    EXPECT_EQ(CountRectangles(file), saved + 2);
     EXPECT_EQ(log.GetLines().size(), 1U);
 }
 
