@@ -32,6 +32,9 @@ constexpr Log::Context s_context{Log::StreamID::SnipBench};
 constexpr const char* s_windowName = "Orvik::Snipping";
 constexpr std::uint8_t s_leftButton = 1;
 
+/// How long others wait for a window at the most that is hidden for a delay.
+constexpr std::chrono::milliseconds s_answerPeriod{50};
+
 /// The pixel size of the message that tells where a file went, on a screen of 1080 rows.
 constexpr float s_savedPathSize = 24.0F;
 /// How far up from the bottom it stands, as a part of the screen's height.
@@ -111,10 +114,17 @@ std::string_view Application::OpenWindow()
 
 void Application::WaitForDelay(const Window::ScopedLock& lock)
 {
+    using Clock = std::chrono::steady_clock;
     m_window->Hide(lock);
+    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(m_delay);
+    while (m_running && Clock::now() < end)
     {
-        std::unique_lock delayLock(m_delayMutex);
-        m_delayCondition.wait_for(delayLock, std::chrono::milliseconds(m_delay), [this] { return !m_running; });
+        {
+            std::unique_lock delayLock(m_delayMutex);
+            m_delayCondition.wait_until(delayLock, std::min(end, Clock::now() + s_answerPeriod),
+                                        [this] { return !m_running; });
+        }
+        m_window->AnswerOthers();
     }
     if (m_running)
         m_window->Show(lock);

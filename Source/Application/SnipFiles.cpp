@@ -37,8 +37,8 @@ void ShowAbsolutePath(const SnipFileSettings& settings, const std::filesystem::p
 }
 
 /// Writes the text that `makeText` gives as the whole file. A file that can't be opened passes in silence; one that
-/// can't be written is logged, and what it held before stays. What is thrown on the way, for want of memory say, costs
-/// this file and not the run.
+/// can't be written, or that another program keeps, is logged, and what it held before stays. What is thrown on the
+/// way, for want of memory say, costs this file and not the run.
 template <typename MakeText>
 void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
 {
@@ -50,7 +50,7 @@ void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
     catch (const std::exception&) // NOLINT(bugprone-empty-catch): nothing is written then
     {
     }
-    if (result == System::Text::Replacement::NotWritten)
+    if (result == System::Text::Replacement::NotWritten || result == System::Text::Replacement::Held)
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save meta file: ", path);
 }
 

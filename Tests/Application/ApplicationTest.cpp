@@ -160,6 +160,17 @@ TEST_F(ApplicationTest, ADelayTakesTheWindowOffTheScreen)
                                                  "Show", "BringToFront", "Destroy", "UnregisterClass"));
 }
 
+TEST_F(ApplicationTest, DuringADelayOthersGetTheirAnswersAndInputWaits)
+{
+    UseOutput();
+    AddArguments({"-d", "200"});
+    Drag({10, 10}, {20, 20});
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_GE(desktop.answers, 2U);
+    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U) << "the drag came to the tool";
+}
+
 TEST_F(ApplicationTest, EscapeActsOnTheRelease)
 {
     UseOutput();

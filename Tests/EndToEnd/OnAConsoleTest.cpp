@@ -59,7 +59,37 @@ TEST_F(OnAConsole, TheExitCodeIsTheSignedNumber)
 
 TEST_F(OnAConsole, ItIsTakenByAProgramThatIsStartedBesideIt)
 {
-    EXPECT_TRUE(RunFromConsole("--beside", {"-h"}).starts_with("exit code 0\non the console\n"));
+    const std::string output = RunFromConsole("--beside", {"-h"});
+    EXPECT_TRUE(output.starts_with("exit code 0\non the console\nUsage: SnipBench [option(s)]\n")) << output;
+    EXPECT_NE(output.find("-Help            -h    Prints this help.\n"), std::string::npos) << output;
+}
+
+TEST_F(OnAConsole, NothingStandsOnItIfTheOutputGoesToTheNullDevice)
+{
+    EXPECT_EQ(RunFromConsole("--null", {"-h"}), "exit code 0\non the console\n");
+}
+
+TEST_F(OnAConsole, WithoutOneTheOutputGoesNowhereAndTheExitCodeIsTheSame)
+{
+    EXPECT_EQ(RunFromConsole("--alone", {"-h"}), "exit code 0\n");
+    EXPECT_EQ(RunFromConsole("--alone", {"-x"}), "exit code -1\n");
+}
+
+// The console has an older page of letters, and gets it back.
+TEST_F(OnAConsole, PathsStandOnItWithLettersOfAllKinds)
+{
+    const std::filesystem::path home = m_installation.GetHome() / "h\xC3\xB6me \xE2\x82\xAC \xD0\xB6";
+    std::filesystem::create_directories(home);
+    const std::string picture = AddPicture(MakeTestPicture(s_width, s_height));
+    ChildOptions options = m_installation.MakeStartFromConsole("--beside", {"-f", picture, "-o", GetOutput().string()});
+    options.arguments.at(2) = home.string();
+    ChildProcess process = StartWith(options);
+    EXPECT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
+    WriteText(home / "interrupt", "");
+    std::string output = WithPlainLineEnds(process.Wait(s_endLimit).standardOutput);
+    EXPECT_TRUE(output.ends_with(Answer::Success)) << "the page is what it was: " << output;
+    std::erase(output, '\n'); // long lines go on in the next
+    EXPECT_NE(output.find("\\h\xC3\xB6me \xE2\x82\xAC \xD0\xB6\\.orvik\\Logs\\"), std::string::npos) << output;
 }
 
 // The tool reads what the program prints, which mustn't go to the console that the tool was started from.

@@ -39,6 +39,19 @@ TEST_F(OnWindows, ARunUnderAnotherNameIsLeftAlone)
     ExpectAnswer(EndByEscape(first), 0, Answer::Success);
 }
 
+// Who tells all windows of a change, and the end of the session, waits for each.
+TEST_F(OnWindows, ABroadcastIsAnsweredDuringADelay)
+{
+    const ChildProcess process = Start({"-f", AddPicture(m_picture), "-o", GetOutput().string(), "-d", "600000"});
+    const std::filesystem::path logs = m_installation.GetLogs();
+    ASSERT_TRUE(process.WaitUntil([&logs] { return std::filesystem::exists(logs) && !ListLogs(logs).empty(); }));
+    EXPECT_FALSE(process.HasEndedWithin(std::chrono::seconds(3))) << "the window is made and hidden";
+    ChildOptions broadcast = m_installation.MakeStart({});
+    broadcast.arguments = {Installation::GetLauncher().string(), "--broadcast"};
+    const ChildResult result = StartWith(broadcast).Wait(s_endLimit);
+    EXPECT_EQ(result.exitCode, 0) << result.standardError;
+}
+
 TEST_F(OnWindows, ThePackageRunsBelowAPathWithBlanksAndLettersOfAllKinds)
 {
     namespace fs = std::filesystem;

@@ -7,7 +7,8 @@
 namespace Orvik::System::Desktop
 {
 
-/// The name of a window message for the log; "Unknown" for one that a window of ours hardly gets.
+/// The name of a window message for the log; "Unknown" for one beyond the table's 58. Those come too, the characters
+/// that the system makes of keys for example (WM_CHAR).
 [[nodiscard]] const char* GetMessageName(UINT message) noexcept;
 
 } // namespace Orvik::System::Desktop

@@ -160,6 +160,12 @@ void Window::SetTitle(const std::string& title)
         SetTitlePlatform(title);
 }
 
+void Window::AnswerOthers()
+{
+    if (m_handle != NativeWindow::None)
+        AnswerOthersPlatform();
+}
+
 void Window::SetClickThrough(bool enabled)
 {
     if (m_handle != NativeWindow::None)

@@ -91,6 +91,10 @@ public:
     /// the other two, and for the end of the desktop.
     void WaitForMessage(std::int64_t nanoseconds, Threads::WakeSignal& wake);
 
+    /// Handles what the system and other programs send the window and wait for, a broadcast or the end of the session,
+    /// for a time without `Update`. Queued messages, input among them, stay where they are.
+    void AnswerOthers();
+
     // These three want the lock of `Lock` as a proof.
     void Show(const ScopedLock& lock);
     void Hide(const ScopedLock& lock);
@@ -151,6 +155,7 @@ private:
     [[nodiscard]] bool HasMessagePlatform();
     void WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSignal& wake);
     void SetTitlePlatform(const std::string& title);
+    void AnswerOthersPlatform();
     void SetClickThroughPlatform(bool enabled);
     void BringToFrontPlatform();
 

@@ -76,6 +76,17 @@ bool OnMouseMove(Window& target, HWND window, LPARAM lParam)
     return target.DeliverMouseMove(x, y);
 }
 
+/// The pointer is the window's while a button is held: a drag may end on another display, and its end must arrive here.
+/// `held` are the buttons that are down now.
+bool OnMouseButton(Window& target, HWND window, std::uint8_t button, bool isPressed, WPARAM held)
+{
+    if (isPressed)
+        SetCapture(window);
+    else if ((held & (MK_LBUTTON | MK_RBUTTON)) == 0)
+        ReleasePointer(window);
+    return target.DeliverMouseButton(button, isPressed);
+}
+
 bool OnPaint(Window& target, HWND window)
 {
     PAINTSTRUCT paint = {};
@@ -116,13 +127,13 @@ bool DeliverMessage(Window& target, HWND window, UINT message, WPARAM wParam, LP
     case WM_MOUSEWHEEL:
         return target.DeliverMouseWheel(static_cast<float>(GetSignedHigh(wParam)) / 120.0F);
     case WM_LBUTTONDOWN:
-        return target.DeliverMouseButton(s_leftButton, true);
+        return OnMouseButton(target, window, s_leftButton, true, wParam);
     case WM_LBUTTONUP:
-        return target.DeliverMouseButton(s_leftButton, false);
+        return OnMouseButton(target, window, s_leftButton, false, wParam);
     case WM_RBUTTONDOWN:
-        return target.DeliverMouseButton(s_rightButton, true);
+        return OnMouseButton(target, window, s_rightButton, true, wParam);
     case WM_RBUTTONUP:
-        return target.DeliverMouseButton(s_rightButton, false);
+        return OnMouseButton(target, window, s_rightButton, false, wParam);
     case WM_HOTKEY:
         return target.DeliverHotKey(wParam);
     case WM_MOVE:
@@ -139,6 +150,12 @@ bool DeliverMessage(Window& target, HWND window, UINT message, WPARAM wParam, LP
 }
 
 } // namespace
+
+void ReleasePointer(HWND window)
+{
+    if (GetCapture() == window)
+        ReleaseCapture();
+}
 
 LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {

@@ -23,4 +23,7 @@ struct KeyboardCalls
 /// dealt with goes to the system's own procedure.
 LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
+/// Gives the pointer back that the window has from a press to the release; does nothing if another has it.
+void ReleasePointer(HWND window);
+
 } // namespace Orvik::System::Desktop

@@ -125,6 +125,12 @@ void Window::SetTitlePlatform(const std::string& title)
     NullDesktop::GetInstance().windowTitle = title;
 }
 
+// Counted alone: who rests does it again and again.
+void Window::AnswerOthersPlatform()
+{
+    ++NullDesktop::GetInstance().answers;
+}
+
 void Window::SetClickThroughPlatform(bool enabled)
 {
     Remember(enabled ? "SetClickThrough(true)" : "SetClickThrough(false)");

@@ -78,6 +78,31 @@ void BlurBehind(HWND window)
     SetLayeredWindowAttributes(window, 0, 255, LWA_ALPHA);
 }
 
+/// Whether the window has the foreground after this has asked for it.
+bool AskForForeground(HWND window)
+{
+    const WindowCalls& calls = GetWindowCalls();
+    return calls.setForegroundWindow(window) != FALSE || calls.getForegroundWindow() == window;
+}
+
+/// Where the user has turned to another program in the meantime, the system keeps the foreground there. It is given to
+/// a thread that shares its input with that program's. Whoever shares the input of a program that hangs hangs as well.
+bool TakeForeground(HWND window)
+{
+    if (AskForForeground(window))
+        return true;
+    const WindowCalls& calls = GetWindowCalls();
+    HWND const other = calls.getForegroundWindow();
+    const DWORD otherThread = calls.getWindowThreadProcessId(other, nullptr);
+    const DWORD thread = GetCurrentThreadId();
+    if (otherThread == 0 || otherThread == thread || calls.isHungAppWindow(other) != FALSE ||
+        calls.attachThreadInput(thread, otherThread, TRUE) == FALSE)
+        return false;
+    const bool isTaken = AskForForeground(window);
+    calls.attachThreadInput(thread, otherThread, FALSE);
+    return isTaken;
+}
+
 } // namespace
 
 struct Window::Native
@@ -142,6 +167,7 @@ bool Window::CreatePlatform()
 
 void Window::DestroyPlatform()
 {
+    ReleasePointer(ToHwnd(m_handle));
     DestroyWindow(ToHwnd(m_handle));
 }
 
@@ -152,6 +178,7 @@ void Window::ShowPlatform()
 
 void Window::HidePlatform()
 {
+    ReleasePointer(ToHwnd(m_handle));
     ShowWindow(ToHwnd(m_handle), SW_HIDE);
 }
 
@@ -188,6 +215,12 @@ void Window::SetTitlePlatform(const std::string& title)
     SetWindowTextW(ToHwnd(m_handle), Text::ToWide(title).c_str());
 }
 
+void Window::AnswerOthersPlatform()
+{
+    MSG message = {};
+    (void)PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+}
+
 void Window::SetClickThroughPlatform(bool enabled)
 {
     constexpr LONG passing = WS_EX_NOACTIVATE | WS_EX_TRANSPARENT;
@@ -197,7 +230,12 @@ void Window::SetClickThroughPlatform(bool enabled)
 
 void Window::BringToFrontPlatform()
 {
-    SetForegroundWindow(ToHwnd(m_handle));
+    if (!TakeForeground(ToHwnd(m_handle)))
+    {
+        Log::Write(s_context, Log::MessageTypeID::Warning,
+                   "Failed to bring the window to the foreground. Keys go to another program until the window is "
+                   "clicked.");
+    }
     if (m_type == WindowType::Overlay)
         BringWindowToTop(ToHwnd(m_handle));
 }

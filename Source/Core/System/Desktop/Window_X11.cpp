@@ -226,6 +226,11 @@ void Window::SetClickThroughPlatform(bool enabled)
     XFlush(display);
 }
 
+// A server waits for no client.
+void Window::AnswerOthersPlatform()
+{
+}
+
 void Window::BringToFrontPlatform()
 {
     if (!m_native || !m_native->IsUsable())

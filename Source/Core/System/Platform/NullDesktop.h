@@ -4,6 +4,7 @@
 #include "Core/System/Math/Point.h"
 #include "Core/System/Math/Rectangle.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -55,6 +56,7 @@ struct NullDesktop
     /// "RegisterClass", "UnregisterClass", "Create", "Destroy", "Show", "Hide", "SetClickThrough(true)",
     /// "SetClickThrough(false)" and "BringToFront", in the order of the calls. Pumping isn't remembered.
     std::vector<std::string> windowCalls;
+    std::size_t answers = 0; ///< how often a window has handled what others wait for
     /// What the message pump finds, one a call. Each is run with the window that pumps.
     std::deque<std::function<void(Desktop::Window&)>> messages;
     std::string windowTitle; ///< the last one that was set

@@ -1,7 +1,9 @@
 #include "Core/System/Text/Files.h"
 
+#include <chrono>
 #include <fstream>
 #include <system_error>
+#include <thread>
 
 namespace Orvik::System::Text
 {
@@ -10,6 +12,33 @@ void CloseOnDestruction::operator()(std::FILE* file) const noexcept
 {
     std::fclose(file);
 }
+
+namespace
+{
+
+/// How long another program may keep a file from being replaced, and how often that is tried.
+constexpr std::chrono::seconds s_heldLimit{1};
+constexpr std::chrono::milliseconds s_heldPeriod{20};
+
+/// Gives the written part the file's name. A reader that doesn't share the file, a search or a backup, is done soon.
+Replacement PutInPlace(const std::filesystem::path& part, const std::filesystem::path& path)
+{
+    const auto end = std::chrono::steady_clock::now() + s_heldLimit;
+    while (true)
+    {
+        std::error_code error;
+        std::filesystem::rename(part, path, error);
+        if (!error)
+            return Replacement::Done;
+        if (!IsHeldPlatform(path, error))
+            return Replacement::NotOpened;
+        if (std::chrono::steady_clock::now() >= end)
+            return Replacement::Held;
+        std::this_thread::sleep_for(s_heldPeriod);
+    }
+}
+
+} // namespace
 
 Replacement ReplaceFile(const std::filesystem::path& path, const std::string& text)
 {
@@ -20,14 +49,13 @@ Replacement ReplaceFile(const std::filesystem::path& path, const std::string& te
         return Replacement::NotOpened;
     stream.write(text.data(), static_cast<std::streamsize>(text.size()));
     stream.close();
-    std::error_code error;
-    if (stream.good())
-        std::filesystem::rename(part, path, error);
-    if (stream.good() && !error)
-        return Replacement::Done;
-    const Replacement failure = stream.good() ? Replacement::NotOpened : Replacement::NotWritten;
-    std::filesystem::remove(part, error);
-    return failure;
+    const Replacement result = stream.good() ? PutInPlace(part, path) : Replacement::NotWritten;
+    if (result != Replacement::Done)
+    {
+        std::error_code ignored;
+        std::filesystem::remove(part, ignored);
+    }
+    return result;
 }
 
 bool Close(File file)

@@ -26,14 +26,18 @@ using File = std::unique_ptr<std::FILE, CloseOnDestruction>;
 enum class Replacement : std::uint8_t
 {
     Done,
-    NotOpened, ///< the file can't be made, or not be replaced
-    NotWritten ///< the text doesn't fit on the disk, say
+    NotOpened,  ///< the file can't be made, or not be replaced
+    NotWritten, ///< the text doesn't fit on the disk, say
+    Held,       ///< another program keeps the file from being replaced, for longer than a second
 };
 
 /// Gives the file this text, bytes as they are. Whoever reads it meanwhile finds the old text or the new one, whole;
 /// after a failure the old one is still there. The text is written beside the file first, under its name with ".part"
-/// behind it.
+/// behind it. Waits a second at the most for a program that keeps the file from being replaced.
 [[nodiscard]] Replacement ReplaceFile(const std::filesystem::path& path, const std::string& text);
+
+/// Whether this error of giving a file the name `path` says that another program has it open, and so may pass.
+[[nodiscard]] bool IsHeldPlatform(const std::filesystem::path& path, const std::error_code& error);
 
 /// The beginning of 1601, where the file times of Windows begin, in ticks since 1970.
 inline constexpr std::int64_t WindowsFileTimeBegin = -0x19DB1DED53E8000;

@@ -12,6 +12,12 @@ File OpenFile(const std::string& utf8Path, const char* mode)
     return File(std::fopen(utf8Path.c_str(), modeWithoutInheritance.c_str()));
 }
 
+// A file is replaced here whoever reads it.
+bool IsHeldPlatform(const std::filesystem::path& /*path*/, const std::error_code& /*error*/)
+{
+    return false;
+}
+
 std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)
 {
     using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;

@@ -15,6 +15,14 @@ File OpenFile(const std::string& utf8Path, const char* mode)
     return File(_wfopen(ToWide(utf8Path).c_str(), ToWide(modeWithoutInheritance).c_str()));
 }
 
+bool IsHeldPlatform(const std::filesystem::path& path, const std::error_code& error)
+{
+    // The answer for a directory in the file's place is the same, and that isn't waited for.
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    const bool isDirectory = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return !isDirectory && (error == std::errc::permission_denied || error == std::errc::device_or_resource_busy);
+}
+
 // The standard library's is cut to whole seconds here.
 std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)
 {

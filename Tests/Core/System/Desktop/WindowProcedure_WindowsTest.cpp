@@ -4,10 +4,14 @@
 #include "Tests/Support/LogRecorder.h"
 
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <gmock/gmock.h>
 #include <initializer_list>
+#include <thread>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace Orvik::System::Desktop
 {
@@ -174,6 +178,82 @@ TEST_F(WindowProcedureTest, ButtonsHaveTheirNumbers)
     }
 }
 
+// A drag goes on beyond the window's edge, on another display say, and its end must be heard there too.
+TEST_F(WindowProcedureTest, ThePointerIsTheWindowsFromAPressToTheRelease)
+{
+    HWND const window = GetHwnd(m_window);
+    for (const auto& [down, up, flag] :
+         {std::tuple{WM_LBUTTONDOWN, WM_LBUTTONUP, MK_LBUTTON}, std::tuple{WM_RBUTTONDOWN, WM_RBUTTONUP, MK_RBUTTON}})
+    {
+        EXPECT_EQ(GetCapture(), nullptr);
+        Send(static_cast<UINT>(down), static_cast<WPARAM>(flag));
+        EXPECT_EQ(GetCapture(), window);
+        Send(WM_MOUSEMOVE, static_cast<WPARAM>(flag));
+        EXPECT_EQ(GetCapture(), window);
+        Send(static_cast<UINT>(up));
+        EXPECT_EQ(GetCapture(), nullptr);
+    }
+}
+
+TEST_F(WindowProcedureTest, ThePointerIsTheWindowsUntilTheLastButtonIsReleased)
+{
+    Send(WM_LBUTTONDOWN, MK_LBUTTON);
+    Send(WM_RBUTTONDOWN, MK_LBUTTON | MK_RBUTTON);
+    Send(WM_LBUTTONUP, MK_RBUTTON);
+    EXPECT_EQ(GetCapture(), GetHwnd(m_window));
+    Send(WM_RBUTTONUP);
+    EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST_F(WindowProcedureTest, ThePointerIsTheWindowsWhileThePressIsDeliveredAndFreeWhileTheReleaseIs)
+{
+    std::vector<HWND> owners;
+    m_window.SetEventHandler(
+        [&owners](const WindowEvent&)
+        {
+            owners.push_back(GetCapture());
+            return true;
+        });
+    Send(WM_LBUTTONDOWN, MK_LBUTTON);
+    Send(WM_LBUTTONUP);
+    EXPECT_THAT(owners, testing::ElementsAre(GetHwnd(m_window), nullptr)) << "a file is written at the release";
+}
+
+TEST_F(WindowProcedureTest, APointerThatAnotherWindowHasTakenIsLeftToIt)
+{
+    Window other(nullptr, "Orvik::OtherPointer", s_position, s_size, WindowType::ToolPopup);
+    ASSERT_TRUE(other.Create());
+    Send(WM_LBUTTONDOWN, MK_LBUTTON);
+    EXPECT_EQ(SetCapture(GetHwnd(other)), GetHwnd(m_window));
+    Send(WM_MOUSEMOVE, MK_LBUTTON);
+    Send(WM_LBUTTONUP);
+    EXPECT_EQ(GetCapture(), GetHwnd(other));
+    ReleaseCapture();
+}
+
+TEST_F(WindowProcedureTest, TheSystemTakesThePointerBack)
+{
+    Send(WM_LBUTTONDOWN, MK_LBUTTON);
+    ASSERT_EQ(GetCapture(), GetHwnd(m_window));
+    Send(WM_CANCELMODE);
+    EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST_F(WindowProcedureTest, AHiddenOrClosedWindowGivesThePointerBack)
+{
+    m_window.Show(m_window.Lock());
+    Send(WM_LBUTTONDOWN, MK_LBUTTON);
+    ASSERT_EQ(GetCapture(), GetHwnd(m_window));
+    m_window.Hide(m_window.Lock());
+    EXPECT_EQ(GetCapture(), nullptr);
+
+    Send(WM_LBUTTONDOWN, MK_LBUTTON);
+    ASSERT_EQ(GetCapture(), GetHwnd(m_window));
+    Send(WM_CLOSE);
+    m_window.Update();
+    EXPECT_EQ(GetCapture(), nullptr);
+}
+
 TEST_F(WindowProcedureTest, KindsWithoutValues)
 {
     ExpectPlain(WM_DEVICECHANGE, WindowEventType::DevicesChanged, 7);
@@ -189,6 +269,33 @@ TEST_F(WindowProcedureTest, AHotKeyCarriesItsValue)
     ASSERT_EQ(m_events.size(), 1U);
     EXPECT_EQ(m_events[0].type, WindowEventType::HotKey);
     EXPECT_EQ(m_events[0].data.hotKey, 0x123456789ABCDEF0U);
+}
+
+// A hidden window is told of changes like any other, and who tells waits for it.
+TEST_F(WindowProcedureTest, WhatOthersWaitForIsAnsweredAndWhatIsQueuedStays)
+{
+    HWND const window = GetHwnd(m_window);
+    ASSERT_TRUE(PostMessageW(window, WM_HOTKEY, 7, 0));
+    std::atomic<int> state = 0;
+    std::thread sender(
+        [&]
+        {
+            DWORD_PTR result = 1;
+            const LRESULT answer = SendMessageTimeoutW(window, WM_DEVICECHANGE, 7, 0, SMTO_NORMAL, 3000, &result);
+            state = answer != 0 && result == 0 ? 1 : 2;
+        });
+    while (state == 0)
+    {
+        m_window.AnswerOthers();
+        Sleep(1);
+    }
+    sender.join();
+    EXPECT_EQ(state, 1) << "the sender has got its answer in time";
+    ASSERT_EQ(m_events.size(), 1U);
+    EXPECT_EQ(m_events[0].type, WindowEventType::DevicesChanged);
+    m_window.Update();
+    ASSERT_EQ(m_events.size(), 2U);
+    EXPECT_EQ(m_events[1].type, WindowEventType::HotKey);
 }
 
 TEST_F(WindowProcedureTest, OtherMessagesMakeNoEvent)

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <gmock/gmock.h>
+#include <string>
 #include <vector>
 
 namespace Orvik::System::Desktop
@@ -235,6 +236,111 @@ TEST_F(WindowWindows, BringToFrontActivatesAnyOtherTypeAsWell)
     EXPECT_EQ(GetForegroundWindow(), GetHwnd(second));
     first.BringToFront();
     EXPECT_EQ(GetForegroundWindow(), GetHwnd(first));
+}
+
+HWND const s_otherProgram = reinterpret_cast<HWND>(31);
+constexpr DWORD s_otherThread = 32;
+
+/// A desktop where the window of another program has the foreground.
+struct Foreground
+{
+    bool isHung = false;
+    bool canAttach = true;
+    bool helps = true; ///< a thread that shares the other program's input may take the foreground
+    bool isAttached = false;
+    HWND owner = s_otherProgram;
+    std::vector<std::string> calls;
+};
+Foreground s_foreground;
+
+BOOL WINAPI AttachInput(DWORD thread, DWORD other, BOOL attaches)
+{
+    EXPECT_EQ(thread, GetCurrentThreadId());
+    EXPECT_EQ(other, s_otherThread);
+    s_foreground.calls.emplace_back(attaches != FALSE ? "attach" : "detach");
+    s_foreground.isAttached = attaches != FALSE && s_foreground.canAttach;
+    return s_foreground.canAttach ? TRUE : FALSE;
+}
+
+class WindowInTheBackground : public Tests::WindowFixture
+{
+protected:
+    WindowInTheBackground()
+    {
+        s_foreground = {};
+        WindowCalls& calls = GetWindowCalls();
+        calls.setForegroundWindow = [](HWND window) -> BOOL
+        {
+            s_foreground.calls.emplace_back("set");
+            if (s_foreground.owner != nullptr && !(s_foreground.isAttached && s_foreground.helps))
+                return FALSE;
+            s_foreground.owner = window;
+            return TRUE;
+        };
+        calls.getForegroundWindow = [] { return s_foreground.owner; };
+        calls.getWindowThreadProcessId = [](HWND window, LPDWORD) -> DWORD
+        { return window == s_otherProgram ? s_otherThread : 0; };
+        calls.isHungAppWindow = [](HWND) -> BOOL { return s_foreground.isHung ? TRUE : FALSE; };
+        calls.attachThreadInput = &AttachInput;
+        EXPECT_TRUE(m_window.Create());
+    }
+    ~WindowInTheBackground() override { GetWindowCalls() = {}; }
+
+    void ExpectStaysThere(const std::vector<std::string>& calls)
+    {
+        const Tests::LogRecorder recorder;
+        m_window.BringToFront();
+        EXPECT_EQ(s_foreground.calls, calls);
+        EXPECT_THAT(recorder.GetLines(),
+                    testing::ElementsAre("System Warning: Failed to bring the window to the foreground. Keys go to "
+                                         "another program until the window is clicked."));
+    }
+};
+
+TEST_F(WindowInTheBackground, IsBroughtToTheFrontAtOnceWhereTheSystemLetsIt)
+{
+    s_foreground.owner = nullptr;
+    const Tests::LogRecorder recorder;
+    m_window.BringToFront();
+    EXPECT_THAT(s_foreground.calls, testing::ElementsAre("set"));
+    EXPECT_THAT(recorder.GetLines(), testing::IsEmpty());
+}
+
+TEST_F(WindowInTheBackground, IsBroughtToTheFrontBySharingTheInputOfTheProgramThatIsThere)
+{
+    const Tests::LogRecorder recorder;
+    m_window.BringToFront();
+    EXPECT_THAT(s_foreground.calls, testing::ElementsAre("set", "attach", "set", "detach"));
+    EXPECT_EQ(s_foreground.owner, GetHwnd(m_window));
+    EXPECT_THAT(recorder.GetLines(), testing::IsEmpty());
+}
+
+TEST_F(WindowInTheBackground, StaysThereWithAWarningIfThatIsRefusedToo)
+{
+    s_foreground.helps = false;
+    ExpectStaysThere({"set", "attach", "set", "detach"});
+}
+
+TEST_F(WindowInTheBackground, StaysThereWithAWarningIfTheInputCantBeShared)
+{
+    s_foreground.canAttach = false;
+    ExpectStaysThere({"set", "attach"});
+}
+
+// Who shares the input of a program that hangs hangs with it.
+TEST_F(WindowInTheBackground, LeavesAProgramThatHangsAlone)
+{
+    s_foreground.isHung = true;
+    ExpectStaysThere({"set"});
+}
+
+TEST_F(WindowInTheBackground, IsInFrontWhereItAlreadyWas)
+{
+    s_foreground.owner = GetHwnd(m_window);
+    const Tests::LogRecorder recorder;
+    m_window.BringToFront();
+    EXPECT_THAT(s_foreground.calls, testing::ElementsAre("set"));
+    EXPECT_THAT(recorder.GetLines(), testing::IsEmpty());
 }
 
 TEST_F(WindowWindows, AnOverlayIsOpaqueWhereItIsDrawn)

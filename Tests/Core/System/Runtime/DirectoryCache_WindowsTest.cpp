@@ -73,6 +73,55 @@ TEST(DirectoryCacheWindows, AMissingVariableLeavesTheOthers)
                                                           "from environment."));
 }
 
+// What would be derived from a directory that isn't told is not told either: a relative path would lie anywhere.
+TEST(DirectoryCacheWindows, WithoutLocalDataThereIsNoLocalLow)
+{
+    const EnvironmentVariable home("USERPROFILE", "C:\\home");
+    const EnvironmentVariable local("LOCALAPPDATA", nullptr);
+    const EnvironmentVariable roaming("APPDATA", "C:\\roaming");
+    const Tests::LogRecorder recorder;
+    DirectoryCache cache;
+    EXPECT_FALSE(cache.Initialize());
+    EXPECT_EQ(cache.GetUserProfile().value, "C:\\home");
+    EXPECT_EQ(cache.GetLocalAppData().name, "LOCALAPPDATA");
+    EXPECT_EQ(cache.GetLocalAppData().value, "");
+    EXPECT_EQ(cache.GetLocalLow(), "");
+    EXPECT_EQ(cache.GetAppData().value, "C:\\roaming");
+    EXPECT_EQ(cache.GetStartup(), "C:\\roaming\\Microsoft\\Windows\\Start Menu\\Programs\\Startup");
+    EXPECT_THAT(recorder.GetLines(), testing::ElementsAre("System Warning: Failed to retrieve the users home directory "
+                                                          "from environment."));
+}
+
+TEST(DirectoryCacheWindows, WithoutRoamingDataThereIsNoStartup)
+{
+    const EnvironmentVariable home("USERPROFILE", "C:\\home");
+    const EnvironmentVariable local("LOCALAPPDATA", "C:\\data\\Local");
+    const EnvironmentVariable roaming("APPDATA", nullptr);
+    const Tests::LogRecorder recorder;
+    DirectoryCache cache;
+    EXPECT_FALSE(cache.Initialize());
+    EXPECT_EQ(cache.GetLocalAppData().value, "C:\\data\\Local");
+    EXPECT_EQ(cache.GetLocalLow(), "C:\\data\\LocalLow");
+    EXPECT_EQ(cache.GetAppData().name, "APPDATA");
+    EXPECT_EQ(cache.GetAppData().value, "");
+    EXPECT_EQ(cache.GetStartup(), "");
+    EXPECT_THAT(recorder.GetLines(), testing::ElementsAre("System Warning: Failed to retrieve the users home directory "
+                                                          "from environment."));
+}
+
+TEST(DirectoryCacheWindows, WithoutAnyThereAreThreeWarningsAndFiveEmptyEntries)
+{
+    const EnvironmentVariable home("USERPROFILE", nullptr);
+    const EnvironmentVariable local("LOCALAPPDATA", nullptr);
+    const EnvironmentVariable roaming("APPDATA", nullptr);
+    const Tests::LogRecorder recorder;
+    DirectoryCache cache;
+    EXPECT_FALSE(cache.Initialize());
+    EXPECT_EQ(cache.GetUserProfile().value + cache.GetLocalAppData().value + cache.GetAppData().value, "");
+    EXPECT_EQ(cache.GetLocalLow() + cache.GetStartup(), "");
+    EXPECT_EQ(recorder.GetLines().size(), 3U);
+}
+
 TEST(RootDirectoryWindows, HoldsTheNearestDirectoryOfThatName)
 {
     EXPECT_EQ(FindRootDirectory("C:\\tool\\Binaries\\x64\\program.exe", "Binaries"), "C:\\tool");

@@ -3,14 +3,20 @@
 #include "Core/System/Device/Display/DisplayCalls_Windows.h"
 #include "Core/System/Device/Display/DisplayMode.h"
 #include "Core/System/Error/Exception.h"
+#include "Core/System/Error/SystemError.h"
+#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Text/Unicode.h"
 
 #include <cwchar>
+#include <optional>
 
 namespace Orvik::System::Device::Display
 {
 namespace
 {
+
+constexpr DWORD s_neededFields =
+    DM_POSITION | DM_BITSPERPEL | DM_PELSWIDTH | DM_PELSHEIGHT | DM_DISPLAYFLAGS | DM_DISPLAYFREQUENCY;
 
 /// The device name of the monitor that the foreground window lies on; empty if it isn't told.
 MONITORINFOEXW GetActiveMonitor(const DisplayCalls& calls)
@@ -21,7 +27,55 @@ MONITORINFOEXW GetActiveMonitor(const DisplayCalls& calls)
     return monitor;
 }
 
-/// Colour depth and flags are asked for and not kept: settings without them come from no display.
+/// A device whose monitor is looked for.
+struct MonitorSearch
+{
+    const wchar_t* deviceName = nullptr;
+    std::optional<RECT> area;
+};
+
+BOOL CALLBACK CompareMonitor(HMONITOR handle, HDC /*context*/, LPRECT /*area*/, LPARAM value) noexcept
+{
+    auto& search = *reinterpret_cast<MonitorSearch*>(value);
+    MONITORINFOEXW monitor = {};
+    monitor.cbSize = sizeof(monitor);
+    if (GetDisplayCalls().getMonitorInfo(handle, &monitor) == FALSE ||
+        std::wcscmp(monitor.szDevice, search.deviceName) != 0)
+        return TRUE; // go on
+    search.area = monitor.rcMonitor;
+    return FALSE;
+}
+
+std::optional<RECT> FindMonitorArea(const wchar_t* deviceName)
+{
+    MonitorSearch search = {deviceName, std::nullopt};
+    (void)GetDisplayCalls().enumDisplayMonitors(nullptr, nullptr, &CompareMonitor, reinterpret_cast<LPARAM>(&search));
+    return search.area;
+}
+
+/// The settings of a remote session's display, or of a virtual one, may lack what its monitor tells all the same. The
+/// refresh rate is unknown then.
+void CompleteFields(const wchar_t* deviceName, DEVMODEW& settings)
+{
+    const DWORD missing = s_neededFields & ~settings.dmFields;
+    if (missing == 0)
+        return;
+    const std::optional<RECT> area = FindMonitorArea(deviceName);
+    if (!area)
+        return;
+    if ((missing & DM_POSITION) != 0)
+        settings.dmPosition = {area->left, area->top};
+    if ((missing & DM_PELSWIDTH) != 0)
+        settings.dmPelsWidth = static_cast<DWORD>(area->right - area->left);
+    if ((missing & DM_PELSHEIGHT) != 0)
+        settings.dmPelsHeight = static_cast<DWORD>(area->bottom - area->top);
+    if ((missing & DM_DISPLAYFREQUENCY) != 0)
+        settings.dmDisplayFrequency = 0;
+    settings.dmFields |= missing;
+}
+
+/// Colour depth and flags are asked for and not kept: settings without them, and without a monitor, come from no
+/// display.
 void AssertFields(const DEVMODEW& displaySettings)
 {
     // The conditions name the bits by their numbers.
@@ -58,14 +112,19 @@ DisplayMode DescribeDevice(const DISPLAY_DEVICEW& device, const DEVMODEW& settin
 
 bool DisplayCache::InitializePlatform()
 {
-    // Before anything is measured: sizes and positions are physical pixels from now on.
+    // Before anything is measured: sizes and positions are physical pixels from now on. The executable's manifest says
+    // so already. A user whose compatibility settings say otherwise has decided, and gets the pixels of that.
     const DisplayCalls& calls = GetDisplayCalls();
     PROCESS_DPI_AWARENESS awareness = PROCESS_DPI_UNAWARE;
     if (SUCCEEDED(calls.getProcessDpiAwareness(GetCurrentProcess(), &awareness)) &&
-        awareness != PROCESS_PER_MONITOR_DPI_AWARE &&
-        FAILED(calls.setProcessDpiAwareness(PROCESS_PER_MONITOR_DPI_AWARE)))
+        awareness != PROCESS_PER_MONITOR_DPI_AWARE)
     {
-        throw Error::ExceptionWithDetails(ORVIK_HERE, Error::ErrorDetails(Error::DpiConfigurationError));
+        if (const HRESULT result = calls.setProcessDpiAwareness(PROCESS_PER_MONITOR_DPI_AWARE); FAILED(result))
+        {
+            Error::SetLastErrorPlatform(static_cast<std::uint32_t>(result));
+            Log::Write(m_logContext, Log::MessageTypeID::Warning, Error::DpiConfigurationError.text, " ",
+                       Error::FormatLastError());
+        }
     }
     IterateThroughDevices();
     return true;
@@ -86,9 +145,10 @@ void DisplayCache::IterateThroughDevicesPlatform()
         DEVMODEW settings = {};
         settings.dmSize = sizeof(settings);
         if (calls.enumDisplaySettings(device.DeviceName, ENUM_CURRENT_SETTINGS, &settings) == FALSE)
-            return;
+            continue;
 
         DisplayDescriptor& display = AddDisplay();
+        CompleteFields(device.DeviceName, settings);
         AssertFields(settings);
         ApplyMode(DescribeDevice(device, settings, index), display);
         if (m_activeDisplayId == InvalidDisplayId && std::wcscmp(device.DeviceName, activeMonitor.szDevice) == 0)

@@ -18,6 +18,7 @@ struct DisplayCalls
     decltype(&::GetForegroundWindow) getForegroundWindow = &::GetForegroundWindow;
     decltype(&::MonitorFromWindow) monitorFromWindow = &::MonitorFromWindow;
     decltype(&::GetMonitorInfoW) getMonitorInfo = &::GetMonitorInfoW;
+    decltype(&::EnumDisplayMonitors) enumDisplayMonitors = &::EnumDisplayMonitors;
     decltype(&::EnumDisplayDevicesW) enumDisplayDevices = &::EnumDisplayDevicesW;
     decltype(&::EnumDisplaySettingsW) enumDisplaySettings = &::EnumDisplaySettingsW;
 };
