@@ -20,7 +20,7 @@ packages=(
     libegl1 libopengl0 libgl1-mesa-dri
 )
 demo_packages=(xvfb)
-test_packages=(xvfb openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
+test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
 coverage_packages=(gcovr)
 
 font_package=@expo-google-fonts/mulish@0.4.2
