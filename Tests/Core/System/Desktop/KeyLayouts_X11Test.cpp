@@ -1,5 +1,6 @@
 // The keys of real layouts, against what Windows gives in the layouts of the same languages.
 #include "Core/System/Desktop/KeyMap_X11.h"
+#include "Core/System/Time/MonotonicClock.h"
 #include "Tests/Core/System/Desktop/XUser.h"
 
 #include <cstdlib>
@@ -78,7 +79,15 @@ private:
     [[nodiscard]] static bool Set(const std::string& layout)
     {
         const std::string command = "setxkbmap -rules evdev -model pc105 -layout " + layout;
-        return std::system(command.c_str()) == 0;
+        // The server has the layout compiled by a program, which it doesn't always get to start on a busy machine.
+        constexpr int tries = 20;
+        for (int count = 0; count < tries; ++count)
+        {
+            if (std::system(command.c_str()) == 0)
+                return true;
+            Time::Sleep(100'000'000);
+        }
+        return false;
     }
 
     bool m_isSet;
