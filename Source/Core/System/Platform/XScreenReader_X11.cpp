@@ -1,13 +1,16 @@
 #include "Core/System/Platform/XScreenReader.h"
 
+#include "Core/System/Platform/FileDescriptor.h"
 #include "Core/System/Platform/XConnection.h"
 
-#include <algorithm>
-#include <array>
+#include <X11/Xlib-xcb.h>
 #include <cstdint>
-#include <cstring>
-#include <sys/ipc.h>
-#include <sys/shm.h>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <utility>
+#include <xcb/shm.h>
 
 namespace Orvik::System::Platform
 {
@@ -19,30 +22,44 @@ std::size_t GetImageBytes(const XImage& image)
     return static_cast<std::size_t>(image.bytes_per_line) * static_cast<std::size_t>(image.height);
 }
 
+/// Taking descriptors came with version 1.2 of the extension.
+bool TakesDescriptors(::Display* display)
+{
+    int major = 0;
+    int minor = 0;
+    Bool ignored = False;
+    return XShmQueryVersion(display, &major, &minor, &ignored) != False && std::pair(major, minor) >= std::pair(1, 2);
+}
+
+/// Memory without a name, which goes with its last user. The server can't make it smaller: reading what it had cut off
+/// would end this process.
+FileDescriptor MakeMemory(std::size_t bytes)
+{
+    FileDescriptor memory(memfd_create("screen", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    if (!memory.IsOpen() || ftruncate(memory.Get(), static_cast<off_t>(bytes)) != 0 ||
+        fcntl(memory.Get(), F_ADD_SEALS, F_SEAL_SHRINK) != 0)
+        return FileDescriptor();
+    return memory;
+}
+
 } // namespace
 
 XScreenReader::XScreenReader(::Display* display, unsigned int width, unsigned int height)
     : m_display(display), m_root(DefaultRootWindow(display))
 {
-    if (XShmQueryExtension(display) == 0)
+    if (!TakesDescriptors(display))
         return;
     const XImagePointer largest = MakeSharedImage(width, height);
-    if (largest == nullptr || !AllocateSegment(GetImageBytes(*largest)))
+    if (largest == nullptr)
         return;
-    if (!AttachServer())
-        ReleaseSegment();
+    m_bytes = GetImageBytes(*largest);
+    if (!Share())
+        m_bytes = 0;
 }
 
 XScreenReader::~XScreenReader()
 {
-    if (!UsesSharedMemory())
-        return;
-    if (m_display == GetXDisplay())
-    {
-        XShmDetach(m_display, &m_segment);
-        XSync(m_display, False);
-    }
-    ReleaseSegment();
+    Release();
 }
 
 XImagePointer XScreenReader::Read(int x, int y, unsigned int width, unsigned int height)
@@ -51,6 +68,18 @@ XImagePointer XScreenReader::Read(int x, int y, unsigned int width, unsigned int
     if (XImagePointer image = ReadShared(x, y, width, height))
         return image;
     return XImagePointer(XGetImage(m_display, m_root, x, y, width, height, AllPlanes, ZPixmap));
+}
+
+void XScreenReader::Release()
+{
+    if (!UsesSharedMemory())
+        return;
+    if (m_display == GetXDisplay())
+    {
+        XShmDetach(m_display, &m_segment);
+        XSync(m_display, False);
+    }
+    Unmap();
 }
 
 XImagePointer XScreenReader::MakeSharedImage(unsigned int width, unsigned int height)
@@ -63,74 +92,49 @@ XImagePointer XScreenReader::MakeSharedImage(unsigned int width, unsigned int he
 
 XImagePointer XScreenReader::ReadShared(int x, int y, unsigned int width, unsigned int height)
 {
-    if (!UsesSharedMemory())
+    if (m_bytes == 0 || (!UsesSharedMemory() && !Share()))
         return nullptr;
     XImagePointer image = MakeSharedImage(width, height);
     // The screen may have grown since.
-    if (image == nullptr || GetImageBytes(*image) > m_segmentBytes)
+    if (image == nullptr || GetImageBytes(*image) > m_bytes)
         return nullptr;
     if (XShmGetImage(m_display, m_root, image.get(), x, y, AllPlanes) == 0)
         return nullptr;
     return image;
 }
 
-bool XScreenReader::AllocateSegment(std::size_t bytes)
+bool XScreenReader::Share()
 {
-    const int id = shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
-    if (id == -1)
+    FileDescriptor memory = MakeMemory(m_bytes);
+    if (!memory.IsOpen())
         return false;
-    void* const address = shmat(id, nullptr, 0);
-    // Linux lets others attach a segment that is marked for removal, so that it goes with the last user from here on,
-    // even if this process is killed at its next step.
-    shmctl(id, IPC_RMID, nullptr);
+    // Only the server writes.
+    void* const address = mmap(nullptr, m_bytes, PROT_READ, MAP_SHARED, memory.Get(), 0);
     if (reinterpret_cast<std::intptr_t>(address) == -1)
         return false;
-    m_segment.shmid = id;
     m_segment.shmaddr = static_cast<char*>(address);
     m_segment.readOnly = False;
-    m_segmentBytes = bytes;
-    return true;
-}
-
-bool XScreenReader::AttachServer()
-{
-    XErrorScope errors(m_display);
-    if (XShmAttach(m_display, &m_segment) == 0 || errors.HasFailed())
-        return false;
-    if (ReachesOurMemory())
+    if (AttachServer(memory.Release()))
         return true;
-    XShmDetach(m_display, &m_segment);
+    Unmap();
     return false;
 }
 
-bool XScreenReader::ReachesOurMemory()
+// Xlib has no call for it. XCB closes the descriptor. Over a network it gets lost, and the server refuses.
+bool XScreenReader::AttachServer(int memory)
 {
-    // A server outside our container attaches whatever segment has this number on its side, and is content with it.
-    // One pixel tells: a server that writes here can't leave two different values both unchanged.
-    constexpr std::array<unsigned char, 2> fillings = {0x5A, 0xA5};
-    for (const unsigned char filling : fillings)
-    {
-        const XImagePointer pixel = MakeSharedImage(1, 1);
-        if (pixel == nullptr || GetImageBytes(*pixel) > m_segmentBytes)
-            return false;
-        std::array<unsigned char, 16> before = {};
-        const std::size_t bytes = std::min(GetImageBytes(*pixel), before.size());
-        before.fill(filling);
-        std::memcpy(m_segment.shmaddr, before.data(), bytes);
-        if (XShmGetImage(m_display, m_root, pixel.get(), 0, 0, AllPlanes) == 0)
-            return false;
-        if (std::memcmp(m_segment.shmaddr, before.data(), bytes) != 0)
-            return true;
-    }
-    return false;
+    xcb_connection_t* const connection = XGetXCBConnection(m_display);
+    const std::uint32_t segment = xcb_generate_id(connection);
+    m_segment.shmseg = segment;
+    const XHandle<xcb_generic_error_t, std::free> error(
+        xcb_request_check(connection, xcb_shm_attach_fd_checked(connection, segment, memory, 0)));
+    return error == nullptr && xcb_connection_has_error(connection) == 0;
 }
 
-void XScreenReader::ReleaseSegment()
+void XScreenReader::Unmap()
 {
-    if (m_segment.shmaddr != nullptr)
-        shmdt(m_segment.shmaddr);
+    munmap(m_segment.shmaddr, m_bytes);
     m_segment = {};
-    m_segmentBytes = 0;
 }
 
 } // namespace Orvik::System::Platform
