@@ -1,6 +1,5 @@
 // The keys of real layouts, against what Windows gives in the layouts of the same languages.
 #include "Core/System/Desktop/KeyMap_X11.h"
-#include "Core/System/Time/MonotonicClock.h"
 #include "Tests/Core/System/Desktop/XUser.h"
 
 #include <cstdlib>
@@ -76,18 +75,13 @@ public:
     }
 
 private:
+    /// The layout is compiled here and handed over. The server would start the compiler itself, and go on with the old
+    /// layout, without a word, where that fails on a busy machine.
     [[nodiscard]] static bool Set(const std::string& layout)
     {
-        const std::string command = "setxkbmap -rules evdev -model pc105 -layout " + layout;
-        // The server has the layout compiled by a program, which it doesn't always get to start on a busy machine.
-        constexpr int tries = 20;
-        for (int count = 0; count < tries; ++count)
-        {
-            if (std::system(command.c_str()) == 0)
-                return true;
-            Time::Sleep(100'000'000);
-        }
-        return false;
+        const std::string command =
+            "setxkbmap -rules evdev -model pc105 -print -layout " + layout + " | xkbcomp -w 0 - $DISPLAY";
+        return std::system(command.c_str()) == 0;
     }
 
     bool m_isSet;
