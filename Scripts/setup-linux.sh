@@ -15,12 +15,12 @@ textures=$root/Resources/UI/Textures
 packages=(
     cmake ninja-build g++ libc6-dev
     libfmt-dev rapidjson-dev libpng-dev libfreetype-dev
-    libx11-dev libxext-dev libxtst-dev libxrandr-dev libxfixes-dev libxi-dev libx11-xcb-dev libxcb-shm0-dev
+    libx11-dev libx11-xcb-dev libxcb1-dev libxcb-shm0-dev libxext-dev libxtst-dev libxrandr-dev libxfixes-dev libxi-dev
     libegl-dev libgl-dev libopengl-dev
     libegl1 libopengl0 libgl1-mesa-dri
 )
 demo_packages=(xvfb)
-test_packages=(xvfb openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
+test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
 coverage_packages=(gcovr)
 
 font_package=@expo-google-fonts/mulish@0.4.2

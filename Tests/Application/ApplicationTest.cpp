@@ -148,6 +148,20 @@ TEST_F(ApplicationTest, TheOverlayComesUpInOrder)
     EXPECT_TRUE(desktop.cursorVisible) << "shown again at the end";
 }
 
+TEST_F(ApplicationTest, TheSystemsPointerIsHiddenWhileTheOverlayRuns)
+{
+    UseOutput();
+    std::vector<bool> seen;
+    const auto look = [this, &seen](System::Desktop::Window& /*window*/) { seen.push_back(desktop.cursorVisible); };
+    desktop.messages.emplace_back(look);
+    Drag({10, 20}, {110, 70});
+    desktop.messages.emplace_back(look);
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(seen, ElementsAre(false, false));
+    EXPECT_TRUE(desktop.cursorVisible) << "shown again at the end";
+}
+
 TEST_F(ApplicationTest, ADelayTakesTheWindowOffTheScreen)
 {
     UseOutput();

@@ -60,11 +60,11 @@ void InputClaim::Retry()
         m_pointer = Judge("Pointer", GrabPointer(), now);
 }
 
-std::int64_t InputClaim::GetTimeToRetry() const
+std::int64_t InputClaim::GetTimeToRetry(std::int64_t now) const
 {
     if (m_keyboard != Grab::Wanted && m_pointer != Grab::Wanted)
         return -1;
-    return std::max<std::int64_t>(m_nextTry - Time::GetMonotonicNanoseconds(), 0);
+    return std::max<std::int64_t>(m_nextTry - now, 0);
 }
 
 void InputClaim::Suspend()

@@ -27,10 +27,8 @@ public:
     void Resume();
     void End();
 
-    /// Whether `Retry` would try now.
-    [[nodiscard]] bool IsRetryDue() const { return GetTimeToRetry() == 0; }
-    /// Nanoseconds until `Retry` tries again; less than 0 if nothing is wanted.
-    [[nodiscard]] std::int64_t GetTimeToRetry() const;
+    /// Nanoseconds from `now` until `Retry` tries again; less than 0 if nothing is wanted.
+    [[nodiscard]] std::int64_t GetTimeToRetry(std::int64_t now) const;
 
     [[nodiscard]] bool HoldsKeyboard() const { return m_keyboard == Grab::Held; }
 

@@ -24,6 +24,7 @@ constexpr SymbolKey s_symbolKeys[] = {
     {XK_0, KeyCode::Digit0},
     {XK_minus, KeyCode::Minus},
     {XK_equal, KeyCode::Equals},
+    {XK_plus, KeyCode::Equals}, // of layouts that have it unshifted
     {XK_BackSpace, KeyCode::Backspace},
     {XK_Tab, KeyCode::Tab},
     {XK_ISO_Left_Tab, KeyCode::Tab},
@@ -158,6 +159,104 @@ KeyCode FindKeyByPlace(unsigned int keycode)
     return static_cast<KeyCode>(keycode - firstKeycode);
 }
 
+constexpr bool IsWithin(KeyCode key, KeyCode first, KeyCode last)
+{
+    return key >= first && key <= last;
+}
+
+constexpr bool IsLetterOrDigit(KeyCode key)
+{
+    return IsWithin(key, KeyCode::Digit1, KeyCode::Digit0) ||
+           std::find(s_letters.begin(), s_letters.end(), key) != s_letters.end();
+}
+
+/// Signs that a key is named after are of Latin 1; beyond are keys that do something.
+constexpr KeySym s_lastSign = 0xFF;
+
+/// The keys right of the digits and right of the P.
+constexpr std::array<unsigned int, 4> s_signKeycodes = {20, 21, 34, 35};
+
+/// Looks keys up in the layout that was in force at a key event.
+class Layout
+{
+public:
+    explicit Layout(const XKeyEvent& event)
+        : m_display(event.display), m_group(XkbBuildCoreState(0U, XkbGroupForCoreState(event.state)))
+    {
+    }
+
+    // Most keys have fewer groups than the layout. This look-up counts by the key's own, where one by group and level
+    // would find nothing on the arrow keys in a second layout.
+    [[nodiscard]] KeySym GetSymbol(unsigned int keycode) const
+    {
+        unsigned int ignored = 0;
+        KeySym symbol = NoSymbol;
+        XkbLookupKeySym(m_display, static_cast<::KeyCode>(keycode), m_group, &ignored, &symbol);
+        return symbol;
+    }
+
+    [[nodiscard]] KeyCode Translate(unsigned int keycode) const
+    {
+        const KeyCode place = FindKeyByPlace(keycode);
+        const KeySym symbol = GetSymbol(keycode);
+        const KeyCode named = FindKey(symbol);
+        if (symbol > s_lastSign && named != KeyCode::Undefined)
+            return named;
+        // On Windows a key of the digits' row is its digit, whatever it bears: on French keyboards a minus, on Czech
+        // ones a plus.
+        if (IsWithin(place, KeyCode::Digit1, KeyCode::Digit0) && !IsLetterOrDigit(named))
+            return place;
+        const bool isSignKey = std::find(s_signKeycodes.begin(), s_signKeycodes.end(), keycode) != s_signKeycodes.end();
+        if (isSignKey && !IsNamedSign(keycode) && HasPlusOrMinus())
+            return FindUnnamedSign(keycode);
+        return named != KeyCode::Undefined ? named : place;
+    }
+
+private:
+    /// Whether a key right of the digits or the P has a code by what it bears.
+    [[nodiscard]] bool IsNamedSign(unsigned int keycode) const
+    {
+        const KeyCode named = FindKey(GetSymbol(keycode));
+        return IsLetterOrDigit(named) || named == KeyCode::Minus || named == KeyCode::Equals ||
+               named == KeyCode::LeftBracket || named == KeyCode::RightBracket || named == KeyCode::Slash ||
+               named == KeyCode::Semicolon;
+    }
+
+    /// Whether a key beside the digits bears one of the signs. In a layout where none does, such as Thai, Windows goes
+    /// by the place.
+    [[nodiscard]] bool HasPlusOrMinus() const
+    {
+        constexpr unsigned int first = 20;
+        constexpr unsigned int last = 61;
+        for (unsigned int keycode = first; keycode <= last; ++keycode)
+        {
+            const KeyCode named = FindKey(GetSymbol(keycode));
+            if (named == KeyCode::Minus || named == KeyCode::Equals)
+                return true;
+        }
+        return false;
+    }
+
+    /// Plus and minus have their codes where they stand, so their usual places can't: Windows numbers the other keys
+    /// there one after the other.
+    [[nodiscard]] KeyCode FindUnnamedSign(unsigned int keycode) const
+    {
+        constexpr std::array<KeyCode, s_signKeycodes.size()> keys = {KeyCode::LeftBracket, KeyCode::RightBracket,
+                                                                     KeyCode::Semicolon, KeyCode::Grave};
+        // It has a virtual key of its own, which none of the codes stands for.
+        if (GetSymbol(keycode) == XK_asterisk)
+            return KeyCode::Undefined;
+        const auto* const end = std::find(s_signKeycodes.begin(), s_signKeycodes.end(), keycode);
+        const auto before = std::count_if(s_signKeycodes.begin(), end,
+                                          [this](unsigned int other)
+                                          { return !IsNamedSign(other) && GetSymbol(other) != XK_asterisk; });
+        return keys[static_cast<std::size_t>(before)];
+    }
+
+    ::Display* m_display;
+    unsigned int m_group;
+};
+
 } // namespace
 
 KeyCode FindKey(KeySym symbol)
@@ -177,19 +276,12 @@ KeyCode FindKey(KeySym symbol)
 
 KeySym GetUnshiftedSymbol(const XKeyEvent& event)
 {
-    // Most keys have fewer groups than the layout. This look-up counts by the key's own, where one by group and level
-    // would find nothing on the arrow keys in a second layout.
-    const unsigned int group = XkbBuildCoreState(0U, XkbGroupForCoreState(event.state));
-    unsigned int ignored = 0;
-    KeySym symbol = NoSymbol;
-    XkbLookupKeySym(event.display, static_cast<::KeyCode>(event.keycode), group, &ignored, &symbol);
-    return symbol;
+    return Layout(event).GetSymbol(event.keycode);
 }
 
 KeyCode TranslateKey(const XKeyEvent& event)
 {
-    const KeyCode key = FindKey(GetUnshiftedSymbol(event));
-    return key != KeyCode::Undefined ? key : FindKeyByPlace(event.keycode);
+    return Layout(event).Translate(event.keycode);
 }
 
 bool IsRepeatPair(const XKeyEvent& release, const XEvent& next)

@@ -61,7 +61,6 @@ struct PixelSurface::Native
     int top; ///< the rows of the window above the memory's first
     GC context;
     PixelPacking packing;
-    XShmSegmentInfo segment = {};
     ImagePointer image;
     Platform::XSharedMemory shared;       ///< what the image has its pixels in, if the server can reach ours
     std::vector<std::byte> own;           ///< else
@@ -92,12 +91,10 @@ bool PixelSurface::Native::Prepare()
 {
     if (image == nullptr || !packing.SetImage(*image))
         return false;
-    if (shared.Create(display, GetImageBytes()))
+    if (shared.Create(display, GetImageBytes(), Platform::XSharedMemory::Writer::Us))
     {
-        image->data = reinterpret_cast<char*>(shared.GetAddress());
-        segment.shmseg = shared.GetSegment();
-        segment.shmaddr = image->data;
-        image->obdata = reinterpret_cast<char*>(&segment); // where XShmPutImage looks for the segment
+        image->data = shared.GetSegment().shmaddr;
+        image->obdata = reinterpret_cast<char*>(&shared.GetSegment()); // where XShmPutImage looks for it
     }
     else
     {
@@ -126,7 +123,7 @@ void PixelSurface::Native::Put(const Math::Rectangle& area)
 {
     const auto areaWidth = static_cast<unsigned int>(area.right - area.left);
     const auto areaHeight = static_cast<unsigned int>(area.bottom - area.top);
-    if (shared.GetAddress() != nullptr)
+    if (shared.IsShared())
         XShmPutImage(display, window, context, image.get(), area.left, area.top, area.left, area.top + top, areaWidth,
                      areaHeight, False);
     else

@@ -112,6 +112,13 @@ bool PointerInput::IsMotionEvent(const XEvent& event) const
     return event.type == MotionNotify || (IsInputEvent(event) && event.xcookie.evtype == XI_Motion);
 }
 
+bool PointerInput::IsButtonEvent(const XEvent& event) const
+{
+    if (event.type == ButtonPress || event.type == ButtonRelease)
+        return true;
+    return IsInputEvent(event) && (event.xcookie.evtype == XI_ButtonPress || event.xcookie.evtype == XI_ButtonRelease);
+}
+
 std::optional<PointerMotion> PointerInput::ReadPlainMotion(const XEvent& event, const EventData& data) const
 {
     if (event.type == MotionNotify)

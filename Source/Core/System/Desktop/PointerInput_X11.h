@@ -38,6 +38,7 @@ public:
 
     /// Told by the event alone, without its data.
     [[nodiscard]] bool IsMotionEvent(const XEvent& event) const;
+    [[nodiscard]] bool IsButtonEvent(const XEvent& event) const;
 
     /// A motion that carries nothing else.
     [[nodiscard]] std::optional<PointerMotion> ReadPlainMotion(const XEvent& event, const EventData& data) const;

@@ -1,11 +1,9 @@
 #include "Core/System/Desktop/KeyMap_X11.h"
 #include "Core/System/Desktop/WindowHints_X11.h"
 #include "Core/System/Desktop/WindowNative_X11.h"
-#include "Core/System/Desktop/WindowStack_X11.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Platform/PointerEvent.h"
 #include "Core/System/Platform/XConnection.h"
-#include "Core/System/Time/MonotonicClock.h"
 
 #include <X11/XKBlib.h>
 #include <X11/Xresource.h>
@@ -21,6 +19,10 @@ constexpr Log::Context s_context{Log::StreamID::System};
 // An overlay comes back to the front when something covers it. Against somebody who does the same it gives in.
 constexpr std::uint32_t s_raiseCount = 6;
 constexpr std::int64_t s_raisePeriod = 10'000'000'000;
+
+// Each look at the other windows waits for the server.
+constexpr std::uint32_t s_lookCount = 8;
+constexpr std::int64_t s_lookPeriod = 200'000'000;
 
 /// Under which the windows are kept with the connection.
 XContext GetRegistry()
@@ -79,73 +81,7 @@ PointerMotion GetPlace(const CoreEvent& event)
     return {event.window, {event.x, event.y}, {event.x_root, event.y_root}, event.time};
 }
 
-/// Goes on to the newest of the motions that stand at the front of the queue, one behind the other and for the same
-/// window. The window sees where the pointer is and not where it was, however fast the mouse reports.
-PointerMotion SkipToNewest(::Display* display, PointerMotion motion)
-{
-    const PointerInput& input = PointerInput::GetInstance();
-    while (XEventsQueued(display, QueuedAlready) > 0)
-    {
-        XEvent next = {};
-        XPeekEvent(display, &next);
-        const EventData data(display, next);
-        const std::optional<PointerMotion> newer = input.ReadPlainMotion(next, data);
-        if (!newer || newer->window != motion.window)
-            break;
-        XEvent taken = {};
-        XNextEvent(display, &taken);
-        motion = *newer;
-    }
-    return motion;
-}
-
-/// Goes on to the newest of a held key's repeats that stand at the front of the queue, one behind the other. Where
-/// drawing is slower than the key, they would pile up and go on for long after its release.
-XKeyEvent SkipToNewest(::Display* display, XKeyEvent repeat)
-{
-    while (XEventsQueued(display, QueuedAlready) > 0)
-    {
-        XEvent next = {};
-        XPeekEvent(display, &next);
-        const EventData data(display, next);
-        if (next.type != KeyPress || next.xkey.keycode != repeat.keycode || next.xkey.window != repeat.window)
-            break;
-        XEvent taken = {};
-        XNextEvent(display, &taken);
-        repeat = taken.xkey;
-    }
-    return repeat;
-}
-
 } // namespace
-
-void Window::PumpMessagePlatform()
-{
-    if (!m_native || !m_native->IsUsable())
-        return;
-    ::Display* const display = m_native->display;
-    m_native->claim.Retry();
-    if (m_native->DeliverQueuedRelease())
-        return;
-    // Each press of an arrow key moves the pointer on from where the one before has put it.
-    if (Platform::TakeOwnMotion() && m_native->DeliverQueuedMotion())
-        return;
-    // The server may go while the queue is asked.
-    if (XPending(display) <= 0 || !m_native->IsUsable())
-        return;
-    XEvent event = {};
-    XNextEvent(display, &event);
-    const EventData data(display, event);
-    const std::optional<PointerMotion> motion = PointerInput::GetInstance().ReadPlainMotion(event, data);
-    if (!motion)
-    {
-        Native::Dispatch(event, data, *m_native);
-        return;
-    }
-    const PointerMotion newest = SkipToNewest(display, *motion);
-    if (Native* const native = Native::Find(display, newest.window))
-        native->OnMotion(newest);
-}
 
 Window::Native::Native(Window& owner, ::Display* connection, ::Window created, Colormap map)
     : window(owner),
@@ -155,7 +91,8 @@ Window::Native::Native(Window& owner, ::Display* connection, ::Window created, C
       claim(connection, created),
       position(owner.m_position),
       size(owner.m_size),
-      raises(s_raiseCount, s_raisePeriod)
+      raises(s_raiseCount, s_raisePeriod),
+      stackLooks(s_lookCount, s_lookPeriod)
 {
     XSaveContext(display, id, GetRegistry(), reinterpret_cast<XPointer>(this));
     if (owner.m_type == WindowType::MessageOnly)
@@ -208,37 +145,6 @@ void Window::Native::Dispatch(XEvent& event, const EventData& data, Native& pump
         native->Handle(event);
 }
 
-bool Window::Native::DeliverQueuedRelease()
-{
-    const KeyCode key = keys.TakeQueuedRelease();
-    if (key == KeyCode::Undefined)
-        return false;
-    window.DeliverKey(key, false);
-    return true;
-}
-
-bool Window::Native::DeliverQueuedMotion()
-{
-    PointerInput& input = PointerInput::GetInstance();
-    const auto isMotion = [](::Display* /*display*/, XEvent* event, XPointer context) -> Bool
-    { return reinterpret_cast<const PointerInput*>(context)->IsMotionEvent(*event) ? True : False; };
-    std::optional<PointerMotion> newest;
-    XEvent event = {};
-    while (XCheckIfEvent(display, &event, isMotion, reinterpret_cast<XPointer>(&input)) != False)
-    {
-        const EventData data(display, event);
-        if (const std::optional<PointerMotion> motion = input.ReadPlainMotion(event, data))
-            newest = motion;
-        else
-            HandleInput(data); // a turn of a wheel
-    }
-    Native* const native = newest ? Find(display, newest->window) : nullptr;
-    if (native == nullptr)
-        return false;
-    native->OnMotion(*newest);
-    return true;
-}
-
 void Window::Native::Handle(XEvent& event)
 {
     // clang-format off
@@ -277,11 +183,11 @@ void Window::Native::HandleInput(const EventData& data)
     else if (const auto* const change = data.Get<XIDeviceChangedEvent>(XI_DeviceChanged))
         input.OnDeviceChanged(*change);
     else if (data.Get<XIEnterEvent>(XI_Enter) != nullptr)
-        input.RefreshAxes(display);
+        areAxesStale = true;
     else if (data.Get<XIHierarchyEvent>(XI_HierarchyChanged) != nullptr)
     {
-        input.RefreshAxes(display);
-        window.DeliverPlain(WindowEventType::DevicesChanged);
+        areAxesStale = true;
+        NoteChange(WindowEventType::DevicesChanged);
     }
 }
 
@@ -350,15 +256,16 @@ void Window::Native::OnKeyPress(const XKeyEvent& event)
         return;
     }
     const auto physicalKey = static_cast<std::uint8_t>(event.keycode);
-    const XKeyEvent newest = keys.IsDown(physicalKey) ? SkipToNewest(display, event) : event;
+    const bool isRepeat = keys.IsDown(physicalKey);
     keys.Press(physicalKey, key);
+    const XKeyEvent newest = isRepeat ? SkipToNewest(event) : event;
     FollowPointerToKey(GetPlace(newest));
     window.DeliverKey(key, true);
 }
 
 void Window::Native::OnKeyRelease(const XKeyEvent& event)
 {
-    if (!hasDetectableRepeat && XEventsQueued(display, QueuedAfterReading) > 0)
+    if (!hasDetectableRepeat && PrepareInput(QueuedAfterReading))
     {
         XEvent next = {};
         XPeekEvent(display, &next);
@@ -391,8 +298,8 @@ void Window::Native::OnFocusOut(const XFocusChangeEvent& event)
 
 void Window::Native::OnMap()
 {
-    window.DeliverPlain(WindowEventType::Resized);
-    window.DeliverPlain(WindowEventType::Moved);
+    NoteChange(WindowEventType::Resized);
+    NoteChange(WindowEventType::Moved);
 }
 
 void Window::Native::OnConfigure(const XConfigureEvent& event)
@@ -404,31 +311,23 @@ void Window::Native::OnConfigure(const XConfigureEvent& event)
     position = newPosition;
     size = newSize;
     if (isMoved)
-        window.DeliverPlain(WindowEventType::Moved);
+        NoteChange(WindowEventType::Moved);
     if (isResized)
-        window.DeliverPlain(WindowEventType::Resized);
+        NoteChange(WindowEventType::Resized);
 }
 
 // An exposure comes in pieces that count down; drawing is for the whole window.
 void Window::Native::OnExpose(const XExposeEvent& event)
 {
     if (event.count == 0)
-        window.DeliverPlain(WindowEventType::Paint);
+        NoteChange(WindowEventType::Paint);
 }
 
-// Told by the windows on the root rather than by the overlay's visibility: it stands one row off the topmost display,
-// so that the server calls it partly covered from the start; and under a compositing manager nothing ever covers it.
 void Window::Native::OnStackChange(const XEvent& event)
 {
     const bool isForeign = (event.type == MapNotify && event.xmap.window != id) ||
                            (event.type == ConfigureNotify && event.xconfigure.window != id);
-    if (!isForeign || window.m_state != WindowState::Visible || !IsCovered(display, id) ||
-        !raises.Take(Time::GetMonotonicNanoseconds()))
-    {
-        return;
-    }
-    XRaiseWindow(display, id);
-    XFlush(display);
+    isStackChanged = isStackChanged || isForeign;
 }
 
 void Window::Native::OnClientMessage(const XClientMessageEvent& event)
@@ -440,7 +339,7 @@ void Window::Native::OnClientMessage(const XClientMessageEvent& event)
 void Window::Native::OnScreenChange(XEvent& event)
 {
     XRRUpdateConfiguration(&event);
-    window.DeliverPlain(WindowEventType::DisplayChanged);
+    NoteChange(WindowEventType::DisplayChanged);
 }
 
 } // namespace Orvik::System::Desktop

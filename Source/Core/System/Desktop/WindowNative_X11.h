@@ -11,6 +11,7 @@
 #include "Core/System/Platform/Headers/X11Headers.h"
 
 #include <optional>
+#include <vector>
 
 namespace Orvik::System::Desktop
 {
@@ -29,6 +30,34 @@ struct Window::Native
 
     /// Hands an event to the window it is for; what is for none goes to `pumping`.
     static void Dispatch(XEvent& event, const EventData& data, Native& pumping);
+
+    /// Handles what stands in the queue ahead of the next input and isn't input itself, however much it is: other
+    /// programs make it, and it mustn't keep input waiting. What it changes is noted, not delivered. Looks at no more
+    /// events than there are at the call, by Xlib's `mode` of counting them. Whether an input is at the front.
+    bool PrepareInput(int mode);
+
+    /// Whether the next message has anything to do.
+    [[nodiscard]] bool HasWork();
+
+    /// Nanoseconds until there is something to do that no event of the server announces; less than 0 if there isn't.
+    [[nodiscard]] std::int64_t GetTimeToWork() const;
+
+    /// Takes the input at the front of the queue and delivers it.
+    void DeliverInput();
+
+    /// Delivers what `PrepareInput` has noted, for this window and others.
+    void DeliverChanges();
+
+    /// Comes back to the front if other windows have changed and one of them covers this one.
+    void FollowStack();
+
+    /// Goes on to the newest of the motions that come before any other input, for the same window. The window sees
+    /// where the pointer is and not where it was, however fast the mouse reports.
+    [[nodiscard]] PointerMotion SkipToNewest(PointerMotion motion);
+
+    /// Goes on to the newest of a held key's repeats that come before any other input. Where drawing is slower than the
+    /// key, they would pile up and go on for long after its release.
+    [[nodiscard]] XKeyEvent SkipToNewest(XKeyEvent repeat);
 
     /// Delivers the next release of a key that was let go. False if there is none.
     bool DeliverQueuedRelease();
@@ -62,6 +91,11 @@ struct Window::Native
     void OnClientMessage(const XClientMessageEvent& event);
     void OnScreenChange(XEvent& event);
 
+    /// Notes a change that the window is to be told of; once is enough, however often it comes.
+    void NoteChange(WindowEventType type);
+    void NoteChangedWindow(const XEvent& event);
+    void TellChanges();
+
     Window& window;
     ::Display* display;
     ::Window id;
@@ -72,7 +106,12 @@ struct Window::Native
     Time pointerTime = 0;               ///< and when, by the server's clock
     Math::Point position;
     WindowSize size;
+    std::vector<WindowEventType> changes; ///< noted and not yet told
+    std::vector<::Window> changedWindows; ///< others of ours that have changed while this one looked at the queue
     RateLimit raises;
+    RateLimit stackLooks;
+    bool isStackChanged = false; ///< other windows have, since the last look at them
+    bool areAxesStale = false;   ///< the wheels may have been turned elsewhere
     bool hasDetectableRepeat = false;
     int layoutChangeEvent = 0; ///< the number of XKB's events, 0 without XKB
     int screenChangeEvent = 0; ///< the number of that RandR event, 0 without RandR

@@ -8,7 +8,8 @@ namespace Orvik::System::Desktop
 {
 
 /// Whether a shown window stands above `window` and shares pixels with it. Both are children of the root, as override-
-/// redirect windows and the frames of managed ones are.
+/// redirect windows and the frames of managed ones are. Waits for the server four times at most, however many windows
+/// there are; they may come and go meanwhile.
 [[nodiscard]] bool IsCovered(::Display* display, ::Window window);
 
 } // namespace Orvik::System::Desktop

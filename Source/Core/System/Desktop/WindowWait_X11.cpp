@@ -1,8 +1,10 @@
 // How a window waits for its messages.
 #include "Core/System/Desktop/WindowNative_X11.h"
 #include "Core/System/Platform/XConnection.h"
+#include "Core/System/Time/MonotonicClock.h"
 #include "Core/System/Time/Timeout.h"
 
+#include <algorithm>
 #include <array>
 #include <poll.h>
 
@@ -37,17 +39,27 @@ void WaitForEither(::Display* display, short events, std::int64_t nanoseconds, T
 
 bool Window::HasMessagePlatform()
 {
-    return m_native && m_native->IsUsable() &&
-           (m_native->keys.HasQueuedRelease() || XPending(m_native->display) > 0 || m_native->claim.IsRetryDue());
+    return m_native && m_native->IsUsable() && m_native->HasWork();
 }
 
 void Window::WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSignal& wake)
 {
     if (m_native && m_native->IsUsable())
-        WaitForEither(m_native->display, POLLIN | POLLRDHUP, GetShorter(nanoseconds, m_native->claim.GetTimeToRetry()),
-                      wake);
+        WaitForEither(m_native->display, POLLIN | POLLRDHUP, GetShorter(nanoseconds, m_native->GetTimeToWork()), wake);
     else
         WaitForEither(Platform::GetXDisplay(), POLLRDHUP, nanoseconds, wake);
+}
+
+bool Window::Native::HasWork()
+{
+    return keys.HasQueuedRelease() || PrepareInput(QueuedAfterFlush) || !changes.empty() || !changedWindows.empty() ||
+           areAxesStale || GetTimeToWork() == 0;
+}
+
+std::int64_t Window::Native::GetTimeToWork() const
+{
+    const std::int64_t now = Time::GetMonotonicNanoseconds();
+    return GetShorter(claim.GetTimeToRetry(now), isStackChanged ? stackLooks.GetTimeLeft(now) : -1);
 }
 
 } // namespace Orvik::System::Desktop

@@ -29,6 +29,8 @@ public:
 
     [[nodiscard]] bool IsOpen() const noexcept { return m_descriptor >= 0; }
     [[nodiscard]] int Get() const noexcept { return m_descriptor; }
+    /// Hands it to what closes it from here on.
+    [[nodiscard]] int Release() noexcept { return std::exchange(m_descriptor, -1); }
 
 private:
     int m_descriptor = -1;

@@ -2,13 +2,14 @@
 
 #include "Core/System/Platform/FileDescriptor.h"
 #include "Core/System/Platform/XConnection.h"
+#include "Core/System/Platform/XHandle.h"
 
 #include <X11/Xlib-xcb.h>
 #include <cstdlib>
 #include <fcntl.h>
-#include <memory>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <utility>
 #include <xcb/shm.h>
 
 namespace Orvik::System::Platform
@@ -16,74 +17,78 @@ namespace Orvik::System::Platform
 namespace
 {
 
-struct FreeDeleter
+/// Taking descriptors came with version 1.2 of the extension.
+bool TakesDescriptors(::Display* display)
 {
-    void operator()(void* reply) const noexcept { std::free(reply); }
-};
+    int major = 0;
+    int minor = 0;
+    Bool ignored = False;
+    return XShmQueryVersion(display, &major, &minor, &ignored) != False && std::pair(major, minor) >= std::pair(1, 2);
+}
 
-template <typename Reply>
-using ReplyPointer = std::unique_ptr<Reply, FreeDeleter>;
-
-/// Whether the server takes descriptors, which came with version 1.2.
-bool TakesDescriptors(xcb_connection_t* connection)
+/// Memory without a name, which goes with its last user. The server can't make it smaller: reading what it had cut off
+/// would end this process.
+FileDescriptor MakeMemory(std::size_t bytes)
 {
-    const xcb_query_extension_reply_t* const extension = xcb_get_extension_data(connection, &xcb_shm_id);
-    if (extension == nullptr || extension->present == 0)
-        return false;
-    const ReplyPointer<xcb_shm_query_version_reply_t> version(
-        xcb_shm_query_version_reply(connection, xcb_shm_query_version(connection), nullptr));
-    return version != nullptr &&
-           (version->major_version > 1 || (version->major_version == 1 && version->minor_version >= 2));
+    FileDescriptor memory(memfd_create("screen", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    if (!memory.IsOpen() || ftruncate(memory.Get(), static_cast<off_t>(bytes)) != 0 ||
+        fcntl(memory.Get(), F_ADD_SEALS, F_SEAL_SHRINK) != 0)
+        return FileDescriptor();
+    return memory;
 }
 
 } // namespace
 
-bool XSharedMemory::Create(::Display* display, std::size_t bytes)
+bool XSharedMemory::Create(::Display* display, std::size_t bytes, Writer writer)
 {
     Release();
-    if (!TakesDescriptors(XGetXCBConnection(display)))
+    if (!TakesDescriptors(display))
         return false;
-    const FileDescriptor file(memfd_create("screen", MFD_CLOEXEC));
-    if (!file.IsOpen() || ftruncate(file.Get(), static_cast<off_t>(bytes)) != 0)
+    FileDescriptor memory = MakeMemory(bytes);
+    if (!memory.IsOpen())
         return false;
-    void* const address = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, file.Get(), 0);
+    const int protection = writer == Writer::Us ? PROT_READ | PROT_WRITE : PROT_READ;
+    void* const address = mmap(nullptr, bytes, protection, MAP_SHARED, memory.Get(), 0);
     if (address == MAP_FAILED)
         return false;
     m_display = display;
-    m_address = static_cast<std::byte*>(address);
-    m_size = bytes;
-    if (Share(display, file.Get()))
+    m_bytes = bytes;
+    m_segment.shmaddr = static_cast<char*>(address);
+    m_segment.readOnly = False;
+    if (Attach(memory.Release()))
         return true;
-    munmap(m_address, m_size);
-    m_address = nullptr;
-    m_size = 0;
+    Unmap();
     return false;
-}
-
-bool XSharedMemory::Share(::Display* display, int descriptor)
-{
-    xcb_connection_t* const connection = XGetXCBConnection(display);
-    const int passed = fcntl(descriptor, F_DUPFD_CLOEXEC, 0); // the connection closes what it passes
-    if (passed < 0)
-        return false;
-    m_segment = xcb_generate_id(connection);
-    const ReplyPointer<xcb_generic_error_t> error(
-        xcb_request_check(connection, xcb_shm_attach_fd_checked(connection, m_segment, passed, 0)));
-    return error == nullptr;
 }
 
 void XSharedMemory::Release() noexcept
 {
-    if (m_address == nullptr)
+    if (!IsShared())
         return;
     if (m_display == GetXDisplay())
     {
-        xcb_shm_detach(XGetXCBConnection(m_display), m_segment);
-        XFlush(m_display);
+        XShmDetach(m_display, &m_segment);
+        XSync(m_display, False);
     }
-    munmap(m_address, m_size);
-    m_address = nullptr;
-    m_size = 0;
+    Unmap();
+}
+
+// Xlib has no call for it. XCB closes the descriptor. Over a network it gets lost, and the server refuses.
+bool XSharedMemory::Attach(int memory)
+{
+    xcb_connection_t* const connection = XGetXCBConnection(m_display);
+    const std::uint32_t segment = xcb_generate_id(connection);
+    m_segment.shmseg = segment;
+    const XHandle<xcb_generic_error_t, std::free> error(
+        xcb_request_check(connection, xcb_shm_attach_fd_checked(connection, segment, memory, 0)));
+    return error == nullptr && xcb_connection_has_error(connection) == 0;
+}
+
+void XSharedMemory::Unmap() noexcept
+{
+    munmap(m_segment.shmaddr, m_bytes);
+    m_segment = {};
+    m_bytes = 0;
 }
 
 } // namespace Orvik::System::Platform
