@@ -237,7 +237,7 @@ TEST_F(ApplicationTest, AWindowClosedByTheSystemDoesNotEndTheLoop)
     EXPECT_EQ(Run(), 0);
     stopper.join();
     EXPECT_EQ(GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U) << "the frame of the request itself";
-    EXPECT_THAT(GLRecorder::GetInstance().GetCalls("SkipFrame"), Not(IsEmpty()));
+    EXPECT_LT(desktop.waits, 1000U) << "a run without a window waits";
 }
 
 TEST_F(ApplicationTest, ARequestToEndWakesALongDelay)

@@ -22,7 +22,7 @@ namespace
 
 } // namespace
 
-GLWindow::GLWindow(std::uint32_t width, std::uint32_t height) : m_width(width), m_height(height)
+GLWindow::GLWindow(std::uint32_t width, std::uint32_t height, int x) : m_width(width), m_height(height)
 {
     ::Display* const display = GetDisplay();
     const auto& configuration = System::Platform::GetEglConfiguration();
@@ -34,7 +34,7 @@ GLWindow::GLWindow(std::uint32_t width, std::uint32_t height) : m_width(width), 
     attributes.colormap = m_colormap;
     attributes.override_redirect = True;
     const ::Window window =
-        XCreateWindow(display, DefaultRootWindow(display), 0, 0, width, height, 0, visual.depth, InputOutput,
+        XCreateWindow(display, DefaultRootWindow(display), x, 0, width, height, 0, visual.depth, InputOutput,
                       visual.visual, CWColormap | CWBorderPixel | CWOverrideRedirect, &attributes);
     XStoreName(display, window, "Before");
     XMapRaised(display, window);

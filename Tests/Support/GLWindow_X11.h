@@ -13,7 +13,8 @@ namespace Orvik::Tests
 class GLWindow
 {
 public:
-    GLWindow(std::uint32_t width, std::uint32_t height);
+    /// `x` is the column of the screen where it begins.
+    GLWindow(std::uint32_t width, std::uint32_t height, int x = 0);
     ~GLWindow();
     GLWindow(const GLWindow&) = delete;
     GLWindow& operator=(const GLWindow&) = delete;

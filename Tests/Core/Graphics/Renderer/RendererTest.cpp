@@ -1,7 +1,8 @@
 #include "Tests/Core/Graphics/Renderer/RecordedRenderer.h"
 #include "Tests/Core/Graphics/Renderer/ResourceCopy.h"
 
-#include <chrono>
+#include <functional>
+#include <utility>
 
 namespace Orvik::Tests
 {
@@ -9,7 +10,9 @@ namespace
 {
 
 using Graphics::Renderer::GLCall;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::StartsWith;
 
 } // namespace
 
@@ -97,15 +100,97 @@ TEST_F(RendererFrontEnd, AFrameDrawsTheMembersInOrderAndSwaps)
 TEST_F(RendererFrontEnd, AFrameWithoutAWindowIsSkipped)
 {
     Start();
-    const auto begin = std::chrono::steady_clock::now();
-    m_renderer.Render(System::Desktop::NativeWindow::None);
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(10)) << "nothing else sets the rate";
-    EXPECT_THAT(TakeCalls(), ElementsAre(Call("SkipFrame")));
-    m_renderer.Shutdown(s_window);
-    m_gl.ClearCalls();
-    m_renderer.Render(System::Desktop::NativeWindow::None);
-    m_renderer.GetContext().SkipFrame();
+    EXPECT_FALSE(m_renderer.Render(System::Desktop::NativeWindow::None));
     EXPECT_THAT(TakeCalls(), ElementsAre());
+    EXPECT_TRUE(m_renderer.Render(s_window)) << "what wasn't drawn for want of a window is still to be drawn";
+}
+
+TEST_F(RendererFrontEnd, AFrameThatWouldNotDifferIsNotDrawn)
+{
+    Start();
+    EXPECT_TRUE(m_renderer.Render(s_window));
+    m_gl.ClearCalls();
+    EXPECT_FALSE(m_renderer.Render(s_window));
+    EXPECT_THAT(TakeCalls(), ElementsAre());
+}
+
+TEST_F(RendererFrontEnd, AWindowThatHasLostItsPictureGetsItAgain)
+{
+    Start();
+    EXPECT_TRUE(m_renderer.Render(s_window));
+    m_renderer.Invalidate();
+    EXPECT_TRUE(m_renderer.Render(s_window));
+    EXPECT_FALSE(m_renderer.Render(s_window));
+    m_renderer.Resize(s_window, 300, 100);
+    EXPECT_TRUE(m_renderer.Render(s_window));
+}
+
+TEST_F(RendererFrontEnd, EveryChangeOfAnObjectIsDrawnOnce)
+{
+    Start();
+    std::uint16_t line = 0;
+    std::uint16_t text = 0;
+    std::uint16_t quad = 0;
+    std::uint16_t texture = 0;
+    std::uint16_t polygon = 0;
+    std::vector<System::Math::Vector4> points = {{0, 0, 0, 1}, {1, 0, 0, 1}};
+    const std::vector<std::uint8_t> pixels(12);
+    std::vector<std::array<float, 3>> positions(3);
+    std::vector<std::array<float, 4>> colors(3);
+    auto& lines = m_renderer.GetLineRenderer();
+    auto& texts = m_renderer.GetTextRenderer();
+    auto& quads = m_renderer.GetQuadRenderer();
+    auto& textures = m_renderer.GetTextureRenderer();
+    auto& polygons = m_renderer.GetPolygonRenderer();
+    const System::Math::Matrix4 moved = System::Math::Matrix4::Translation(1, 2, 3);
+    const std::vector<std::pair<const char*, std::function<void()>>> changes = {
+        {"a line", [&] { lines.Create(line, points); }},
+        {"its points", [&] { points = {{0, 0, 0, 1}, {2, 0, 0, 1}}, lines.Update(line, points); }},
+        {"its place", [&] { lines.Get(line)->model = moved; }},
+        {"its colour", [&] { lines.Get(line)->color.x = 0.5F; }},
+        {"its thickness", [&] { lines.Get(line)->thickness = 2.0F; }},
+        {"its dashes", [&] { lines.Get(line)->dashLength = 2.0F; }},
+        {"its gaps", [&] { lines.Get(line)->gapLength = 2.0F; }},
+        {"that it is hidden", [&] { lines.Get(line)->visible = false; }},
+        {"a text", [&] { texts.Create(text, "a", m_renderer); }},
+        {"its letters", [&] { texts.SetText(text, "b", m_renderer); }},
+        {"its place", [&] { texts.Get(text)->model = moved; }},
+        {"its colour", [&] { texts.Get(text)->color.w = 0.5F; }},
+        {"that it is gone", [&] { texts.Remove(text); }},
+        {"a quad", [&] { quads.Create(quad); }},
+        {"its place", [&] { quads.Get(quad)->model = moved; }},
+        {"its colour", [&] { quads.Get(quad)->color.y = 0.5F; }},
+        {"a texture", [&] { textures.Create(texture, 2, 2, 24, pixels.data(), m_renderer); }},
+        {"its pixels", [&] { textures.UpdateBitmap(texture, 2, 2, 24, pixels.data(), m_renderer); }},
+        {"its place", [&] { textures.Get(texture)->model = moved; }},
+        {"its colour", [&] { textures.Get(texture)->color.z = 0.5F; }},
+        {"a polygon", [&] { polygons.Create(polygon, positions, colors); }},
+        {"its vertices", [&] { polygons.Update(polygon); }},
+        {"its place", [&] { polygons.Get(polygon)->model = moved; }},
+    };
+    m_renderer.Render(s_window);
+    for (const auto& [name, change] : changes)
+    {
+        change();
+        EXPECT_TRUE(m_renderer.Render(s_window)) << name;
+        EXPECT_FALSE(m_renderer.Render(s_window)) << name;
+    }
+}
+
+TEST_F(RendererFrontEnd, TheSharedBufferIsAsLongAsTheDriverReads)
+{
+    m_gl.blockSize = 144;
+    ASSERT_TRUE(m_renderer.Initialize(s_window, "TestClass"));
+    const std::vector<std::string> calls = TakeCalls();
+    EXPECT_THAT(calls, Contains(Call("glBufferData", GL_UNIFORM_BUFFER, 144, 0, GL_STATIC_DRAW)));
+    EXPECT_THAT(calls, Contains(Call("glBindBufferRange", GL_UNIFORM_BUFFER, 1, s_sharedBuffer, 0, 144)));
+}
+
+TEST_F(RendererFrontEnd, TheSharedBufferIsLongEnoughForADriverThatDoesNotSay)
+{
+    m_gl.tellsBlockSizes = false;
+    ASSERT_TRUE(m_renderer.Initialize(s_window, "TestClass"));
+    EXPECT_THAT(TakeCalls(), Contains(Call("glBindBufferRange", GL_UNIFORM_BUFFER, 1, s_sharedBuffer, 0, 144)));
 }
 
 TEST_F(RendererFrontEnd, IsInertBeforeInitialisationAndAfterShutdown)
@@ -162,6 +247,37 @@ TEST_F(RendererFrontEnd, AFailedContextIsToldTwice)
     m_renderer.Shutdown(s_window);
     EXPECT_THAT(TakeCalls(), ElementsAre());
 }
+
+TEST_F(RendererFrontEnd, WithoutOpenGLTheProgramDrawsItself)
+{
+    m_gl.contextCreates = false;
+    m_renderer.SetPainter({System::Desktop::SurfaceKind::OpenGL, false, "a test"});
+    EXPECT_TRUE(m_renderer.Initialize(s_window, "TestClass"));
+    EXPECT_TRUE(m_renderer.DrawsIntoMemory());
+    EXPECT_THAT(m_log.GetLines(), ElementsAre("Graphics Verbose: OpenGL: Failed to bind all required OpenGL methods."));
+}
+
+class BrokenInstallation : public RecordedRenderer, public testing::WithParamInterface<const char*>
+{
+protected:
+    BrokenInstallation() { m_renderer.SetPainter({System::Desktop::SurfaceKind::Pixels, true, "a test"}); }
+};
+
+TEST_P(BrokenInstallation, IsNoticedByTheProgramsOwnDrawingToo)
+{
+    const std::string shader = GetParam();
+    const ResourceCopy resources;
+    ResourceCopy::RemoveShader(shader + ".vert");
+    EXPECT_FALSE(m_renderer.Initialize(s_window, "TestClass"));
+    ASSERT_EQ(m_log.GetLines().size(), 3U);
+    EXPECT_THAT(m_log.GetLines()[0], StartsWith("Graphics Error: Can't open shader: "));
+    EXPECT_EQ(m_log.GetLines()[1], "Graphics Error: OpenGL: Failed to link program (" + shader + ".vert, " + shader +
+                                       ".frag) with error a stage is missing");
+    EXPECT_EQ(m_log.GetLines()[2], "Graphics Error: Failed to initialize renderer. Debug draw is disabled!");
+    EXPECT_FALSE(m_renderer.Render(s_window));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, BrokenInstallation, testing::Values("line", "polygon", "texture", "font", "quad"));
 
 class BrokenMember : public RecordedRenderer, public testing::WithParamInterface<const char*>
 {
