@@ -69,6 +69,7 @@ void Application::GetUsage(std::string& text)
 void Application::RequestShutdown()
 {
     Application& application = GetInstance();
+    application.m_isShutdownRequested = true;
     if (application.m_mainLoopSystem != nullptr)
         application.m_mainLoopSystem->OnEvent(application, ShutdownEvent());
     else

@@ -80,7 +80,7 @@ public:
     /// this returns, that call may fault. A program with a screen ends the process here. Main thread.
     virtual void OnDisplayLost();
 
-    /// A whole run: ends other instances if asked to, starts the frame, runs the program, ends the Systems. The exit
+    /// A whole run: ends older instances if asked to, starts the frame, runs the program, ends the Systems. The exit
     /// code is in `m_returnCode` afterwards. What the program's `Main` throws leaves here.
     static void Run(const ApplicationParameters& parameters);
 
@@ -118,6 +118,9 @@ public:
 
     /// Asks the main loop to end. From any thread.
     static void RequestShutdown();
+
+    /// Whether the run has been asked to end. From any thread.
+    [[nodiscard]] bool IsShutdownRequested() const { return m_isShutdownRequested; }
 
     [[nodiscard]] const std::wstring& GetName() const { return m_name; }
     [[nodiscard]] ApplicationConfigCache& GetConfigCache() { return m_configCache; }
@@ -163,6 +166,8 @@ private:
     }
     void InitializeLogger();
     void ShutdownSystem(SystemEntry& entry);
+
+    std::atomic<bool> m_isShutdownRequested = false;
 
     static Application* s_instance;
 };
