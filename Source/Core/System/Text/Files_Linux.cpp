@@ -1,6 +1,8 @@
 #include "Core/System/Text/Files.h"
 
+#include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 
 namespace Orvik::System::Text
 {
@@ -10,6 +12,14 @@ File OpenFile(const std::string& utf8Path, const char* mode)
     // "e" is the C library's own: close the file when another program takes this process over.
     const std::string modeWithoutInheritance = std::string(mode) + "e";
     return File(std::fopen(utf8Path.c_str(), modeWithoutInheritance.c_str()));
+}
+
+File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken)
+{
+    constexpr mode_t readAndWrite = 0666; // less what the user keeps from others
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite);
+    isTaken = descriptor < 0 && errno == EEXIST;
+    return File(descriptor < 0 ? nullptr : fdopen(descriptor, "w"));
 }
 
 std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)
