@@ -11,8 +11,6 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 constexpr std::uint32_t s_shutdownPolls = 64;
 constexpr std::int64_t s_shutdownPollPeriod = 16'000'000; // nanoseconds
 
@@ -98,9 +96,9 @@ void Application::ShutdownSystem(SystemEntry& entry)
     system.OnEvent(*this, ShutdownEvent());
     if (entry.runsOnMainThread)
     {
-        Log::Write(s_context, Log::MessageTypeID::Verbose, "Calling Shutdown: '", system.GetName(), "'.");
+        Log::Write(m_context, Log::MessageTypeID::Verbose, "Calling Shutdown: '", system.GetName(), "'.");
         system.Shutdown();
-        Log::Write(s_context, Log::MessageTypeID::Verbose, "Calling PostUpdateLoop: '", system.GetName(), "'.");
+        Log::Write(m_context, Log::MessageTypeID::Verbose, "Calling PostUpdateLoop: '", system.GetName(), "'.");
         system.PostUpdateLoop();
     }
     for (std::uint32_t poll = 0; poll < s_shutdownPolls && system.GetState() != ISystem::State::Shutdown; ++poll)

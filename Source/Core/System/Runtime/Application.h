@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/System/Error/Assertion.h"
+#include "Core/System/Log/Site/Context.h"
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CurrentThread.h"
@@ -143,6 +144,7 @@ protected:
     /// False if the System doesn't come up and doesn't tolerate that.
     [[nodiscard]] bool InitializeSystem(SystemLifecycle& system, const IConfig* config);
 
+    Log::Context m_context{Log::StreamID::System}; ///< of what the frame logs about the end of its Systems
     std::wstring m_name;
     SystemPointer<Log::Logger> m_logSystem;
     SystemPointer<Threads::ThreadManager> m_threadManager;

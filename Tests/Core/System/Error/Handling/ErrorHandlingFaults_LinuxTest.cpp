@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -223,6 +224,8 @@ constexpr int s_noAllocator = 77;
 
 int FaultInTheAllocatorOfARun()
 {
+    // As a program's own is. This one was opened anew, and would ask for its buffer at the first line.
+    (void)std::setvbuf(stderr, nullptr, _IONBF, 0);
     LogPrinter printer;
     ErrorHandling::GetInstance();
     const Program program(true);
