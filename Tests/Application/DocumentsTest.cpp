@@ -131,7 +131,7 @@ TEST(Documents, TheReportsPointToTheirPlacesInTheSources)
             EXPECT_THAT(line, HasSubstr("ORVIK_HERE"));
             EXPECT_THAT(GetLine(source, number - 1) + line, HasSubstr(name + "("));
         }
-        EXPECT_THAT(source, HasSubstr(" " + (*match)[5].str() + "("));
+        EXPECT_THAT(source, HasSubstr((*match)[5].str() + "("));
         ++count;
     }
     EXPECT_EQ(count, 2U);

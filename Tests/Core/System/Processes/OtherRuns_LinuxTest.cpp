@@ -1,9 +1,11 @@
 #include "Core/System/Processes/OtherRuns.h"
 
 #include "Core/System/Processes/Process.h"
+#include "Core/System/Processes/ProcessPlatform.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Tests/Core/System/Processes/TestProcess.h"
 #include "Tests/Support/BinaryFile.h"
+#include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/PrivateMounts.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -14,6 +16,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/prctl.h>
@@ -210,6 +213,40 @@ TEST_F(OtherRuns, AProgramThatWasReplacedMeanwhileEndsThemAsWell)
     std::filesystem::remove(program);
     EXPECT_EQ(run.Finish(), s_goesOn);
     EXPECT_EQ(older.GetEndSignal(), SIGTERM);
+}
+
+TEST_F(OtherRuns, ANumberThatAnotherProcessHasByNowIsNotTerminated)
+{
+    TestProcess target(m_directory.GetPath(), "snip-reborn");
+    ProcessRecord record;
+    ASSERT_TRUE(ReadProcessRecordPlatform(target.GetId(), record));
+    EXPECT_TRUE(record.isOfSameUser);
+    EXPECT_FALSE(record.hasEnded);
+    const Tests::LogRecorder recorder;
+    Process process{target.GetId()};
+    Terminate(process, {record.startTime - 1, {}});
+    EXPECT_EQ(process.id, 0U);
+    EXPECT_FALSE(target.HasEnded());
+    EXPECT_THAT(recorder.GetLines(),
+                testing::ElementsAre("System Error: Failed to get process '" + std::to_string(target.GetId()) +
+                                     "' handle: No such process (3)"));
+    process.id = target.GetId();
+    Terminate(process, {record.startTime, {}});
+    EXPECT_EQ(target.GetEndSignal(), SIGTERM);
+}
+
+TEST_F(OtherRuns, OfAProcessThatHasEndedThereIsNoRecord)
+{
+    ProcessRecord record{5, true, true};
+    TestProcess ended(m_directory.GetPath(), "snip-ended-record");
+    ended.Kill();
+    EXPECT_FALSE(ReadProcessRecordPlatform(ended.GetId(), record));
+    EXPECT_EQ(record.startTime, 5U);
+    TestProcess unasked(m_directory.GetPath(), "snip-unasked-record");
+    kill(static_cast<pid_t>(unasked.GetId()), SIGKILL);
+    unasked.WaitUntilEnded();
+    ASSERT_TRUE(ReadProcessRecordPlatform(unasked.GetId(), record));
+    EXPECT_TRUE(record.hasEnded);
 }
 
 // In the list of processes one whose name can't be read goes under the name of the one before.

@@ -1,6 +1,5 @@
 #include "Core/System/Processes/Process.h"
 
-#include "Core/System/Processes/ProcessPlatform.h"
 #include "Tests/Core/System/Processes/TestProcess.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/RefusedSystemCall.h"
@@ -306,37 +305,6 @@ TEST_F(ProcessTest, WithoutProcessDescriptorsADeafProcessIsKilledAsWell)
                   }),
               0);
     EXPECT_EQ(target.GetEndSignal(), SIGKILL);
-}
-
-TEST_F(ProcessTest, ANumberThatAnotherProcessHasByNowIsNotTerminated)
-{
-    TestProcess target(m_directory.GetPath(), "snip-reborn");
-    ProcessRecord record;
-    ASSERT_TRUE(ReadProcessRecordPlatform(target.GetId(), record));
-    EXPECT_TRUE(record.isOfSameUser);
-    EXPECT_FALSE(record.hasEnded);
-    const Tests::LogRecorder recorder;
-    Process process{target.GetId()};
-    Terminate(process, {record.startTime - 1, {}});
-    EXPECT_EQ(process.id, 0U);
-    EXPECT_FALSE(target.HasEnded());
-    EXPECT_THAT(recorder.GetLines(), ElementsAre("System Error: Failed to get process '" +
-                                                 std::to_string(target.GetId()) + "' handle: No such process (3)"));
-    process.id = target.GetId();
-    Terminate(process, {record.startTime, {}});
-    EXPECT_EQ(target.GetEndSignal(), SIGTERM);
-}
-
-TEST_F(ProcessTest, OfAProcessThatHasEndedThereIsNoRecord)
-{
-    ProcessRecord record{5, true, true};
-    EXPECT_FALSE(ReadProcessRecordPlatform(GetEndedId(m_directory), record));
-    EXPECT_EQ(record.startTime, 5U);
-    TestProcess unasked(m_directory.GetPath(), "snip-unasked-record");
-    kill(static_cast<pid_t>(unasked.GetId()), SIGKILL);
-    unasked.WaitUntilEnded();
-    ASSERT_TRUE(ReadProcessRecordPlatform(unasked.GetId(), record));
-    EXPECT_TRUE(record.hasEnded);
 }
 
 TEST_F(ProcessTest, EnumeratesAllWithoutAName)
