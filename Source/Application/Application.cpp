@@ -64,6 +64,8 @@ void Application::Main(const System::Runtime::ApplicationParameters& parameters)
 
 std::string_view Application::RunSteps(const System::Runtime::ApplicationParameters& parameters)
 {
+    if (!m_running) // asked to end before it began, by the user or for the sake of a newer run
+        return ReturnCodeName::Success;
     if (parameters.commandLine == nullptr)
         return ReturnCodeName::WrongParameters;
     CommandLine& commandLine = *parameters.commandLine;

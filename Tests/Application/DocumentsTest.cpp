@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <regex>
+#include <sstream>
 
 namespace Orvik::SnipBench
 {
@@ -95,6 +96,45 @@ TEST(Documents, TheExitCodesAreListedAsTheyAre)
         EXPECT_THAT(page, HasSubstr("\n| " + std::to_string(code) + " | " + std::to_string(seenByShell) + " | `" +
                                     std::string(name) + "` | "));
     }
+}
+
+/// That line of a text, counted from 1; empty beyond its end.
+std::string GetLine(const std::string& text, int number)
+{
+    std::istringstream lines(text);
+    std::string line;
+    for (int count = 0; count < number; ++count)
+        if (!std::getline(lines, line))
+            return {};
+    return line;
+}
+
+// What a report names is told as it is today: the line has that assertion, or throws that exception.
+TEST(Documents, TheReportsPointToTheirPlacesInTheSources)
+{
+    const std::string page = Tests::ReadText("Docs/Logs.md");
+    const std::regex report(R"((Assertion|Exception): (?:Orvik::)?(\w+)\n[^]*?\[0\]: (/\S+) at (\d+): (\w+)\n)");
+    std::size_t count = 0;
+    for (std::sregex_iterator match(page.begin(), page.end(), report), end; match != end; ++match)
+    {
+        SCOPED_TRACE((*match)[0]);
+        const std::string source = Tests::ReadText("Source" + (*match)[3].str());
+        const int number = std::stoi((*match)[4]);
+        const std::string line = GetLine(source, number);
+        const std::string name = (*match)[2];
+        if ((*match)[1] == "Assertion")
+        {
+            EXPECT_THAT(line, HasSubstr("ORVIK_ASSERT(" + name + ","));
+        }
+        else
+        {
+            EXPECT_THAT(line, HasSubstr("ORVIK_HERE"));
+            EXPECT_THAT(GetLine(source, number - 1) + line, HasSubstr(name + "("));
+        }
+        EXPECT_THAT(source, HasSubstr((*match)[5].str() + "("));
+        ++count;
+    }
+    EXPECT_EQ(count, 2U);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "Core/System/Time/Timestamp.h"
 
 #include <limits>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -33,14 +34,32 @@ std::uint64_t GetFileSize(const std::filesystem::path& path)
     return size;
 }
 
-/// Ticks since 1970.
-std::int64_t GetWriteTime(const std::filesystem::path& path)
+/// Another run that begins at the same moment removes the same files.
+bool IsGone(const std::filesystem::path& path)
+{
+    std::error_code error;
+    return !std::filesystem::exists(path, error) && !error;
+}
+
+/// Ticks since 1970, or nothing if the file is gone.
+std::optional<std::int64_t> GetWriteTime(const std::filesystem::path& path)
 {
     std::error_code error;
     const std::int64_t time = Text::GetWriteTime(path, error);
-    if (error)
+    if (!error)
+        return time;
+    if (!IsGone(path))
         ThrowFileError("last_write_time", path, error);
-    return time;
+    return std::nullopt;
+}
+
+void RemoveExpired(const std::filesystem::path& path)
+{
+    std::error_code error;
+    const bool wasSuccessful = std::filesystem::remove(path, error) || IsGone(path);
+    if (error && !wasSuccessful)
+        ThrowFileError("remove", path, error);
+    ORVIK_ASSERT(wasSuccessful, "Failed to delete log file.");
 }
 
 /// A file system that doesn't keep the time gives the beginning of its clock: 1970 or 1601.
@@ -105,12 +124,28 @@ bool FileLogSink::OpenNewLogFile()
     const std::string name = m_fileName + "_" + Time::FormatLocalFileTime(now) + ".log";
     const std::filesystem::path path = Text::Join(m_directory, Text::PathFromUtf8(name));
 
-    // Emptied first, then written at its end: another sink may continue the same file, and neither may overwrite
-    // the other's lines.
-    if (!std::ofstream(path, std::ios::out | std::ios::trunc).is_open())
+    if (!ReserveFile(path))
         return false;
-    OpenForAppend(path);
+    // Written at its end: another sink may continue the same file, and neither may overwrite the other's lines.
+    OpenForAppend(m_reservedPath);
     return m_isOpen;
+}
+
+bool FileLogSink::ReserveFile(const std::filesystem::path& path)
+{
+    // A second split of one second begins its own file once more.
+    if (path == m_wantedPath)
+        return std::ofstream(m_reservedPath, std::ios::out | std::ios::trunc).is_open();
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored))
+        return false;
+    // A file that is there is the log of another program of this name, begun in the same second.
+    Text::NewFile file = Text::OpenNewFile(path);
+    if (file.file == nullptr)
+        return false;
+    m_wantedPath = path;
+    m_reservedPath = std::move(file.path);
+    return true;
 }
 
 void FileLogSink::OpenForAppend(const std::filesystem::path& path)
@@ -127,18 +162,14 @@ void FileLogSink::DeleteExpiredLogFiles(std::filesystem::path* latest)
     std::int64_t newest = std::numeric_limits<std::int64_t>::min();
     for (const std::filesystem::path& path : FindLogFiles())
     {
-        const std::int64_t writeTime = GetWriteTime(path);
-        if (GetExpiryLimit(m_maxFileAge) > writeTime)
+        const std::optional<std::int64_t> writeTime = GetWriteTime(path);
+        if (!writeTime)
+            continue;
+        if (GetExpiryLimit(m_maxFileAge) > *writeTime)
+            RemoveExpired(path);
+        else if (latest != nullptr && !IsUnset(*writeTime) && *writeTime > newest)
         {
-            std::error_code error;
-            const bool wasSuccessful = std::filesystem::remove(path, error);
-            if (error)
-                ThrowFileError("remove", path, error);
-            ORVIK_ASSERT(wasSuccessful, "Failed to delete log file.");
-        }
-        else if (latest != nullptr && !IsUnset(writeTime) && writeTime > newest)
-        {
-            newest = writeTime;
+            newest = *writeTime;
             *latest = path;
         }
     }

@@ -16,7 +16,8 @@ namespace Orvik::System::Log
 
 /// Writes to a file in the log directory that is complete whenever the program ends: every line is flushed. The file
 /// of an earlier run is continued while there is room in it; a full one is followed by a new one; old ones are deleted.
-/// A file is called after the base name and the local time of its beginning: "Name_2026-11-12T06-46-34.log".
+/// A file is called after the base name and the local time of its beginning: "Name_2026-11-12T06-46-34.log", with "_1"
+/// and so on where another program has begun one of that name.
 class FileLogSink final : public Sink
 {
 public:
@@ -40,6 +41,8 @@ private:
     /// Throws in the name of the place that is about to open a file.
     void ExpectClosed(const Error::SourceLocation& location) const;
     [[nodiscard]] bool OpenNewLogFile();
+    /// Makes an empty file of that name, or of the next that no other program has taken.
+    [[nodiscard]] bool ReserveFile(const std::filesystem::path& path);
     void OpenForAppend(const std::filesystem::path& path);
     void SplitLogFileIfNeeded();
     [[nodiscard]] bool HasReachedMaxSize();
@@ -52,6 +55,8 @@ private:
     std::string m_fileName;
     std::filesystem::path m_directory;
     std::filesystem::path m_currentPath;
+    std::filesystem::path m_wantedPath;   ///< the name, by the time, of the last file that this sink made
+    std::filesystem::path m_reservedPath; ///< the name that it got
     std::ofstream m_stream;
     bool m_isOpen = false;       ///< what the sink believes of `m_stream`
     std::uint64_t m_maxFileSize; ///< bytes

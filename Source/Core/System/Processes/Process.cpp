@@ -39,13 +39,15 @@ std::string& GetName(const Process& process, std::string& text)
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to get name of process '", process.id,
                    "': ", Error::FormatLastError());
         break;
+    case ProcessResult::Interrupted: // nothing is awaited here
+        break;
     }
     return text;
 }
 
-void Terminate(Process& process)
+void Terminate(Process& process, const Termination& termination)
 {
-    switch (EndProcessPlatform(process.id))
+    switch (EndProcessPlatform(process.id, termination))
     {
     case ProcessResult::Done:
         Log::Write(s_context, Log::MessageTypeID::Verbose, "Process '", process.id, "' terminated successfully.");
@@ -56,6 +58,8 @@ void Terminate(Process& process)
     case ProcessResult::Failed:
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to terminate process '", process.id,
                    "': ", Error::FormatLastError());
+        break;
+    case ProcessResult::Interrupted:
         break;
     }
     process.id = 0;

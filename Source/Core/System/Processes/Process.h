@@ -20,8 +20,16 @@ struct Process
 /// name can't be found; a log line tells why.
 std::string& GetName(const Process& process, std::string& text);
 
+/// What narrows the end of a process.
+struct Termination
+{
+    std::uint64_t startTime = 0; ///< only the process that was made then, whatever has its number now; 0 for any
+    /// Asked every few milliseconds while the end is awaited: true gives up the wait, though not the end. May be empty.
+    std::function<bool()> isInterrupted;
+};
+
 /// Ends the process and sets its id to 0, whether that worked or not; a log line tells.
-void Terminate(Process& process);
+void Terminate(Process& process, const Termination& termination = {});
 
 /// Calls `callback` for each running process of that name, case sensitive, or for all if `name` is empty. Returns the
 /// number of calls.

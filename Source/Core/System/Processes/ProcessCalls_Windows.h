@@ -15,6 +15,11 @@ struct ProcessCalls
 {
     decltype(&::OpenProcess) openProcess = &::OpenProcess;
     decltype(&::TerminateProcess) terminateProcess = &::TerminateProcess;
+    decltype(&::GetProcessTimes) getProcessTimes = &::GetProcessTimes;
+    decltype(&::GetExitCodeProcess) getExitCodeProcess = &::GetExitCodeProcess;
+    decltype(&::ProcessIdToSessionId) processIdToSessionId = &::ProcessIdToSessionId;
+    decltype(&::OpenProcessToken) openProcessToken = &::OpenProcessToken;
+    decltype(&::GetTokenInformation) getTokenInformation = &::GetTokenInformation;
     decltype(&::K32EnumProcesses) enumProcesses = &::K32EnumProcesses;
     decltype(&::K32EnumProcessModulesEx) enumProcessModules = &::K32EnumProcessModulesEx;
     decltype(&::K32GetModuleBaseNameW) getModuleBaseName = &::K32GetModuleBaseNameW;

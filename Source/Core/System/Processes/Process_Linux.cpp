@@ -14,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <poll.h>
+#include <sstream>
 #include <string_view>
 #include <sys/syscall.h>
 #include <sys/types.h>
@@ -32,6 +33,8 @@ constexpr std::int64_t s_endNanoseconds = 3'000 * s_millisecond;
 /// How long the system may take to remove a process that was killed.
 constexpr std::int64_t s_killNanoseconds = 1'000 * s_millisecond;
 constexpr std::int64_t s_pollNanoseconds = 5 * s_millisecond;
+/// How long the user may have to wait for a run that is asked to end while it waits itself.
+constexpr std::int64_t s_interruptionNanoseconds = 20 * s_millisecond;
 
 struct CloseDirectory
 {
@@ -132,6 +135,60 @@ bool IsOfSameUser(const FileDescriptor& directory)
     return error == std::errc() && user == geteuid();
 }
 
+/// State and start of a process, as its status line has them. False if that can't be read.
+bool ReadLife(const FileDescriptor& directory, ProcessRecord& record)
+{
+    const std::optional<std::string> line = ReadProcessFile(directory, "stat");
+    if (!line)
+        return false;
+    // The name in front may have anything in it, blanks and brackets too.
+    const std::size_t nameEnd = line->rfind(')');
+    if (nameEnd == std::string::npos)
+        return false;
+    std::string_view rest = std::string_view(*line).substr(nameEnd + 1);
+    const auto takeItem = [&rest]
+    {
+        rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+        const std::string_view item = rest.substr(0, rest.find(' '));
+        rest.remove_prefix(item.size());
+        return item;
+    };
+    const std::string_view state = takeItem();
+    constexpr int itemsBetween = 18;
+    for (int index = 0; index < itemsBetween; ++index)
+        (void)takeItem();
+    const std::string_view start = takeItem();
+    const auto [end, error] = std::from_chars(start.data(), start.data() + start.size(), record.startTime);
+    record.hasEnded = state == "Z" || state == "X";
+    return error == std::errc() && end == start.data() + start.size();
+}
+
+/// The path of the file that the address lies in, as the list of the process's mappings writes it; empty if none.
+std::string FindMappedFile(const FileDescriptor& directory, std::uintptr_t address)
+{
+    const FileDescriptor file(openat(directory.Get(), "maps", O_RDONLY | O_CLOEXEC));
+    std::string text;
+    std::array<char, 4096> block = {};
+    ssize_t length = 0;
+    while (file.IsOpen() && (length = read(file.Get(), block.data(), block.size())) > 0)
+        text.append(block.data(), static_cast<std::size_t>(length));
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+    {
+        std::uintptr_t begin = 0;
+        std::uintptr_t end = 0;
+        const char* const last = line.data() + line.size();
+        const auto [dash, error] = std::from_chars(line.data(), last, begin, 16);
+        if (error != std::errc() || dash == last || std::from_chars(dash + 1, last, end, 16).ec != std::errc())
+            continue;
+        if (address < begin || address >= end)
+            continue;
+        const std::size_t path = line.find('/');
+        return path != std::string::npos ? line.substr(path) : std::string();
+    }
+    return {};
+}
+
 /// One process to end. Where the kernel has process descriptors it is held by one, so that no other process that
 /// gets its number meanwhile is hit.
 class EndingProcess
@@ -155,18 +212,20 @@ public:
         return syscall(SYS_pidfd_send_signal, m_descriptor.Get(), signal, nullptr, 0) == 0;
     }
 
-    /// Waits until the process is gone, for `nanoseconds` at most.
-    [[nodiscard]] bool WaitForEnd(std::int64_t nanoseconds) const
+    /// Waits until the process is gone, for `nanoseconds` at most. `Failed` if it isn't by then.
+    [[nodiscard]] ProcessResult WaitForEnd(std::int64_t nanoseconds, const std::function<bool()>& isInterrupted) const
     {
         const std::int64_t deadline = Time::GetMonotonicNanoseconds() + nanoseconds;
         while (!HasEnded())
         {
             const std::int64_t remaining = deadline - Time::GetMonotonicNanoseconds();
             if (remaining <= 0)
-                return false;
-            Pause(remaining);
+                return ProcessResult::Failed;
+            if (isInterrupted && isInterrupted())
+                return ProcessResult::Interrupted;
+            Pause(isInterrupted ? std::min(remaining, s_interruptionNanoseconds) : remaining);
         }
-        return true;
+        return ProcessResult::Done;
     }
 
 private:
@@ -200,18 +259,29 @@ private:
     bool m_hasNoDescriptors; ///< an older kernel, or a sandbox that keeps them from us
 };
 
-ProcessResult AskToEnd(const EndingProcess& process)
+ProcessResult AskToEnd(const EndingProcess& process, const std::function<bool()>& isInterrupted)
 {
     if (!process.Send(SIGTERM))
         return errno == ESRCH ? ProcessResult::Done : ProcessResult::Failed;
-    if (process.WaitForEnd(s_endNanoseconds))
-        return ProcessResult::Done;
+    ProcessResult result = process.WaitForEnd(s_endNanoseconds, isInterrupted);
+    if (result != ProcessResult::Failed)
+        return result;
     if (!process.Send(SIGKILL))
         return errno == ESRCH ? ProcessResult::Done : ProcessResult::Failed;
-    if (process.WaitForEnd(s_killNanoseconds))
-        return ProcessResult::Done;
-    errno = ETIME;
-    return ProcessResult::Failed;
+    result = process.WaitForEnd(s_killNanoseconds, isInterrupted);
+    if (result == ProcessResult::Failed)
+        errno = ETIME;
+    return result;
+}
+
+/// Whether the directory is of the process that was made then; 0 for any.
+bool WasStartedAt(const FileDescriptor& directory, std::uint64_t startTime)
+{
+    ProcessRecord record;
+    if (startTime == 0 || (ReadLife(directory, record) && record.startTime == startTime))
+        return true;
+    errno = ESRCH;
+    return false;
 }
 
 } // namespace
@@ -248,16 +318,43 @@ ProcessResult ReadProcessNamePlatform(std::uint64_t id, std::string& name)
     return ProcessResult::Done;
 }
 
-ProcessResult EndProcessPlatform(std::uint64_t id)
+bool ReadProcessRecordPlatform(std::uint64_t id, ProcessRecord& record)
+{
+    const FileDescriptor directory = OpenProcessDirectory(id);
+    ProcessRecord found;
+    if (!directory.IsOpen() || !ReadLife(directory, found))
+        return false;
+    found.isOfSameUser = IsOfSameUser(directory);
+    record = found;
+    return true;
+}
+
+bool IsOwnExecutablePlatform()
+{
+    const FileDescriptor directory = OpenProcessDirectory(GetCurrentProcessIdPlatform());
+    std::array<char, PATH_MAX> target = {};
+    const ssize_t length = readlinkat(directory.Get(), "exe", target.data(), target.size());
+    if (length <= 0)
+        return false;
+    // Texts, since some file systems give the same file another device number in each of the two. The list has a line
+    // for each mapping, so a line's end within a path is written as a number there.
+    std::string executable(target.data(), static_cast<std::size_t>(length));
+    for (std::size_t end = 0; (end = executable.find('\n', end)) != std::string::npos;)
+        executable.replace(end, 1, "\\012");
+    const auto ownCode = reinterpret_cast<std::uintptr_t>(&IsOwnExecutablePlatform);
+    return FindMappedFile(directory, ownCode) == executable;
+}
+
+ProcessResult EndProcessPlatform(std::uint64_t id, const Termination& termination)
 {
     const FileDescriptor directory = OpenProcessDirectory(id);
     if (!directory.IsOpen())
         return ProcessResult::NoHandle;
     // The directory is read behind the descriptor's opening: that it still tells shows that both are the same process.
     const EndingProcess process(id, directory);
-    if (!process.IsOpen() || !IsOfSameUser(directory))
+    if (!process.IsOpen() || !IsOfSameUser(directory) || !WasStartedAt(directory, termination.startTime))
         return ProcessResult::NoHandle;
-    return AskToEnd(process);
+    return AskToEnd(process, termination.isInterrupted);
 }
 
 } // namespace Orvik::System::Processes

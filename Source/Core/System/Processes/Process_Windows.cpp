@@ -5,7 +5,10 @@
 #include "Core/System/Text/Unicode.h"
 
 #include <array>
+#include <cstddef>
 #include <limits>
+#include <optional>
+#include <vector>
 
 namespace Orvik::System::Processes
 {
@@ -48,6 +51,57 @@ std::vector<HMODULE> ListModules(HANDLE process)
     return modules;
 }
 
+/// When the system made the process, in 100-nanosecond ticks; 0 if it doesn't tell.
+std::uint64_t ReadStartTime(HANDLE process)
+{
+    FILETIME creation = {};
+    FILETIME unused = {};
+    if (GetProcessCalls().getProcessTimes(process, &creation, &unused, &unused, &unused) == FALSE)
+        return 0;
+    return std::uint64_t{creation.dwHighDateTime} << 32U | creation.dwLowDateTime;
+}
+
+/// The record of a process's owner, empty if the system doesn't tell.
+std::vector<std::byte> ReadOwner(HANDLE process)
+{
+    const ProcessCalls& calls = GetProcessCalls();
+    HANDLE opened = nullptr;
+    if (calls.openProcessToken(process, TOKEN_QUERY, &opened) == FALSE)
+        return {};
+    const WindowsHandle token(opened);
+    DWORD needed = 0;
+    calls.getTokenInformation(token.get(), TokenUser, nullptr, 0, &needed);
+    std::vector<std::byte> owner(needed);
+    if (needed < sizeof(TOKEN_USER) ||
+        calls.getTokenInformation(token.get(), TokenUser, owner.data(), needed, &needed) == FALSE)
+        return {};
+    return owner;
+}
+
+bool AreSameOwner(const std::vector<std::byte>& first, const std::vector<std::byte>& second)
+{
+    if (first.empty() || second.empty())
+        return false;
+    return EqualSid(reinterpret_cast<const TOKEN_USER*>(first.data())->User.Sid,
+                    reinterpret_cast<const TOKEN_USER*>(second.data())->User.Sid) != FALSE;
+}
+
+/// The desktop that a process is on: each user who is logged on has another.
+std::optional<DWORD> ReadSession(std::uint64_t id)
+{
+    DWORD session = 0;
+    if (GetProcessCalls().processIdToSessionId(static_cast<DWORD>(id), &session) == FALSE)
+        return std::nullopt;
+    return session;
+}
+
+bool IsOfSameUser(HANDLE process, std::uint64_t id)
+{
+    const std::optional<DWORD> session = ReadSession(id);
+    return session && session == ReadSession(GetCurrentProcessId()) &&
+           AreSameOwner(ReadOwner(process), ReadOwner(::GetCurrentProcess()));
+}
+
 } // namespace
 
 std::uint64_t GetCurrentProcessIdPlatform()
@@ -84,11 +138,38 @@ ProcessResult ReadProcessNamePlatform(std::uint64_t id, std::string& name)
     return ProcessResult::Done;
 }
 
-ProcessResult EndProcessPlatform(std::uint64_t id)
+bool ReadProcessRecordPlatform(std::uint64_t id, ProcessRecord& record)
 {
-    const WindowsHandle process = Open(PROCESS_TERMINATE, id);
+    const WindowsHandle process = Open(PROCESS_QUERY_LIMITED_INFORMATION, id);
+    if (process == nullptr)
+        return false;
+    const std::uint64_t startTime = ReadStartTime(process.get());
+    DWORD exitCode = 0;
+    if (startTime == 0 || GetProcessCalls().getExitCodeProcess(process.get(), &exitCode) == FALSE)
+        return false;
+    record = {startTime, IsOfSameUser(process.get(), id), exitCode != STILL_ACTIVE};
+    return true;
+}
+
+bool IsOwnExecutablePlatform()
+{
+    constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    HMODULE module = nullptr;
+    const auto* const ownCode = reinterpret_cast<const wchar_t*>(&IsOwnExecutablePlatform);
+    return GetModuleHandleExW(flags, ownCode, &module) != FALSE && module == GetModuleHandleW(nullptr);
+}
+
+ProcessResult EndProcessPlatform(std::uint64_t id, const Termination& termination)
+{
+    const DWORD access = PROCESS_TERMINATE | (termination.startTime != 0 ? PROCESS_QUERY_LIMITED_INFORMATION : 0);
+    const WindowsHandle process = Open(access, id);
     if (process == nullptr)
         return ProcessResult::NoHandle;
+    if (termination.startTime != 0 && ReadStartTime(process.get()) != termination.startTime)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER); // as for a number that no process has
+        return ProcessResult::NoHandle;
+    }
     return GetProcessCalls().terminateProcess(process.get(), 0) != FALSE ? ProcessResult::Done : ProcessResult::Failed;
 }
 

@@ -11,8 +11,6 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 constexpr std::uint32_t s_shutdownPolls = 64;
 constexpr std::int64_t s_shutdownPollPeriod = 16'000'000; // nanoseconds
 
@@ -69,6 +67,7 @@ void Application::GetUsage(std::string& text)
 void Application::RequestShutdown()
 {
     Application& application = GetInstance();
+    application.m_isShutdownRequested = true;
     if (application.m_mainLoopSystem != nullptr)
         application.m_mainLoopSystem->OnEvent(application, ShutdownEvent());
     else
@@ -97,9 +96,9 @@ void Application::ShutdownSystem(SystemEntry& entry)
     system.OnEvent(*this, ShutdownEvent());
     if (entry.runsOnMainThread)
     {
-        Log::Write(s_context, Log::MessageTypeID::Verbose, "Calling Shutdown: '", system.GetName(), "'.");
+        Log::Write(m_context, Log::MessageTypeID::Verbose, "Calling Shutdown: '", system.GetName(), "'.");
         system.Shutdown();
-        Log::Write(s_context, Log::MessageTypeID::Verbose, "Calling PostUpdateLoop: '", system.GetName(), "'.");
+        Log::Write(m_context, Log::MessageTypeID::Verbose, "Calling PostUpdateLoop: '", system.GetName(), "'.");
         system.PostUpdateLoop();
     }
     for (std::uint32_t poll = 0; poll < s_shutdownPolls && system.GetState() != ISystem::State::Shutdown; ++poll)

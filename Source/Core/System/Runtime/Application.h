@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/System/Error/Assertion.h"
+#include "Core/System/Log/Site/Context.h"
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CurrentThread.h"
@@ -80,7 +81,7 @@ public:
     /// this returns, that call may fault. A program with a screen ends the process here. Main thread.
     virtual void OnDisplayLost();
 
-    /// A whole run: ends other instances if asked to, starts the frame, runs the program, ends the Systems. The exit
+    /// A whole run: ends older instances if asked to, starts the frame, runs the program, ends the Systems. The exit
     /// code is in `m_returnCode` afterwards. What the program's `Main` throws leaves here.
     static void Run(const ApplicationParameters& parameters);
 
@@ -119,6 +120,9 @@ public:
     /// Asks the main loop to end. From any thread.
     static void RequestShutdown();
 
+    /// Whether the run has been asked to end. From any thread.
+    [[nodiscard]] bool IsShutdownRequested() const { return m_isShutdownRequested; }
+
     [[nodiscard]] const std::wstring& GetName() const { return m_name; }
     [[nodiscard]] ApplicationConfigCache& GetConfigCache() { return m_configCache; }
 
@@ -140,6 +144,7 @@ protected:
     /// False if the System doesn't come up and doesn't tolerate that.
     [[nodiscard]] bool InitializeSystem(SystemLifecycle& system, const IConfig* config);
 
+    Log::Context m_context{Log::StreamID::System}; ///< of what the frame logs about the end of its Systems
     std::wstring m_name;
     SystemPointer<Log::Logger> m_logSystem;
     SystemPointer<Threads::ThreadManager> m_threadManager;
@@ -163,6 +168,8 @@ private:
     }
     void InitializeLogger();
     void ShutdownSystem(SystemEntry& entry);
+
+    std::atomic<bool> m_isShutdownRequested = false;
 
     static Application* s_instance;
 };

@@ -9,7 +9,7 @@ class CommandLine;
 struct ApplicationParameters
 {
     bool reservedFlag = false;           ///< read by nothing
-    bool terminateOtherInstances = true; ///< `Run` ends every other process of the same executable name
+    bool terminateOtherInstances = true; ///< `Run` ends the older processes of the same executable name
     CommandLine* commandLine = nullptr;  ///< the process's arguments and, later, its options
     void* extension = nullptr;           ///< kept, read by nothing
 };

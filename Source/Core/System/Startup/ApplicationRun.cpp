@@ -4,7 +4,7 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Log.h"
 #include "Core/System/Log/Site/LogSite.h"
-#include "Core/System/Processes/Process.h"
+#include "Core/System/Processes/OtherRuns.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/DirectoryCache.h"
@@ -21,20 +21,10 @@ namespace
 
 constexpr Log::Context s_context{Log::StreamID::System};
 
-void TerminateOtherInstances()
+bool IsAskedToEnd()
 {
-    const Processes::Process current = Processes::GetCurrentProcess();
-    std::string name;
-    Processes::GetName(current, name);
-    // Without its own name the program would end everything, and without its own id itself.
-    if (name.empty() || current.id == 0)
-        return;
-    Processes::EnumerateProcesses(name,
-                                  [&current](Processes::Process& process)
-                                  {
-                                      if (process.id != current.id)
-                                          Processes::Terminate(process);
-                                  });
+    const Application* const application = Application::FindInstance();
+    return application != nullptr && application->IsShutdownRequested();
 }
 
 const char* GetExecutablePath(const CommandLine* commandLine)
@@ -48,9 +38,10 @@ const char* GetExecutablePath(const CommandLine* commandLine)
 
 void Application::Run(const ApplicationParameters& parameters)
 {
-    if (parameters.terminateOtherInstances)
-        TerminateOtherInstances();
+    const bool isToGoOn = !parameters.terminateOtherInstances || Processes::EndOlderRuns(&IsAskedToEnd);
     Application& application = GetInstance();
+    if (!isToGoOn && !application.IsShutdownRequested())
+        RequestShutdown(); // the program ends its run as soon as it sees that
     application.Application::Main(parameters);
     application.Main(parameters);
     application.ShutdownSystems();

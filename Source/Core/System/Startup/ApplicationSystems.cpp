@@ -78,7 +78,7 @@ void Application::ShutdownSystems()
     }
     if (m_mainLoopSystem != nullptr)
         m_mainLoopSystem->OnShutdown();
-    Log::Write(s_context, Log::MessageTypeID::Verbose, "Successful shutdown. See you soon!");
+    Log::Write(m_context, Log::MessageTypeID::Verbose, "Successful shutdown. See you soon!");
     if (m_logSystem != nullptr)
         m_logSystem->OnShutdown();
     // Fault reporting may wait for this on another thread.

@@ -40,6 +40,21 @@ Replacement PutInPlace(const std::filesystem::path& part, const std::filesystem:
 
 } // namespace
 
+NewFile OpenNewFile(const std::filesystem::path& path)
+{
+    constexpr int maxNumber = 1'000'000;
+    bool isTaken = false;
+    NewFile made{OpenNewFilePlatform(path, isTaken), path};
+    for (int number = 1; isTaken && number < maxNumber; ++number)
+    {
+        made.path = path.parent_path() / path.stem();
+        made.path += "_" + std::to_string(number);
+        made.path += path.extension();
+        made.file = OpenNewFilePlatform(made.path, isTaken);
+    }
+    return made;
+}
+
 Replacement ReplaceFile(const std::filesystem::path& path, const std::string& text)
 {
     std::filesystem::path part = path;

@@ -23,6 +23,21 @@ using File = std::unique_ptr<std::FILE, CloseOnDestruction>;
 /// last system error then says why. Programs that this one starts don't inherit the file.
 [[nodiscard]] File OpenFile(const std::string& utf8Path, const char* mode);
 
+/// A file that was made just now.
+struct NewFile
+{
+    File file;                  ///< open for writing, as text
+    std::filesystem::path path; ///< the name that was free
+};
+
+/// Makes a file that nothing stands in the place of and opens it. A name that is taken, by a link too, isn't touched or
+/// followed: the next is tried, with "_1", "_2" and so on ahead of the extension. Nothing is open if the system
+/// refuses.
+[[nodiscard]] NewFile OpenNewFile(const std::filesystem::path& path);
+
+/// The same under this name alone. Null if that can't be, with `isTaken` set if something of that name is there.
+[[nodiscard]] File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken);
+
 enum class Replacement : std::uint8_t
 {
     Done,

@@ -1,6 +1,8 @@
 #include "Core/System/Text/Files.h"
 
+#include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 
 namespace Orvik::System::Text
 {
@@ -16,6 +18,14 @@ File OpenFile(const std::string& utf8Path, const char* mode)
 bool IsHeldPlatform(const std::filesystem::path& /*path*/, const std::error_code& /*error*/)
 {
     return false;
+}
+
+File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken)
+{
+    constexpr mode_t readAndWrite = 0666; // less what the user keeps from others
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite);
+    isTaken = descriptor < 0 && errno == EEXIST;
+    return File(descriptor < 0 ? nullptr : fdopen(descriptor, "w"));
 }
 
 std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)

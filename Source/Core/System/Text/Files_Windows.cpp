@@ -3,7 +3,10 @@
 #include "Core/System/Platform/Headers/WindowsHandle.h"
 #include "Core/System/Text/Unicode.h"
 
+#include <cstdint>
 #include <cwchar>
+#include <fcntl.h>
+#include <io.h>
 
 namespace Orvik::System::Text
 {
@@ -21,6 +24,19 @@ bool IsHeldPlatform(const std::filesystem::path& path, const std::error_code& er
     const DWORD attributes = GetFileAttributesW(path.c_str());
     const bool isDirectory = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return !isDirectory && (error == std::errc::permission_denied || error == std::errc::device_or_resource_busy);
+}
+
+File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken)
+{
+    constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    HANDLE const opened =
+        CreateFileW(path.c_str(), GENERIC_WRITE, shared, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    isTaken = opened == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS;
+    if (opened == INVALID_HANDLE_VALUE)
+        return nullptr;
+    // From here on the handle is the C library's to close.
+    const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(opened), _O_TEXT | _O_NOINHERIT);
+    return File(_fdopen(descriptor, "wt"));
 }
 
 // The standard library's is cut to whole seconds here.

@@ -321,6 +321,33 @@ TEST_F(FileLogSinkTest, ASecondSplitInOneSecondReplacesTheFirstsFile)
     EXPECT_EQ(Read(sink->GetCurrentPath().filename().string()), "");
 }
 
+TEST_F(FileLogSinkTest, AFileThatAnotherProgramHasBegunInTheSameSecondIsNotEmptied)
+{
+    // Files that are never continued, so that a new one is begun.
+    const auto beginning = std::filesystem::file_time_type::clock::from_sys(std::chrono::sys_seconds{});
+    const std::time_t now = GetTime();
+    for (std::time_t time = now; time < now + 20; ++time)
+    {
+        std::ofstream(GetPath(MakeName(time))) << "another's\n";
+        std::filesystem::last_write_time(GetPath(MakeName(time)), beginning);
+    }
+    const auto sink = MakeSink(s_manyBytes, 100'000);
+    ASSERT_TRUE(sink->Open());
+    sink->Write("own\n");
+    const std::string name = sink->GetCurrentPath().filename().string();
+    EXPECT_TRUE(name.ends_with("_1.log")) << name;
+    EXPECT_EQ(Read(name), "own\n");
+    EXPECT_EQ(Read(name.substr(0, name.size() - 6) + ".log"), "another's\n");
+    EXPECT_EQ(GetNames().size(), 21U);
+}
+
+TEST_F(FileLogSinkTest, AFileWithANumberIsContinuedLikeAnyOther)
+{
+    MakeFile("Name_2026-11-12T06-46-34.log", "old\n", hours(2));
+    MakeFile("Name_2026-11-12T06-46-34_1.log", "newer\n", hours(1));
+    EXPECT_EQ(WriteOneLine(), "Name_2026-11-12T06-46-34_1.log");
+}
+
 TEST_F(FileLogSinkTest, TwoSinksOfOneDirectoryShareTheFileWithoutLosingLines)
 {
     const auto first = MakeSink();

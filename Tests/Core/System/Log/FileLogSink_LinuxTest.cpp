@@ -10,9 +10,12 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <iostream>
+#include <list>
 #include <string>
 #include <sys/resource.h>
 #include <sys/syscall.h>
+#include <thread>
 
 namespace Orvik::System::Log
 {
@@ -90,6 +93,42 @@ TEST(FileLogSink, AnExpiredFileThatCannotBeRemovedIsThrown)
             }
         });
     EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST(FileLogSink, RunsThatBeginAtOnceRemoveTheSameExpiredFiles)
+{
+    const Tests::TemporaryDirectory directory;
+    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::days(11);
+    for (int index = 0; index < 500; ++index)
+    {
+        const std::filesystem::path file = directory.GetPath() / ("Name_2" + std::to_string(index) + ".log");
+        std::ofstream(file).flush();
+        std::filesystem::last_write_time(file, longAgo);
+    }
+    const std::filesystem::path start = directory.GetPath() / "start";
+    const auto run = [&]
+    {
+        std::cout << "ready" << std::endl;
+        while (!std::filesystem::exists(start))
+            std::this_thread::yield();
+        FileLogSink sink(directory.GetPath(), "Name", s_manyBytes, s_tenDays);
+        const bool isOpen = sink.Open();
+        sink.Write("a line of each\n");
+        return isOpen ? 0 : 1;
+    };
+    std::list<Tests::ForkedProcess> runs;
+    for (int count = 0; count < 4; ++count)
+        ASSERT_TRUE(runs.emplace_back(run).WaitForOutput("ready"));
+    std::ofstream(start).flush();
+    for (Tests::ForkedProcess& process : runs)
+    {
+        const Tests::ForkedResult result = process.Wait();
+        EXPECT_EQ(result.exitCode, 0) << result.error;
+    }
+    std::string text;
+    for (const auto& entry : std::filesystem::directory_iterator(directory.GetPath()))
+        text += Tests::ReadText(entry.path());
+    EXPECT_EQ(text, "a line of each\na line of each\na line of each\na line of each\n");
 }
 
 } // namespace

@@ -143,6 +143,20 @@ TEST(ResourcePath, WithoutBinariesIsRelativeToTheWorkingDirectory)
     EXPECT_EQ(GetTexturePath("Mulish-Regular.ttf", path), "Resources/UI/Textures/Mulish-Regular.ttf");
 }
 
+TEST(ResourcePath, ARootWithoutBinariesIsRelativeToTheWorkingDirectoryToo)
+{
+    // The root is where the test program lies: a build folder has no "Binaries" above it.
+    Tests::TestApplication application;
+    ASSERT_TRUE(application.m_configCache.Initialize(nullptr));
+    const std::filesystem::path root = application.GetConfigCache().GetRootPath();
+    ASSERT_FALSE(root.empty());
+    ASSERT_EQ(FindRootDirectory(root.string(), "Binaries"), "");
+    std::string path;
+    EXPECT_EQ(GetSchemaPath("a.json", path), "Resources/Schemas/a.json");
+    EXPECT_EQ(GetShaderPath("line.vert", path), "Resources/UI/Shaders/line.vert");
+    EXPECT_EQ(GetTexturePath("Mulish-Regular.ttf", path), "Resources/UI/Textures/Mulish-Regular.ttf");
+}
+
 TEST(ResourcePath, NameIsJoinedAndNormalised)
 {
     Tests::TestApplication application;

@@ -215,6 +215,28 @@ TEST_F(ApplicationSystems, FarewellIsBelowTheSeverityOfTheLog)
     EXPECT_THAT(recorder.GetLines(), IsEmpty());
 }
 
+TEST_F(ApplicationSystems, EachStepOfTheEndIsToldWhereTheSeverityAllowsIt)
+{
+    m_application.m_context.severity = static_cast<std::uint32_t>(Log::MessageTypeID::Verbose);
+    FakeSystem& system = AddSystem(true);
+    system.SetThread(Threads::GetMainThread());
+    system.m_state = State::Execution;
+    const Tests::LogRecorder recorder;
+    m_application.ShutdownSystems();
+    EXPECT_THAT(recorder.GetLines(), ElementsAre("System Verbose: Calling Shutdown: 'FakeSystem'.",
+                                                 "System Verbose: Calling PostUpdateLoop: 'FakeSystem'.",
+                                                 "System Verbose: Successful shutdown. See you soon!"));
+}
+
+TEST_F(ApplicationSystems, OnlyTheStepsOfTheMainThreadsSystemsAreToldOneByOne)
+{
+    m_application.m_context.severity = static_cast<std::uint32_t>(Log::MessageTypeID::Verbose);
+    AddSystem().m_state = State::Initialized;
+    const Tests::LogRecorder recorder;
+    m_application.ShutdownSystems();
+    EXPECT_THAT(recorder.GetLines(), ElementsAre("System Verbose: Successful shutdown. See you soon!"));
+}
+
 TEST_F(ApplicationSystems, ShutdownWalksFromTheLastToTheFirst)
 {
     std::vector<const ISystem*> order;

@@ -26,6 +26,7 @@ public:
     using Application::m_commandLine;
     using Application::m_commandRegistry;
     using Application::m_configCache;
+    using Application::m_context;
     using Application::m_displaySystem;
     using Application::m_extension;
     using Application::m_logSystem;

@@ -3,14 +3,15 @@
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/Log.h"
 #include "Core/System/Runtime/Application.h"
+#include "Core/System/Text/Files.h"
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Text/Unicode.h"
 #include "Core/System/Time/Timestamp.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
-#include <functional>
 #include <iomanip>
 #include <iostream>
 #include <locale>
@@ -28,14 +29,6 @@ thread_local bool t_isTerminating = false;
 void WriteCallstack(std::ostream& stream, const SourceLocation& location)
 {
     stream << "\nCallstack:\n\t[0]: " << location.file << " at " << location.line << ": " << location.function << "\n";
-}
-
-/// An unwritable file is ignored: nobody is left to tell.
-void WriteReportFile(const std::filesystem::path& path, const std::function<void(std::ostream&)>& writeReport)
-{
-    std::ofstream file(path, std::ios::out | std::ios::trunc);
-    file.imbue(std::locale::classic()); // numbers as on the error stream
-    writeReport(file);
 }
 
 } // namespace
@@ -91,6 +84,31 @@ bool ErrorHandling::MakeReportPath(std::int64_t time, std::filesystem::path& pat
     const std::string prefix = m_applicationName.empty() ? "ERROR_" : m_applicationName + "_ERROR_";
     path = Text::Join(directory, Text::PathFromUtf8(prefix + Time::FormatLocalFileTime(time) + ".log"));
     return true;
+}
+
+/// An unwritable file is ignored: nobody is left to tell.
+void ErrorHandling::WriteReportFile(const std::filesystem::path& path,
+                                    const std::function<void(std::ostream&)>& writeReport)
+{
+    std::ostringstream text;
+    text.imbue(std::locale::classic()); // numbers as on the error stream
+    writeReport(text);
+    if (!m_reportDirectory.empty())
+    {
+        std::ofstream(path, std::ios::out | std::ios::trunc) << text.str();
+        return;
+    }
+    // The working directory may be one where everybody writes. What stands there under the report's name may be a link
+    // to another file of the user's, so only a file that this process has made is replaced.
+    std::error_code ignored;
+    if (path == m_wantedReportPath)
+        std::filesystem::remove(m_reportPath, ignored);
+    const Text::NewFile report = Text::OpenNewFile(path);
+    if (report.file == nullptr)
+        return;
+    m_wantedReportPath = path;
+    m_reportPath = report.path;
+    (void)std::fputs(text.str().c_str(), report.file.get());
 }
 
 void ErrorHandling::OnAssertion(const AssertionInfo& info)

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <sstream>
 #include <string>
 
@@ -77,6 +78,7 @@ private:
     static void OnAssertion(const AssertionInfo& info);
     static void OnTerminate();
     void ReportCurrentException();
+    void WriteReportFile(const std::filesystem::path& path, const std::function<void(std::ostream&)>& writeReport);
     void ReportSignal(int signal);
     void WaitForShutdown();
     [[nodiscard]] const char* MakeHeader(bool handled);
@@ -91,7 +93,9 @@ private:
     Log::Logger* m_logger = nullptr;
     std::string m_applicationName; ///< UTF-8; begins the name of a report file
     std::filesystem::path m_reportDirectory;
-    std::string m_lastMessage; ///< of the exception being reported
+    std::filesystem::path m_wantedReportPath; ///< the name, by the time, of the last report in the working directory
+    std::filesystem::path m_reportPath;       ///< the name that it got
+    std::string m_lastMessage;                ///< of the exception being reported
     std::ostringstream m_messageStream;
     std::atomic<bool> m_unhandledException = false; ///< an exception has been reported as unhandled
     std::atomic<bool> m_terminating = false;        ///< the process goes down on purpose: an abort is expected

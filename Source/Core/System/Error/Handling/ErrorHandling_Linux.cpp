@@ -1,10 +1,12 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Error/Handling/SignalThread.h"
+#include "Core/System/Time/MonotonicClock.h"
 
 #include <array>
 #include <atomic>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -25,6 +27,9 @@ constexpr unsigned s_reportTimeLimit = 5; // seconds
 /// A request waits two seconds for the run's end. Longer takes only one whose log isn't read by whoever it is for.
 constexpr unsigned s_requestTimeLimit = 3; // seconds
 
+/// How long a report that is under way may still take once the process is asked to end: as long as a run may.
+constexpr std::int64_t s_reportGrace = 2'000'000'000; // nanoseconds
+
 ErrorHandling* s_errorHandling = nullptr;
 std::array<struct sigaction, s_faultSignals.size()> s_previousActions = {};
 std::atomic<int> s_signalBeingReported = 0; ///< 0 for none
@@ -43,15 +48,19 @@ void LetThrough(int signal)
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
-/// Calls only what may be called at any instant.
-extern "C" void OnTimeout(int /*signal*/)
+/// Ends the process by the signal's default action. Calls only what may be called at any instant.
+void EndBy(int signal)
 {
-    const int signal = s_signalOfTimeout;
     struct sigaction action = {};
     action.sa_handler = SIG_DFL;
     sigaction(signal, &action, nullptr);
     LetThrough(signal);
     raise(signal);
+}
+
+extern "C" void OnTimeout(int /*signal*/)
+{
+    EndBy(s_signalOfTimeout);
 }
 
 /// Ends the process by the signal unless `alarm(0)` comes first.
@@ -77,12 +86,24 @@ extern "C" void OnSignal(int signal, siginfo_t* information, void* /*context*/) 
         raise(signal);
 }
 
+/// A request while a fault is being reported: the run doesn't end by itself any more, and whatever the report waits
+/// for, a lock of the allocator, say, a second report would wait for too. Nothing is called here that takes one.
+void AbortUnlessReported()
+{
+    Time::Sleep(s_reportGrace); // the end of the report is the process's
+    EndBy(SIGABRT);
+}
+
 /// On the signal thread.
 void OnRequest(int signal)
 {
+    if (s_signalBeingReported != 0)
+        AbortUnlessReported();
     LimitTime(s_requestTimeLimit, SIGABRT);
     const bool isHandled = s_errorHandling->HandleRequest(signal);
     alarm(0);
+    if (const int fault = s_signalBeingReported; fault != 0)
+        LimitTime(s_reportTimeLimit, fault); // it came meanwhile, and that may have been its limit
     if (isHandled)
         return;
     LetThrough(signal); // nothing is there that could end by itself
@@ -138,6 +159,8 @@ void ErrorHandling::AbortPlatform(int signal)
 {
     if (s_signalBeingReported == 0)
         std::abort();
+    if (signal == SIGINT || signal == SIGTERM)
+        return EndBy(SIGABRT); // a request that the fault has overtaken
     // A fault ends the process by its own signal, which a debugger or a core dump is to show: only the line that an
     // abort writes is left to do.
     if (signal != SIGABRT)

@@ -1,14 +1,20 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Time/MonotonicClock.h"
 #include "Tests/Core/System/Error/Handling/SignalledProgram.h"
 #include "Tests/Support/ForkedProcess.h"
 
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <malloc.h>
 #include <mutex>
 #include <stdexcept>
 #include <sys/mman.h>
@@ -194,6 +200,72 @@ TEST(ErrorHandlingFaults, AReportThatWaitsForItselfIsGivenUp)
             return 0;
         });
     EXPECT_EQ(result.signal, SIGSEGV);
+}
+
+/// Ends in a fault within the allocator, which holds its lock then. False where memory is the sanitizer's.
+bool FaultInTheAllocator()
+{
+    if (mallinfo2().arena == 0)
+        return false;
+    std::thread([] {}).join(); // a process that never had a second thread takes no lock
+    // Too large for a thread's own store, and not at the heap's end: it goes into the list that the next request walks.
+    constexpr std::size_t size = 4096;
+    void* const block = std::malloc(size);
+    const auto links = reinterpret_cast<std::uintptr_t>(block);
+    void* const neighbour = std::malloc(size);
+    std::free(block);
+    // Where the one before it would lie.
+    *reinterpret_cast<volatile std::uintptr_t*>(links + sizeof(std::uintptr_t)) = 16;
+    void* const larger = std::malloc(2 * size);
+    return larger == neighbour;
+}
+
+constexpr int s_noAllocator = 77;
+
+int FaultInTheAllocatorOfARun()
+{
+    // As a program's own is. This one was opened anew, and would ask for its buffer at the first line.
+    (void)std::setvbuf(stderr, nullptr, _IONBF, 0);
+    LogPrinter printer;
+    ErrorHandling::GetInstance();
+    const Program program(true);
+    std::cout << "running" << std::endl;
+    (void)FaultInTheAllocator();
+    return s_noAllocator;
+}
+
+TEST(ErrorHandlingFaults, AFaultWithinTheAllocatorIsToldAndEndsByItsOwnSignal)
+{
+    const std::int64_t begin = Time::GetMonotonicNanoseconds();
+    ForkedProcess process(&FaultInTheAllocatorOfARun);
+    const ForkedResult result = process.Wait();
+    if (result.exitCode == s_noAllocator)
+        GTEST_SKIP() << "The allocator isn't the C library's.";
+    EXPECT_EQ(result.signal, SIGSEGV);
+    EXPECT_EQ(result.error, "Signal 'SIGSEGV' was raised due to an invalid memory access (segmentation fault).\n");
+    EXPECT_LT(Time::GetMonotonicNanoseconds() - begin, 15'000'000'000);
+}
+
+TEST(ErrorHandlingFaults, ARequestWhileAFaultIsBeingReportedAborts)
+{
+    for (const int request : {SIGTERM, SIGINT})
+    {
+        ForkedProcess process(&FaultInTheAllocatorOfARun);
+        ASSERT_TRUE(process.WaitForOutput("running"));
+        for (int poll = 0; poll < 1000 && process.IsRunning() && process.ReadError().empty(); ++poll)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        process.Send(request);
+        // Beyond the limits of both; without one it would stand for good.
+        for (int poll = 0; poll < 1500 && process.IsRunning(); ++poll)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_FALSE(process.IsRunning());
+        if (process.IsRunning())
+            process.Send(SIGKILL);
+        const ForkedResult result = process.Wait();
+        if (result.exitCode == s_noAllocator)
+            GTEST_SKIP() << "The allocator isn't the C library's.";
+        EXPECT_EQ(result.signal, SIGABRT);
+    }
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iostream>
@@ -282,6 +283,56 @@ TEST(ErrorHandling, OfTwoReportsInOneSecondTheLaterStays)
             return 0;
         });
     EXPECT_THAT(outcome.files, ElementsAre(Pair("ERROR_<time>.log", "Exception: std::exception\n\tMessage: second\n")));
+}
+
+/// Calls `take` with each path that a report of the next seconds would have.
+void TakeReportPaths(const std::function<void(const std::filesystem::path&)>& take)
+{
+    const std::time_t now = std::time(nullptr);
+    for (std::time_t time = now; time < now + 20; ++time)
+    {
+        std::filesystem::path path;
+        if (ErrorHandling::GetInstance().MakeReportPath(time, path))
+            take(path);
+    }
+}
+
+TEST(ErrorHandling, AReportInTheWorkingDirectoryFollowsNoLink)
+{
+    ForkedProcess process(
+        []
+        {
+            std::ofstream("precious") << "precious";
+            TakeReportPaths([](const std::filesystem::path& path)
+                            { std::filesystem::create_symlink("precious", path); });
+            ErrorHandling::GetInstance().ReportStdException(std::runtime_error("text"), true);
+            return 0;
+        });
+    EXPECT_EQ(process.Wait().exitCode, 0);
+    EXPECT_EQ(Tests::ReadText(process.GetWorkingDirectory() / "precious"), "precious");
+    const auto files = ReadFiles(process.GetWorkingDirectory());
+    ASSERT_TRUE(files.contains("ERROR_<time>_1.log"));
+    EXPECT_EQ(files.at("ERROR_<time>_1.log"), "Exception: std::exception\n\tMessage: text\n");
+}
+
+TEST(ErrorHandling, AReportInTheWorkingDirectoryReplacesOnlyOneOfItsOwn)
+{
+    const Outcome outcome = Observe(
+        []
+        {
+            TakeReportPaths([](const std::filesystem::path& path) { std::ofstream(path) << "another's"; });
+            ErrorHandling& errorHandling = ErrorHandling::GetInstance();
+            const std::time_t now = std::time(nullptr);
+            while (std::time(nullptr) == now)
+            {
+            }
+            errorHandling.ReportStdException(std::runtime_error("first"), true);
+            errorHandling.ReportStdException(std::runtime_error("second"), true);
+            return 0;
+        });
+    EXPECT_THAT(outcome.files,
+                ElementsAre(Pair("ERROR_<time>.log", "another's"),
+                            Pair("ERROR_<time>_1.log", "Exception: std::exception\n\tMessage: second\n")));
 }
 
 TEST(ErrorHandling, AnUnwritableReportFileIsIgnored)
