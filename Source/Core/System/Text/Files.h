@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -22,6 +23,13 @@ using File = std::unique_ptr<std::FILE, CloseOnDestruction>;
 /// Opens a file. `utf8Path` is UTF-8 on every platform and `mode` is that of `fopen`. Null if it can't be opened; the
 /// last system error then says why. Programs that this one starts don't inherit the file.
 [[nodiscard]] File OpenFile(const std::string& utf8Path, const char* mode);
+
+/// Writes bytes to a file. False if not all of them went there, as on a full disk.
+[[nodiscard]] bool Write(std::FILE& file, const void* data, std::size_t bytes);
+
+/// How many parts of files `Write` has written in this process: who waits for a file's end sees by it that it gets on.
+/// On any thread.
+[[nodiscard]] std::uint64_t GetWriteProgress();
 
 enum class Replacement : std::uint8_t
 {
