@@ -94,9 +94,13 @@ build_library() # SOURCE BUILD [cmake options]
     }
 }
 
-# libdeflate, whose sources of that version have no build for CMake. Its own for make needs no configuration.
-build_deflate() # SOURCE
+# libdeflate: its sources have no build for CMake before version 1.15, but one for make.
+build_deflate() # SOURCE BUILD
 {
+    if [ -f "$1/CMakeLists.txt" ]; then
+        build_library "$1" "$2" -DLIBDEFLATE_BUILD_SHARED_LIB=OFF -DLIBDEFLATE_BUILD_GZIP=OFF
+        return
+    fi
     echo "Building libdeflate for Windows" >&2
     make -C "$1" PREFIX="$dependencies" CC=x86_64-w64-mingw32-gcc-posix AR=x86_64-w64-mingw32-gcc-ar-posix \
         CFLAGS=-O2 libdeflatestatic.lib >"$1.log" 2>&1 || {
@@ -124,7 +128,7 @@ build_libraries()
     make_source_lists "$scratch/apt"
     apt_sources apt-get "$scratch/apt" update >&2
     fetch_source "$scratch" libdeflate 'libdeflate_*.orig.tar.gz' "$deflate_archive_sha256"
-    build_deflate "$scratch/libdeflate"
+    build_deflate "$scratch/libdeflate" "$scratch/build-libdeflate"
     fetch_source "$scratch" libpng1.6 'libpng1.6_*.orig.tar.gz' "$png_archive_sha256"
     fetch_source "$scratch" freetype 'freetype_*.orig.tar.xz' "$freetype_archive_sha256"
     build_library "$scratch/libpng1.6" "$scratch/build-libpng" -DPNG_SHARED=OFF -DPNG_TESTS=OFF
