@@ -1,5 +1,7 @@
 # The libraries of the Windows build, as Scripts/setup-windows.sh leaves them. All are static or headers only.
 find_package(PNG REQUIRED)
+find_package(ZLIB REQUIRED)
+include(Deflate)
 find_package(Freetype REQUIRED)
 find_package(Threads REQUIRED)
 set_property(TARGET Freetype::Freetype APPEND PROPERTY INTERFACE_LINK_LIBRARIES ZLIB::ZLIB)

@@ -7,8 +7,12 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 cd "$root"
 build=build/linux-release
 
-Scripts/setup-linux.sh --demo
-[ -f "$build/build.ninja" ] || cmake --preset linux-release -DORVIK_BUILD_TESTS=OFF >/dev/null
+Scripts/setup-linux.sh --benchmark
+if [ -f "$build/build.ninja" ]; then
+    cmake "$build" >/dev/null # finds what was just installed
+else
+    cmake --preset linux-release -DORVIK_BUILD_TESTS=OFF >/dev/null
+fi
 cmake --build "$build" --target Benchmarks >/dev/null
 
 for size in 1920x1080 3840x2160; do
@@ -16,6 +20,8 @@ for size in 1920x1080 3840x2160; do
     "$build/Benchmarks/OperationTimings" "$size"
     "$build/Benchmarks/RunTimings" Binaries/Linux-x64/SnipBench "$size"
 done
+
+"$build/Benchmarks/PngTimings"
 
 if ! command -v valgrind >/dev/null; then
     echo "Instructions per mouse move: not counted, valgrind isn't installed."

@@ -19,7 +19,7 @@ FUNCTION_LINES = 60
 SOURCES = ("Source", "Tests", "Examples", "Benchmarks")
 
 # Headers that are the same on every system. Whatever else stands in angle brackets belongs to one of them.
-SHARED_HEADERS = re.compile(r"[a-z_]+|fmt/.*|rapidjson/.*|gtest/.*|gmock/.*|png\.h|ft2build\.h|GL/glcorearb\.h")
+SHARED_HEADERS = re.compile(r"[a-z_]+|fmt/.*|rapidjson/.*|gtest/.*|gmock/.*|png\.h|zlib\.h|libdeflate\.h|ft2build\.h|GL/glcorearb\.h")
 # The null half is made of values and is held to what the shared units are held to.
 HALF = re.compile(r"_(Linux|X11|Windows)(Test)?\.(h|cpp)$")
 # Private to the halves: headers here may name a system's.

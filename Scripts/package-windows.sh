@@ -29,6 +29,7 @@ while read -r package title; do
     cp -L "/usr/share/doc/$package/copyright" "$stage/Licenses/$title.txt"
 done <<'LIST'
 libpng-dev libpng
+libdeflate-dev libdeflate
 libfreetype-dev FreeType
 libz-mingw-w64-dev zlib
 libfmt-dev fmt

@@ -4,6 +4,7 @@
 #
 #   Scripts/setup-linux.sh              what building and running the program needs
 #   Scripts/setup-linux.sh --demo       and what the demo on a virtual display needs
+#   Scripts/setup-linux.sh --benchmark  and what the benchmarks need beside that
 #   Scripts/setup-linux.sh --test       and what the tests need
 #   Scripts/setup-linux.sh --coverage   and what counting the lines they run needs
 set -euo pipefail
@@ -14,12 +15,13 @@ textures=$root/Resources/UI/Textures
 
 packages=(
     cmake ninja-build g++ libc6-dev
-    libfmt-dev rapidjson-dev libpng-dev libfreetype-dev
+    libfmt-dev rapidjson-dev libpng-dev zlib1g-dev libdeflate-dev libfreetype-dev
     libx11-dev libx11-xcb-dev libxcb1-dev libxcb-shm0-dev libxext-dev libxtst-dev libxrandr-dev libxfixes-dev libxi-dev
     libegl-dev libgl-dev libopengl-dev
     libegl1 libopengl0 libgl1-mesa-dri
 )
 demo_packages=(xvfb)
+benchmark_packages=(libbenchmark-dev)
 test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
 coverage_packages=(gcovr)
 
@@ -30,9 +32,10 @@ font_sha256=1d3c2067fd5abaa56cf27ea560ccb7c162d39a624fef53cb947b85a966b0fdae
 case "${1:-}" in
     "") ;;
     --demo) packages+=("${demo_packages[@]}") ;;
+    --benchmark) packages+=("${demo_packages[@]}" "${benchmark_packages[@]}") ;;
     --test) packages+=("${test_packages[@]}") ;;
     --coverage) packages+=("${test_packages[@]}" "${coverage_packages[@]}") ;;
-    *) echo "usage: $0 [--demo | --test | --coverage]" >&2; exit 2 ;;
+    *) echo "usage: $0 [--demo | --benchmark | --test | --coverage]" >&2; exit 2 ;;
 esac
 
 has_font()

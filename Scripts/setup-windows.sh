@@ -12,7 +12,7 @@ dependencies=$root/build/windows-dependencies
 . "$root/Scripts/packages.sh"
 
 packages=(
-    g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev
+    g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev make
     wine wine64 xvfb xauth
 )
 case "${1:-}" in
@@ -22,6 +22,7 @@ case "${1:-}" in
 esac
 require_packages "${packages[@]}"
 
+deflate_archive_sha256=89e7df898c37c3427b0f39aadcf733731321a278771d20fc553f92da8d4808ac  # 1.14
 png_archive_sha256=a00e9d2f2f664186e4202db9299397f851aea71b36a35e74910b8820e380d441      # 1.6.39
 freetype_archive_sha256=7dedb6b9adf331559daea614a83b8de42a753e685ec8e1c4bdb4529eb880b0d1 # 2.12.1
 
@@ -93,6 +94,24 @@ build_library() # SOURCE BUILD [cmake options]
     }
 }
 
+# libdeflate: its sources have no build for CMake before version 1.15, but one for make.
+build_deflate() # SOURCE BUILD
+{
+    if [ -f "$1/CMakeLists.txt" ]; then
+        build_library "$1" "$2" -DLIBDEFLATE_BUILD_SHARED_LIB=OFF -DLIBDEFLATE_BUILD_GZIP=OFF
+        return
+    fi
+    echo "Building libdeflate for Windows" >&2
+    make -C "$1" PREFIX="$dependencies" CC=x86_64-w64-mingw32-gcc-posix AR=x86_64-w64-mingw32-gcc-ar-posix \
+        CFLAGS=-O2 libdeflatestatic.lib >"$1.log" 2>&1 || {
+        tail -n 30 "$1.log" >&2
+        exit 1
+    }
+    mkdir -p "$dependencies/include" "$dependencies/lib"
+    cp "$1/libdeflate.h" "$dependencies/include/"
+    cp "$1/libdeflatestatic.lib" "$dependencies/lib/libdeflate.a"
+}
+
 # The folder of a header-only library, out of its package: the folder that it lies in has headers of this system too.
 copy_headers() # PACKAGE FOLDER
 {
@@ -108,6 +127,8 @@ build_libraries()
     trap 'rm -rf "$scratch"' EXIT
     make_source_lists "$scratch/apt"
     apt_sources apt-get "$scratch/apt" update >&2
+    fetch_source "$scratch" libdeflate 'libdeflate_*.orig.tar.gz' "$deflate_archive_sha256"
+    build_deflate "$scratch/libdeflate" "$scratch/build-libdeflate"
     fetch_source "$scratch" libpng1.6 'libpng1.6_*.orig.tar.gz' "$png_archive_sha256"
     fetch_source "$scratch" freetype 'freetype_*.orig.tar.xz' "$freetype_archive_sha256"
     build_library "$scratch/libpng1.6" "$scratch/build-libpng" -DPNG_SHARED=OFF -DPNG_TESTS=OFF
@@ -143,7 +164,7 @@ versions()
 }
 
 mkdir -p "$dependencies"
-build_once libraries.stamp "$png_archive_sha256 $freetype_archive_sha256 $(versions libfmt-dev rapidjson-dev \
+build_once libraries.stamp "$deflate_archive_sha256 $png_archive_sha256 $freetype_archive_sha256 $(versions libfmt-dev rapidjson-dev \
     libz-mingw-w64-dev gcc-mingw-w64-x86-64-posix)" build_libraries
 if [ "${1:-}" = --test ]; then
     build_once googletest.stamp "$(versions googletest gcc-mingw-w64-x86-64-posix)" build_test_framework

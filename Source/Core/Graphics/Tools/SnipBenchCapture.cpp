@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 namespace Orvik::Graphics::Tools
 {
@@ -15,14 +16,6 @@ using System::Device::Display::DisplayDescriptor;
 constexpr std::uint8_t s_bitsPerPixel = 32;
 constexpr std::size_t s_bytesPerPixel = 4;
 constexpr std::uint8_t s_opaque = 255;
-
-/// What came out of a capture: rows from the top, tightly packed.
-struct CapturedPixels
-{
-    std::uint16_t width = 0;
-    std::uint16_t height = 0;
-    std::vector<unsigned char> bytes;
-};
 
 System::Math::Rectangle GetRegion(const DisplayDescriptor& display)
 {
@@ -38,15 +31,6 @@ bool FitsBitmap(const DisplayDescriptor& display)
     return stride <= maxStride && stride * display.height <= maxSize;
 }
 
-/// The screen has no transparency: whatever the copy left in the fourth bytes would reach the files.
-void MakeOpaque(System::Multimedia::Bitmap& bitmap)
-{
-    std::uint8_t* const pixels = bitmap.GetPixels();
-    const auto size = static_cast<std::size_t>(bitmap.GetSize());
-    for (std::size_t index = s_bytesPerPixel - 1; index < size; index += s_bytesPerPixel)
-        pixels[index] = s_opaque;
-}
-
 } // namespace
 
 bool SnipBench::GetDisplayCapture(System::Tools::ToolContext& context, Renderer::Renderer& /*renderer*/,
@@ -60,23 +44,20 @@ bool SnipBench::GetDisplayCapture(System::Tools::ToolContext& context, Renderer:
     if (!capture.Initialize(display->id, GetRegion(*display)))
         return false;
 
-    CapturedPixels pixels;
+    // Straight into what is kept; a copy that fails leaves it empty.
+    System::Multimedia::Bitmap picture;
     capture.SetWindow(window);
-    capture.Capture(
-        [&pixels](std::uint16_t width, std::uint16_t height, std::uint64_t bytes)
+    const bool isCaptured = capture.Capture(
+        [&picture](std::uint16_t width, std::uint16_t height, std::uint64_t /*bytes*/)
         {
-            pixels.width = width;
-            pixels.height = height;
-            pixels.bytes.resize(bytes);
-            return System::Types::Buffer<unsigned char>{pixels.bytes.data(), pixels.bytes.size()};
-        });
-
-    // A copy that failed has left nothing to show.
-    if (pixels.bytes.empty())
+            picture.SetSize(width, height, s_bitsPerPixel);
+            return System::Types::Buffer<unsigned char>{picture.GetPixels(),
+                                                        static_cast<std::uint64_t>(picture.GetSize())};
+        },
+        System::Device::Display::FourthByte::Opaque);
+    if (!isCaptured || picture.GetSize() == 0)
         return false;
-    m_capture = System::Multimedia::Bitmap(pixels.width, pixels.height, s_bitsPerPixel);
-    m_capture.CopyFromImageBuffer(pixels.bytes.data(), pixels.bytes.size());
-    MakeOpaque(m_capture);
+    m_capture = std::move(picture);
     return true;
 }
 

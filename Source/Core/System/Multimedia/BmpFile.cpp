@@ -132,12 +132,10 @@ bool Bitmap::SaveBmp(const std::string& path) const
         return false;
 
     const HeaderBytes header = MakeHeader(*this);
-    const auto pixelBytes = static_cast<std::size_t>(GetSize());
-    std::size_t written = std::fwrite(header.data(), 1, header.size(), file.get());
-    if (pixelBytes != 0)
-        written += std::fwrite(GetPixels(), 1, pixelBytes, file.get());
+    const bool isWritten = Text::Write(*file, header.data(), header.size()) &&
+                           Text::Write(*file, GetPixels(), static_cast<std::size_t>(GetSize()));
     const bool isClosed = Text::Close(std::move(file));
-    return isClosed && written == header.size() + pixelBytes;
+    return isWritten && isClosed;
 }
 
 } // namespace Orvik::System::Multimedia

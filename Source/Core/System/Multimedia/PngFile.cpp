@@ -1,11 +1,14 @@
-// PNG files through libpng; nothing else knows it.
+// PNG files through libpng, which nothing else knows; the compressed rows of a written one are made elsewhere.
 
 #include "Core/System/Multimedia/Bitmap.h"
 
+#include "Core/System/Multimedia/PngData.h"
 #include "Core/System/Text/Files.h"
 
 #include <csetjmp>
+#include <new>
 #include <png.h>
+#include <span>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -27,6 +30,12 @@ constexpr const char* s_libraryVersion = "1.6.46";
 // A picture that reads in spite of a flaw is good enough, and nobody waits for the text on standard error.
 void IgnoreWarning(png_structp /*png*/, png_const_charp /*message*/)
 {
+}
+
+void WriteBytes(png_structp png, png_bytep data, std::size_t bytes)
+{
+    if (!Text::Write(*static_cast<std::FILE*>(png_get_io_ptr(png)), data, bytes))
+        png_error(png, "Write Error");
 }
 
 // Runs calls of libpng. False if one of them failed. libpng leaves a failed call by a jump back to here, which skips
@@ -132,36 +141,46 @@ public:
     Writer& operator=(const Writer&) = delete;
 
     [[nodiscard]] bool IsReady() const { return m_info != nullptr; }
-    [[nodiscard]] bool Write(std::FILE* file, const Bitmap& bitmap, int colourType) const;
+    [[nodiscard]] bool Write(std::FILE* file, const Bitmap& bitmap, std::size_t pixelBytes) const;
 
 private:
-    void WriteHeader(const Bitmap& bitmap, int colourType) const;
+    [[nodiscard]] bool WriteHeader(std::FILE* file, const Bitmap& bitmap, int colourType) const;
+    [[nodiscard]] bool WriteChunk(const char* type, std::span<const std::uint8_t> data) const;
 
     png_structp m_png;
     png_infop m_info;
 };
 
-bool Writer::Write(std::FILE* file, const Bitmap& bitmap, int colourType) const
+// Only the rows are compressed by other means: libpng's own take most of the time that saving a picture takes.
+bool Writer::Write(std::FILE* file, const Bitmap& bitmap, std::size_t pixelBytes) const
 {
+    if (!WriteHeader(file, bitmap, pixelBytes == 3 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA))
+        return false;
+    const auto writeData = [this](std::span<const std::uint8_t> data) { return WriteChunk("IDAT", data); };
+    return MakePngData(bitmap, pixelBytes, writeData) && WriteChunk("IEND", {});
+}
+
+bool Writer::WriteHeader(std::FILE* file, const Bitmap& bitmap, int colourType) const
+{
+    constexpr int bitDepth = 8;
     return RunStep(m_png,
                    [this, file, &bitmap, colourType]
                    {
-                       png_init_io(m_png, file);
-                       WriteHeader(bitmap, colourType);
-                       const std::size_t stride = bitmap.GetStride();
-                       for (std::size_t row = 0; row < bitmap.GetHeight(); ++row)
-                           png_write_row(m_png, bitmap.GetPixels() + row * stride);
-                       png_write_end(m_png, nullptr);
+                       png_set_write_fn(m_png, file, &WriteBytes, nullptr);
+                       png_set_IHDR(m_png, m_info, bitmap.GetWidth(), bitmap.GetHeight(), bitDepth, colourType,
+                                    PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+                       png_write_info(m_png, m_info);
                    });
 }
 
-void Writer::WriteHeader(const Bitmap& bitmap, int colourType) const
+bool Writer::WriteChunk(const char* type, std::span<const std::uint8_t> data) const
 {
-    constexpr int bitDepth = 8;
-    png_set_IHDR(m_png, m_info, bitmap.GetWidth(), bitmap.GetHeight(), bitDepth, colourType, PNG_INTERLACE_NONE,
-                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    png_set_bgr(m_png);
-    png_write_info(m_png, m_info);
+    return RunStep(m_png,
+                   [this, type, data]
+                   {
+                       const auto* const name = reinterpret_cast<png_const_bytep>(type);
+                       png_write_chunk(m_png, name, data.data(), data.size());
+                   });
 }
 
 } // namespace
@@ -198,7 +217,14 @@ bool Bitmap::SavePng(const std::string& path) const
     const Writer writer;
     if (!writer.IsReady())
         return false;
-    const bool isWritten = writer.Write(file.get(), *this, isRgb ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA);
+    bool isWritten = false;
+    try
+    {
+        isWritten = writer.Write(file.get(), *this, isRgb ? 3 : 4);
+    }
+    catch (const std::bad_alloc&) // NOLINT(bugprone-empty-catch): what was written until then stays
+    {
+    }
     const bool isClosed = Text::Close(std::move(file));
     return isWritten && isClosed;
 }

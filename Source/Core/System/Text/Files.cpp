@@ -1,5 +1,7 @@
 #include "Core/System/Text/Files.h"
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <fstream>
 #include <system_error>
@@ -7,14 +9,14 @@
 
 namespace Orvik::System::Text
 {
-
-void CloseOnDestruction::operator()(std::FILE* file) const noexcept
-{
-    std::fclose(file);
-}
-
 namespace
 {
+
+/// Even a slow disk takes as much within a second.
+constexpr std::size_t s_partBytes = std::size_t{64} * 1024;
+
+/// Of the process, like the request to end that asks for it.
+std::atomic<std::uint64_t> s_writeProgress = 0;
 
 /// How long another program may keep a file from being replaced, and how often that is tried.
 constexpr std::chrono::seconds s_heldLimit{1};
@@ -40,6 +42,11 @@ Replacement PutInPlace(const std::filesystem::path& part, const std::filesystem:
 
 } // namespace
 
+void CloseOnDestruction::operator()(std::FILE* file) const noexcept
+{
+    std::fclose(file);
+}
+
 NewFile OpenNewFile(const std::filesystem::path& path)
 {
     constexpr int maxNumber = 1'000'000;
@@ -53,6 +60,25 @@ NewFile OpenNewFile(const std::filesystem::path& path)
         made.file = OpenNewFilePlatform(made.path, isTaken);
     }
     return made;
+}
+
+bool Write(std::FILE& file, const void* data, std::size_t bytes)
+{
+    const auto* const begin = static_cast<const std::uint8_t*>(data);
+    for (std::size_t written = 0; written < bytes;)
+    {
+        const std::size_t part = std::min(bytes - written, s_partBytes);
+        if (std::fwrite(begin + written, 1, part, &file) != part)
+            return false;
+        written += part;
+        ++s_writeProgress;
+    }
+    return true;
+}
+
+std::uint64_t GetWriteProgress()
+{
+    return s_writeProgress;
 }
 
 Replacement ReplaceFile(const std::filesystem::path& path, const std::string& text)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -37,6 +38,13 @@ struct NewFile
 
 /// The same under this name alone. Null if that can't be, with `isTaken` set if something of that name is there.
 [[nodiscard]] File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken);
+
+/// Writes bytes to a file. False if not all of them went there, as on a full disk.
+[[nodiscard]] bool Write(std::FILE& file, const void* data, std::size_t bytes);
+
+/// How many parts of files `Write` has written in this process: who waits for a file's end sees by it that it gets on.
+/// On any thread.
+[[nodiscard]] std::uint64_t GetWriteProgress();
 
 enum class Replacement : std::uint8_t
 {

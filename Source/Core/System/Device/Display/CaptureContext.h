@@ -19,6 +19,13 @@ namespace Orvik::System::Device::Display
 /// The system resources of a capture; each half has its own.
 struct PlatformCaptureContext;
 
+/// What a picture of the screen has in the fourth byte of its pixels.
+enum class FourthByte : std::uint8_t
+{
+    AsCopied, ///< no meaning
+    Opaque    ///< 255: the screen has no transparency
+};
+
 /// Takes a picture of a rectangle of the screen. What it needs is acquired by `Initialize`, so that `Capture` is one
 /// copy from the screen and one in memory. One thread.
 class CaptureContext
@@ -42,9 +49,9 @@ public:
     void SetWindow(Desktop::Window* window) { m_window = window; }
 
     /// Copies the screen into the callback's memory: rows from the top, tightly packed, blue, green, red and a fourth
-    /// byte without meaning. A visible window is hidden for the time of the copy. False with a log line if the copy
+    /// byte as chosen. A visible window is hidden for the time of the copy. False with a log line if the copy
     /// fails; the callback hasn't been called then. A buffer that is too small is an assertion failure.
-    bool Capture(const Callback& callback);
+    bool Capture(const Callback& callback, FourthByte fourthByte = FourthByte::AsCopied);
 
 private:
     using PlatformContextPointer = std::unique_ptr<PlatformCaptureContext, void (*)(PlatformCaptureContext*)>;
@@ -58,7 +65,7 @@ private:
     [[nodiscard]] bool CopyScreenPlatform();
     /// The pixels of the last copy, and their number of bytes: 4 for each pixel of the region.
     [[nodiscard]] Types::Buffer<const unsigned char> GetPixelsPlatform() const;
-    [[nodiscard]] bool CopyScreen(const Callback& callback);
+    [[nodiscard]] bool CopyScreen(const Callback& callback, FourthByte fourthByte);
 
     std::uint16_t m_displayId = InvalidDisplayId;
     Math::Rectangle m_region;

@@ -63,8 +63,9 @@ public:
     void EndRequests(int exitCode) { EndRequestsPlatform(exitCode); }
 
     /// Reports a signal of the C library and aborts. An interruption or a termination first asks the run to end by
-    /// itself, and aborts only one that doesn't within two seconds. Returns from an abort under way, and on Linux to
-    /// the handler of a fault, which ends the process by the signal itself.
+    /// itself, and aborts only one that doesn't within two seconds. They begin anew with each part of a file that the
+    /// run writes. Returns from an abort under way, and on Linux to the handler of a fault, which ends the process by
+    /// the signal itself.
     void HandleSignal(int signal);
 
     /// The same for a request to end that arrives on another thread than the run's. A run that is over isn't asked any
@@ -88,6 +89,7 @@ private:
     void RemoveSignalHandlersPlatform() noexcept;
     void EndRequestsPlatform(int exitCode) noexcept;
     void AllowSecondInterruptionPlatform();
+    void RenewTimeLimitPlatform();
     void AbortPlatform(int signal);
 
     Log::Logger* m_logger = nullptr;

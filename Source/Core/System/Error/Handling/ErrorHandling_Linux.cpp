@@ -24,7 +24,8 @@ constexpr std::array s_ignoredSignals = {SIGPIPE, SIGXFSZ};
 /// Reporting takes milliseconds, unless the fault lies where a lock is held that reporting needs as well.
 constexpr unsigned s_reportTimeLimit = 5; // seconds
 
-/// A request waits two seconds for the run's end. Longer takes only one whose log isn't read by whoever it is for.
+/// A request waits two seconds for the run's end, from the last progress of a file on. Longer takes only one whose log
+/// isn't read by whoever it is for.
 constexpr unsigned s_requestTimeLimit = 3; // seconds
 
 /// How long a report that is under way may still take once the process is asked to end: as long as a run may.
@@ -153,6 +154,12 @@ void ErrorHandling::EndRequestsPlatform(int exitCode) noexcept
 void ErrorHandling::AllowSecondInterruptionPlatform()
 {
     SignalThread::LetInterruptionThrough();
+}
+
+void ErrorHandling::RenewTimeLimitPlatform()
+{
+    if (alarm(s_requestTimeLimit) == 0)
+        alarm(0); // there is no limit
 }
 
 void ErrorHandling::AbortPlatform(int signal)

@@ -17,7 +17,8 @@ using SignalHandler = void (*)(int);
 /// The C runtime's own, all it has.
 constexpr std::array s_signals = {SIGTERM, SIGSEGV, SIGINT, SIGILL, SIGABRT, SIGFPE};
 
-/// A request waits two seconds for the run's end. Longer takes only one whose log isn't read by whoever it is for.
+/// A request waits two seconds for the run's end, from the last progress of a file on. Longer takes only one whose log
+/// isn't read by whoever it is for.
 constexpr DWORD s_requestTimeLimit = 3'000; // milliseconds
 constexpr UINT s_abortCode = 3;             ///< what `std::abort` ends the process with
 
@@ -37,14 +38,30 @@ public:
     TimeLimit()
     {
         CreateTimerQueueTimer(&m_timer, nullptr, &OnTimeout, nullptr, s_requestTimeLimit, 0, WT_EXECUTEONLYONCE);
+        s_current = this;
     }
-    ~TimeLimit() { (void)DeleteTimerQueueTimer(nullptr, m_timer, nullptr); }
+    ~TimeLimit()
+    {
+        s_current = nullptr;
+        (void)DeleteTimerQueueTimer(nullptr, m_timer, nullptr);
+    }
     TimeLimit(const TimeLimit&) = delete;
     TimeLimit& operator=(const TimeLimit&) = delete;
 
+    /// Begins the time of the thread's limit anew, if it has one.
+    static void Renew()
+    {
+        if (s_current != nullptr)
+            (void)ChangeTimerQueueTimer(nullptr, s_current->m_timer, s_requestTimeLimit, 0);
+    }
+
 private:
+    static thread_local TimeLimit* s_current;
+
     HANDLE m_timer = nullptr;
 };
+
+thread_local TimeLimit* TimeLimit::s_current = nullptr;
 
 /// Faults arrive on the faulting thread, an interruption or a termination on a thread of its own. The delivery has
 /// reset the signal to its default action: a second one ends the process at once.
@@ -86,6 +103,11 @@ void ErrorHandling::EndRequestsPlatform(int /*exitCode*/) noexcept
 // The delivery of the first one has done that.
 void ErrorHandling::AllowSecondInterruptionPlatform()
 {
+}
+
+void ErrorHandling::RenewTimeLimitPlatform()
+{
+    TimeLimit::Renew();
 }
 
 void ErrorHandling::AbortPlatform(int /*signal*/)

@@ -2,10 +2,12 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/Application.h"
+#include "Core/System/Text/Files.h"
 #include "Core/System/Time/MonotonicClock.h"
 
 #include <csignal>
 #include <iostream>
+#include <utility>
 
 namespace Orvik::System::Error
 {
@@ -14,7 +16,8 @@ namespace
 
 constexpr Log::Context s_context{Log::StreamID::System};
 
-/// How often a run that is asked to end is looked at, and how long each time: about two seconds.
+/// How often a run that is asked to end is looked at, and how long each time: about two seconds, which begin anew when
+/// a part of a file is written meanwhile.
 constexpr int s_shutdownPolls = 64;
 /// After about half a second another interruption is meant as one.
 constexpr int s_firstImpatientPoll = 16;
@@ -98,7 +101,9 @@ void ErrorHandling::WaitForShutdown()
     }
     Runtime::Application::RequestShutdown();
     const std::atomic_ref<std::int32_t> returnCode(application->m_returnCode);
-    for (int poll = 0; poll < s_shutdownPolls; ++poll)
+    std::uint64_t progress = Text::GetWriteProgress();
+    int idlePolls = 0;
+    for (int poll = 0; idlePolls < s_shutdownPolls; ++poll)
     {
         if (returnCode != Runtime::Application::UnsetReturnCode)
         {
@@ -108,6 +113,13 @@ void ErrorHandling::WaitForShutdown()
         if (poll == s_firstImpatientPoll)
             AllowSecondInterruptionPlatform();
         Time::Sleep(s_shutdownPollPeriod);
+        // A file that is being written is finished, however large it is.
+        ++idlePolls;
+        const std::uint64_t latest = Text::GetWriteProgress();
+        if (std::exchange(progress, latest) == latest)
+            continue;
+        idlePolls = 0;
+        RenewTimeLimitPlatform();
     }
 }
 

@@ -114,6 +114,20 @@ TEST_F(CaptureContextTest, DeliversPackedRowsFromTheTop)
     EXPECT_THAT(m_receiver.memory, ElementsAre(5, 7, 0x33, 0x44, 6, 7, 0x33, 0x44, 5, 8, 0x33, 0x44, 6, 8, 0x33, 0x44));
 }
 
+TEST_F(CaptureContextTest, DeliversOpaquePixelsIfAsked)
+{
+    constexpr std::int32_t width = 71;
+    constexpr std::int32_t height = 67;
+    ASSERT_TRUE(m_context.Initialize(1, {0, 0, width, height}));
+    EXPECT_TRUE(m_context.Capture(m_receiver.GetCallback(), FourthByte::Opaque));
+    ASSERT_EQ(m_receiver.memory.size(), std::size_t{width} * height * 4);
+    for (std::int32_t pixel = 0; pixel < width * height; ++pixel)
+    {
+        const unsigned char* const bytes = m_receiver.memory.data() + std::ptrdiff_t{pixel} * 4;
+        ASSERT_THAT(std::vector<int>(bytes, bytes + 4), ElementsAre(pixel % width, pixel / width, 0x33, 255)) << pixel;
+    }
+}
+
 TEST_F(CaptureContextTest, ADisplayOfFullHdAsksForItsBytes)
 {
     ASSERT_TRUE(m_context.Initialize(1, {0, 0, 1920, 1080}));

@@ -1,5 +1,6 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Text/Files.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Tests/Core/System/Error/Handling/SignalledProgram.h"
 #include "Tests/Support/ForkedProcess.h"
@@ -7,6 +8,8 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <sys/wait.h>
@@ -68,6 +71,54 @@ TEST(ErrorHandlingRequests, ARunThatDoesNotEndIsAbortedAfterTwoSeconds)
     EXPECT_EQ(result.output, std::string("running\n") + s_termination + "asked\n" + s_abortion);
     EXPECT_EQ(result.error, "");
     EXPECT_GE(elapsed, 64 * 32'000'000);
+}
+
+/// Writes part after part of a file for as long as told.
+void WriteParts(std::chrono::milliseconds time)
+{
+    const Text::File file = Text::OpenFile("/dev/null", "wb");
+    for (const auto end = std::chrono::steady_clock::now() + time; std::chrono::steady_clock::now() < end;)
+    {
+        if (!Text::Write(*file, "part", 4))
+            std::_Exit(1);
+        std::this_thread::sleep_for(100ms);
+    }
+}
+
+ForkedResult RunAndTerminate(const std::function<void()>& finish)
+{
+    ForkedProcess process(
+        [&finish]
+        {
+            return RunProgram(
+                true, [] {}, finish);
+        });
+    EXPECT_TRUE(process.WaitForOutput("running"));
+    process.Send(SIGTERM);
+    return process.Wait();
+}
+
+TEST(ErrorHandlingRequests, AFileThatIsBeingWrittenIsFinishedHoweverLongItTakes)
+{
+    const ForkedResult result = RunAndTerminate([] { WriteParts(6s); });
+    EXPECT_EQ(result.exitCode, 5);
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(result.output, std::string("running\n") + s_termination + "asked\n");
+}
+
+TEST(ErrorHandlingRequests, AFileThatGetsNoFurtherIsNotAwaited)
+{
+    const std::int64_t begin = Time::GetMonotonicNanoseconds();
+    const ForkedResult result = RunAndTerminate(
+        []
+        {
+            WriteParts(2s);
+            std::this_thread::sleep_for(1h);
+        });
+    const std::int64_t elapsed = Time::GetMonotonicNanoseconds() - begin;
+    EXPECT_EQ(result.signal, SIGABRT);
+    EXPECT_EQ(result.output, std::string("running\n") + s_termination + "asked\n" + s_abortion);
+    EXPECT_GE(elapsed, 1'900'000'000LL + 64 * 32'000'000LL);
 }
 
 /// Interrupts again and again a run that doesn't end after `first`. Returns how it ended.

@@ -12,6 +12,7 @@
 #include <iostream>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace Orvik::System::Error
 {
@@ -34,7 +35,11 @@ public:
 class Program final : public Runtime::Application
 {
 public:
-    explicit Program(bool listens) : Application(L"Program"), m_listens(listens) {}
+    explicit Program(
+        bool listens, std::function<void()> finish = [] {})
+        : Application(L"Program"), m_listens(listens), m_finish(std::move(finish))
+    {
+    }
     void OnShutdownRequested() override
     {
         std::cout << "asked" << std::endl;
@@ -44,23 +49,25 @@ public:
     {
         while (!m_isAsked)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        m_finish();
         m_returnCode = 5;
     }
 
 private:
     bool m_listens;
+    std::function<void()> m_finish; ///< what is left to do once it has been asked
     std::atomic<bool> m_isAsked = false;
 };
 
 /// A run in a process of its own, with the log printed. The process ends here, and its objects stay: a request that
 /// comes as late as that finds a run that is over.
 inline int RunProgram(
-    bool listens, const std::function<void()>& prepare = [] {})
+    bool listens, const std::function<void()>& prepare = [] {}, std::function<void()> finish = [] {})
 {
     LogPrinter printer;
     ErrorHandling::GetInstance();
     prepare();
-    Program program(listens);
+    Program program(listens, std::move(finish));
     std::cout << "running" << std::endl;
     program.Work();
     std::_Exit(program.m_returnCode);
