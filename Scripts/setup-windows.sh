@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs what building SnipBench for Windows needs on Debian 12 or 13 beside what Scripts/setup-linux.sh installs: the cross
-# compiler, Wine, and, built once from the archive's source packages into build/windows-dependencies, the libraries
-# that Debian has no Windows version of. With nothing missing it fetches nothing and asks for no rights.
+# Installs what building SnipBench for Windows needs on Debian 12 or 13 beside what Scripts/setup-linux.sh installs: the
+# cross compiler, Wine, and, built once from the archive's source packages into build/windows-dependencies, the
+# libraries that Debian has no Windows version of. With nothing missing it fetches nothing and asks for no rights.
 #
 #   Scripts/setup-windows.sh           what building and running the program needs
 #   Scripts/setup-windows.sh --test    and what the tests need
