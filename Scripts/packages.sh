@@ -5,6 +5,16 @@ has_sha256() # FILE HASH
     [ -f "$1" ] && [ "$(sha256sum <"$1")" = "$2  -" ]
 }
 
+# The number of the release, such as 12; nothing on another system and before a release has one.
+debian_release()
+(
+    ID='' VERSION_ID=''
+    . "${OS_RELEASE:-/etc/os-release}" || true
+    if [ "$ID" = debian ]; then
+        echo "$VERSION_ID"
+    fi
+)
+
 list_missing_packages() # PACKAGE...
 {
     local installed

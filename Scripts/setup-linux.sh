@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what SnipBench needs on Debian 12 and is missing: packages from the configured Debian archive, and the font
-# of the labels from the configured npm registry. With nothing missing it fetches nothing and asks for no rights.
+# Installs what SnipBench needs on Debian 12 or 13 and is missing: packages from the configured Debian archive, and the
+# font of the labels from the configured npm registry. With nothing missing it fetches nothing and asks for no rights.
 #
 #   Scripts/setup-linux.sh              what building and running the program needs
 #   Scripts/setup-linux.sh --demo       and what the demo on a virtual display needs

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs what building SnipBench for Windows needs on Debian 12 beside what Scripts/setup-linux.sh installs: the cross
-# compiler, Wine, and, built once from the archive's source packages into build/windows-dependencies, the libraries
-# that Debian has no Windows version of. With nothing missing it fetches nothing and asks for no rights.
+# Installs what building SnipBench for Windows needs on Debian 12 or 13 beside what Scripts/setup-linux.sh installs: the
+# cross compiler, Wine, and, built once from the archive's source packages into build/windows-dependencies, the
+# libraries that Debian has no Windows version of. With nothing missing it fetches nothing and asks for no rights.
 #
 #   Scripts/setup-windows.sh           what building and running the program needs
 #   Scripts/setup-windows.sh --test    and what the tests need
@@ -22,9 +22,23 @@ case "${1:-}" in
 esac
 require_packages "${packages[@]}"
 
-deflate_archive_sha256=89e7df898c37c3427b0f39aadcf733731321a278771d20fc553f92da8d4808ac  # 1.14
-png_archive_sha256=a00e9d2f2f664186e4202db9299397f851aea71b36a35e74910b8820e380d441      # 1.6.39
-freetype_archive_sha256=7dedb6b9adf331559daea614a83b8de42a753e685ec8e1c4bdb4529eb880b0d1 # 2.12.1
+# Each release of Debian has versions of its own. A newer one's are tried before their hashes are written down here.
+case $(debian_release) in
+    12)
+        deflate_archive_sha256=89e7df898c37c3427b0f39aadcf733731321a278771d20fc553f92da8d4808ac  # 1.14
+        png_archive_sha256=a00e9d2f2f664186e4202db9299397f851aea71b36a35e74910b8820e380d441      # 1.6.39
+        freetype_archive_sha256=7dedb6b9adf331559daea614a83b8de42a753e685ec8e1c4bdb4529eb880b0d1 # 2.12.1
+        ;;
+    13)
+        deflate_archive_sha256=1ab18349b9fb0ce8a0ca4116bded725be7dcbfa709e19f6f983d99df1fb8b25f  # 1.23
+        png_archive_sha256=b17e99026055727e8cba99160c3a9a7f9af788e9f786daeadded5a42243f1dd0      # 1.6.48
+        freetype_archive_sha256=686ec73cbf6783b245dd068a09ce807b729ac0f8a46dd70f7867923c32fdf4de # 2.13.3
+        ;;
+    *)
+        echo "The libraries for Windows are built from the source packages of Debian 12 or 13; this is neither." >&2
+        exit 1
+        ;;
+esac
 
 # apt with the configured archives, but their source packages, and with its lists in a folder of ours: the system's own
 # stay as they are, and nobody needs to be root.

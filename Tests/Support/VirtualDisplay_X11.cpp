@@ -4,8 +4,10 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <stdexcept>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -15,13 +17,20 @@ namespace Orvik::Tests
 namespace
 {
 
-/// Ends the server; one that doesn't end when it is asked to is killed.
+/// Far above what a start takes, on a busy machine too.
+constexpr std::chrono::seconds s_startLimit(60);
+
+/// Ends the server; one that doesn't end when it is asked to is killed. A request that comes between the server's look
+/// for one and its wait for clients is lost on it until something else wakes it, in ten minutes at the worst: so it is
+/// asked again and again.
 void End(pid_t server)
 {
     constexpr int attempts = 500;
-    kill(server, SIGTERM);
+    constexpr int attemptsPerRequest = 20;
     for (int attempt = 0; attempt < attempts; ++attempt)
     {
+        if (attempt % attemptsPerRequest == 0)
+            kill(server, SIGTERM);
         if (waitpid(server, nullptr, WNOHANG) != 0)
             return;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -30,17 +39,29 @@ void End(pid_t server)
     waitpid(server, nullptr, 0);
 }
 
-/// Reads the line that the server writes once it takes connections.
-std::string ReadDisplayNumber(int descriptor)
-{
-    std::string number;
-    char character = 0;
-    while (read(descriptor, &character, 1) == 1 && character != '\n')
-        number += character;
-    return number;
-}
-
 } // namespace
+
+std::string ReadDisplayNumber(int descriptor, std::chrono::milliseconds limit)
+{
+    using std::chrono::steady_clock;
+    const steady_clock::time_point end = steady_clock::now() + limit;
+    std::string number;
+    while (true)
+    {
+        const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - steady_clock::now());
+        if (rest.count() <= 0)
+            return {};
+        pollfd entry = {descriptor, POLLIN, 0};
+        if (poll(&entry, 1, static_cast<int>(rest.count())) != 1)
+            continue; // a signal came, or the limit has passed
+        char character = 0;
+        if (read(descriptor, &character, 1) != 1)
+            return {};
+        if (character == '\n')
+            return number;
+        number += character;
+    }
+}
 
 VirtualDisplay::VirtualDisplay(std::uint32_t width, std::uint32_t height, std::uint32_t depth,
                                const std::vector<std::string>& arguments)
@@ -64,6 +85,8 @@ VirtualDisplay::VirtualDisplay(std::uint32_t width, std::uint32_t height, std::u
     if (m_process == 0)
     {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
+        const rlimit noCoreFile = {};
+        setrlimit(RLIMIT_CORE, &noCoreFile);
         close(pipeEnds[0]);
         const int null = open("/dev/null", O_RDWR);
         dup2(null, STDOUT_FILENO);
@@ -72,10 +95,13 @@ VirtualDisplay::VirtualDisplay(std::uint32_t width, std::uint32_t height, std::u
         _exit(127);
     }
     close(pipeEnds[1]);
-    const std::string number = ReadDisplayNumber(pipeEnds[0]);
+    const std::string number = ReadDisplayNumber(pipeEnds[0], s_startLimit);
     close(pipeEnds[0]);
     if (number.empty())
+    {
+        End(m_process);
         throw std::runtime_error("Xvfb did not start.");
+    }
     m_name = ":" + number;
 }
 

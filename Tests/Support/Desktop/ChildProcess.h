@@ -28,8 +28,8 @@ struct ChildResult
     std::string standardError;
 };
 
-/// A program run as a child. Its standard streams are collected, its standard input is empty. It is killed when the
-/// object goes, or when this process does.
+/// A program run as a child. Its standard streams are collected, its standard input is empty, and a fault leaves no
+/// core file. It is killed when the object goes, or when this process does.
 class ChildProcess
 {
 public:

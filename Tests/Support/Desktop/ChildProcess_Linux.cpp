@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
@@ -76,6 +77,8 @@ ChildProcess::~ChildProcess()
 void ChildProcess::Execute(const ChildOptions& options) const
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const rlimit noCoreFile = {};
+    setrlimit(RLIMIT_CORE, &noCoreFile);
     // A test run in the background has SIGINT ignored, and that would be inherited.
     sigset_t none;
     sigemptyset(&none);

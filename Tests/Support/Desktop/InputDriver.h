@@ -2,6 +2,7 @@
 
 #include "Tests/Support/Desktop/Picture.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -39,8 +40,9 @@ public:
     /// then.
     bool Grab();
     void Ungrab();
-    /// Whether keyboard and pointer are free.
-    [[nodiscard]] bool CanGrab();
+    /// Whether keyboard and pointer are free. A server that doesn't answer within the limit, one that another program
+    /// holds for instance, counts as one where they aren't; the object is of no use any more then.
+    [[nodiscard]] bool CanGrab(std::chrono::milliseconds limit = std::chrono::seconds(30));
 
 private:
     void SendKey(const std::string& name, bool isPressed);

@@ -1,5 +1,6 @@
 #include "Tests/Support/Desktop/InputDriver.h"
 
+#include "Tests/Support/Desktop/AnswerLimit.h"
 #include "Tests/Support/Desktop/XSession.h"
 
 #include <X11/XKBlib.h>
@@ -93,11 +94,12 @@ void InputDriver::Ungrab()
     m_session->Synchronize();
 }
 
-bool InputDriver::CanGrab()
+bool InputDriver::CanGrab(std::chrono::milliseconds limit)
 {
+    const AnswerLimit answerLimit(m_session->GetDisplay(), limit);
     const bool isFree = Grab();
     Ungrab();
-    return isFree;
+    return isFree && !answerLimit.HasPassed();
 }
 
 void InputDriver::SendKey(const std::string& name, bool isPressed)

@@ -14,7 +14,8 @@ TEST(TestEnvironment, HasItsLocaleWithItsTimeZone)
     const char* const zone = std::getenv("TZ");
     if (zone == nullptr || std::string(zone) != "Asia/Kolkata")
         GTEST_SKIP() << "The test wasn't started by ctest.";
-    const auto& numbers = std::use_facet<std::numpunct<char>>(std::locale());
+    const std::locale locale;
+    const auto& numbers = std::use_facet<std::numpunct<char>>(locale);
     EXPECT_EQ(numbers.decimal_point(), ',');
     EXPECT_EQ(numbers.thousands_sep(), '.');
 }

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <csignal>
 #include <ctime>
+#include <initializer_list>
 #include <pthread.h>
 #include <unistd.h>
 

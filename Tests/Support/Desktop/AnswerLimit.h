@@ -1,0 +1,40 @@
+#pragma once
+
+// Private to the X11 units of this folder.
+
+#include <X11/Xlib.h>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace Orvik::Tests
+{
+
+/// Ends the wait for a server's answer: once the limit has passed the connection is cut, and what waits for an answer
+/// on it returns, with any result. The connection can only be closed then. Meanwhile no loss of a server ends the
+/// process.
+class AnswerLimit
+{
+public:
+    /// For as long as the object lives.
+    AnswerLimit(::Display* display, std::chrono::milliseconds limit);
+    ~AnswerLimit();
+    AnswerLimit(const AnswerLimit&) = delete;
+    AnswerLimit& operator=(const AnswerLimit&) = delete;
+
+    [[nodiscard]] bool HasPassed() const { return m_hasPassed; }
+
+private:
+    void Watch(int connection, std::chrono::milliseconds limit);
+
+    XIOErrorHandler m_previousHandler;
+    std::mutex m_mutex;
+    std::condition_variable m_end;
+    bool m_isOver = false;
+    std::atomic<bool> m_hasPassed = false;
+    std::thread m_thread; // the last one: it uses the others
+};
+
+} // namespace Orvik::Tests
