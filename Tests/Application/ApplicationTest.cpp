@@ -1,4 +1,5 @@
 #include "Tests/Application/ApplicationFixture.h"
+#include "Tests/Support/EnvironmentVariable.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -99,11 +100,42 @@ TEST_F(ApplicationTest, AWindowThatCannotBeCreatedHasItsCode)
 
 TEST_F(ApplicationTest, ARendererThatCannotStartHasItsCode)
 {
+    const EnvironmentVariable demanded("ORVIK_RENDERER", "opengl");
     GLRecorder::GetInstance().contextCreates = false;
     UseOutput();
     EXPECT_EQ(Run(), -5);
     EXPECT_THAT(printed, EndsWith(MakeCodeObject("Failed to initialize renderer", -5)));
     EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Error: Failed to initialize renderer.\n"));
+}
+
+TEST_F(ApplicationTest, ARunWithoutOpenGLDrawsTheOverlayItself)
+{
+    GLRecorder::GetInstance().contextCreates = false;
+    UseOutput();
+    Drag({10, 20}, {110, 70});
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U);
+    EXPECT_EQ(desktop.windowTitle, "SnipBench 0.3.0.2");
+    EXPECT_THAT(desktop.presentations, Not(IsEmpty()));
+}
+
+TEST_F(ApplicationTest, AnUntouchedOverlayWaits)
+{
+    UseOutput();
+    desktop.messages.emplace_back([](Window&) {});
+    std::thread stopper(
+        [this]
+        {
+            while (running == nullptr)
+                std::this_thread::yield();
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            System::Runtime::Application::RequestShutdown();
+        });
+    EXPECT_EQ(Run(), 0);
+    stopper.join();
+    EXPECT_EQ(GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U);
+    EXPECT_LT(desktop.waits, 1000U);
 }
 
 TEST_F(ApplicationTest, ADragOnTheCapturedDisplayLeavesTwoFiles)

@@ -31,8 +31,8 @@ struct Plane
     std::vector<Depth> depths; ///< of the area, row by row; empty if nothing asks for them
 };
 
-/// A part of a surface while it is being painted, with a depth for each pixel. What has slanted edges is painted by four
-/// samples to the pixel, which come together in `Finish`; everything else straight into the surface.
+/// A part of a surface while it is being painted, with a depth for each pixel. What has slanted edges is painted by
+/// four samples to the pixel, which come together in `Finish`; everything else straight into the surface.
 class Canvas
 {
 public:

@@ -145,8 +145,7 @@ const Image::Level& Image::GetLevel(std::size_t number)
 
 const Image::Level& Image::GetSized(std::int32_t columns, std::int32_t rows, float width, float height)
 {
-    const float reduction =
-        std::max(static_cast<float>(GetWidth()) / width, static_cast<float>(GetHeight()) / height);
+    const float reduction = std::max(static_cast<float>(GetWidth()) / width, static_cast<float>(GetHeight()) / height);
     if (!(reduction > 1.0F))
         return m_levels.front();
     if (m_sized.width == width && m_sized.height == height && m_sized.level.width == columns &&

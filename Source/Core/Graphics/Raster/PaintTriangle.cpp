@@ -40,10 +40,7 @@ struct Edge
     bool isTopOrLeft = false; ///< such an edge has the samples that lie on it
 
     Edge(const FixedPoint& first, const FixedPoint& second)
-        : from(first),
-          x(second.x - first.x),
-          y(second.y - first.y),
-          isTopOrLeft(y < 0 || (y == 0 && x > 0))
+        : from(first), x(second.x - first.x), y(second.y - first.y), isTopOrLeft(y < 0 || (y == 0 && x > 0))
     {
     }
 

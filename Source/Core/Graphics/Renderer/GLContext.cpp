@@ -61,8 +61,7 @@ void GLContext::Report(const char* failure) const
 {
     using System::Log::MessageTypeID;
     const MessageTypeID severity = m_isDemanded ? MessageTypeID::Error : MessageTypeID::Verbose;
-    System::Log::Write(s_context, severity, m_version.empty() ? "OpenGL" : m_version.c_str(),
-                       failure);
+    System::Log::Write(s_context, severity, m_version.empty() ? "OpenGL" : m_version.c_str(), failure);
 }
 
 } // namespace Orvik::Graphics::Renderer

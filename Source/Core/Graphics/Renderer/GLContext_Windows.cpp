@@ -28,7 +28,8 @@ EntryPoints LoadEntryPoints(const WglCalls& calls)
 #define ORVIK_LOAD_ENTRY_POINT(Type, name) entryPoints.name = LoadFunction<Type>(calls, #name);
     ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_LOAD_ENTRY_POINT)
 #undef ORVIK_LOAD_ENTRY_POINT
-    entryPoints.glGetActiveUniformBlockiv = LoadFunction<PFNGLGETACTIVEUNIFORMBLOCKIVPROC>(calls, "glGetActiveUniformBlockiv");
+    entryPoints.glGetActiveUniformBlockiv =
+        LoadFunction<PFNGLGETACTIVEUNIFORMBLOCKIVPROC>(calls, "glGetActiveUniformBlockiv");
     return entryPoints;
 }
 

@@ -61,8 +61,8 @@ EntryPoints LoadEntryPoints()
 #define ORVIK_LOAD_ENTRY_POINT(Type, name) entryPoints.name = reinterpret_cast<Type>(eglGetProcAddress(#name));
     ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_LOAD_ENTRY_POINT)
 #undef ORVIK_LOAD_ENTRY_POINT
-    entryPoints.glGetActiveUniformBlockiv = reinterpret_cast<PFNGLGETACTIVEUNIFORMBLOCKIVPROC>(
-        eglGetProcAddress("glGetActiveUniformBlockiv"));
+    entryPoints.glGetActiveUniformBlockiv =
+        reinterpret_cast<PFNGLGETACTIVEUNIFORMBLOCKIVPROC>(eglGetProcAddress("glGetActiveUniformBlockiv"));
     return entryPoints;
 }
 

@@ -63,7 +63,7 @@ public:
     GLint maximumTextureSize = 16384;
     bool tellsBlockSizes = true;
     GLint blockSize = 136; ///< of every uniform block
-    std::string infoLog; ///< what is wrong with a shader or program
+    std::string infoLog;   ///< what is wrong with a shader or program
 
     // What the half's functions call.
     template <typename... Arguments>

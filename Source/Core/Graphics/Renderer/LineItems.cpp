@@ -84,8 +84,7 @@ Vector2 ToPixelBorder(const Vector2& position)
 class Joints
 {
 public:
-    Joints(const Line& line, const SurfaceSpace& space)
-        : m_halfThickness(std::max(line.thickness, 1.0F) * 0.5F)
+    Joints(const Line& line, const SurfaceSpace& space) : m_halfThickness(std::max(line.thickness, 1.0F) * 0.5F)
     {
         const Matrix4 placement = space.projection * line.model;
         m_points.reserve(line.points.size());
@@ -99,8 +98,7 @@ public:
             }
             const Vector2 pixels = {(clip.x / clip.w * 0.5F + 0.5F) * space.width,
                                     (clip.y / clip.w * 0.5F + 0.5F) * space.height};
-            const auto settle = [](float value)
-            { return std::floor(value * s_settledSteps + 0.5F) / s_settledSteps; };
+            const auto settle = [](float value) { return std::floor(value * s_settledSteps + 0.5F) / s_settledSteps; };
             m_points.push_back({{settle(pixels.x), settle(pixels.y)}, clip.z / clip.w});
         }
     }
@@ -212,7 +210,8 @@ bool CoversWholePixels(const Segment& segment)
 {
     if (!IsAlongAxis(segment.direction) || segment.startDepth != segment.endDepth)
         return false;
-    return std::all_of(segment.corners.begin(), segment.corners.end(), [](const Vector2& corner)
+    return std::all_of(segment.corners.begin(), segment.corners.end(),
+                       [](const Vector2& corner)
                        { return corner.x == std::floor(corner.x) && corner.y == std::floor(corner.y); });
 }
 
@@ -230,10 +229,10 @@ Raster::Slope MakeSlope(const Segment& segment, const Vector2& from, const Vecto
 
 void AppendBar(const Line& line, const Segment& segment, const SurfaceSpace& space, std::vector<Raster::Item>& items)
 {
-    const auto [left, right] = std::minmax({segment.corners[0].x, segment.corners[1].x, segment.corners[2].x,
-                                            segment.corners[3].x});
-    const auto [low, high] = std::minmax({segment.corners[0].y, segment.corners[1].y, segment.corners[2].y,
-                                          segment.corners[3].y});
+    const auto [left, right] =
+        std::minmax({segment.corners[0].x, segment.corners[1].x, segment.corners[2].x, segment.corners[3].x});
+    const auto [low, high] =
+        std::minmax({segment.corners[0].y, segment.corners[1].y, segment.corners[2].y, segment.corners[3].y});
     Raster::BarItem bar;
     bar.area = Intersect({ToPixel(left), ToPixel(space.height - high), ToPixel(right), ToPixel(space.height - low)},
                          space.GetArea());

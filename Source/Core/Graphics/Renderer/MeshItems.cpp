@@ -27,8 +27,9 @@ void AppendItems(const Polygon& polygon, const SurfaceSpace& space, std::vector<
 void AppendItems(const Quad& quad, const SurfaceSpace& space, std::vector<Raster::Item>& items)
 {
     const Matrix4 placement = space.projection * quad.model;
-    const auto corner = [&](float x, float y)
-    { return ClipCorner{Transform(placement, {x, y, 0.0F, 1.0F}), quad.color}; };
+    const auto corner = [&](float x, float y) {
+        return ClipCorner{Transform(placement, {x, y, 0.0F, 1.0F}), quad.color};
+    };
     AppendTriangle({corner(0.0F, 1.0F), corner(0.0F, 0.0F), corner(1.0F, 1.0F)}, {}, space, items);
     AppendTriangle({corner(1.0F, 1.0F), corner(0.0F, 0.0F), corner(1.0F, 0.0F)}, {}, space, items);
 }

@@ -54,7 +54,6 @@ void AppendTriangle(const std::array<ClipCorner, 3>& corners, const Raster::Tria
 /// The depth of a clip-space z that lies within -1 and 1.
 [[nodiscard]] Raster::Depth ToDepth(float z);
 [[nodiscard]] bool IsVisibleDepth(float z);
-[[nodiscard]] System::Math::Vector4 Transform(const System::Math::Matrix4& matrix,
-                                              const System::Math::Vector4& vector);
+[[nodiscard]] System::Math::Vector4 Transform(const System::Math::Matrix4& matrix, const System::Math::Vector4& vector);
 
 } // namespace Orvik::Graphics::Renderer

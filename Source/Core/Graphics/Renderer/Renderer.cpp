@@ -60,11 +60,10 @@ bool Renderer::Initialize(System::Desktop::NativeWindow window, const char* clas
 // The shaders aren't used; that they are there is the same promise of a whole installation.
 bool Renderer::InitializeForRaster()
 {
-    const bool isReady = CheckProgramFiles("line.vert", "line.frag") &&
-                         CheckProgramFiles("polygon.vert", "polygon.frag") &&
-                         CheckProgramFiles("texture.vert", "texture.frag") &&
-                         CheckProgramFiles("font.vert", "font.frag") && m_textRenderer.InitializeForRaster() &&
-                         CheckProgramFiles("quad.vert", "quad.frag");
+    const bool isReady =
+        CheckProgramFiles("line.vert", "line.frag") && CheckProgramFiles("polygon.vert", "polygon.frag") &&
+        CheckProgramFiles("texture.vert", "texture.frag") && CheckProgramFiles("font.vert", "font.frag") &&
+        m_textRenderer.InitializeForRaster() && CheckProgramFiles("quad.vert", "quad.frag");
     if (!isReady)
     {
         System::Log::Write(s_context, System::Log::MessageTypeID::Error,
@@ -180,8 +179,8 @@ GLsizeiptr Renderer::GetSharedSize() const
     for (const GLuint program : GetPrograms())
     {
         GLint wanted = 0;
-        gl.glGetActiveUniformBlockiv(program, gl.glGetUniformBlockIndex(program, "Shared"),
-                                     GL_UNIFORM_BLOCK_DATA_SIZE, &wanted);
+        gl.glGetActiveUniformBlockiv(program, gl.glGetUniformBlockIndex(program, "Shared"), GL_UNIFORM_BLOCK_DATA_SIZE,
+                                     &wanted);
         size = std::max<GLsizeiptr>(size, wanted);
     }
     return size;

@@ -82,8 +82,9 @@ bool PlaceGlyph(const Matrix4& square, const Raster::Glyph& glyph, const Surface
     if (!(determinant > 0.0F) || !IsVisibleDepth(square.elements[14]))
         return false;
     place.glyph = &glyph;
-    const auto makeSlope = [&](float perX, float perY)
-    { return Slope{-(placement.x * perX + placement.y * perY), perX, perY}; };
+    const auto makeSlope = [&](float perX, float perY) {
+        return Slope{-(placement.x * perX + placement.y * perY), perX, perY};
+    };
     place.column = makeSlope(placement.yPerRow / determinant, -placement.xPerRow / determinant);
     place.row = makeSlope(-placement.yPerColumn / determinant, placement.xPerColumn / determinant);
     place.area = Intersect(GetReach(placement, glyph, place.column, place.row), space.GetArea());

@@ -268,8 +268,7 @@ std::optional<Glyph> TextRenderer::FindGlyph(char character)
     if (found == nullptr)
         return std::nullopt;
     const GlyphBitmap& bitmap = found->bitmap;
-    return Glyph{static_cast<std::uint32_t>(index), bitmap.width, bitmap.rows, bitmap.left, bitmap.top,
-                 bitmap.advance};
+    return Glyph{static_cast<std::uint32_t>(index), bitmap.width, bitmap.rows, bitmap.left, bitmap.top, bitmap.advance};
 }
 
 const Raster::Glyph* TextRenderer::GetCoverage(std::uint32_t layer)

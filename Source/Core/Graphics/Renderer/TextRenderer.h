@@ -46,8 +46,8 @@ public:
     /// the font can't be had; log lines have said why. A character that the font can't give is a warning.
     [[nodiscard]] bool Initialize(Renderer& renderer);
 
-    /// For drawing into memory: opens the font. Its characters are made when they are first needed. False if it can't be
-    /// had; a log line has said why.
+    /// For drawing into memory: opens the font. Its characters are made when they are first needed. False if it can't
+    /// be had; a log line has said why.
     [[nodiscard]] bool InitializeForRaster();
 
     /// Draws the visible texts in their order, over what is there. Does nothing without a context.

@@ -75,8 +75,9 @@ void AppendItems(const Texture& texture, const SurfaceSpace& space, std::vector<
     look.look.colour = texture.color;
     look.image = texture.image;
     look.version = texture.image->GetVersion();
-    const auto corner = [&](float x, float y)
-    { return ClipCorner{Transform(placement, {x, y, 0.0F, 1.0F}), {x + 0.5F, 0.5F - y, 0.0F, 0.0F}}; };
+    const auto corner = [&](float x, float y) {
+        return ClipCorner{Transform(placement, {x, y, 0.0F, 1.0F}), {x + 0.5F, 0.5F - y, 0.0F, 0.0F}};
+    };
     AppendTriangle({corner(0.5F, 0.5F), corner(-0.5F, 0.5F), corner(0.5F, -0.5F)}, look, space, items);
     AppendTriangle({corner(0.5F, -0.5F), corner(-0.5F, 0.5F), corner(-0.5F, -0.5F)}, look, space, items);
 }

@@ -168,13 +168,14 @@ void TextureRenderer::Shutdown(Renderer& renderer)
 }
 
 std::uint16_t& TextureRenderer::Create(std::uint16_t& id, std::uint16_t width, std::uint16_t height,
-                                       std::uint8_t bitsPerPixel, const void* pixels, Renderer& renderer)
+                                       std::uint8_t bitsPerPixel, const void* pixels, Renderer& renderer,
+                                       PixelLife life)
 {
     {
         const std::lock_guard lock(m_mutex);
         id = m_objects.Add().id;
     }
-    UpdateBitmap(id, width, height, bitsPerPixel, pixels, renderer);
+    UpdateBitmap(id, width, height, bitsPerPixel, pixels, renderer, life);
     return id;
 }
 
@@ -184,7 +185,7 @@ Texture* TextureRenderer::Get(std::uint16_t id)
 }
 
 bool TextureRenderer::UpdateBitmap(std::uint16_t id, std::uint16_t width, std::uint16_t height,
-                                   std::uint8_t bitsPerPixel, const void* pixels, Renderer& renderer)
+                                   std::uint8_t bitsPerPixel, const void* pixels, Renderer& renderer, PixelLife life)
 {
     Texture* const texture = m_objects.Find(id);
     if (texture == nullptr || !CanUpload(renderer))
@@ -207,7 +208,10 @@ bool TextureRenderer::UpdateBitmap(std::uint16_t id, std::uint16_t width, std::u
     if (texture->gpuData.width != width || texture->gpuData.height != height)
         return false;
     ++texture->uploads;
-    Upload(*texture, isFirst, bitsPerPixel, pixels, renderer);
+    if (renderer.DrawsIntoMemory())
+        KeepPixels(*texture, bitsPerPixel, pixels, life);
+    else
+        UploadToDriver(*texture, isFirst, bitsPerPixel, pixels, renderer);
     return true;
 }
 
@@ -216,19 +220,23 @@ bool TextureRenderer::CanUpload(const Renderer& renderer)
     return renderer.DrawsIntoMemory() || renderer.GetContext().IsValid();
 }
 
-void TextureRenderer::Upload(Texture& texture, bool isFirst, std::uint8_t bitsPerPixel, const void* pixels,
-                             Renderer& renderer)
+void TextureRenderer::KeepPixels(Texture& texture, std::uint8_t bitsPerPixel, const void* pixels, PixelLife life)
+{
+    if (texture.image == nullptr)
+        texture.image = std::make_shared<Raster::Image>();
+    const std::uint16_t width = texture.gpuData.width;
+    const std::uint16_t height = texture.gpuData.height;
+    if (bitsPerPixel == s_bitsWithAlpha && life == PixelLife::Texture)
+        texture.image->Borrow(width, height, pixels);
+    else // as OpenGL reads it: four bytes to the pixel for 32 bits, three for anything else
+        texture.image->Set(width, height, bitsPerPixel == s_bitsWithAlpha ? 4 : 3, pixels);
+}
+
+void TextureRenderer::UploadToDriver(Texture& texture, bool isFirst, std::uint8_t bitsPerPixel, const void* pixels,
+                                     Renderer& renderer)
 {
     const std::uint16_t width = texture.gpuData.width;
     const std::uint16_t height = texture.gpuData.height;
-    if (renderer.DrawsIntoMemory())
-    {
-        if (isFirst)
-            texture.image = std::make_shared<Raster::Image>();
-        // As OpenGL reads it: four bytes to the pixel for 32 bits, three for anything else.
-        texture.image->Set(width, height, bitsPerPixel == s_bitsWithAlpha ? 4 : 3, pixels);
-        return;
-    }
     const GLenum format = bitsPerPixel == s_bitsWithAlpha ? GL_BGRA : GL_BGR;
     if (isFirst)
     {

@@ -16,6 +16,13 @@ namespace Orvik::Graphics::Renderer
 
 class Renderer;
 
+/// How long the pixels of an upload stay where and as they are.
+enum class PixelLife : std::uint8_t
+{
+    Call,    ///< a copy is made
+    Texture, ///< as long as the texture, or until its next upload: what is drawn in memory needs no copy
+};
+
 /// An image on a quad of side 1 around the origin; `model` gives it size and place.
 struct Texture
 {
@@ -55,7 +62,7 @@ public:
     /// Adds a texture, stores its id in `id` and uploads the pixels: `height` rows from the top, tightly packed, in
     /// the order blue, green, red and, with 32 bits per pixel, alpha. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
-                          const void* pixels, Renderer& renderer);
+                          const void* pixels, Renderer& renderer, PixelLife life = PixelLife::Call);
 
     /// The texture, or null. Good until the next `Create` or `Remove`.
     [[nodiscard]] Texture* Get(std::uint16_t id);
@@ -64,7 +71,7 @@ public:
     /// picture is no upload: the next one is the first again. False for an unknown id, without a context or pixels, or
     /// with less than 24 bits per pixel; nothing changes then.
     bool UpdateBitmap(std::uint16_t id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
-                      const void* pixels, Renderer& renderer);
+                      const void* pixels, Renderer& renderer, PixelLife life = PixelLife::Call);
 
     /// The longest side of a picture that the driver takes, in pixels; 0 before `Initialize`.
     [[nodiscard]] std::int32_t GetMaximumSide() const { return m_maximumSide; }
@@ -82,8 +89,9 @@ public:
 
 private:
     [[nodiscard]] static bool CanUpload(const Renderer& renderer);
-    static void Upload(Texture& texture, bool isFirst, std::uint8_t bitsPerPixel, const void* pixels,
-                       Renderer& renderer);
+    static void UploadToDriver(Texture& texture, bool isFirst, std::uint8_t bitsPerPixel, const void* pixels,
+                               Renderer& renderer);
+    static void KeepPixels(Texture& texture, std::uint8_t bitsPerPixel, const void* pixels, PixelLife life);
     void DeletePending();
 
     ObjectStore<Texture> m_objects;

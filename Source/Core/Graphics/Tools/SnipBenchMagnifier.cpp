@@ -250,9 +250,12 @@ bool SnipBench::UpdateCaptureTexture(Renderer::Renderer& renderer)
 {
     Renderer::TextureRenderer& textures = renderer.GetTextureRenderer();
     const Bitmap shrunk = ShrinkForDriver(textures.GetMaximumSide());
-    const Bitmap& shown = shrunk.GetSize() != 0 ? shrunk : m_capture;
+    const bool isShrunk = shrunk.GetSize() != 0;
+    const Bitmap& shown = isShrunk ? shrunk : m_capture;
+    // The capture stays as it is until the next one replaces the texture.
+    const Renderer::PixelLife life = isShrunk ? Renderer::PixelLife::Call : Renderer::PixelLife::Texture;
     if (m_captureTexture != 0 && !textures.UpdateBitmap(m_captureTexture, shown.GetWidth(), shown.GetHeight(),
-                                                        shown.GetBitsPerPixel(), shown.GetPixels(), renderer))
+                                                        shown.GetBitsPerPixel(), shown.GetPixels(), renderer, life))
     {
         textures.Remove(m_captureTexture);
         m_captureTexture = 0;
@@ -260,7 +263,7 @@ bool SnipBench::UpdateCaptureTexture(Renderer::Renderer& renderer)
     if (m_captureTexture == 0)
     {
         textures.Create(m_captureTexture, shown.GetWidth(), shown.GetHeight(), shown.GetBitsPerPixel(),
-                        shown.GetPixels(), renderer);
+                        shown.GetPixels(), renderer, life);
     }
 
     Renderer::Texture* const texture = textures.Get(m_captureTexture);

@@ -30,8 +30,8 @@ bool HasAdapter()
 bool IsAccelerated(const PIXELFORMATDESCRIPTOR& format)
 {
     constexpr DWORD wanted = PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
-    const bool isSoftware = (format.dwFlags & PFD_GENERIC_FORMAT) != 0 &&
-                            (format.dwFlags & PFD_GENERIC_ACCELERATED) == 0;
+    const bool isSoftware =
+        (format.dwFlags & PFD_GENERIC_FORMAT) != 0 && (format.dwFlags & PFD_GENERIC_ACCELERATED) == 0;
     return (format.dwFlags & wanted) == wanted && !isSoftware;
 }
 

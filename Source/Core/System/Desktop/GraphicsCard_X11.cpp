@@ -31,8 +31,7 @@ bool HasRenderNode()
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator("/dev/dri", error))
     {
-        if (entry.path().filename().string().starts_with("renderD") &&
-            access(entry.path().c_str(), R_OK | W_OK) == 0)
+        if (entry.path().filename().string().starts_with("renderD") && access(entry.path().c_str(), R_OK | W_OK) == 0)
             return true;
     }
     return false;

@@ -22,8 +22,8 @@ PixelPacking::Channel PixelPacking::MakeChannel(unsigned long mask)
 
 bool PixelPacking::SetImage(const XImage& image)
 {
-    const bool hasChannels = std::all_of(m_channels.begin(), m_channels.end(),
-                                         [](const Channel& channel) { return channel.highest != 0; });
+    const bool hasChannels =
+        std::all_of(m_channels.begin(), m_channels.end(), [](const Channel& channel) { return channel.highest != 0; });
     if (!m_isTrueColour || !hasChannels || image.bits_per_pixel < 16 || image.bits_per_pixel % 8 != 0)
         return false;
     m_bytes = static_cast<std::size_t>(image.bits_per_pixel) / 8;

@@ -62,9 +62,9 @@ struct PixelSurface::Native
     GC context;
     PixelPacking packing;
     ImagePointer image;
-    Platform::XSharedMemory shared;       ///< what the image has its pixels in, if the server can reach ours
-    std::vector<std::byte> own;           ///< else
-    std::vector<std::uint32_t> unpacked;  ///< our pixels, where the image's are made differently
+    Platform::XSharedMemory shared;      ///< what the image has its pixels in, if the server can reach ours
+    std::vector<std::byte> own;          ///< else
+    std::vector<std::uint32_t> unpacked; ///< our pixels, where the image's are made differently
 };
 
 PixelSurface::Native::Native(::Display* connection, ::Window target, const XWindowAttributes& attributes,

@@ -52,8 +52,8 @@ int GetDistance(std::uint32_t left, std::uint32_t right)
 {
     int distance = 0;
     for (unsigned shift = 0; shift < 24; shift += 8)
-        distance = std::max(distance, std::abs(static_cast<int>(left >> shift & 0xFFU) -
-                                               static_cast<int>(right >> shift & 0xFFU)));
+        distance = std::max(
+            distance, std::abs(static_cast<int>(left >> shift & 0xFFU) - static_cast<int>(right >> shift & 0xFFU)));
     return distance;
 }
 
@@ -85,8 +85,8 @@ protected:
         for (std::size_t index = 0; index < expected.size(); ++index)
         {
             ASSERT_LE(GetDistance(expected[index], actual[index]), tolerance)
-                << step << ", at " << index % s_width << ", " << index / s_width << ": " << std::hex
-                << expected[index] << " by OpenGL, " << actual[index] << " in memory";
+                << step << ", at " << index % s_width << ", " << index / s_width << ": " << std::hex << expected[index]
+                << " by OpenGL, " << actual[index] << " in memory";
         }
     }
 
@@ -105,9 +105,9 @@ protected:
         std::uint16_t id = 0;
         side.renderer.GetTextureRenderer().Create(id, width, height, 32, pixels.data(), side.renderer);
         Texture* const texture = side.renderer.GetTextureRenderer().Get(id);
-        texture->model = Matrix4::ScaleAndTranslation(
-            width * zoom, height * zoom, 1.0F, Pick(random, -10, 2 * s_width) * 0.5F,
-            Pick(random, -10, 2 * s_height) * 0.5F, Pick(random, 0, 9) * 0.1F);
+        texture->model =
+            Matrix4::ScaleAndTranslation(width * zoom, height * zoom, 1.0F, Pick(random, -10, 2 * s_width) * 0.5F,
+                                         Pick(random, -10, 2 * s_height) * 0.5F, Pick(random, 0, 9) * 0.1F);
         texture->color = {brightness, brightness, brightness, 1.0F};
         side.textures.push_back(id);
     }
@@ -117,8 +117,8 @@ protected:
         std::uint16_t id = 0;
         side.renderer.GetLineRenderer().Create(id, points);
         Line* const line = side.renderer.GetLineRenderer().Get(id);
-        line->model = Matrix4::Translation(Pick(random, -5, s_width), Pick(random, -5, s_height),
-                                           Pick(random, 0, 9) * 0.1F);
+        line->model =
+            Matrix4::Translation(Pick(random, -5, s_width), Pick(random, -5, s_height), Pick(random, 0, 9) * 0.1F);
         line->color = {Pick(random, 0, 10) * 0.1F, Pick(random, 0, 10) * 0.1F, Pick(random, 0, 10) * 0.1F, 1.0F};
         line->thickness = Pick(random, 1, 4);
         side.lines.push_back(id);
@@ -316,7 +316,8 @@ TEST_F(Painters, MeshesAreWithinSixteenSteps)
                 std::vector<std::array<float, 4>> colors;
                 for (int corner = 0; corner < 3; ++corner)
                 {
-                    positions.push_back({Pick(random, 0, s_width), Pick(random, 0, s_height), Pick(random, 0, 9) * 0.1F});
+                    positions.push_back(
+                        {Pick(random, 0, s_width), Pick(random, 0, s_height), Pick(random, 0, 9) * 0.1F});
                     colors.push_back({Pick(random, 0, 10) * 0.1F, Pick(random, 0, 10) * 0.1F, 1.0F, 1.0F});
                 }
                 side.renderer.GetPolygonRenderer().Create(id, positions, colors);

@@ -145,7 +145,10 @@ TEST_F(RendererFrontEnd, EveryChangeOfAnObjectIsDrawnOnce)
     const System::Math::Matrix4 moved = System::Math::Matrix4::Translation(1, 2, 3);
     const std::vector<std::pair<const char*, std::function<void()>>> changes = {
         {"a line", [&] { lines.Create(line, points); }},
-        {"its points", [&] { points = {{0, 0, 0, 1}, {2, 0, 0, 1}}, lines.Update(line, points); }},
+        {"its points",
+         [&] {
+             points = {{0, 0, 0, 1}, {2, 0, 0, 1}}, lines.Update(line, points);
+         }},
         {"its place", [&] { lines.Get(line)->model = moved; }},
         {"its colour", [&] { lines.Get(line)->color.x = 0.5F; }},
         {"its thickness", [&] { lines.Get(line)->thickness = 2.0F; }},
@@ -254,7 +257,7 @@ TEST_F(RendererFrontEnd, WithoutOpenGLTheProgramDrawsItself)
     m_renderer.SetPainter({System::Desktop::SurfaceKind::OpenGL, false, "a test"});
     EXPECT_TRUE(m_renderer.Initialize(s_window, "TestClass"));
     EXPECT_TRUE(m_renderer.DrawsIntoMemory());
-    EXPECT_THAT(m_log.GetLines(), ElementsAre("Graphics Verbose: OpenGL: Failed to bind all required OpenGL methods."));
+    EXPECT_THAT(m_log.GetLines(), ElementsAre()) << "nothing has failed";
 }
 
 class BrokenInstallation : public RecordedRenderer, public testing::WithParamInterface<const char*>
