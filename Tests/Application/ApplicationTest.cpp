@@ -100,7 +100,7 @@ TEST_F(ApplicationTest, AWindowThatCannotBeCreatedHasItsCode)
 
 TEST_F(ApplicationTest, ARendererThatCannotStartHasItsCode)
 {
-    const EnvironmentVariable demanded("ORVIK_RENDERER", "opengl");
+    const Tests::EnvironmentVariable demanded("ORVIK_RENDERER", "opengl");
     GLRecorder::GetInstance().contextCreates = false;
     UseOutput();
     EXPECT_EQ(Run(), -5);

@@ -315,7 +315,7 @@ TEST_F(Ending, AServerThatGoesAwayDuringTheStartEndsTheRun)
         SCOPED_TRACE(milliseconds);
         MakeDesktop();
         ChildProcess process = Start({"-o", GetOutput().string()});
-        ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
+        ASSERT_TRUE(m_overlay->WaitForWindow());
         std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
         TakeDesktopAway();
         ExpectOwnEnd(process);

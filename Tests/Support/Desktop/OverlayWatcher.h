@@ -37,6 +37,8 @@ public:
     [[nodiscard]] State GetState() const;
     /// False if the overlay doesn't come into that state in time.
     [[nodiscard]] bool WaitFor(State state, std::chrono::milliseconds limit = DefaultLimit) const;
+    /// The same for a window that is there, shown or not: it is hidden for a moment only.
+    [[nodiscard]] bool WaitForWindow(std::chrono::milliseconds limit = DefaultLimit) const;
     /// Waits for the frame whose crosshair is at `cursor`: the pixel column to its right and the row below it are
     /// white. Lines that would lie outside the screen aren't looked for. False if it doesn't come in time.
     [[nodiscard]] bool WaitForCrosshair(Position cursor, std::chrono::milliseconds limit = DefaultLimit) const;

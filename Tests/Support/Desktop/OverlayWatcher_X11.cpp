@@ -113,6 +113,11 @@ bool OverlayWatcher::WaitFor(State state, std::chrono::milliseconds limit) const
     return WaitUntil(limit, [&] { return GetState() == state; });
 }
 
+bool OverlayWatcher::WaitForWindow(std::chrono::milliseconds limit) const
+{
+    return WaitUntil(limit, [&] { return GetState() != State::Missing; });
+}
+
 bool OverlayWatcher::WaitForCrosshair(Position cursor, std::chrono::milliseconds limit) const
 {
     return WaitUntil(limit, [&] { return HasCrosshair(cursor); });

@@ -36,9 +36,10 @@ Neighbours FindNeighbours(std::int32_t index, float size, std::int32_t largerSiz
     const float position = std::max(centre, 0.0F) * larger / size - 0.5F;
     const float whole = std::floor(position);
     const auto first = static_cast<std::int32_t>(whole);
-    const auto clamp = [largerSize](std::int32_t value)
-    { return static_cast<std::size_t>(std::clamp(value, 0, largerSize - 1)); };
-    return {clamp(first), clamp(first + 1), static_cast<std::uint32_t>(std::lrint((position - whole) * 256.0F))};
+    // As OpenGL repeats a picture beyond its edge.
+    const auto wrap = [largerSize](std::int32_t value)
+    { return static_cast<std::size_t>((value % largerSize + largerSize) % largerSize); };
+    return {wrap(first), wrap(first + 1), static_cast<std::uint32_t>(std::lrint((position - whole) * 256.0F))};
 }
 
 std::vector<Neighbours> FindAllNeighbours(std::int32_t count, float size, std::int32_t largerSize)

@@ -15,7 +15,9 @@ using System::Math::Vector4;
 TriangleItem::Corner ToCorner(const ClipCorner& corner, const SurfaceSpace& space)
 {
     const Vector4& clip = corner.position;
-    return {(clip.x / clip.w * 0.5F + 0.5F) * space.width, (0.5F - clip.y / clip.w * 0.5F) * space.height,
+    const float halfWidth = space.width * 0.5F;
+    const float halfHeight = space.height * 0.5F;
+    return {clip.x / clip.w * halfWidth + halfWidth, clip.y / clip.w * -halfHeight + halfHeight,
             ToDepth(clip.z / clip.w), corner.values};
 }
 

@@ -57,7 +57,7 @@ PointerMotion GetPlace(const XIDeviceEvent& event)
     return {event.event,
             {toPixel(event.event_x), toPixel(event.event_y)},
             {toPixel(event.root_x), toPixel(event.root_y)},
-            event.time};
+            event.serial};
 }
 
 PointerInput& PointerInput::GetInstance()
@@ -124,7 +124,7 @@ std::optional<PointerMotion> PointerInput::ReadPlainMotion(const XEvent& event, 
     if (event.type == MotionNotify)
     {
         const XMotionEvent& motion = event.xmotion;
-        return PointerMotion{motion.window, {motion.x, motion.y}, {motion.x_root, motion.y_root}, motion.time};
+        return PointerMotion{motion.window, {motion.x, motion.y}, {motion.x_root, motion.y_root}, motion.serial};
     }
     if (!IsInputEvent(event))
         return std::nullopt;

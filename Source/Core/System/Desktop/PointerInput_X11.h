@@ -16,9 +16,9 @@ namespace Orvik::System::Desktop
 struct PointerMotion
 {
     ::Window window = None;
-    Math::Point inWindow; ///< window pixels
-    Math::Point onScreen; ///< screen pixels
-    Time time = 0;        ///< the server's, in milliseconds; it wraps
+    Math::Point inWindow;     ///< window pixels
+    Math::Point onScreen;     ///< screen pixels
+    unsigned long serial = 0; ///< the last of our requests that the server had dealt with; it never goes back
 };
 
 /// The place that an event of XInput 2 tells; it has fractions of a pixel.

@@ -78,7 +78,7 @@ int SelectScreenChanges(::Display* display, ::Window window)
 template <typename CoreEvent>
 PointerMotion GetPlace(const CoreEvent& event)
 {
-    return {event.window, {event.x, event.y}, {event.x_root, event.y_root}, event.time};
+    return {event.window, {event.x, event.y}, {event.x_root, event.y_root}, event.serial};
 }
 
 } // namespace
@@ -194,7 +194,7 @@ void Window::Native::HandleInput(const EventData& data)
 void Window::Native::OnMotion(const PointerMotion& motion)
 {
     pointer = motion.inWindow;
-    pointerTime = motion.time;
+    pointerSerial = motion.serial;
     const Platform::PointerEventScope scope(motion.onScreen);
     window.DeliverMouseMove(motion.inWindow.x, motion.inWindow.y);
 }
@@ -205,11 +205,11 @@ void Window::Native::FollowPointer(const PointerMotion& place)
         OnMotion(place);
 }
 
-// A motion of the program's own may have gone ahead of the key: the key's place is out of date then.
+// A motion of the program's own may have gone ahead of the key: the key's place is out of date then. The request for
+// the motion lies between the two, whatever the server's clock says: it counts in milliseconds.
 void Window::Native::FollowPointerToKey(const PointerMotion& place)
 {
-    const auto lead = static_cast<std::int32_t>(static_cast<std::uint32_t>(place.time - pointerTime));
-    if (lead >= 0)
+    if (place.serial >= pointerSerial)
         FollowPointer(place);
 }
 

@@ -103,7 +103,7 @@ struct Window::Native
     InputClaim claim;
     PressedKeys keys;
     std::optional<Math::Point> pointer; ///< where the last motion event was, if there was one
-    Time pointerTime = 0;               ///< and when, by the server's clock
+    unsigned long pointerSerial = 0;    ///< and when, by our requests
     Math::Point position;
     WindowSize size;
     std::vector<WindowEventType> changes; ///< noted and not yet told
