@@ -48,11 +48,16 @@ void Canvas::Begin(const SurfaceMemory& surface, const PixelArea& area, bool isS
         plane.depths.resize(count);
 }
 
-void Canvas::Clear()
+void Canvas::ClearDepths()
+{
+    for (Plane& plane : m_planes)
+        std::fill(plane.depths.begin(), plane.depths.end(), s_farthest);
+}
+
+void Canvas::ClearColours()
 {
     for (Plane& plane : m_planes)
     {
-        std::fill(plane.depths.begin(), plane.depths.end(), s_farthest);
         for (std::int32_t y = m_area.top; y < m_area.bottom; ++y)
             std::fill_n(GetColours(plane, m_area.left, y), m_area.GetWidth(), PackedColour{0});
     }

@@ -41,8 +41,10 @@ public:
     /// `area` lies within the surface. The memory has to outlive the canvas; canvases are meant to be reused.
     void Begin(const SurfaceMemory& surface, const PixelArea& area, bool isSampled);
 
-    /// Fills with nothing at all, the farthest depth.
-    void Clear();
+    /// Sets the farthest depth everywhere.
+    void ClearDepths();
+    /// Fills with nothing at all.
+    void ClearColours();
 
     [[nodiscard]] const PixelArea& GetArea() const { return m_area; }
     [[nodiscard]] std::vector<Plane>& GetPlanes() { return m_planes; }

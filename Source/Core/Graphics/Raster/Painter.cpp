@@ -21,6 +21,18 @@ struct Prepared
     std::optional<PicturePainter> picture;
 };
 
+/// Puts the nearer of the opaque pictures that come first in front: what they hide isn't painted then, and the result
+/// is the same. Of two with one depth the first stays first.
+void SortPictures(std::vector<Prepared>& items)
+{
+    const auto end =
+        std::find_if(items.begin(), items.end(),
+                     [](const Prepared& prepared) { return !prepared.picture || !prepared.picture->IsOpaque(); });
+    std::stable_sort(items.begin(), end,
+                     [](const Prepared& left, const Prepared& right)
+                     { return left.picture->GetDepth() < right.picture->GetDepth(); });
+}
+
 std::vector<Prepared> Prepare(const std::vector<Item>& items, const PixelArea& area)
 {
     std::vector<Prepared> prepared;
@@ -31,6 +43,7 @@ std::vector<Prepared> Prepare(const std::vector<Item>& items, const PixelArea& a
         const auto* const picture = std::get_if<PictureItem>(&item);
         prepared.push_back({&item, picture != nullptr ? std::optional<PicturePainter>(*picture) : std::nullopt});
     }
+    SortPictures(prepared);
     return prepared;
 }
 
@@ -55,7 +68,13 @@ void PaintBand(std::span<Prepared> items, const SurfaceMemory& surface, const Pi
                                                   !Intersect(GetArea(*prepared.item), band).IsEmpty();
                                        });
     canvas.Begin(surface, band, isSampled);
-    canvas.Clear();
+    canvas.ClearDepths();
+    // What a picture hides needs no ground. All else is painted over it.
+    const bool isHidden =
+        std::any_of(items.begin(), items.end(),
+                    [&band](const Prepared& prepared) { return prepared.picture && prepared.picture->Hides(band); });
+    if (!isHidden)
+        canvas.ClearColours();
     for (Prepared& prepared : items)
     {
         if (!Intersect(GetArea(*prepared.item), band).IsEmpty())

@@ -287,7 +287,7 @@ TEST_F(Painters, SlantedLinesAreWithinSixteenSteps)
         if (HasFatalFailure())
             return;
     }
-    EXPECT_LT(m_roundedSamples * 10'000, m_drawn) << m_roundedSamples << " samples in " << m_drawn << " pixels";
+    EXPECT_LT(m_roundedSamples * 1'000, m_drawn) << m_roundedSamples << " samples in " << m_drawn << " pixels";
 }
 
 TEST_F(Painters, ShrunkPicturesAreWithinEightSteps)
