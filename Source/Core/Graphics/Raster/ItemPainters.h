@@ -33,15 +33,13 @@ public:
 
     /// Whether it leaves nothing to be seen of what is farther there.
     [[nodiscard]] bool Hides(const PixelArea& area) const;
-    [[nodiscard]] bool IsOpaque() const { return m_scale.IsOpaque(); }
-    [[nodiscard]] Depth GetDepth() const { return m_picture->depth; }
 
 private:
     void ShadeRow(std::int32_t y, std::int32_t left, std::int32_t right, PackedColour* target) const;
     void PaintRow(Canvas& canvas, Plane& plane, std::int32_t y, std::int32_t left, std::int32_t right);
     void PaintRun(Canvas& canvas, Plane& plane, std::int32_t y, std::int32_t left, std::int32_t right);
 
-    const PictureItem* m_picture;
+    const PictureItem& m_picture;
     ColourScale m_scale;
     const Image::Level* m_source;
     std::vector<std::int32_t> m_columns; ///< of the source, for each of the item's; empty if they are the same

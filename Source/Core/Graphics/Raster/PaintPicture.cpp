@@ -17,7 +17,7 @@ std::int32_t FindNearest(std::int32_t index, float drawnSide, std::int32_t sourc
 } // namespace
 
 PicturePainter::PicturePainter(const PictureItem& picture)
-    : m_picture(&picture),
+    : m_picture(picture),
       m_scale(picture.colour),
       m_source(
           &picture.image->GetSized(picture.area.GetWidth(), picture.area.GetHeight(), picture.width, picture.height))
@@ -30,7 +30,7 @@ PicturePainter::PicturePainter(const PictureItem& picture)
 
 void PicturePainter::Paint(Canvas& canvas)
 {
-    const PixelArea area = Intersect(m_picture->area, canvas.GetArea());
+    const PixelArea area = Intersect(m_picture.area, canvas.GetArea());
     if (area.IsEmpty())
         return;
     for (Plane& plane : canvas.GetPlanes())
@@ -42,16 +42,16 @@ void PicturePainter::Paint(Canvas& canvas)
 
 bool PicturePainter::Hides(const PixelArea& area) const
 {
-    return m_scale.IsOpaque() && Intersect(m_picture->area, area) == area;
+    return m_scale.IsOpaque() && Intersect(m_picture.area, area) == area;
 }
 
 void PicturePainter::ShadeRow(std::int32_t y, std::int32_t left, std::int32_t right, PackedColour* target) const
 {
-    const std::int32_t row = y - m_picture->area.top;
-    const bool hasOwnRows = m_source->height == m_picture->area.GetHeight();
+    const std::int32_t row = y - m_picture.area.top;
+    const bool hasOwnRows = m_source->height == m_picture.area.GetHeight();
     const PackedColour* const source =
-        m_source->GetRow(hasOwnRows ? row : FindNearest(row, m_picture->height, m_source->height));
-    const std::int32_t first = left - m_picture->area.left;
+        m_source->GetRow(hasOwnRows ? row : FindNearest(row, m_picture.height, m_source->height));
+    const std::int32_t first = left - m_picture.area.left;
     const auto count = static_cast<std::size_t>(right - left);
     if (m_columns.empty())
     {
@@ -66,7 +66,7 @@ void PicturePainter::ShadeRow(std::int32_t y, std::int32_t left, std::int32_t ri
 
 void PicturePainter::PaintRow(Canvas& canvas, Plane& plane, std::int32_t y, std::int32_t left, std::int32_t right)
 {
-    const Depth depth = m_picture->depth;
+    const Depth depth = m_picture.depth;
     const Depth* const depths = canvas.GetDepths(plane, left, y);
     const std::int32_t count = right - left;
     // Run by run of what isn't hidden.
@@ -86,7 +86,7 @@ void PicturePainter::PaintRun(Canvas& canvas, Plane& plane, std::int32_t y, std:
 {
     const auto count = static_cast<std::size_t>(right - left);
     PackedColour* const colours = canvas.GetColours(plane, left, y);
-    std::fill_n(canvas.GetDepths(plane, left, y), count, m_picture->depth);
+    std::fill_n(canvas.GetDepths(plane, left, y), count, m_picture.depth);
     if (m_scale.IsOpaque())
     {
         ShadeRow(y, left, right, colours);

@@ -21,29 +21,40 @@ struct Prepared
     std::optional<PicturePainter> picture;
 };
 
+/// The picture, if it is one and leaves nothing to be seen of what is farther.
+const PictureItem* FindOpaquePicture(const Item* item)
+{
+    const auto* const picture = std::get_if<PictureItem>(item);
+    return picture != nullptr && ToByte(picture->colour.w) == s_channelMask ? picture : nullptr;
+}
+
 /// Puts the nearer of the opaque pictures that come first in front: what they hide isn't painted then, and the result
 /// is the same. Of two with one depth the first stays first.
-void SortPictures(std::vector<Prepared>& items)
+void SortPictures(std::vector<const Item*>& items)
 {
     const auto end =
-        std::find_if(items.begin(), items.end(),
-                     [](const Prepared& prepared) { return !prepared.picture || !prepared.picture->IsOpaque(); });
+        std::find_if(items.begin(), items.end(), [](const Item* item) { return FindOpaquePicture(item) == nullptr; });
     std::stable_sort(items.begin(), end,
-                     [](const Prepared& left, const Prepared& right)
-                     { return left.picture->GetDepth() < right.picture->GetDepth(); });
+                     [](const Item* left, const Item* right)
+                     { return std::get<PictureItem>(*left).depth < std::get<PictureItem>(*right).depth; });
 }
 
 std::vector<Prepared> Prepare(const std::vector<Item>& items, const PixelArea& area)
 {
-    std::vector<Prepared> prepared;
+    std::vector<const Item*> touched;
     for (const Item& item : items)
     {
-        if (Intersect(GetArea(item), area).IsEmpty())
-            continue;
-        const auto* const picture = std::get_if<PictureItem>(&item);
-        prepared.push_back({&item, picture != nullptr ? std::optional<PicturePainter>(*picture) : std::nullopt});
+        if (!Intersect(GetArea(item), area).IsEmpty())
+            touched.push_back(&item);
     }
-    SortPictures(prepared);
+    SortPictures(touched);
+    std::vector<Prepared> prepared;
+    prepared.reserve(touched.size());
+    for (const Item* const item : touched)
+    {
+        const auto* const picture = std::get_if<PictureItem>(item);
+        prepared.push_back({item, picture != nullptr ? std::optional<PicturePainter>(*picture) : std::nullopt});
+    }
     return prepared;
 }
 
