@@ -19,8 +19,8 @@ std::int32_t FindNearest(std::int32_t index, float drawnSide, std::int32_t sourc
 PicturePainter::PicturePainter(const PictureItem& picture)
     : m_picture(picture),
       m_scale(picture.colour),
-      m_source(&picture.image->GetSized(picture.area.GetWidth(), picture.area.GetHeight(), picture.width,
-                                        picture.height))
+      m_source(
+          picture.image->GetSized(picture.area.GetWidth(), picture.area.GetHeight(), picture.width, picture.height))
 {
     if (m_source->width == picture.area.GetWidth())
         return;

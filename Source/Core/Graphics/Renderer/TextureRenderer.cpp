@@ -142,6 +142,16 @@ void TextureRenderer::AppendState(FrameState& state) const
     }
 }
 
+void TextureRenderer::CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items)
+{
+    const std::lock_guard lock(m_mutex);
+    for (const Texture& texture : m_objects)
+    {
+        if (texture.visible)
+            AppendItems(texture, space, items);
+    }
+}
+
 void TextureRenderer::Shutdown(Renderer& renderer)
 {
     const bool isValid = renderer.GetContext().IsValid();
@@ -247,7 +257,7 @@ bool TextureRenderer::Remove(std::uint16_t id)
 {
     const std::lock_guard lock(m_mutex);
     const std::optional<Texture> removed = m_objects.Remove(id);
-    if (removed)
+    if (removed && removed->gpuData.handle != 0)
         m_pendingDeletes.push_back(removed->gpuData.handle);
     return removed.has_value();
 }
