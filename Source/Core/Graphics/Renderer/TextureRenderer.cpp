@@ -145,6 +145,7 @@ void TextureRenderer::AppendState(FrameState& state) const
 void TextureRenderer::CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items)
 {
     const std::lock_guard lock(m_mutex);
+    m_pendingDeletes.clear(); // there is no driver that has them
     for (const Texture& texture : m_objects)
     {
         if (texture.visible)
@@ -257,7 +258,7 @@ bool TextureRenderer::Remove(std::uint16_t id)
 {
     const std::lock_guard lock(m_mutex);
     const std::optional<Texture> removed = m_objects.Remove(id);
-    if (removed && removed->gpuData.handle != 0)
+    if (removed)
         m_pendingDeletes.push_back(removed->gpuData.handle);
     return removed.has_value();
 }
