@@ -33,8 +33,9 @@ float Glyph::SumCoverage(float left, float top, float right, float bottom) const
 // Within a bitmap pixel the sums change evenly in both directions.
 float Glyph::SumTo(float x, float y) const
 {
-    const float column = std::clamp(x, 0.0F, static_cast<float>(m_width));
-    const float row = std::clamp(y, 0.0F, static_cast<float>(m_rows));
+    // Not a number gives 0.
+    const float column = x > 0.0F ? std::min(x, static_cast<float>(m_width)) : 0.0F;
+    const float row = y > 0.0F ? std::min(y, static_cast<float>(m_rows)) : 0.0F;
     const auto wholeColumn = std::min(static_cast<std::uint32_t>(column), m_width - 1);
     const auto wholeRow = std::min(static_cast<std::uint32_t>(row), m_rows - 1);
     const float columnShare = column - static_cast<float>(wholeColumn);

@@ -70,23 +70,24 @@ PackedColour MixFour(const PackedColour* upper, const PackedColour* lower, const
 }
 
 /// A picture of `columns` by `rows` pixels from a larger one that is spread evenly over `width` by `height`.
-Image::Level Reduce(const Image::Level& larger, std::int32_t columns, std::int32_t rows, float width, float height)
+std::shared_ptr<Image::Level> Reduce(const Image::Level& larger, std::int32_t columns, std::int32_t rows, float width,
+                                     float height)
 {
-    Image::Level level{columns, rows, {}, nullptr};
-    level.pixels.reserve(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
+    auto level = std::make_shared<Image::Level>(Image::Level{columns, rows, {}, nullptr});
+    level->pixels.reserve(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
     const std::vector<Neighbours> allColumns = FindAllNeighbours(columns, width, larger.width);
     for (const Neighbours& row : FindAllNeighbours(rows, height, larger.height))
     {
         const PackedColour* const upper = larger.GetRow(static_cast<std::int32_t>(row.first));
         const PackedColour* const lower = larger.GetRow(static_cast<std::int32_t>(row.second));
         for (const Neighbours& column : allColumns)
-            level.pixels.push_back(MixFour(upper, lower, column, row.share));
+            level->pixels.push_back(MixFour(upper, lower, column, row.share));
     }
-    level.first = level.pixels.data();
+    level->first = level->pixels.data();
     return level;
 }
 
-Image::Level Halve(const Image::Level& larger)
+std::shared_ptr<Image::Level> Halve(const Image::Level& larger)
 {
     const std::int32_t width = std::max(larger.width / 2, 1);
     const std::int32_t height = std::max(larger.height / 2, 1);
@@ -105,75 +106,83 @@ void MixInto(Image::Level& first, const Image::Level& second, std::uint32_t shar
 
 void Image::Set(std::int32_t width, std::int32_t height, std::size_t bytesPerPixel, const void* pixels)
 {
-    Level level{width, height, {}, nullptr};
+    const std::shared_ptr<Level> level = Restart();
     const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    level.pixels = m_levels.empty() ? std::vector<PackedColour>() : std::move(m_levels.front().pixels);
-    level.pixels.resize(count);
+    level->width = width;
+    level->height = height;
+    level->pixels.resize(count);
     if (bytesPerPixel == s_packedBytes)
     {
-        std::memcpy(level.pixels.data(), pixels, count * s_packedBytes);
+        std::memcpy(level->pixels.data(), pixels, count * s_packedBytes);
     }
     else
     {
         const auto* bytes = static_cast<const std::uint8_t*>(pixels);
-        for (PackedColour& pixel : level.pixels)
+        for (PackedColour& pixel : level->pixels)
         {
             pixel = ReadPixel(bytes);
             bytes += bytesPerPixel;
         }
     }
-    level.first = level.pixels.data();
-    m_levels.clear();
-    m_sized = {};
-    m_levels.push_back(std::move(level));
-    ++m_version;
+    level->first = level->pixels.data();
+    m_levels.push_back(level);
 }
 
 void Image::Borrow(std::int32_t width, std::int32_t height, const void* pixels)
 {
-    m_levels.clear();
-    m_sized = {};
-    m_levels.push_back({width, height, {}, static_cast<const PackedColour*>(pixels)});
-    ++m_version;
+    const std::shared_ptr<Level> level = Restart();
+    *level = {width, height, {}, static_cast<const PackedColour*>(pixels)};
+    m_levels.push_back(level);
 }
 
-const Image::Level& Image::GetLevel(std::size_t number)
+std::shared_ptr<Image::Level> Image::Restart()
 {
-    while (m_levels.size() <= number && (m_levels.back().width > 1 || m_levels.back().height > 1))
-        m_levels.push_back(Halve(m_levels.back()));
+    ++m_version;
+    m_sized = {};
+    std::shared_ptr<Level> first = m_levels.empty() ? nullptr : m_levels.front();
+    m_levels.clear();
+    return first != nullptr && first.use_count() == 1 ? first : std::make_shared<Level>();
+}
+
+std::shared_ptr<const Image::Level> Image::GetLevel(std::size_t number)
+{
+    while (m_levels.size() <= number && (m_levels.back()->width > 1 || m_levels.back()->height > 1))
+        m_levels.push_back(Halve(*m_levels.back()));
     return m_levels[std::min(number, m_levels.size() - 1)];
 }
 
-const Image::Level& Image::GetSized(std::int32_t columns, std::int32_t rows, float width, float height)
+std::shared_ptr<const Image::Level> Image::GetSized(std::int32_t columns, std::int32_t rows, float width, float height)
 {
     const float reduction = std::max(static_cast<float>(GetWidth()) / width, static_cast<float>(GetHeight()) / height);
     if (!(reduction > 1.0F))
         return m_levels.front();
-    if (m_sized.width == width && m_sized.height == height && m_sized.level.width == columns &&
-        m_sized.level.height == rows)
+    if (m_sized.level != nullptr && m_sized.width == width && m_sized.height == height &&
+        m_sized.level->width == columns && m_sized.level->height == rows)
         return m_sized.level;
 
     // Filtered as OpenGL does it with GL_LINEAR_MIPMAP_LINEAR: from the two levels that the reduction lies between.
     const float level = std::log2(reduction);
     const auto number = static_cast<std::size_t>(level);
     const auto share = static_cast<std::uint32_t>(std::lrint((level - std::floor(level)) * 256.0F));
-    const Level& nearer = GetLevel(number);
-    if (share == 0 && nearer.width == columns && nearer.height == rows && static_cast<float>(columns) == width &&
+    const std::shared_ptr<const Level> nearer = GetLevel(number);
+    if (share == 0 && nearer->width == columns && nearer->height == rows && static_cast<float>(columns) == width &&
         static_cast<float>(rows) == height)
         return nearer;
-    m_sized = {width, height, Reduce(nearer, columns, rows, width, height)};
+    const std::shared_ptr<Level> sized = Reduce(*nearer, columns, rows, width, height);
     if (share != 0)
-        MixInto(m_sized.level, Reduce(GetLevel(number + 1), columns, rows, width, height), share);
+        MixInto(*sized, *Reduce(*GetLevel(number + 1), columns, rows, width, height), share);
+    m_sized = {width, height, sized};
     return m_sized.level;
 }
 
-PackedColour Image::Sample(float x, float y)
+PackedColour Image::Sample(float x, float y) const
 {
-    const Level& level = m_levels.front();
+    const Level& level = *m_levels.front();
     const auto find = [](float place, std::int32_t side)
     {
-        const float inside = place - std::floor(place);
-        return std::clamp(static_cast<std::int32_t>(inside * static_cast<float>(side)), 0, side - 1);
+        // Not a number gives 0.
+        const float inside = place > 0.0F ? std::min(place, 1.0F) : 0.0F;
+        return std::min(static_cast<std::int32_t>(inside * static_cast<float>(side)), side - 1);
     };
     return level.GetRow(find(y, level.height))[find(x, level.width)];
 }

@@ -4,12 +4,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace Orvik::Graphics::Raster
 {
 
-/// An opaque picture and its reduced sizes.
+/// An opaque picture and its reduced sizes. Whatever asks for a size holds it as long as it needs it: another size may
+/// be asked for meanwhile.
 class Image
 {
 public:
@@ -36,30 +38,35 @@ public:
 
     /// Counts the replacements, so that a changed picture can be told from an unchanged one.
     [[nodiscard]] std::uint32_t GetVersion() const { return m_version; }
-    [[nodiscard]] std::int32_t GetWidth() const { return m_levels.empty() ? 0 : m_levels.front().width; }
-    [[nodiscard]] std::int32_t GetHeight() const { return m_levels.empty() ? 0 : m_levels.front().height; }
+    [[nodiscard]] std::int32_t GetWidth() const { return m_levels.empty() ? 0 : m_levels.front()->width; }
+    [[nodiscard]] std::int32_t GetHeight() const { return m_levels.empty() ? 0 : m_levels.front()->height; }
 
     /// The picture reduced to half its sides `number` times, made when it is first asked for. The last one is a single
-    /// pixel; higher numbers give that.
-    [[nodiscard]] const Level& GetLevel(std::size_t number);
+    /// pixel; higher numbers give that. Not without a picture.
+    [[nodiscard]] std::shared_ptr<const Level> GetLevel(std::size_t number);
 
     /// The picture as it is shown evenly on `width` by `height` pixels, of which `columns` and `rows` are whole ones or
-    /// the last partial one: filtered to just that many pixels where it is reduced, and level 0 where it isn't. Good
-    /// until the picture or the size changes.
-    [[nodiscard]] const Level& GetSized(std::int32_t columns, std::int32_t rows, float width, float height);
+    /// the last partial one: filtered to just that many pixels where it is reduced, and level 0 where it isn't. Not
+    /// without a picture, and for at least a pixel.
+    [[nodiscard]] std::shared_ptr<const Level> GetSized(std::int32_t columns, std::int32_t rows, float width,
+                                                        float height);
 
-    /// The pixel at a place from 0 to 1 in both directions, from the left and from the top; beyond, it repeats.
-    [[nodiscard]] PackedColour Sample(float x, float y);
+    /// The pixel at a place from 0 to 1 in both directions, from the left and from the top; beyond, the nearest one.
+    /// Not without a picture.
+    [[nodiscard]] PackedColour Sample(float x, float y) const;
 
 private:
     struct Sized
     {
         float width = 0.0F;
         float height = 0.0F;
-        Level level;
+        std::shared_ptr<const Level> level;
     };
 
-    std::vector<Level> m_levels; ///< level 0 alone at first
+    /// Takes all levels out and gives one to fill, with the memory of the first if nothing else holds it.
+    [[nodiscard]] std::shared_ptr<Level> Restart();
+
+    std::vector<std::shared_ptr<Level>> m_levels; ///< level 0 alone at first
     Sized m_sized;
     std::uint32_t m_version = 0;
 };

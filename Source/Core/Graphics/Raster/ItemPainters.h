@@ -5,6 +5,7 @@
 #include "Core/Graphics/Raster/Items.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace Orvik::Graphics::Raster
@@ -41,7 +42,7 @@ private:
 
     const PictureItem& m_picture;
     ColourScale m_scale;
-    const Image::Level* m_source;
+    std::shared_ptr<const Image::Level> m_source;
     std::vector<std::int32_t> m_columns; ///< of the source, for each of the item's; empty if they are the same
     std::vector<PackedColour> m_row;
 };

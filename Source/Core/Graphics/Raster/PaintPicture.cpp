@@ -20,7 +20,7 @@ PicturePainter::PicturePainter(const PictureItem& picture)
     : m_picture(picture),
       m_scale(picture.colour),
       m_source(
-          &picture.image->GetSized(picture.area.GetWidth(), picture.area.GetHeight(), picture.width, picture.height))
+          picture.image->GetSized(picture.area.GetWidth(), picture.area.GetHeight(), picture.width, picture.height))
 {
     if (m_source->width == picture.area.GetWidth())
         return;

@@ -13,8 +13,8 @@ namespace Orvik::Graphics::Raster
 /// `area` lies within the surface.
 void Paint(const std::vector<Item>& items, const PixelArea& area, const SurfaceMemory& surface);
 
-/// Where two lists of items look different, cut at the surface. Lists are alike where they hold the same items in the
-/// same order.
+/// Where two lists of items look different; an area may go beyond the surface. Lists are alike where they hold the same
+/// items in the same order.
 [[nodiscard]] std::vector<PixelArea> FindDifferences(const std::vector<Item>& before, const std::vector<Item>& after);
 
 } // namespace Orvik::Graphics::Raster

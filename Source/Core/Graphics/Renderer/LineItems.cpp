@@ -205,10 +205,21 @@ struct Segment
     float endDepth = 0.0F;
 };
 
+/// Whether an end is straight, or shares its mitre with another upright segment: the two fill the corner's square. A
+/// slanted neighbour leaves a part of it free.
+bool HasUprightEnd(const Vector2& right, const Vector2& left, const Vector2& direction)
+{
+    const float along = std::abs(Dot(left - right, direction));
+    return along == 0.0F || along == std::abs(Cross(left - right, direction));
+}
+
 /// Whether two pairs of sides lie on the borders of pixels, but for the mitres at the ends.
 bool CoversWholePixels(const Segment& segment)
 {
-    if (!IsAlongAxis(segment.direction) || segment.startDepth != segment.endDepth)
+    const auto& [rightStart, rightEnd, leftEnd, leftStart] = segment.corners;
+    if (!IsAlongAxis(segment.direction) || segment.startDepth != segment.endDepth ||
+        !HasUprightEnd(rightStart, leftStart, segment.direction) ||
+        !HasUprightEnd(rightEnd, leftEnd, segment.direction))
         return false;
     return std::all_of(segment.corners.begin(), segment.corners.end(),
                        [](const Vector2& corner)
@@ -225,6 +236,11 @@ Raster::Slope MakeSlope(const Segment& segment, const Vector2& from, const Vecto
     const float perColumn = step * segment.direction.x;
     const float perRow = -step * segment.direction.y;
     return {first - from.x * perColumn - (height - from.y) * perRow, perColumn, perRow};
+}
+
+bool IsNumber(const Raster::Slope& slope)
+{
+    return std::isfinite(slope.atOrigin) && std::isfinite(slope.perColumn) && std::isfinite(slope.perRow);
 }
 
 void AppendBar(const Line& line, const Segment& segment, const SurfaceSpace& space, std::vector<Raster::Item>& items)
@@ -245,7 +261,9 @@ void AppendBar(const Line& line, const Segment& segment, const SurfaceSpace& spa
     bar.opacity = MakeSlope(segment, start, end, segment.startOpacity, segment.endOpacity, space.height);
     bar.distance = MakeSlope(segment, start, end, (segment.distances[0] + segment.distances[3]) * 0.5F,
                              (segment.distances[1] + segment.distances[2]) * 0.5F, space.height);
-    items.emplace_back(bar);
+    // A line that goes on without end has none, and would differ from itself in every frame.
+    if (IsNumber(bar.opacity) && IsNumber(bar.distance))
+        items.emplace_back(bar);
 }
 
 void AppendTriangles(const Line& line, const Segment& segment, const SurfaceSpace& space,
@@ -290,7 +308,7 @@ void AppendItems(const Line& line, const SurfaceSpace& space, std::vector<Raster
         segment.startDepth = joints.GetDepth(first);
         segment.endDepth = joints.GetDepth(first + 1);
         const Vector2 origin = IsAlongAxis(segment.direction) ? ToPixelBorder(start) : start;
-        for (std::size_t index = 0; index < segment.corners.size(); ++index)
+        for (std::size_t index = 0; index < segment.corners.size() && line.gapLength > 0.0F; ++index)
             segment.distances[index] = distanceBefore + Dot(segment.corners[index] - origin, segment.direction);
         distanceBefore += GetLength(end - start);
         if (CoversWholePixels(segment))

@@ -11,16 +11,14 @@ using System::Math::Vector4;
 
 void AppendItems(const Polygon& polygon, const SurfaceSpace& space, std::vector<Raster::Item>& items)
 {
-    if (polygon.colors.size() < polygon.positions.size())
-        return;
     const Matrix4 placement = space.projection * polygon.model;
     const auto corner = [&](std::size_t index)
     {
-        const auto& [x, y, z] = polygon.positions[index];
-        const auto& [red, green, blue, alpha] = polygon.colors[index];
+        const auto& [x, y, z] = polygon.uploadedPositions[index];
+        const auto& [red, green, blue, alpha] = polygon.uploadedColors[index];
         return ClipCorner{Transform(placement, {x, y, z, 1.0F}), {red, green, blue, alpha}};
     };
-    for (std::size_t first = 0; first + 2 < polygon.positions.size(); first += 3)
+    for (std::size_t first = 0; first + 2 < polygon.uploadedPositions.size(); first += 3)
         AppendTriangle({corner(first), corner(first + 1), corner(first + 2)}, {}, space, items);
 }
 

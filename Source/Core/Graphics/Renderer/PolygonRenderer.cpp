@@ -38,6 +38,12 @@ void SetAttribute(const EntryPoints& gl, GLuint attribute, GLuint buffer, const 
     gl.glEnableVertexAttribArray(attribute);
 }
 
+/// Without a colour for each vertex the drawing would read behind the buffer.
+bool CanUpload(const Polygon& polygon)
+{
+    return polygon.colors.size() >= polygon.positions.size();
+}
+
 void CreateBuffers(const EntryPoints& gl, Polygon& polygon)
 {
     gl.glGenVertexArrays(1, &polygon.gpuData.vertexArray);
@@ -99,6 +105,26 @@ void PolygonRenderer::AppendState(FrameState& state)
     }
 }
 
+void PolygonRenderer::CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items)
+{
+    const std::lock_guard lock(m_mutex);
+    for (const std::uint16_t id : m_pendingUpdates)
+    {
+        Polygon* const polygon = m_objects.Find(id);
+        if (polygon == nullptr || !CanUpload(*polygon))
+            continue;
+        polygon->uploadedPositions = polygon->positions;
+        polygon->uploadedColors = polygon->colors;
+    }
+    m_pendingUpdates.clear();
+    m_pendingDeletes.clear();
+    for (const Polygon& polygon : m_objects)
+    {
+        if (polygon.visible)
+            AppendItems(polygon, space, items);
+    }
+}
+
 void PolygonRenderer::Shutdown(Renderer& renderer)
 {
     const std::lock_guard lock(m_mutex);
@@ -155,8 +181,7 @@ void PolygonRenderer::Flush(Renderer& renderer)
     for (const std::uint16_t id : m_pendingUpdates)
     {
         Polygon* const polygon = m_objects.Find(id);
-        // Without a colour for each vertex the drawing would read behind the buffer.
-        if (polygon != nullptr && polygon->colors.size() >= polygon->positions.size())
+        if (polygon != nullptr && CanUpload(*polygon))
             Upload(renderer, *polygon);
     }
     m_pendingUpdates.clear();

@@ -3,6 +3,7 @@
 #include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
 #include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/System/Math/Matrix4.h"
 
 #include <array>
@@ -32,6 +33,9 @@ struct Polygon
     std::vector<std::array<float, 3>> positions;
     std::vector<std::array<float, 4>> colors; ///< of the positions; what goes on behind them isn't used
     System::Math::Matrix4 model;
+    /// What was uploaded, where no driver keeps it.
+    std::vector<std::array<float, 3>> uploadedPositions;
+    std::vector<std::array<float, 4>> uploadedColors;
 };
 
 /// Draws triangle meshes. Changes are queued and uploaded by the next `Render`, so that a thread without the context
@@ -64,8 +68,10 @@ public:
     /// Adds what the next frame's polygons are made of.
     void AppendState(FrameState& state);
 
+    /// For drawing into memory: uploads what is queued and adds what the visible polygons come to.
+    void CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items);
+
     [[nodiscard]] GLuint GetProgram() const { return m_program; }
-    [[nodiscard]] const ObjectStore<Polygon>& GetObjects() const { return m_objects; }
 
 private:
     void Flush(Renderer& renderer);

@@ -16,16 +16,6 @@ constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
 /// Large areas are shown piece by piece: the desktop copies one while the next is painted.
 constexpr std::int64_t s_piecePixels = std::int64_t{1} << 19;
 
-template <typename Objects>
-void AppendVisible(Objects& objects, const SurfaceSpace& space, std::vector<Raster::Item>& items)
-{
-    for (const auto& object : objects)
-    {
-        if (object.visible)
-            AppendItems(object, space, items);
-    }
-}
-
 } // namespace
 
 bool RasterPainter::Resize(System::Desktop::NativeWindow window, std::int32_t width, std::int32_t height)
@@ -83,9 +73,13 @@ std::vector<Raster::Item> RasterPainter::MakeItems(Renderer& renderer) const
 {
     std::vector<Raster::Item> items;
     items.reserve(m_items.size() + 8);
-    AppendVisible(renderer.GetPolygonRenderer().GetObjects(), m_space, items);
-    AppendVisible(renderer.GetQuadRenderer().GetObjects(), m_space, items);
-    AppendVisible(renderer.GetTextureRenderer().GetObjects(), m_space, items);
+    renderer.GetPolygonRenderer().CollectItems(m_space, items);
+    for (const Quad& quad : renderer.GetQuadRenderer().GetObjects())
+    {
+        if (quad.visible)
+            AppendItems(quad, m_space, items);
+    }
+    renderer.GetTextureRenderer().CollectItems(m_space, items);
     for (const Line& line : renderer.GetLineRenderer().GetObjects())
     {
         if (!line.visible)

@@ -38,6 +38,79 @@ Raster::PixelArea GetBounds(const std::array<TriangleItem::Corner, 3>& corners)
             ToPixel(std::ceil(bottom) + 1.0F)};
 }
 
+/// A side of the space that is drawn: inside are the positions whose product with it isn't negative.
+using Side = Vector4;
+
+std::array<Side, 6> GetSides(const SurfaceSpace& space)
+{
+    const float x = s_farthestPixel * 2.0F / space.width;
+    const float y = s_farthestPixel * 2.0F / space.height;
+    return {{{0.0F, 0.0F, 1.0F, 1.0F},
+             {0.0F, 0.0F, -1.0F, 1.0F},
+             {1.0F, 0.0F, 0.0F, x},
+             {-1.0F, 0.0F, 0.0F, x},
+             {0.0F, 1.0F, 0.0F, y},
+             {0.0F, -1.0F, 0.0F, y}}};
+}
+
+/// How far inside a position is; not a number where it is none.
+float GetDepthInside(const Side& side, const Vector4& position)
+{
+    return side.x * position.x + side.y * position.y + side.z * position.z + side.w * position.w;
+}
+
+Vector4 Mix(const Vector4& first, const Vector4& second, float share)
+{
+    const auto mix = [share](float from, float to) { return from + (to - from) * share; };
+    return {mix(first.x, second.x), mix(first.y, second.y), mix(first.z, second.z), mix(first.w, second.w)};
+}
+
+/// The corners of the part of a convex shape that lies inside.
+std::vector<ClipCorner> Clip(const std::vector<ClipCorner>& corners, const Side& side)
+{
+    std::vector<ClipCorner> inside;
+    for (std::size_t index = 0; index < corners.size(); ++index)
+    {
+        const ClipCorner& corner = corners[index];
+        const ClipCorner& next = corners[(index + 1) % corners.size()];
+        const float depth = GetDepthInside(side, corner.position);
+        const float nextDepth = GetDepthInside(side, next.position);
+        if (depth >= 0.0F)
+            inside.push_back(corner);
+        if ((depth >= 0.0F) == (nextDepth >= 0.0F))
+            continue;
+        const float share = depth / (depth - nextDepth);
+        inside.push_back({Mix(corner.position, next.position, share), Mix(corner.values, next.values, share)});
+    }
+    return inside;
+}
+
+/// Whether a corner can be reckoned with: one that is no number would differ from itself in every frame.
+bool IsUsable(const TriangleItem::Corner& corner)
+{
+    // What was cut may lie beyond by a rounding.
+    constexpr float limit = s_farthestPixel * 2.0F;
+    const Vector4& values = corner.values;
+    return std::abs(corner.x) <= limit && std::abs(corner.y) <= limit && std::isfinite(values.x) &&
+           std::isfinite(values.y) && std::isfinite(values.z) && std::isfinite(values.w);
+}
+
+/// Appends a triangle that lies inside.
+void AppendInside(const std::array<ClipCorner, 3>& corners, const TriangleItem& look, const SurfaceSpace& space,
+                  std::vector<Raster::Item>& items)
+{
+    TriangleItem item = look;
+    // The front goes round to the left where y counts upward, and to the right where it counts downward.
+    item.corners = {ToCorner(corners[0], space), ToCorner(corners[2], space), ToCorner(corners[1], space)};
+    if (!std::all_of(item.corners.begin(), item.corners.end(), IsUsable))
+        return;
+    const auto& [first, second, third] = item.corners;
+    const float turn = (second.x - first.x) * (third.y - first.y) - (second.y - first.y) * (third.x - first.x);
+    item.area = Intersect(GetBounds(item.corners), space.GetArea());
+    if (turn > 0.0F && !item.area.IsEmpty())
+        items.emplace_back(std::move(item));
+}
+
 } // namespace
 
 std::int32_t ToPixel(float position)
@@ -70,19 +143,22 @@ Vector4 Transform(const Matrix4& matrix, const Vector4& vector)
 void AppendTriangle(const std::array<ClipCorner, 3>& corners, const TriangleItem& look, const SurfaceSpace& space,
                     std::vector<Raster::Item>& items)
 {
-    for (const ClipCorner& corner : corners)
+    const std::array<Side, 6> sides = GetSides(space);
+    const auto isInside = [&corners](const Side& side)
     {
-        if (!(corner.position.w > 0.0F) || !IsVisibleDepth(corner.position.z / corner.position.w))
-            return;
+        return std::all_of(corners.begin(), corners.end(),
+                           [&side](const ClipCorner& corner) { return GetDepthInside(side, corner.position) >= 0.0F; });
+    };
+    if (std::all_of(sides.begin(), sides.end(), isInside))
+    {
+        AppendInside(corners, look, space, items);
+        return;
     }
-    TriangleItem item = look;
-    // The front goes round to the left where y counts upward, and to the right where it counts downward.
-    item.corners = {ToCorner(corners[0], space), ToCorner(corners[2], space), ToCorner(corners[1], space)};
-    const auto& [first, second, third] = item.corners;
-    const float turn = (second.x - first.x) * (third.y - first.y) - (second.y - first.y) * (third.x - first.x);
-    item.area = Intersect(GetBounds(item.corners), space.GetArea());
-    if (turn > 0.0F && !item.area.IsEmpty())
-        items.emplace_back(std::move(item));
+    std::vector<ClipCorner> shape(corners.begin(), corners.end());
+    for (const Side& side : sides)
+        shape = Clip(shape, side);
+    for (std::size_t index = 2; index < shape.size(); ++index)
+        AppendInside({shape[0], shape[index - 1], shape[index]}, look, space, items);
 }
 
 } // namespace Orvik::Graphics::Renderer

@@ -39,8 +39,8 @@ void AppendItems(const Texture& texture, const SurfaceSpace& space, std::vector<
 /// `renderer` has the glyphs.
 void AppendItems(const Text& text, TextRenderer& renderer, const SurfaceSpace& space, std::vector<Raster::Item>& items);
 
-/// A triangle with its corners in clip space and the values there. Nothing is appended for one that shows its back or
-/// lies beyond the depths.
+/// A triangle with its corners in clip space and the values there, cut at the depths and far outside of the surface.
+/// Nothing is appended for one that shows its back, lies beyond the depths or has a corner that is no number.
 struct ClipCorner
 {
     System::Math::Vector4 position;
@@ -48,6 +48,9 @@ struct ClipCorner
 };
 void AppendTriangle(const std::array<ClipCorner, 3>& corners, const Raster::TriangleItem& look,
                     const SurfaceSpace& space, std::vector<Raster::Item>& items);
+
+/// Pixels that anything may reach beyond a surface's origin, far more than a surface has. What goes further is cut.
+inline constexpr float s_farthestPixel = 1 << 17;
 
 /// The number of the pixel at a whole position; positions far beyond any surface are cut.
 [[nodiscard]] std::int32_t ToPixel(float position);

@@ -21,6 +21,7 @@ struct Extent
     std::int32_t first = 0; ///< whole pixel
     std::int32_t end = 0;
     float size = 0.0F;
+    bool isNear = false; ///< all of it
 };
 
 /// `centre` counts from the left or the top.
@@ -29,7 +30,8 @@ Extent Settle(float centre, float size)
     const auto settle = [](float value) { return std::floor(value * s_settledSteps + 0.5F) / s_settledSteps; };
     const float settledSize = settle(size);
     const float first = std::ceil(std::floor(settle(centre)) - settledSize * 0.5F);
-    return {ToPixel(first), ToPixel(first + std::ceil(settledSize)), settledSize};
+    const float end = first + std::ceil(settledSize);
+    return {ToPixel(first), ToPixel(end), settledSize, first >= -s_farthestPixel && end <= s_farthestPixel};
 }
 
 bool IsUpright(const Matrix4& placement)
@@ -39,16 +41,19 @@ bool IsUpright(const Matrix4& placement)
            m[15] == 1.0F && m[0] > 0.0F && m[5] > 0.0F;
 }
 
-void AppendUpright(const Texture& texture, const Matrix4& placement, const SurfaceSpace& space,
+/// False, and nothing done, if the picture goes too far beyond the surface to be counted in pixels.
+bool AppendUpright(const Texture& texture, const Matrix4& placement, const SurfaceSpace& space,
                    std::vector<Raster::Item>& items)
 {
     const auto& m = placement.elements;
     const Extent columns = Settle((m[12] * 0.5F + 0.5F) * space.width, m[0] * 0.5F * space.width);
     const Extent rows = Settle((0.5F - m[13] * 0.5F) * space.height, m[5] * 0.5F * space.height);
+    if (!columns.isNear || !rows.isNear)
+        return false;
     Raster::PictureItem picture;
     picture.area = {columns.first, rows.first, columns.end, rows.end};
     if (Intersect(picture.area, space.GetArea()).IsEmpty() || !IsVisibleDepth(m[14]))
-        return;
+        return true;
     picture.depth = ToDepth(m[14]);
     picture.colour = texture.color;
     picture.width = columns.size;
@@ -56,6 +61,7 @@ void AppendUpright(const Texture& texture, const Matrix4& placement, const Surfa
     picture.image = texture.image;
     picture.version = texture.image->GetVersion();
     items.emplace_back(std::move(picture));
+    return true;
 }
 
 } // namespace
@@ -65,11 +71,8 @@ void AppendItems(const Texture& texture, const SurfaceSpace& space, std::vector<
     if (texture.image == nullptr)
         return;
     const Matrix4 placement = space.projection * texture.model;
-    if (IsUpright(placement))
-    {
-        AppendUpright(texture, placement, space, items);
+    if (IsUpright(placement) && AppendUpright(texture, placement, space, items))
         return;
-    }
     Raster::TriangleItem look;
     look.kind = Raster::TriangleItem::Look::Picture;
     look.look.colour = texture.color;

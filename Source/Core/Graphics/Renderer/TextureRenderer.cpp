@@ -142,6 +142,17 @@ void TextureRenderer::AppendState(FrameState& state) const
     }
 }
 
+void TextureRenderer::CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items)
+{
+    const std::lock_guard lock(m_mutex);
+    m_pendingDeletes.clear(); // there is no driver that has them
+    for (const Texture& texture : m_objects)
+    {
+        if (texture.visible)
+            AppendItems(texture, space, items);
+    }
+}
+
 void TextureRenderer::Shutdown(Renderer& renderer)
 {
     const bool isValid = renderer.GetContext().IsValid();

@@ -4,6 +4,7 @@
 #include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
 #include "Core/Graphics/Renderer/OpenGL.h"
+#include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/System/Math/Matrix4.h"
 
 #include <cstdint>
@@ -83,8 +84,10 @@ public:
     /// Adds what the next frame's textures are made of.
     void AppendState(FrameState& state) const;
 
+    /// For drawing into memory: adds what the visible textures come to.
+    void CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items);
+
     [[nodiscard]] GLuint GetProgram() const { return m_program; }
-    [[nodiscard]] const ObjectStore<Texture>& GetObjects() const { return m_objects; }
     [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
 
 private:

@@ -290,6 +290,33 @@ TEST_F(Painters, SlantedLinesAreWithinSixteenSteps)
     EXPECT_LT(m_roundedSamples * 1'000, m_drawn) << m_roundedSamples << " samples in " << m_drawn << " pixels";
 }
 
+TEST_F(Painters, AnAcuteCornerOfAnUprightLineIsWithinSixteenSteps)
+{
+    // Every mitre corner is a whole pixel's.
+    Apply([](Side& side, std::mt19937& random)
+          { AddLine(side, random, {{10, 60, 0, 1}, {60, 60, 0, 1}, {20, 30, 0, 1}}); });
+    for (Side* const side : {&m_opengl, &m_raster})
+    {
+        Line* const line = side->renderer.GetLineRenderer().Get(side->lines.front());
+        line->model = Matrix4::Translation(5.0F, 5.0F, 0.5F);
+        line->thickness = 2.0F;
+        line->color = {1.0F, 1.0F, 1.0F, 1.0F};
+    }
+    Compare(16, "acute");
+}
+
+TEST_F(Painters, TurnedPicturesAreEqualButForTheirEdges)
+{
+    Apply(
+        [](Side& side, std::mt19937& random)
+        {
+            AddPicture(side, random, 1.0F, 1.0F);
+            side.renderer.GetTextureRenderer().Get(side.textures.front())->model = {
+                {110, 0, 0, 0, 0, -80, 0, 0, 0, 0, 1, 0, 75.3F, 60.4F, 0.5F, 1}};
+        });
+    Compare(1, "upside down");
+}
+
 TEST_F(Painters, ShrunkPicturesAreWithinEightSteps)
 {
     for (int step = 0; step < 60; ++step)

@@ -72,9 +72,9 @@ protected:
         const Image image = MakeNoise(sizes.imageWidth, sizes.imageHeight, bitsPerPixel);
         AddImage(scene, image, scene.Draw(), 1.0F, brightness);
         const Frame frame = scene.Draw();
-        // An edge in the middle of a pixel goes right and downward.
-        const std::int32_t left = (sizes.windowWidth - sizes.imageWidth + 1) / 2;
-        const std::int32_t top = (sizes.windowHeight - sizes.imageHeight + 1) / 2;
+        // As the tool counts: half of each side without its fraction.
+        const std::int32_t left = sizes.windowWidth / 2 - sizes.imageWidth / 2;
+        const std::int32_t top = sizes.windowHeight / 2 - sizes.imageHeight / 2;
         for (std::int32_t y = 0; y < sizes.windowHeight; ++y)
         {
             for (std::int32_t x = 0; x < sizes.windowWidth; ++x)
