@@ -54,6 +54,7 @@ private:
     void ReadOptions(const System::Runtime::CommandLine& commandLine);
     void LoadConfiguration(const System::Runtime::CommandLine& commandLine);
     void WarnOfIgnoredConfiguration();
+    static void WarnOfLostTrace();
     void PrepareOutputDirectory();
     [[nodiscard]] std::string_view RunOverlay(Graphics::Tools::SnipBench::Parameters parameters);
     [[nodiscard]] bool ChooseDisplay();
@@ -90,7 +91,7 @@ private:
     bool m_hasStarted = false;              ///< the frame loop has begun
     bool m_hasIgnoredConfiguration = false; ///< one was given and couldn't be used
     Graphics::Tools::SnipMode m_snipMode = Graphics::Tools::SnipMode::Rectangle;
-    std::int64_t m_lastFrame = 0; ///< when one was drawn, nanoseconds of the monotonic clock
+    std::int64_t m_lastFrame = 0;       ///< when one was drawn, nanoseconds of the monotonic clock
     System::Threads::WakeSignal m_wake; ///< ends a wait when the run is asked to end
     std::mutex m_delayMutex;
     std::condition_variable m_delayCondition; ///< ends a delay when the run is asked to end
