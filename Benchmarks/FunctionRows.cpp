@@ -30,6 +30,7 @@ struct Size
 };
 
 constexpr int s_shortWorkTimes = 20;
+constexpr int s_frameTimes = 5;
 constexpr std::uint16_t s_snipWidth = 1280;
 constexpr std::uint16_t s_snipHeight = 720;
 
@@ -189,8 +190,9 @@ Work SetText(const Size& size)
 void AppendOverlayRows(const Size& size, std::vector<FunctionRow>& rows)
 {
     const std::string suffix = std::string("/") + size.name;
-    const auto addOnRig = [&](const char* name, bool isSelecting, void (*work)(OverlayRig&)) {
-        rows.push_back({name + suffix, [=] { return WithRig(size, isSelecting, work); }, s_shortWorkTimes});
+    const auto addOnRig = [&](const char* name, bool isSelecting, void (*work)(OverlayRig&),
+                              int times = s_shortWorkTimes) {
+        rows.push_back({name + suffix, [=] { return WithRig(size, isSelecting, work); }, times});
     };
 
     rows.push_back({"Paint/surface" + suffix, [size] { return PaintSurface(size); }});
@@ -199,8 +201,8 @@ void AppendOverlayRows(const Size& size, std::vector<FunctionRow>& rows)
         rig.Move();
         rig.Render();
     };
-    addOnRig("MoveAndRender/ready", false, moveAndRender);
-    addOnRig("MoveAndRender/selecting", true, moveAndRender);
+    addOnRig("MoveAndRender/ready", false, moveAndRender, s_frameTimes);
+    addOnRig("MoveAndRender/selecting", true, moveAndRender, s_frameTimes);
     addOnRig("Render/unchanged", true, [](OverlayRig& rig) { rig.Render(); });
     addOnRig("Update/move/ready", false, [](OverlayRig& rig) { rig.Move(); });
     addOnRig("Update/move/selecting", true, [](OverlayRig& rig) { rig.Move(); });
