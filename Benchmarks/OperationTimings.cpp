@@ -1,4 +1,4 @@
-// What single operations of a run cost, on a virtual display with the software renderer:
+// What single operations of a run cost, on a virtual display, drawn as the program would (ORVIK_RENDERER decides):
 //
 //   OperationTimings WIDTHxHEIGHT [RUNS]      prints the median of each in microseconds
 //
@@ -21,6 +21,7 @@
 #include <cstring>
 #include <fmt/format.h>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace
@@ -80,6 +81,9 @@ public:
           m_window(nullptr, "Orvik::OperationTimings", {m_display.x, m_display.y - 1},
                    {m_display.width, m_display.height + 1U}, System::Desktop::WindowType::Overlay)
     {
+        Graphics::Renderer::PainterChoice painter = Graphics::Renderer::ChoosePainter();
+        m_window.SetSurfaceKind(painter.kind);
+        m_renderer.SetPainter(std::move(painter));
         if (!m_window.Create() || !m_renderer.Initialize(m_window.GetNativeWindow(), m_window.GetWindowClassName()))
             std::exit(EXIT_FAILURE);
         m_renderer.Resize(m_window.GetNativeWindow(), m_display.width, m_display.height);

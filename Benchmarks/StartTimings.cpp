@@ -20,6 +20,7 @@
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace
@@ -30,8 +31,8 @@ using System::Desktop::Window;
 using System::Device::Display::DisplayCache;
 
 constexpr std::array<const char*, 7> s_steps = {"display list (X connection)",
-                                                "window (EGL configuration)",
-                                                "renderer (context, shaders, font)",
+                                                "painter and window",
+                                                "renderer (context or memory, font)",
                                                 "show and focus",
                                                 "capture and tool",
                                                 "first frame",
@@ -81,11 +82,14 @@ Times MeasureStart()
 
     Window window(nullptr, "Orvik::StartTimings", {display.x, display.y - 1}, {display.width, display.height + 1U},
                   System::Desktop::WindowType::Overlay);
+    Graphics::Renderer::PainterChoice painter = Graphics::Renderer::ChoosePainter();
+    window.SetSurfaceKind(painter.kind);
     if (!window.Create())
         std::exit(EXIT_FAILURE);
     stopwatch.Lap();
 
     Graphics::Renderer::Renderer renderer;
+    renderer.SetPainter(std::move(painter));
     if (!renderer.Initialize(window.GetNativeWindow(), window.GetWindowClassName()))
         std::exit(EXIT_FAILURE);
     renderer.Resize(window.GetNativeWindow(), display.width, display.height);
@@ -106,6 +110,7 @@ Times MeasureStart()
     for (int frame = 0; frame < 2; ++frame)
     {
         window.Update();
+        renderer.Invalidate(); // or nothing would be drawn the second time
         renderer.Render(window.GetNativeWindow());
         stopwatch.Lap();
     }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs the benchmarks and prints their figures: the steps of a start, single operations and whole runs at two
-# resolutions, and the instructions of one mouse move (with valgrind, where it is installed).
+# Builds and runs the benchmarks that need a display, and the one of PNG files, and prints their figures: the steps of a
+# start, single operations and whole runs at two resolutions. What needs none is measured by `./test bench`.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -22,22 +22,3 @@ for size in 1920x1080 3840x2160; do
 done
 
 "$build/Benchmarks/PngTimings"
-
-if ! command -v valgrind >/dev/null; then
-    echo "Instructions per mouse move: not counted, valgrind isn't installed."
-    exit 0
-fi
-
-count_instructions() # STATE SIZE MOVES
-{
-    valgrind --tool=callgrind --callgrind-out-file=/dev/null "$build/Benchmarks/MouseMoves" "$@" 2>&1 |
-        sed -n 's/.*Collected : \([0-9]*\).*/\1/p'
-}
-
-for size in 1920x1080 3840x2160; do
-    for state in ready selecting; do
-        few=$(count_instructions "$state" "$size" 100)
-        many=$(count_instructions "$state" "$size" 1100)
-        echo "Instructions of one mouse move, $state, $size: $(((many - few) / 1000))"
-    done
-done

@@ -21,7 +21,7 @@ packages=(
     libegl1 libopengl0 libgl1-mesa-dri
 )
 demo_packages=(xvfb)
-benchmark_packages=(libbenchmark-dev)
+benchmark_packages=(libbenchmark-dev valgrind python3)
 test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
 coverage_packages=(gcovr)
 

@@ -10,6 +10,7 @@
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Core/System/Time/Trace.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -69,6 +70,7 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
     if (parameters.commandLine == nullptr)
         return ReturnCodeName::WrongParameters;
     CommandLine& commandLine = *parameters.commandLine;
+    System::Time::TraceScope options("options");
     DeclareOptions(commandLine);
     if (commandLine.Parse() != System::Runtime::ParseResult::Success)
         return ReturnCodeName::WrongParameters;
@@ -95,11 +97,13 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
         return ReturnCodeName::WrongParameters;
     LoadConfiguration(commandLine);
     ReadOptions(commandLine);
+    options.End();
 
     Graphics::Tools::SnipBench::Parameters toolParameters;
     toolParameters.cropToSelection = !m_annotate;
     if (!m_inputFile.empty())
     {
+        const System::Time::TraceScope step("picture from a file");
         System::Multimedia::Bitmap& bitmap = toolParameters.bitmap;
         if (!bitmap.Load(Text::PathToUtf8(m_inputFile)) || !IsShowable(bitmap))
             return ReturnCodeName::LoadFileFailed;
@@ -113,6 +117,7 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
         return ReturnCodeName::InitializeSystemsFailed;
     }
     WarnOfIgnoredConfiguration();
+    WarnOfLostTrace();
     PrepareOutputDirectory();
     return RunOverlay(std::move(toolParameters));
 }
@@ -136,6 +141,14 @@ void Application::WarnOfIgnoredConfiguration()
         Log::Write(s_context, Log::MessageTypeID::Warning, "Configuration ignored: ", GetConfigCache().GetError());
 }
 
+// Likewise: it began before everything else.
+void Application::WarnOfLostTrace()
+{
+    System::Time::Trace* const trace = System::Time::Trace::GetCurrent();
+    if (trace != nullptr && trace->TakeFailure())
+        Log::Write(s_context, Log::MessageTypeID::Warning, "The trace can't be written: ", trace->GetPath());
+}
+
 void Application::ReadOptions(const CommandLine& commandLine)
 {
     m_outputDirectory = Text::PathFromUtf8(commandLine.GetValue(Id(Option::OutDirectory)));
@@ -150,6 +163,7 @@ void Application::ReadOptions(const CommandLine& commandLine)
 
 void Application::PrepareOutputDirectory()
 {
+    const System::Time::TraceScope step("output directory");
     if (m_outputDirectory.empty())
     {
         m_outputDirectory =

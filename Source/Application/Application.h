@@ -54,6 +54,7 @@ private:
     void ReadOptions(const System::Runtime::CommandLine& commandLine);
     void LoadConfiguration(const System::Runtime::CommandLine& commandLine);
     void WarnOfIgnoredConfiguration();
+    static void WarnOfLostTrace();
     void PrepareOutputDirectory();
     [[nodiscard]] std::string_view RunOverlay(Graphics::Tools::SnipBench::Parameters parameters);
     [[nodiscard]] bool ChooseDisplay();

@@ -6,6 +6,7 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Core/System/Time/Trace.h"
 
 #include <algorithm>
 #include <chrono>
@@ -24,6 +25,7 @@ using System::Desktop::WindowEvent;
 using System::Desktop::WindowEventType;
 using System::Device::Display::DisplayCache;
 using System::Device::Display::DisplayDescriptor;
+using System::Time::TraceScope;
 using System::Tools::ToolContext;
 using System::Tools::ToolEventType;
 
@@ -50,18 +52,23 @@ std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters 
     if (const std::string_view failure = OpenWindow(); !failure.empty())
         return failure;
     const DisplayDescriptor& display = *GetSystem<DisplayCache>().GetDisplay(m_displayId);
+    TraceScope step("surface");
     m_renderer.Resize(m_window->GetNativeWindow(), display.width, display.height);
 
     {
+        step.Next("show");
         const Window::ScopedLock lock = m_window->Lock();
         m_window->Show(lock);
         m_window->SetClickThrough(false);
+        step.End();
         m_tool.onResult = [this](Graphics::Tools::SnipBench::Result& result) { return OnResult(result); };
         if (m_delay != 0)
             WaitForDelay(lock);
         if (m_running)
             StartTool(std::move(parameters));
         RunFrameLoop();
+        WarnOfLostTrace();
+        step.Next("end of the overlay");
         m_renderer.Shutdown(m_window->GetNativeWindow());
         Cursor::ShowCursor(true);
     }
@@ -72,6 +79,7 @@ std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters 
 
 bool Application::ChooseDisplay()
 {
+    const TraceScope step("display choice");
     const DisplayCache& displays = GetSystem<DisplayCache>();
     m_displayId = displays.GetActiveDisplayId();
     if (m_displayId == System::Device::Display::InvalidDisplayId)
@@ -90,6 +98,7 @@ std::string_view Application::OpenWindow()
     m_window = std::make_unique<Window>(this, s_windowName, System::Math::Point{display.x, display.y - 1},
                                         System::Desktop::WindowSize{display.width, display.height + 1U},
                                         System::Desktop::WindowType::Overlay);
+    TraceScope step("painter choice");
     Graphics::Renderer::PainterChoice painter = Graphics::Renderer::ChoosePainter();
     const bool isOpenGL = painter.kind == System::Desktop::SurfaceKind::OpenGL;
     Log::Write(s_context, Log::MessageTypeID::Verbose, "The overlay is drawn by ",
@@ -97,11 +106,13 @@ std::string_view Application::OpenWindow()
     m_window->SetSurfaceKind(painter.kind);
     m_renderer.SetPainter(std::move(painter));
     m_window->SetEventHandler([this](const WindowEvent& event) { return OnWindowEvent(event); });
+    step.Next("window");
     if (!m_window->Create())
     {
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to create snipping window.");
         return ReturnCodeName::CreateWindowFailed;
     }
+    step.Next("renderer");
     if (!m_renderer.Initialize(m_window->GetNativeWindow(), m_window->GetWindowClassName()))
     {
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to initialize renderer.");
@@ -115,6 +126,7 @@ std::string_view Application::OpenWindow()
 void Application::WaitForDelay(const Window::ScopedLock& lock)
 {
     using Clock = std::chrono::steady_clock;
+    const TraceScope step("delay");
     m_window->Hide(lock);
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(m_delay);
     while (m_running && Clock::now() < end)
@@ -132,6 +144,7 @@ void Application::WaitForDelay(const Window::ScopedLock& lock)
 
 void Application::StartTool(Graphics::Tools::SnipBench::Parameters parameters)
 {
+    const TraceScope step("tool");
     ToolContext context = MakeToolContext();
     context.type = ToolEventType::MouseMove;
     System::Math::Point position;
@@ -166,6 +179,7 @@ bool Application::FinishFrame(std::int64_t now)
     const bool isInputWaiting = m_window->HasMessage();
     if (isInputWaiting && now - m_lastFrame < GetRefreshPeriod())
         return true;
+    const TraceScope step(m_lastFrame == 0 ? "first frame" : nullptr);
     const bool isDrawn = m_renderer.Render(GetDrawnWindow());
     if (isDrawn)
         m_lastFrame = now;

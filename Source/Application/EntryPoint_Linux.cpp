@@ -6,6 +6,7 @@
 #include "Core/System/Processes/Process.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"
+#include "Core/System/Time/Trace.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -36,10 +37,15 @@ int main(int argc, char** argv)
 {
     using namespace Orvik::System;
     OccupyStandardStreams();
+    const Time::Trace trace(Time::GetTraceFilePlatform());
+    const Time::TraceScope whole("main");
+    Time::TraceScope step("setup tool");
 
     // Whether the setup tool runs decides about the console; with a console of this platform that makes no difference.
     Processes::EnumerateProcesses(Processes::MakeExecutableName("OrvikRemoteDeviceSetupTool"),
                                   [](Processes::Process&) {});
+
+    step.End();
 
     Runtime::CommandLine commandLine;
     commandLine.LoadArguments();

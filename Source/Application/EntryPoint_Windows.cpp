@@ -6,6 +6,7 @@
 #include "Core/System/Processes/Process.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"
+#include "Core/System/Time/Trace.h"
 
 #include <optional>
 #include <utility>
@@ -32,7 +33,11 @@ int WINAPI wWinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPWSTR /*com
 {
     using namespace Orvik::System;
 
+    const Time::Trace trace(Time::GetTraceFilePlatform());
+    const Time::TraceScope whole("main");
+    Time::TraceScope step("setup tool");
     std::optional<Processes::ParentConsole> console(std::in_place, !IsSetupToolRunning());
+    step.End();
     Runtime::CommandLine commandLine;
     commandLine.LoadArguments();
     Runtime::ApplicationParameters parameters;

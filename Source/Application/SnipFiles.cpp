@@ -4,6 +4,7 @@
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Text/Files.h"
 #include "Core/System/Text/Paths.h"
+#include "Core/System/Time/Trace.h"
 #include "Core/System/Types/GuidGeneration.h"
 
 #include <exception>
@@ -42,6 +43,7 @@ void ShowAbsolutePath(const SnipFileSettings& settings, const std::filesystem::p
 template <typename MakeText>
 void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
 {
+    const System::Time::TraceScope step("JSON file");
     auto result = System::Text::Replacement::NotWritten;
     try
     {
@@ -71,6 +73,7 @@ AnnotationList& GetAnnotationList()
 
 bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& format, const std::string& path)
 {
+    const System::Time::TraceScope step("image file");
     if (format == "png")
         return bitmap.SavePng(path);
     if (format == "bmp")
@@ -83,12 +86,16 @@ void SaveSnip(Result& result, const SnipFileSettings& settings)
 {
     if (result.snip == nullptr)
         return;
+    const System::Time::TraceScope step("save");
     const GUID id = System::GenerateGuid();
     const std::filesystem::path imagePath = MakeFilePath(settings, id, settings.format);
     ShowAbsolutePath(settings, imagePath);
 
     if (result.polygon != nullptr && !settings.keepMask)
+    {
+        const System::Time::TraceScope mask("mask");
         result.snip->ClearOutsidePolygon(*result.polygon, false);
+    }
     if (!SaveImage(*result.snip, settings.format, System::Text::PathToUtf8(imagePath)))
         return;
     WriteMetaFile(MakeFilePath(settings, id, "json"),
@@ -108,6 +115,7 @@ void SaveAnnotation(Result& result, const SnipFileSettings& settings)
         return;
     }
 
+    const System::Time::TraceScope step("save");
     AnnotationList& list = GetAnnotationList();
     if (list.records.empty())
     {

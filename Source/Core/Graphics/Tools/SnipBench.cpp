@@ -6,6 +6,7 @@
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Time/Timestamp.h"
+#include "Core/System/Time/Trace.h"
 
 #include <algorithm>
 #include <utility>
@@ -89,6 +90,7 @@ void SnipBench::Start(ToolContext& context, Parameters parameters, Renderer::Ren
 bool SnipBench::Setup(ToolContext& context, Renderer::Renderer& renderer)
 {
     const Renderer::Renderer::ScreenSize& screenSize = renderer.GetScreenSize();
+    const System::Time::TraceScope step("tool set-up");
     m_startTime = System::Time::GetSystemTicks();
     m_windowWidth = static_cast<std::uint16_t>(Truncate(screenSize.width));
     m_windowHeight = static_cast<std::uint16_t>(Truncate(screenSize.height));
@@ -184,7 +186,10 @@ bool SnipBench::Deliver(System::Math::Rectangle& bounds, std::vector<Point>* pol
 {
     System::Multimedia::Bitmap snip;
     if (m_cropToSelection)
+    {
+        const System::Time::TraceScope step("crop");
         snip = m_capture.Crop(bounds.left, bounds.top, bounds.GetWidth(), bounds.GetHeight());
+    }
 
     Result result{m_startTime, &m_capture, &snip, &bounds, polygon};
     const bool goesOn = onResult(result);

@@ -1,6 +1,7 @@
 #include "Core/Graphics/Tools/SnipBench.h"
 
 #include "Core/System/Device/Display/CaptureContext.h"
+#include "Core/System/Time/Trace.h"
 
 #include <cstddef>
 #include <limits>
@@ -36,6 +37,7 @@ bool FitsBitmap(const DisplayDescriptor& display)
 bool SnipBench::GetDisplayCapture(System::Tools::ToolContext& context, Renderer::Renderer& /*renderer*/,
                                   System::Desktop::Window* window)
 {
+    const System::Time::TraceScope step("capture");
     const DisplayDescriptor* const display = FindDisplay(context.displayIds[1]);
     if (display == nullptr || !FitsBitmap(*display))
         return false;

@@ -4,6 +4,7 @@
 
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Runtime/Application.h"
+#include "Core/System/Time/Trace.h"
 
 #include <new>
 #include <type_traits>
@@ -17,6 +18,7 @@ void Application::CreateAndInitialize(SystemPointer<T>& slot, const IConfig* con
     if constexpr (std::is_same_v<T, Log::Logger>)
         ORVIK_ASSERT(config != nullptr, "Function parameter 'config' must be non-null.");
 
+    const Time::TraceScope step(T::s_name.data());
     void (*const deleteSystem)(T*) = [](T* system) { delete system; };
     // No memory leaves the slot empty: that is the one way in which a creation fails.
     slot = SystemPointer<T>(new (std::nothrow) T, deleteSystem);

@@ -9,6 +9,7 @@
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Core/System/Threads/Thread.h"
+#include "Core/System/Time/Trace.h"
 
 #include <exception>
 #include <iostream>
@@ -38,7 +39,9 @@ const char* GetExecutablePath(const CommandLine* commandLine)
 
 void Application::Run(const ApplicationParameters& parameters)
 {
+    Time::TraceScope step("ending other runs");
     const bool isToGoOn = !parameters.terminateOtherInstances || Processes::EndOlderRuns(&IsAskedToEnd);
+    step.End();
     Application& application = GetInstance();
     if (!isToGoOn && !application.IsShutdownRequested())
         RequestShutdown(); // the program ends its run as soon as it sees that
@@ -49,6 +52,7 @@ void Application::Run(const ApplicationParameters& parameters)
 
 void Application::Main(const ApplicationParameters& parameters)
 {
+    const Time::TraceScope step("directories, configuration, errors");
     m_mainThreadState.reset(Threads::GetMainThread());
     Threads::SetCurrentToMainThread();
     m_commandLine = parameters.commandLine;

@@ -7,6 +7,7 @@
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Runtime/SystemCreation.h"
 #include "Core/System/Threads/ThreadManager.h"
+#include "Core/System/Time/Trace.h"
 
 #include <atomic>
 #include <exception>
@@ -45,6 +46,7 @@ void Application::InitializeLogger()
 
 void Application::InitializeSystems()
 {
+    const Time::TraceScope step("systems");
     try
     {
         InitializeLogger();
@@ -69,6 +71,7 @@ void Application::InitializeSystems()
 
 void Application::ShutdownSystems()
 {
+    const Time::TraceScope step("end of the systems");
     ORVIK_ASSERT(m_mainThread == nullptr || m_mainThread == &Threads::Thread::GetCurrent(),
                  "Must be called from main thread.");
     for (auto entry = m_systems.rbegin(); entry != m_systems.rend(); ++entry)
