@@ -1,6 +1,6 @@
 #include "Core/System/Desktop/GraphicsCard.h"
 
-#include "Core/System/Platform/Headers/WindowsHeaders.h"
+#include "Core/System/Desktop/GraphicsCardCalls_Windows.h"
 
 #include <string_view>
 
@@ -9,19 +9,26 @@ namespace Orvik::System::Desktop
 namespace
 {
 
-/// Whether a display hangs on a card that has a maker. What draws without one (a remote session, a basic adapter, a
-/// desktop made of memory) has an identifier of another kind or the maker 0.
-bool HasAdapter()
+/// Whether a display's adapter is a card that has a maker. What draws without one (a remote session, a basic adapter, a
+/// desktop made of memory) has an identifier of another kind, or the maker 0, or one of more digits than cards have.
+bool IsCard(std::wstring_view identifier)
 {
     constexpr std::wstring_view prefix = L"PCI\\VEN_";
-    constexpr std::wstring_view nobody = L"0000";
+    constexpr std::wstring_view none = L"0000";
+    if (!identifier.starts_with(prefix))
+        return false;
+    const std::wstring_view rest = identifier.substr(prefix.size());
+    return !rest.starts_with(none) && rest.find(L'&') == none.size();
+}
+
+bool HasAdapter()
+{
     DISPLAY_DEVICEW device = {};
     device.cb = sizeof(device);
-    for (DWORD index = 0; EnumDisplayDevicesW(nullptr, index, &device, 0) != FALSE; ++index)
+    for (DWORD index = 0; GetGraphicsCardCalls().enumDisplayDevices(nullptr, index, &device, 0) != FALSE; ++index)
     {
-        const std::wstring_view identifier = device.DeviceID;
         const bool isUsed = (device.StateFlags & DISPLAY_DEVICE_ATTACHED_TO_DESKTOP) != 0;
-        if (isUsed && identifier.starts_with(prefix) && !identifier.substr(prefix.size()).starts_with(nobody))
+        if (isUsed && IsCard(device.DeviceID))
             return true;
     }
     return false;
@@ -37,13 +44,14 @@ bool IsAccelerated(const PIXELFORMATDESCRIPTOR& format)
 
 bool HasAcceleratedFormat()
 {
+    const auto describePixelFormat = GetGraphicsCardCalls().describePixelFormat;
     HDC const screen = GetDC(nullptr);
     PIXELFORMATDESCRIPTOR format = {};
-    const int count = DescribePixelFormat(screen, 1, sizeof(format), nullptr);
+    const int count = describePixelFormat(screen, 1, sizeof(format), nullptr);
     bool isFound = false;
     for (int index = 1; index <= count && !isFound; ++index)
     {
-        isFound = DescribePixelFormat(screen, index, sizeof(format), &format) != 0 && IsAccelerated(format);
+        isFound = describePixelFormat(screen, index, sizeof(format), &format) != 0 && IsAccelerated(format);
     }
     ReleaseDC(nullptr, screen);
     return isFound;
@@ -53,7 +61,7 @@ bool HasAcceleratedFormat()
 
 GraphicsCard FindGraphicsCard()
 {
-    if (GetSystemMetrics(SM_REMOTESESSION) != 0)
+    if (GetGraphicsCardCalls().getSystemMetrics(SM_REMOTESESSION) != 0)
         return {false, "the session is a remote one"};
     if (!HasAdapter())
         return {false, "no display hangs on a graphics card"};

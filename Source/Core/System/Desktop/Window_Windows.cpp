@@ -191,10 +191,10 @@ void Window::PumpMessagePlatform()
     DispatchMessageW(&message);
 }
 
+// No look into the queue: it would deal with what others send, and what that changes would be waited upon unseen.
 bool Window::HasMessagePlatform()
 {
-    MSG message = {};
-    return PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) != FALSE;
+    return HIWORD(GetQueueStatus(QS_ALLINPUT)) != 0;
 }
 
 void Window::WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSignal& wake)
