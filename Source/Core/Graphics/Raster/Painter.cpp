@@ -70,6 +70,20 @@ void PaintItem(Prepared& prepared, Canvas& canvas)
         PaintText(*text, canvas);
 }
 
+/// Whether one of the opaque pictures that come first hides all that was in a band before: what else is painted there
+/// needs no empty ground then.
+bool HasGround(std::span<const Prepared> items, const PixelArea& band)
+{
+    for (const Prepared& prepared : items)
+    {
+        if (FindOpaquePicture(prepared.item) == nullptr)
+            return false;
+        if (prepared.picture->Hides(band))
+            return true;
+    }
+    return false;
+}
+
 void PaintBand(std::span<Prepared> items, const SurfaceMemory& surface, const PixelArea& band, Canvas& canvas)
 {
     const bool isSampled = std::any_of(items.begin(), items.end(),
@@ -80,11 +94,7 @@ void PaintBand(std::span<Prepared> items, const SurfaceMemory& surface, const Pi
                                        });
     canvas.Begin(surface, band, isSampled);
     canvas.ClearDepths();
-    // What a picture hides needs no ground. All else is painted over it.
-    const bool isHidden =
-        std::any_of(items.begin(), items.end(),
-                    [&band](const Prepared& prepared) { return prepared.picture && prepared.picture->Hides(band); });
-    if (!isHidden)
+    if (!HasGround(items, band))
         canvas.ClearColours();
     for (Prepared& prepared : items)
     {
