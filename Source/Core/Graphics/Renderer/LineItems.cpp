@@ -276,7 +276,8 @@ void AppendTriangles(const Line& line, const Segment& segment, const SurfaceSpac
     {
         const bool isEnd = index == 1 || index == 2;
         const Vector2& position = segment.corners[index];
-        return ClipCorner{{position.x * 2.0F / space.width - 1.0F, position.y * 2.0F / space.height - 1.0F,
+        return ClipCorner{{(position.x * 2.0F - space.width) / space.width,
+                           (position.y * 2.0F - space.height) / space.height,
                            isEnd ? segment.endDepth : segment.startDepth, 1.0F},
                           {isEnd ? segment.endOpacity : segment.startOpacity, segment.distances[index], 0.0F, 0.0F}};
     };

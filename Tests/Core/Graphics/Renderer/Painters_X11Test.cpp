@@ -52,8 +52,8 @@ int GetDistance(std::uint32_t left, std::uint32_t right)
 {
     int distance = 0;
     for (unsigned shift = 0; shift < 24; shift += 8)
-        distance = std::max(distance, std::abs(static_cast<int>(left >> shift & 0xFFU) -
-                                               static_cast<int>(right >> shift & 0xFFU)));
+        distance = std::max(
+            distance, std::abs(static_cast<int>(left >> shift & 0xFFU) - static_cast<int>(right >> shift & 0xFFU)));
     return distance;
 }
 
@@ -85,8 +85,8 @@ protected:
         for (std::size_t index = 0; index < expected.size(); ++index)
         {
             ASSERT_LE(GetDistance(expected[index], actual[index]), tolerance)
-                << step << ", at " << index % s_width << ", " << index / s_width << ": " << std::hex
-                << expected[index] << " by OpenGL, " << actual[index] << " in memory";
+                << step << ", at " << index % s_width << ", " << index / s_width << ": " << std::hex << expected[index]
+                << " by OpenGL, " << actual[index] << " in memory";
         }
     }
 
@@ -95,19 +95,19 @@ protected:
         return static_cast<float>(std::uniform_int_distribution(from, to)(random));
     }
 
-    static void AddPicture(Side& side, std::mt19937& random, float zoom, float brightness)
+    static void AddPicture(Side& side, std::mt19937& random, float zoom, float brightness, int shortest = 1)
     {
-        const auto width = static_cast<std::uint16_t>(Pick(random, 1, 70));
-        const auto height = static_cast<std::uint16_t>(Pick(random, 1, 60));
+        const auto width = static_cast<std::uint16_t>(Pick(random, shortest, 70));
+        const auto height = static_cast<std::uint16_t>(Pick(random, shortest, 60));
         std::vector<std::uint8_t> pixels(std::size_t{width} * height * 4);
         for (std::uint8_t& byte : pixels)
             byte = static_cast<std::uint8_t>(random());
         std::uint16_t id = 0;
         side.renderer.GetTextureRenderer().Create(id, width, height, 32, pixels.data(), side.renderer);
         Texture* const texture = side.renderer.GetTextureRenderer().Get(id);
-        texture->model = Matrix4::ScaleAndTranslation(
-            width * zoom, height * zoom, 1.0F, Pick(random, -10, 2 * s_width) * 0.5F,
-            Pick(random, -10, 2 * s_height) * 0.5F, Pick(random, 0, 9) * 0.1F);
+        texture->model =
+            Matrix4::ScaleAndTranslation(width * zoom, height * zoom, 1.0F, Pick(random, -10, 2 * s_width) * 0.5F,
+                                         Pick(random, -10, 2 * s_height) * 0.5F, Pick(random, 0, 9) * 0.1F);
         texture->color = {brightness, brightness, brightness, 1.0F};
         side.textures.push_back(id);
     }
@@ -117,8 +117,8 @@ protected:
         std::uint16_t id = 0;
         side.renderer.GetLineRenderer().Create(id, points);
         Line* const line = side.renderer.GetLineRenderer().Get(id);
-        line->model = Matrix4::Translation(Pick(random, -5, s_width), Pick(random, -5, s_height),
-                                           Pick(random, 0, 9) * 0.1F);
+        line->model =
+            Matrix4::Translation(Pick(random, -5, s_width), Pick(random, -5, s_height), Pick(random, 0, 9) * 0.1F);
         line->color = {Pick(random, 0, 10) * 0.1F, Pick(random, 0, 10) * 0.1F, Pick(random, 0, 10) * 0.1F, 1.0F};
         line->thickness = Pick(random, 1, 4);
         side.lines.push_back(id);
@@ -285,8 +285,10 @@ TEST_F(Painters, SlantedLinesAreWithinSixteenSteps)
 TEST_F(Painters, AnAcuteCornerOfAnUprightLineIsWithinSixteenSteps)
 {
     // Every mitre corner is a whole pixel's.
-    Apply([](Side& side, std::mt19937& random)
-          { AddLine(side, random, {{10, 60, 0, 1}, {60, 60, 0, 1}, {20, 30, 0, 1}}); });
+    Apply(
+        [](Side& side, std::mt19937& random) {
+            AddLine(side, random, {{10, 60, 0, 1}, {60, 60, 0, 1}, {20, 30, 0, 1}});
+        });
     for (Side* const side : {&m_opengl, &m_raster})
     {
         Line* const line = side->renderer.GetLineRenderer().Get(side->lines.front());
@@ -311,12 +313,15 @@ TEST_F(Painters, TurnedPicturesAreEqualButForTheirEdges)
 
 TEST_F(Painters, ShrunkPicturesAreWithinEightSteps)
 {
+    // Only a capture that is larger than the window is shrunk. In pictures of a few pixels, the driver's rounding of
+    // how much they are reduced shows.
+    constexpr int shortest = 16;
     for (int step = 0; step < 60; ++step)
     {
         Apply(
             [step](Side& side, std::mt19937& random)
             {
-                AddPicture(side, random, step % 2 == 0 ? 0.5F : 0.25F, 1.0F);
+                AddPicture(side, random, step % 2 == 0 ? 0.5F : 0.25F, 1.0F, shortest);
                 Thin(side, random);
             });
         Compare(8, "step " + std::to_string(step));
@@ -343,7 +348,8 @@ TEST_F(Painters, MeshesAreWithinSixteenSteps)
                 std::vector<std::array<float, 4>> colors;
                 for (int corner = 0; corner < 3; ++corner)
                 {
-                    positions.push_back({Pick(random, 0, s_width), Pick(random, 0, s_height), Pick(random, 0, 9) * 0.1F});
+                    positions.push_back(
+                        {Pick(random, 0, s_width), Pick(random, 0, s_height), Pick(random, 0, 9) * 0.1F});
                     colors.push_back({Pick(random, 0, 10) * 0.1F, Pick(random, 0, 10) * 0.1F, 1.0F, 1.0F});
                 }
                 side.renderer.GetPolygonRenderer().Create(id, positions, colors);
