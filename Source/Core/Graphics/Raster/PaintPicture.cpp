@@ -42,7 +42,7 @@ void PicturePainter::Paint(Canvas& canvas)
 
 bool PicturePainter::Hides(const PixelArea& area) const
 {
-    return m_scale.IsOpaque() && Intersect(m_picture.area, area) == area;
+    return m_picture.depth < s_farthest && m_scale.IsOpaque() && Intersect(m_picture.area, area) == area;
 }
 
 void PicturePainter::ShadeRow(std::int32_t y, std::int32_t left, std::int32_t right, PackedColour* target) const

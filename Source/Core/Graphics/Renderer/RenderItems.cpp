@@ -15,9 +15,10 @@ using System::Math::Vector4;
 TriangleItem::Corner ToCorner(const ClipCorner& corner, const SurfaceSpace& space)
 {
     const Vector4& clip = corner.position;
+    // In the order of OpenGL's viewport: a corner that is rounded otherwise would settle elsewhere now and then.
     const float halfWidth = space.width * 0.5F;
     const float halfHeight = space.height * 0.5F;
-    return {clip.x / clip.w * halfWidth + halfWidth, clip.y / clip.w * -halfHeight + halfHeight,
+    return {clip.x / clip.w * halfWidth + halfWidth, halfHeight - clip.y / clip.w * halfHeight,
             ToDepth(clip.z / clip.w), corner.values};
 }
 
@@ -41,17 +42,13 @@ Raster::PixelArea GetBounds(const std::array<TriangleItem::Corner, 3>& corners)
 /// A side of the space that is drawn: inside are the positions whose product with it isn't negative.
 using Side = Vector4;
 
-std::array<Side, 6> GetSides(const SurfaceSpace& space)
-{
-    const float x = s_farthestPixel * 2.0F / space.width;
-    const float y = s_farthestPixel * 2.0F / space.height;
-    return {{{0.0F, 0.0F, 1.0F, 1.0F},
-             {0.0F, 0.0F, -1.0F, 1.0F},
-             {1.0F, 0.0F, 0.0F, x},
-             {-1.0F, 0.0F, 0.0F, x},
-             {0.0F, 1.0F, 0.0F, y},
-             {0.0F, -1.0F, 0.0F, y}}};
-}
+/// The depths, and the surface's edges as OpenGL cuts there: a slanted edge settles anew where it is cut.
+constexpr std::array<Side, 6> s_sides = {{{0.0F, 0.0F, 1.0F, 1.0F},
+                                          {0.0F, 0.0F, -1.0F, 1.0F},
+                                          {1.0F, 0.0F, 0.0F, 1.0F},
+                                          {-1.0F, 0.0F, 0.0F, 1.0F},
+                                          {0.0F, 1.0F, 0.0F, 1.0F},
+                                          {0.0F, -1.0F, 0.0F, 1.0F}}};
 
 /// How far inside a position is; not a number where it is none.
 float GetDepthInside(const Side& side, const Vector4& position)
@@ -143,19 +140,18 @@ Vector4 Transform(const Matrix4& matrix, const Vector4& vector)
 void AppendTriangle(const std::array<ClipCorner, 3>& corners, const TriangleItem& look, const SurfaceSpace& space,
                     std::vector<Raster::Item>& items)
 {
-    const std::array<Side, 6> sides = GetSides(space);
     const auto isInside = [&corners](const Side& side)
     {
         return std::all_of(corners.begin(), corners.end(),
                            [&side](const ClipCorner& corner) { return GetDepthInside(side, corner.position) >= 0.0F; });
     };
-    if (std::all_of(sides.begin(), sides.end(), isInside))
+    if (std::all_of(s_sides.begin(), s_sides.end(), isInside))
     {
         AppendInside(corners, look, space, items);
         return;
     }
     std::vector<ClipCorner> shape(corners.begin(), corners.end());
-    for (const Side& side : sides)
+    for (const Side& side : s_sides)
         shape = Clip(shape, side);
     for (std::size_t index = 2; index < shape.size(); ++index)
         AppendInside({shape[0], shape[index - 1], shape[index]}, look, space, items);

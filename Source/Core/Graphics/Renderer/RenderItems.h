@@ -39,7 +39,7 @@ void AppendItems(const Texture& texture, const SurfaceSpace& space, std::vector<
 /// `renderer` has the glyphs.
 void AppendItems(const Text& text, TextRenderer& renderer, const SurfaceSpace& space, std::vector<Raster::Item>& items);
 
-/// A triangle with its corners in clip space and the values there, cut at the depths and far outside of the surface.
+/// A triangle with its corners in clip space and the values there, cut at the depths and at the surface.
 /// Nothing is appended for one that shows its back, lies beyond the depths or has a corner that is no number.
 struct ClipCorner
 {

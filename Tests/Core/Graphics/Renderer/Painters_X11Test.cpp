@@ -74,11 +74,9 @@ protected:
         }
     }
 
-    /// Draws both and compares each pixel. An edge that passes a sample by less than the arithmetic's rounding may have
-    /// it or not: such a pixel counts in `m_roundedSamples`, if `mayRoundSamples`.
-    void Compare(int tolerance, const std::string& step, bool mayRoundSamples = false)
+    /// Draws both and compares each pixel.
+    void Compare(int tolerance, const std::string& step)
     {
-        constexpr int oneSample = 64;
         m_opengl.renderer.Render(m_opengl.window.GetNative());
         m_raster.renderer.Render(m_raster.window.GetNative());
         const std::vector<std::uint32_t> expected = m_opengl.window.Capture();
@@ -86,10 +84,7 @@ protected:
         ASSERT_EQ(expected.size(), actual.size());
         for (std::size_t index = 0; index < expected.size(); ++index)
         {
-            const int distance = GetDistance(expected[index], actual[index]);
-            m_drawn += expected[index] != 0 ? 1 : 0;
-            m_roundedSamples += mayRoundSamples && distance > tolerance ? 1 : 0;
-            ASSERT_LE(distance, mayRoundSamples ? tolerance + oneSample : tolerance)
+            ASSERT_LE(GetDistance(expected[index], actual[index]), tolerance)
                 << step << ", at " << index % s_width << ", " << index / s_width << ": " << std::hex << expected[index]
                 << " by OpenGL, " << actual[index] << " in memory";
         }
@@ -100,10 +95,10 @@ protected:
         return static_cast<float>(std::uniform_int_distribution(from, to)(random));
     }
 
-    static void AddPicture(Side& side, std::mt19937& random, float zoom, float brightness)
+    static void AddPicture(Side& side, std::mt19937& random, float zoom, float brightness, int shortest = 1)
     {
-        const auto width = static_cast<std::uint16_t>(Pick(random, 1, 70));
-        const auto height = static_cast<std::uint16_t>(Pick(random, 1, 60));
+        const auto width = static_cast<std::uint16_t>(Pick(random, shortest, 70));
+        const auto height = static_cast<std::uint16_t>(Pick(random, shortest, 60));
         std::vector<std::uint8_t> pixels(std::size_t{width} * height * 4);
         for (std::uint8_t& byte : pixels)
             byte = static_cast<std::uint8_t>(random());
@@ -187,8 +182,6 @@ protected:
     Side m_opengl{SurfaceKind::OpenGL, 0};
     Side m_raster{SurfaceKind::Pixels, s_width};
     std::mt19937 m_random{2611};
-    std::int64_t m_drawn = 0; ///< pixels, of all comparisons
-    std::int64_t m_roundedSamples = 0;
 };
 
 TEST_F(Painters, UprightLinesOutlinesAndPicturesAreEqualInEveryPixel)
@@ -283,18 +276,19 @@ TEST_F(Painters, SlantedLinesAreWithinSixteenSteps)
                 AddSlantedLine(side, random);
                 Thin(side, random);
             });
-        Compare(16, "step " + std::to_string(step), true);
+        Compare(16, "step " + std::to_string(step));
         if (HasFatalFailure())
             return;
     }
-    EXPECT_LT(m_roundedSamples * 1'000, m_drawn) << m_roundedSamples << " samples in " << m_drawn << " pixels";
 }
 
 TEST_F(Painters, AnAcuteCornerOfAnUprightLineIsWithinSixteenSteps)
 {
     // Every mitre corner is a whole pixel's.
-    Apply([](Side& side, std::mt19937& random)
-          { AddLine(side, random, {{10, 60, 0, 1}, {60, 60, 0, 1}, {20, 30, 0, 1}}); });
+    Apply(
+        [](Side& side, std::mt19937& random) {
+            AddLine(side, random, {{10, 60, 0, 1}, {60, 60, 0, 1}, {20, 30, 0, 1}});
+        });
     for (Side* const side : {&m_opengl, &m_raster})
     {
         Line* const line = side->renderer.GetLineRenderer().Get(side->lines.front());
@@ -319,12 +313,15 @@ TEST_F(Painters, TurnedPicturesAreEqualButForTheirEdges)
 
 TEST_F(Painters, ShrunkPicturesAreWithinEightSteps)
 {
+    // Only a capture that is larger than the window is shrunk. In pictures of a few pixels, the driver's rounding of
+    // how much they are reduced shows.
+    constexpr int shortest = 16;
     for (int step = 0; step < 60; ++step)
     {
         Apply(
             [step](Side& side, std::mt19937& random)
             {
-                AddPicture(side, random, step % 2 == 0 ? 0.5F : 0.25F, 1.0F);
+                AddPicture(side, random, step % 2 == 0 ? 0.5F : 0.25F, 1.0F, shortest);
                 Thin(side, random);
             });
         Compare(8, "step " + std::to_string(step));

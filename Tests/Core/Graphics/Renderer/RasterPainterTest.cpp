@@ -11,7 +11,6 @@
 #include <atomic>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <malloc.h>
 #include <thread>
 
 namespace Orvik::Tests
@@ -241,31 +240,6 @@ TEST_F(RasterPainting, StartingAgainShowsAll)
     AddLine(10, 20, 30);
     EXPECT_THAT(Render(), ElementsAre(s_all));
 }
-
-#if !defined(__SANITIZE_ADDRESS__)
-TEST_F(RasterPainting, ObjectsThatComeAndGoLeaveNothingBehind)
-{
-    const auto comeAndGo = [this]
-    {
-        std::uint16_t id = AddPicture(100, 200);
-        std::uint16_t polygon = 0;
-        std::vector<std::array<float, 3>> positions(3);
-        std::vector<std::array<float, 4>> colors(3);
-        m_renderer.GetPolygonRenderer().Create(polygon, positions, colors);
-        m_renderer.Render(s_window);
-        EXPECT_TRUE(m_renderer.GetTextureRenderer().Remove(id));
-        EXPECT_TRUE(m_renderer.GetPolygonRenderer().Update(polygon));
-        EXPECT_TRUE(m_renderer.GetPolygonRenderer().Remove(polygon));
-        m_renderer.Render(s_window);
-        NullDesktop::GetInstance().presentations.clear();
-    };
-    comeAndGo();
-    const std::size_t before = mallinfo2().uordblks;
-    for (int count = 0; count < 5000; ++count)
-        comeAndGo();
-    EXPECT_LT(mallinfo2().uordblks, before + 1000);
-}
-#endif
 
 TEST_F(RasterPainting, ATextureAndAPolygonMayGoOnAnotherThread)
 {

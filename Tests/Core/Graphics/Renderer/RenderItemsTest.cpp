@@ -104,7 +104,7 @@ TEST(RenderItemNumbers, PixelsAndDepthsAreCutAndNoNumberIsFarAway)
 
 TEST(RenderItemNumbers, AnHugeQuadFillsTheSurface)
 {
-    for (const float size : {1.0e3F, 1.0e5F, 1.0e6F, 1.0e7F, 1.0e8F, 1.0e9F, 1.0e12F})
+    for (const float size : {1.0e3F, 1.0e5F, 1.0e6F, 1.0e7F, 1.0e8F, 1.0e9F})
     {
         Quad quad;
         quad.model = Matrix4::ScaleAndTranslation(size, size, 1.0F, size * -0.5F, size * -0.5F, 0.5F);
