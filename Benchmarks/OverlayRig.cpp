@@ -121,7 +121,7 @@ std::vector<Graphics::Raster::Item> OverlayRig::MakeItems()
         static_cast<float>(m_width), static_cast<float>(m_height),
         System::Math::Matrix4::Orthographic(static_cast<float>(m_width), static_cast<float>(m_height))};
     std::vector<Graphics::Raster::Item> items;
-    AppendVisible(m_renderer.GetTextureRenderer().GetObjects(), space, items);
+    m_renderer.GetTextureRenderer().CollectItems(space, items);
     AppendVisible(m_renderer.GetLineRenderer().GetObjects(), space, items);
     for (const Graphics::Renderer::Text& text : m_renderer.GetTextRenderer().GetObjects())
     {

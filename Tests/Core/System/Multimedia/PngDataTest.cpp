@@ -48,9 +48,9 @@ Bitmap MakeRough(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPer
     for (std::int32_t i = 0; i < bitmap.GetSize(); ++i)
     {
         state = state * 1'664'525 + 1'013'904'223;
-        const std::int32_t row = i / bitmap.GetStride();
+        const std::int64_t row = i / bitmap.GetStride();
         bitmap.GetPixels()[i] = static_cast<std::uint8_t>((row * row * 3 + i % bitmap.GetStride()) % 256 +
-                                                          static_cast<std::int32_t>(state >> 24) % (1 + row % 40));
+                                                          static_cast<std::int64_t>(state >> 24) % (1 + row % 40));
     }
     return bitmap;
 }
