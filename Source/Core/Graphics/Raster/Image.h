@@ -36,7 +36,7 @@ public:
     /// `Borrow` or the end of the image.
     void Borrow(std::int32_t width, std::int32_t height, const void* pixels);
 
-    /// Counts the replacements, so that a changed picture can be told from an unchanged one.
+    /// Counts the replacements, so that a changed picture is known from an unchanged one.
     [[nodiscard]] std::uint32_t GetVersion() const { return m_version; }
     [[nodiscard]] std::int32_t GetWidth() const { return m_levels.empty() ? 0 : m_levels.front()->width; }
     [[nodiscard]] std::int32_t GetHeight() const { return m_levels.empty() ? 0 : m_levels.front()->height; }

@@ -38,7 +38,7 @@ void SetAttribute(const EntryPoints& gl, GLuint attribute, GLuint buffer, const 
     gl.glEnableVertexAttribArray(attribute);
 }
 
-/// Without a colour for each vertex the drawing would read behind the buffer.
+/// Without a colour for each vertex the drawing would read beyond the buffer.
 bool CanUpload(const Polygon& polygon)
 {
     return polygon.colors.size() >= polygon.positions.size();

@@ -33,7 +33,7 @@ public:
         float height = 0.0F;
     };
 
-    /// Settles how objects become pixels; by OpenGL if nobody says. Before `Initialize`, and the window has to be made
+    /// Settles how objects become pixels; by OpenGL if this isn't called. Before `Initialize`, and the window has to be made
     /// for it.
     void SetPainter(PainterChoice choice) { m_choice = std::move(choice); }
 

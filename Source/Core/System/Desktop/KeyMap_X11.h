@@ -14,7 +14,7 @@ namespace Orvik::System::Desktop
 /// The key of a key event, as Windows gives it in the same layout: by the unshifted keysym, or by the key's place where
 /// no key is named after that keysym. A key of the digits' row is a digit unless it bears a letter, and the keys right
 /// of both rows that bear no sign of ours are numbered one after the other where the layout moves plus or minus.
-/// `Undefined` if neither keysym nor place tells.
+/// `Undefined` if neither keysym nor place gives one.
 [[nodiscard]] KeyCode TranslateKey(const XKeyEvent& event);
 
 /// The keysym of a key event at the unshifted level of the event's layout.

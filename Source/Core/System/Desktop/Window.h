@@ -72,7 +72,7 @@ public:
     /// The one receiver of events. It returns whether it has dealt with the event.
     void SetEventHandler(EventHandler handler);
 
-    /// What the window will be drawn on by; OpenGL if nobody says. Before `Create`.
+    /// What the window will be drawn on by; OpenGL if this isn't called. Before `Create`.
     void SetSurfaceKind(SurfaceKind kind) { m_surfaceKind = kind; }
 
     /// Creates the native window, hidden. False if the system refuses the window, for which a log line gives the
