@@ -33,8 +33,8 @@ public:
         float height = 0.0F;
     };
 
-    /// Settles how objects become pixels; by OpenGL if this isn't called. Before `Initialize`, and the window has to be made
-    /// for it.
+    /// Settles how objects become pixels; by OpenGL if this isn't called. Before `Initialize`, and the window has to be
+    /// made for it.
     void SetPainter(PainterChoice choice) { m_choice = std::move(choice); }
 
     /// Creates the context on the window and the member renderers. False if one of them can't be; log lines have said
