@@ -63,7 +63,8 @@ apt_sources() # TOOL FOLDER COMMAND...
         -o Dir::State::Lists="$folder/lists" -o Dir::Cache="$folder" -o APT::Sandbox::User= "$@"
 }
 
-# The newest source package that is there: an archive may name one before each of its mirrors has it.
+# The newest source package that is there: an archive may name one before each of its mirrors has it, and a mirror may
+# have its authors' archive alone.
 download_source() # SCRATCH PACKAGE
 {
     local version
@@ -72,14 +73,15 @@ download_source() # SCRATCH PACKAGE
         if apt_sources apt-get "$1/apt" source --download-only "$2=$version" >&2; then
             return
         fi
-        echo "Version $version of $2 isn't there; trying the one before." >&2
+        echo "Version $version of $2 isn't there." >&2
         rm -f -- *
     done <"$1/versions-$2"
-    return 1
+    echo "No version of $2 is there whole; taking its authors' archive, without the distribution's changes." >&2
+    apt_sources apt-get "$1/apt" source --download-only --tar-only "$2" >&2
 }
 
-# Leaves the source package's tree, with the archive's security fixes, in SCRATCH/PACKAGE. apt checks the archive's
-# signature; the hash pins the version.
+# Leaves the source package's tree, with the archive's security fixes where those are there, in SCRATCH/PACKAGE. apt
+# checks the archive's signature; the hash pins the version.
 fetch_source() # SCRATCH PACKAGE ARCHIVE_PATTERN HASH
 {
     local archive
@@ -91,7 +93,12 @@ fetch_source() # SCRATCH PACKAGE ARCHIVE_PATTERN HASH
         echo "The sources of $2 aren't of the expected version; it is not built." >&2
         exit 1
     fi
-    dpkg-source --no-check -x "$1/download-$2/"*.dsc "$1/$2" >/dev/null
+    if compgen -G "$1/download-$2/*.dsc" >/dev/null; then
+        dpkg-source --no-check -x "$1/download-$2/"*.dsc "$1/$2" >/dev/null
+    else
+        mkdir "$1/$2"
+        tar -xf "$archive" -C "$1/$2" --strip-components=1
+    fi
 }
 
 build_library() # SOURCE BUILD [cmake options]
