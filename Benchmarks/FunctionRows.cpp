@@ -59,8 +59,8 @@ Work PaintSurface(const Size& size)
     const auto state = std::make_shared<State>(size);
     return [state, size]
     {
-        Graphics::Raster::Paint(state->items, {0, 0, size.width, size.height},
-                                {state->pixels.data(), size.width, size.width, size.height});
+        Graphics::Raster::Painter(state->items)
+            .Paint({0, 0, size.width, size.height}, {state->pixels.data(), size.width, size.width, size.height});
         Keep(state->pixels);
     };
 }

@@ -62,9 +62,9 @@ private:
     void WaitForDelay(const System::Desktop::Window::ScopedLock& lock);
     void StartTool(Graphics::Tools::SnipBench::Parameters parameters);
     void RunFrameLoop();
-    /// Draws the frame if that is due. False if there is nothing to do until something comes in. `now` is the clock's
-    /// time, nanoseconds.
-    [[nodiscard]] bool FinishFrame(std::int64_t now);
+    /// Draws the frame if that is due. Gives how long there is nothing to do unless something comes in: less than 0 is
+    /// without a limit. Times are nanoseconds; `now` is the clock's.
+    [[nodiscard]] std::int64_t FinishFrame(std::int64_t now);
     /// Nanoseconds from one picture of the display to the next.
     [[nodiscard]] std::int64_t GetRefreshPeriod() const;
     /// Where frames go: nowhere once the system has closed the window.

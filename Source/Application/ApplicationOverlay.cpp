@@ -7,6 +7,7 @@
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Core/System/Time/Trace.h"
+#include "Core/System/Time/Wait.h"
 
 #include <algorithm>
 #include <chrono>
@@ -168,22 +169,30 @@ void Application::RunFrameLoop()
         time = now;
         m_window->Update();
         m_savedPathLabel.Tick(elapsed, m_renderer);
-        if (!FinishFrame(now))
-            m_window->WaitForMessage(m_savedPathLabel.GetRemaining(), m_wake);
+        if (const std::int64_t wait = FinishFrame(now); wait != 0)
+            m_window->WaitForMessage(wait, m_wake);
     }
 }
 
-// Input goes first: where drawing is slower than what comes in, a frame is drawn once a refresh period.
-bool Application::FinishFrame(std::int64_t now)
+// Input goes first, and a display shows no more than a frame a period: OpenGL's swap waits for that by itself.
+std::int64_t Application::FinishFrame(std::int64_t now)
 {
+    // The tool has taken its objects away: the screen without them is nothing to show.
+    if (!m_running)
+        return 0;
     const bool isInputWaiting = m_window->HasMessage();
-    if (isInputWaiting && now - m_lastFrame < GetRefreshPeriod())
-        return true;
+    if (const std::int64_t early = m_lastFrame + GetRefreshPeriod() - now; early > 0)
+    {
+        if (isInputWaiting)
+            return 0;
+        if (m_renderer.DrawsIntoMemory())
+            return System::Time::GetShorter(early, m_savedPathLabel.GetRemaining());
+    }
     const TraceScope step(m_lastFrame == 0 ? "first frame" : nullptr);
     const bool isDrawn = m_renderer.Render(GetDrawnWindow());
     if (isDrawn)
         m_lastFrame = now;
-    return isDrawn || isInputWaiting || !m_running;
+    return isDrawn || isInputWaiting ? 0 : m_savedPathLabel.GetRemaining();
 }
 
 std::int64_t Application::GetRefreshPeriod() const

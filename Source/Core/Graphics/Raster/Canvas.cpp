@@ -1,7 +1,5 @@
 #include "Core/Graphics/Raster/Canvas.h"
 
-#include <algorithm>
-
 namespace Orvik::Graphics::Raster
 {
 namespace
@@ -23,57 +21,37 @@ PackedColour Average(const std::array<PackedColour, Canvas::s_sampleCount>& samp
 
 } // namespace
 
-void Canvas::Begin(const SurfaceMemory& surface, const PixelArea& area, bool isSampled)
+void Canvas::Begin(const PixelArea& area)
 {
-    m_surface = surface;
     m_area = area;
-    const auto width = static_cast<std::size_t>(area.GetWidth());
     const auto count = static_cast<std::size_t>(area.CountPixels());
-    m_planes.resize(isSampled ? s_sampleCount : 1);
-    if (!isSampled)
-    {
-        m_planes[0].colours = surface.GetPixel(area.left, area.top);
-        m_planes[0].stride = surface.stride;
-    }
-    else
-    {
-        m_samples.resize(count * s_sampleCount);
-        for (std::size_t sample = 0; sample < s_sampleCount; ++sample)
-        {
-            m_planes[sample].colours = m_samples.data() + count * sample;
-            m_planes[sample].stride = width;
-        }
-    }
-    for (Plane& plane : m_planes)
-        plane.depths.resize(count);
-}
-
-void Canvas::ClearDepths()
-{
-    for (Plane& plane : m_planes)
-        std::fill(plane.depths.begin(), plane.depths.end(), s_farthest);
-}
-
-void Canvas::ClearColours()
-{
     for (Plane& plane : m_planes)
     {
-        for (std::int32_t y = m_area.top; y < m_area.bottom; ++y)
-            std::fill_n(GetColours(plane, m_area.left, y), m_area.GetWidth(), PackedColour{0});
+        plane.colours.assign(count, 0);
+        plane.depths.assign(count, s_farthest);
     }
 }
 
-void Canvas::Finish()
+void Canvas::BlendRow(std::int32_t left, std::int32_t y, std::span<const PackedColour> colours)
 {
-    if (m_planes.size() != s_sampleCount)
-        return;
+    const std::size_t first = GetIndex(left, y);
+    for (Plane& plane : m_planes)
+    {
+        for (std::size_t index = 0; index < colours.size(); ++index)
+            plane.colours[first + index] = Blend(colours[index], plane.colours[first + index]);
+    }
+}
+
+void Canvas::Finish(const SurfaceMemory& surface) const
+{
+    std::size_t index = 0;
     for (std::int32_t y = m_area.top; y < m_area.bottom; ++y)
     {
-        PackedColour* target = m_surface.GetPixel(m_area.left, y);
-        for (std::int32_t x = m_area.left; x < m_area.right; ++x)
+        PackedColour* target = surface.GetPixel(m_area.left, y);
+        for (std::int32_t x = m_area.left; x < m_area.right; ++x, ++index)
         {
-            *target++ = Average({*GetColours(m_planes[0], x, y), *GetColours(m_planes[1], x, y),
-                                 *GetColours(m_planes[2], x, y), *GetColours(m_planes[3], x, y)});
+            *target++ = Average({m_planes[0].colours[index], m_planes[1].colours[index], m_planes[2].colours[index],
+                                 m_planes[3].colours[index]});
         }
     }
 }

@@ -1,75 +1,62 @@
 #pragma once
 
 #include "Core/Graphics/Raster/Items.h"
-#include "Core/Graphics/Raster/PixelArea.h"
+#include "Core/Graphics/Raster/Surface.h"
 
+#include <array>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 namespace Orvik::Graphics::Raster
 {
 
-/// The memory of a surface: rows from the top.
-struct SurfaceMemory
-{
-    PackedColour* pixels = nullptr;
-    std::size_t stride = 0; ///< pixels from one row to the next
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-
-    [[nodiscard]] PackedColour* GetPixel(std::int32_t x, std::int32_t y) const
-    {
-        return pixels + static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(x);
-    }
-};
-
-/// One value of each pixel that is painted: the only one, or one of four samples.
-struct Plane
-{
-    PackedColour* colours = nullptr; ///< of the area's first pixel
-    std::size_t stride = 0;
-    std::vector<Depth> depths; ///< of the area, row by row; empty if nothing asks for them
-};
-
-/// A part of a surface while it is being painted, with a depth for each pixel. What has slanted edges is painted by
-/// four samples to the pixel, which come together in `Finish`; everything else straight into the surface.
+/// A part of a surface while it is being painted by four samples to the pixel, each with a colour and a depth: for what
+/// has slanted edges, and all that shares pixels with it. The samples come together in `Finish`.
 class Canvas
 {
 public:
     static constexpr std::size_t s_sampleCount = 4;
 
-    /// `area` lies within the surface. The memory has to outlive the canvas; canvases are meant to be reused.
-    void Begin(const SurfaceMemory& surface, const PixelArea& area, bool isSampled);
+    /// One sample of each pixel, row by row.
+    struct Plane
+    {
+        std::vector<PackedColour> colours;
+        std::vector<Depth> depths;
+    };
 
-    /// Sets the farthest depth everywhere.
-    void ClearDepths();
-    /// Fills with nothing at all.
-    void ClearColours();
+    /// `area` lies within the surface. Nothing is nearer than the farthest depth at first, and there is no colour.
+    /// Canvases are meant to be reused.
+    void Begin(const PixelArea& area);
 
     [[nodiscard]] const PixelArea& GetArea() const { return m_area; }
-    [[nodiscard]] std::vector<Plane>& GetPlanes() { return m_planes; }
+    [[nodiscard]] Plane& GetPlane(std::size_t sample) { return m_planes[sample]; }
 
-    /// A plane's colours and depths at a pixel of the surface.
-    [[nodiscard]] PackedColour* GetColours(const Plane& plane, std::int32_t x, std::int32_t y) const
+    /// Where a pixel of the surface stands in a plane.
+    [[nodiscard]] std::size_t GetIndex(std::int32_t x, std::int32_t y) const
     {
-        return plane.colours + static_cast<std::size_t>(y - m_area.top) * plane.stride +
+        return static_cast<std::size_t>(y - m_area.top) * static_cast<std::size_t>(m_area.GetWidth()) +
                static_cast<std::size_t>(x - m_area.left);
     }
-    [[nodiscard]] Depth* GetDepths(Plane& plane, std::int32_t x, std::int32_t y) const
+
+    /// Lays a colour over a sample where nothing is nearer or as near.
+    static void Put(Plane& plane, std::size_t index, PackedColour colour, Depth depth)
     {
-        return plane.depths.data() +
-               static_cast<std::size_t>(y - m_area.top) * static_cast<std::size_t>(m_area.GetWidth()) +
-               static_cast<std::size_t>(x - m_area.left);
+        if (depth >= plane.depths[index])
+            return;
+        plane.depths[index] = depth;
+        plane.colours[index] = Blend(colour, plane.colours[index]);
     }
+
+    /// Lays colours over all samples of a pixel and those to the right of it, whatever is near.
+    void BlendRow(std::int32_t left, std::int32_t y, std::span<const PackedColour> colours);
 
     /// Writes the samples' averages into the surface.
-    void Finish();
+    void Finish(const SurfaceMemory& surface) const;
 
 private:
-    SurfaceMemory m_surface;
     PixelArea m_area;
-    std::vector<Plane> m_planes;
-    std::vector<PackedColour> m_samples;
+    std::array<Plane, s_sampleCount> m_planes;
 };
 
 } // namespace Orvik::Graphics::Raster

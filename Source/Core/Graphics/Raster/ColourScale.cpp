@@ -62,7 +62,9 @@ PackedColour ColourScale::Apply(PackedColour colour) const
 
 void ColourScale::Apply(const PackedColour* source, PackedColour* target, std::size_t count) const
 {
-    if (m_factor != 0)
+    // Below that, to get going takes longer than the tables.
+    constexpr std::size_t fewPixels = 16;
+    if (m_factor != 0 && count >= fewPixels)
     {
         ApplyEvenly(source, target, count);
         return;

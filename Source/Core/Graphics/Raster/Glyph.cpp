@@ -5,6 +5,13 @@
 
 namespace Orvik::Graphics::Raster
 {
+namespace
+{
+
+/// What a wholly covered pixel of a bitmap has.
+constexpr float s_full = 255.0F;
+
+} // namespace
 
 Glyph::Glyph(std::uint32_t width, std::uint32_t rows, const std::vector<std::uint8_t>& coverage)
     : m_width(width), m_rows(rows)
@@ -24,28 +31,48 @@ Glyph::Glyph(std::uint32_t width, std::uint32_t rows, const std::vector<std::uin
 
 float Glyph::SumCoverage(float left, float top, float right, float bottom) const
 {
-    if (m_width == 0 || m_rows == 0)
+    if (IsEmpty())
         return 0.0F;
-    constexpr float full = 255.0F;
-    return (SumTo(right, bottom) - SumTo(left, bottom) - SumTo(right, top) + SumTo(left, top)) / full;
+    return (SumTo(right, bottom) - SumTo(left, bottom) - SumTo(right, top) + SumTo(left, top)) / s_full;
+}
+
+void Glyph::SumColumns(float top, float bottom, std::span<float> sums) const
+{
+    const Row first = FindRow(top);
+    const Row last = FindRow(bottom);
+    const std::size_t stride = std::size_t{m_width} + 1;
+    const auto sum = [stride](const Row& row, std::size_t column)
+    {
+        // Signed numbers become vectors of floating-point ones with fewer instructions; a glyph's sums are far smaller.
+        const auto above = static_cast<float>(static_cast<std::int32_t>(row.upper[column]));
+        const auto below = static_cast<float>(static_cast<std::int32_t>(row.upper[column + stride]));
+        return above + (below - above) * row.share;
+    };
+    for (std::size_t column = 0; column < sums.size(); ++column)
+        sums[column] = (sum(last, column) - sum(first, column)) / s_full;
+}
+
+Glyph::Row Glyph::FindRow(float y) const
+{
+    // Not a number gives 0.
+    const float inside = y > 0.0F ? std::min(y, static_cast<float>(m_rows)) : 0.0F;
+    const auto whole = std::min(static_cast<std::uint32_t>(inside), m_rows - 1);
+    return {&m_sums[whole * (std::size_t{m_width} + 1)], inside - static_cast<float>(whole)};
 }
 
 // Within a bitmap pixel the sums change evenly in both directions.
 float Glyph::SumTo(float x, float y) const
 {
+    const Row row = FindRow(y);
     // Not a number gives 0.
     const float column = x > 0.0F ? std::min(x, static_cast<float>(m_width)) : 0.0F;
-    const float row = y > 0.0F ? std::min(y, static_cast<float>(m_rows)) : 0.0F;
-    const auto wholeColumn = std::min(static_cast<std::uint32_t>(column), m_width - 1);
-    const auto wholeRow = std::min(static_cast<std::uint32_t>(row), m_rows - 1);
-    const float columnShare = column - static_cast<float>(wholeColumn);
-    const float rowShare = row - static_cast<float>(wholeRow);
-    const std::size_t stride = std::size_t{m_width} + 1;
-    const std::uint32_t* const upper = &m_sums[wholeRow * stride + wholeColumn];
-    const std::uint32_t* const lower = upper + stride;
-    const float above = static_cast<float>(upper[0]) + static_cast<float>(upper[1] - upper[0]) * columnShare;
-    const float below = static_cast<float>(lower[0]) + static_cast<float>(lower[1] - lower[0]) * columnShare;
-    return above + (below - above) * rowShare;
+    const auto whole = std::min(static_cast<std::uint32_t>(column), m_width - 1);
+    const float share = column - static_cast<float>(whole);
+    const std::uint32_t* const upper = row.upper + whole;
+    const std::uint32_t* const lower = upper + m_width + 1;
+    const float above = static_cast<float>(upper[0]) + static_cast<float>(upper[1] - upper[0]) * share;
+    const float below = static_cast<float>(lower[0]) + static_cast<float>(lower[1] - lower[0]) * share;
+    return above + (below - above) * row.share;
 }
 
 } // namespace Orvik::Graphics::Raster

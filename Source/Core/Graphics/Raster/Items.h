@@ -131,4 +131,13 @@ using Item = std::variant<BarItem, PictureItem, TriangleItem, TextItem>;
     return std::visit([](const auto& kind) -> const PixelArea& { return kind.area; }, item);
 }
 
+/// The depth of what has a single one; beyond the farthest for what has none or many.
+[[nodiscard]] inline Depth GetDepth(const Item& item)
+{
+    if (const auto* const bar = std::get_if<BarItem>(&item))
+        return bar->depth;
+    const auto* const picture = std::get_if<PictureItem>(&item);
+    return picture != nullptr ? picture->depth : s_farthest + 1;
+}
+
 } // namespace Orvik::Graphics::Raster

@@ -3,15 +3,31 @@
 #include "Core/Graphics/Raster/Canvas.h"
 #include "Core/Graphics/Raster/Items.h"
 #include "Core/Graphics/Raster/PixelArea.h"
+#include "Core/Graphics/Raster/Prepared.h"
+#include "Core/Graphics/Raster/Surface.h"
 
 #include <vector>
 
 namespace Orvik::Graphics::Raster
 {
 
-/// Paints an area of a surface from nothing: the items in their order, each behind what is nearer, texts over all.
-/// `area` lies within the surface.
-void Paint(const std::vector<Item>& items, const PixelArea& area, const SurfaceMemory& surface);
+/// Paints one frame, area by area.
+class Painter
+{
+public:
+    /// The items stay as they are while the painter is used.
+    explicit Painter(const std::vector<Item>& items);
+
+    /// Paints an area of a surface from nothing: the items in their order, each behind what is nearer, texts over all.
+    /// `area` lies within the surface.
+    void Paint(const PixelArea& area, const SurfaceMemory& surface);
+
+private:
+    [[nodiscard]] std::vector<Prepared*> FindTouched(const PixelArea& area);
+
+    std::vector<Prepared> m_items;
+    Canvas m_canvas;
+};
 
 /// Where two lists of items look different; an area may go beyond the surface. Lists are alike where they hold the same
 /// items in the same order.

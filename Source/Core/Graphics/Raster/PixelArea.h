@@ -27,6 +27,11 @@ struct PixelArea
     }
 };
 
+[[nodiscard]] constexpr bool Contains(const PixelArea& area, std::int32_t x, std::int32_t y) noexcept
+{
+    return x >= area.left && x < area.right && y >= area.top && y < area.bottom;
+}
+
 /// The common pixels; empty if there are none.
 [[nodiscard]] constexpr PixelArea Intersect(const PixelArea& first, const PixelArea& second) noexcept
 {

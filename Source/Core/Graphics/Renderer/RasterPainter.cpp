@@ -48,8 +48,9 @@ bool RasterPainter::Render(Renderer& renderer)
         return false;
 
     m_items = std::move(items);
+    Raster::Painter painter(m_items);
     for (const Raster::PixelArea& area : region.GetAreas())
-        PaintAndShow(area);
+        PaintAndShow(painter, area);
     if (m_mustShowAll && !m_mustPaintAll)
     {
         const Raster::PixelArea all = m_space.GetArea();
@@ -97,7 +98,7 @@ std::vector<Raster::Item> RasterPainter::MakeItems(Renderer& renderer) const
     return items;
 }
 
-void RasterPainter::PaintAndShow(const Raster::PixelArea& area)
+void RasterPainter::PaintAndShow(Raster::Painter& painter, const Raster::PixelArea& area)
 {
     const Raster::SurfaceMemory memory{m_surface.GetPixels(), m_surface.GetStride(),
                                        static_cast<std::int32_t>(m_space.width),
@@ -106,7 +107,7 @@ void RasterPainter::PaintAndShow(const Raster::PixelArea& area)
     for (std::int32_t top = area.top; top < area.bottom; top += rows)
     {
         const Raster::PixelArea piece{area.left, top, area.right, std::min(top + rows, area.bottom)};
-        Raster::Paint(m_items, piece, memory);
+        painter.Paint(piece, memory);
         m_surface.Present({{{piece.left, piece.top, piece.right, piece.bottom}}});
     }
 }

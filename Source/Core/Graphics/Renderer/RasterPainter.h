@@ -2,6 +2,7 @@
 
 #include "Core/Graphics/Raster/DirtyRegion.h"
 #include "Core/Graphics/Raster/Items.h"
+#include "Core/Graphics/Raster/Painter.h"
 #include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/System/Desktop/NativeWindow.h"
 #include "Core/System/Desktop/PixelSurface.h"
@@ -32,7 +33,7 @@ public:
 
 private:
     [[nodiscard]] std::vector<Raster::Item> MakeItems(Renderer& renderer) const;
-    void PaintAndShow(const Raster::PixelArea& area);
+    void PaintAndShow(Raster::Painter& painter, const Raster::PixelArea& area);
 
     System::Desktop::PixelSurface m_surface;
     SurfaceSpace m_space;

@@ -3,8 +3,8 @@
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Core/System/Time/Timeout.h"
+#include "Core/System/Time/Wait.h"
 
-#include <algorithm>
 #include <array>
 #include <poll.h>
 
@@ -12,14 +12,6 @@ namespace Orvik::System::Desktop
 {
 namespace
 {
-
-/// How long to wait when there are two times to think of; less than 0 is without a limit.
-std::int64_t GetShorter(std::int64_t left, std::int64_t right)
-{
-    if (left < 0 || right < 0)
-        return std::max(left, right);
-    return std::min(left, right);
-}
 
 /// Waits for the connection's events that are named, and for the signal.
 void WaitForEither(::Display* display, short events, std::int64_t nanoseconds, Threads::WakeSignal& wake)
@@ -45,7 +37,8 @@ bool Window::HasMessagePlatform()
 void Window::WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSignal& wake)
 {
     if (m_native && m_native->IsUsable())
-        WaitForEither(m_native->display, POLLIN | POLLRDHUP, GetShorter(nanoseconds, m_native->GetTimeToWork()), wake);
+        WaitForEither(m_native->display, POLLIN | POLLRDHUP, Time::GetShorter(nanoseconds, m_native->GetTimeToWork()),
+                      wake);
     else
         WaitForEither(Platform::GetXDisplay(), POLLRDHUP, nanoseconds, wake);
 }
@@ -59,7 +52,7 @@ bool Window::Native::HasWork()
 std::int64_t Window::Native::GetTimeToWork() const
 {
     const std::int64_t now = Time::GetMonotonicNanoseconds();
-    return GetShorter(claim.GetTimeToRetry(now), isStackChanged ? stackLooks.GetTimeLeft(now) : -1);
+    return Time::GetShorter(claim.GetTimeToRetry(now), isStackChanged ? stackLooks.GetTimeLeft(now) : -1);
 }
 
 } // namespace Orvik::System::Desktop

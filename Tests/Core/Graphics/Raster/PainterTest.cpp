@@ -20,7 +20,7 @@ using Graphics::Raster::Image;
 using Graphics::Raster::Intersect;
 using Graphics::Raster::Item;
 using Graphics::Raster::PackedColour;
-using Graphics::Raster::Paint;
+using Graphics::Raster::Painter;
 using Graphics::Raster::PictureItem;
 using Graphics::Raster::PixelArea;
 using Graphics::Raster::s_farthest;
@@ -58,6 +58,11 @@ private:
 
     std::vector<PackedColour> m_pixels;
 };
+
+void Paint(const std::vector<Item>& items, const PixelArea& area, const SurfaceMemory& memory)
+{
+    Painter(items).Paint(area, memory);
+}
 
 Surface PaintAll(const std::vector<Item>& items)
 {

@@ -60,7 +60,7 @@ Surface Draw(const Object& object)
     for (const Item& item : items)
         EXPECT_FALSE(Intersect(GetArea(item), GetSpace().GetArea()).IsEmpty());
     Surface surface{std::vector<PackedColour>(s_width * s_height)};
-    Paint(items, GetSpace().GetArea(), {surface.pixels.data(), s_width, s_width, s_height});
+    Painter(items).Paint(GetSpace().GetArea(), {surface.pixels.data(), s_width, s_width, s_height});
     EXPECT_EQ(FindDifferences(items, items).size(), 0U);
     return surface;
 }

@@ -1,4 +1,7 @@
-#include "Core/Graphics/Raster/ItemPainters.h"
+#include "Core/Graphics/Raster/Triangle.h"
+
+#include "Core/Graphics/Raster/BarShader.h"
+#include "Core/Graphics/Raster/ColourScale.h"
 
 #include <algorithm>
 #include <array>
@@ -116,25 +119,27 @@ private:
 /// The colour in a pixel's centre. False for the gap of a line.
 bool Shade(const TriangleItem& triangle, const Vector4& values, PackedColour& colour)
 {
-    bool isGap = false;
     switch (triangle.kind)
     {
     case TriangleItem::Look::Colour:
         colour = PackColour(values.x, values.y, values.z, values.w);
         break;
     case TriangleItem::Look::Line:
-        colour = ShadeLine(triangle.look, values.x, values.y, isGap);
+        if (IsGap(triangle.look, values.y))
+            return false;
+        colour = ShadeLine(triangle.look, values.x);
         break;
     case TriangleItem::Look::Picture:
         colour = ColourScale(triangle.look.colour).Apply(triangle.image->Sample(values.x, values.y));
         break;
     }
-    return !isGap;
+    return true;
 }
 
 void PaintPixel(const TriangleItem& triangle, const Shape& shape, std::int32_t x, std::int32_t y, Canvas& canvas)
 {
     const FixedPoint corner{x * s_steps, y * s_steps};
+    const std::size_t index = canvas.GetIndex(x, y);
     bool isShaded = false;
     PackedColour colour = 0;
     for (std::size_t sample = 0; sample < s_samples.size(); ++sample)
@@ -142,18 +147,15 @@ void PaintPixel(const TriangleItem& triangle, const Shape& shape, std::int32_t x
         const FixedPoint point{corner.x + s_samples[sample].x, corner.y + s_samples[sample].y};
         if (!shape.Covers(point))
             continue;
-        Plane& plane = canvas.GetPlanes()[sample];
-        Depth& depth = *canvas.GetDepths(plane, x, y);
-        const Depth own = shape.GetDepth(point);
-        if (own >= depth)
+        Canvas::Plane& plane = canvas.GetPlane(sample);
+        const Depth depth = shape.GetDepth(point);
+        if (depth >= plane.depths[index])
             continue;
         const FixedPoint centre{corner.x + s_steps / 2, corner.y + s_steps / 2};
         if (!isShaded && !Shade(triangle, shape.GetValues(centre), colour))
             return;
         isShaded = true;
-        depth = own;
-        PackedColour& target = *canvas.GetColours(plane, x, y);
-        target = Blend(colour, target);
+        Canvas::Put(plane, index, colour, depth);
     }
 }
 
@@ -163,7 +165,7 @@ void PaintTriangle(const TriangleItem& triangle, Canvas& canvas)
 {
     const PixelArea area = Intersect(triangle.area, canvas.GetArea());
     const Shape shape(triangle);
-    if (!shape.HasArea() || area.IsEmpty() || canvas.GetPlanes().size() != Canvas::s_sampleCount)
+    if (!shape.HasArea() || area.IsEmpty())
         return;
     for (std::int32_t y = area.top; y < area.bottom; ++y)
     {
