@@ -2,6 +2,7 @@
 
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Multimedia/PolygonMask.h"
+#include "Core/System/Platform/LargePages.h"
 #include "Core/System/Text/Paths.h"
 
 #include <algorithm>
@@ -64,8 +65,7 @@ void Bitmap::SetSize(std::uint16_t width, std::uint16_t height, std::uint8_t bit
 {
     if (width == m_width && height == m_height && bitsPerPixel == m_bitsPerPixel)
         return;
-    Reallocate(width, height, bitsPerPixel,
-               [](std::size_t bytes) { return Pixels(static_cast<std::uint8_t*>(std::malloc(bytes))); });
+    Reallocate(width, height, bitsPerPixel, &AllocateToFill);
 }
 
 // Asks for at least one byte: no memory for none would look like a failure.
@@ -99,6 +99,14 @@ void Bitmap::Reallocate(std::uint16_t width, std::uint16_t height, std::uint8_t 
 Bitmap::Pixels Bitmap::AllocateCleared(std::size_t bytes)
 {
     return Pixels(static_cast<std::uint8_t*>(std::calloc(bytes, 1)));
+}
+
+Bitmap::Pixels Bitmap::AllocateToFill(std::size_t bytes)
+{
+    Pixels pixels(static_cast<std::uint8_t*>(std::malloc(bytes)));
+    if (pixels != nullptr)
+        Platform::PreferLargePages(pixels.get(), bytes);
+    return pixels;
 }
 
 Bitmap Bitmap::MakeCleared(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel)

@@ -90,6 +90,7 @@ private:
     static Bitmap MakeCleared(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel);
     static std::optional<Bitmap> MakeForFile(std::int64_t width, std::int64_t height, std::int64_t bitsPerPixel);
     static Pixels AllocateCleared(std::size_t bytes);
+    static Pixels AllocateToFill(std::size_t bytes);
     /// False, and empty, if the memory can't be had.
     [[nodiscard]] bool TryReallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
                                      Allocate allocate);
