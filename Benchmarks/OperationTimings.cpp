@@ -107,9 +107,8 @@ public:
         texts.Remove(label);
 
         const auto render = [this] { Render(); };
-        Graphics::Tools::SnipBenchProbe probe(m_tool);
         Print("magnifier update", Measure(
-                                      runs, [&](int) { probe.UpdateMagnifier(m_renderer); }, render));
+                                      runs, [&](int) { m_tool.UpdateMagnifier(m_renderer); }, render));
         Print("Update for a mouse move", Measure(
                                              runs, [this](int run) { Move(run); }, render));
         Print("Render after a mouse move", Measure(
@@ -151,7 +150,7 @@ private:
     const System::Device::Display::DisplayDescriptor& m_display;
     Window m_window;
     Graphics::Renderer::Renderer m_renderer;
-    Graphics::Tools::SnipBench m_tool;
+    Graphics::Tools::SnipBenchProbe m_tool;
     int m_moves = 0;
 };
 

@@ -234,8 +234,8 @@ protected:
     /// The renderer asks it where the resources lie. It has no displays unless a test makes them.
     std::unique_ptr<Tests::TestApplication> m_application = std::make_unique<Tests::TestApplication>();
     Renderer::Renderer m_renderer;
-    SnipBench m_tool;
-    SnipBenchProbe m_probe{m_tool};
+    SnipBenchProbe m_tool;
+    SnipBenchProbe& m_probe = m_tool;
     std::vector<Delivery> m_deliveries;
 
 private:
