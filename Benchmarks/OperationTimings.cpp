@@ -89,6 +89,8 @@ public:
         m_renderer.Resize(m_window.GetNativeWindow(), m_display.width, m_display.height);
         m_window.Show(m_window.Lock());
         ToolContext context = MakeContext(ToolEventType::MouseMove);
+        m_tool.findDisplay = [](std::uint16_t id)
+        { return BenchmarkApplication::GetSystem<DisplayCache>().GetDisplay(id); };
         m_tool.Start(context, {true, nullptr, {}}, m_renderer);
         Render();
     }

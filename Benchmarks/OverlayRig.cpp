@@ -58,6 +58,7 @@ OverlayRig::OverlayRig(std::uint16_t width, std::uint16_t height, bool isSelecti
         throw std::runtime_error("The overlay doesn't come up.");
     m_renderer.Resize(s_window, width, height);
 
+    m_tool.findDisplay = [this](std::uint16_t id) { return m_displaySystem->GetDisplay(id); };
     Graphics::Tools::SnipBench::Parameters parameters;
     parameters.bitmap = MakeStripes(width, height);
     ToolContext context;

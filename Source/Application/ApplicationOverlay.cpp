@@ -62,6 +62,8 @@ std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters 
         m_window->SetClickThrough(false);
         step.End();
         m_tool.onResult = [this](Graphics::Tools::SnipBench::Result& result) { return OnResult(result); };
+        m_tool.findDisplay = [this](std::uint16_t id)
+        { return m_displaySystem != nullptr ? m_displaySystem->GetDisplay(id) : nullptr; };
         if (m_delay != 0)
             WaitForDelay(lock);
         if (m_running)

@@ -1,6 +1,5 @@
 #include "Core/Graphics/Tools/SnipBench.h"
 
-#include "Core/Graphics/Tools/SnipBenchDisplay.h"
 #include "Core/Graphics/Tools/SnipBenchInput.h"
 #include "Core/Graphics/Tools/Truncate.h"
 #include "Core/System/Device/Cursor/Cursor.h"
@@ -20,6 +19,7 @@ namespace
 {
 
 using System::Desktop::KeyCode;
+using System::Device::Display::DisplayDescriptor;
 using System::Math::Point;
 using System::Tools::ToolContext;
 using System::Tools::ToolEventType;
@@ -187,6 +187,25 @@ std::optional<Point> SnipBench::FindMove(const ToolContext& context) const
         return std::nullopt;
     const Point position = ToWindowLocal({context.x, context.y}, GetDisplayOrigin(context));
     return position != GetCursor() ? std::optional(position) : std::nullopt;
+}
+
+const DisplayDescriptor* SnipBench::FindDisplay(std::uint16_t id) const
+{
+    return findDisplay ? findDisplay(id) : nullptr;
+}
+
+Point SnipBench::GetDisplayOrigin(const ToolContext& context) const
+{
+    const DisplayDescriptor* const display = FindDisplay(context.displayIds[1]);
+    if (display == nullptr)
+        return {0, 0};
+
+    const DisplayDescriptor* const host = display->hostDisplayId != System::Device::Display::InvalidDisplayId
+                                              ? FindDisplay(display->hostDisplayId)
+                                              : nullptr;
+    if (host == nullptr)
+        return {display->x, display->y};
+    return {display->x + host->x, display->y + host->y};
 }
 
 SnipView SnipBench::GetView() const

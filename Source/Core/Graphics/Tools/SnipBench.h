@@ -6,6 +6,7 @@
 #include "Core/Graphics/Tools/SelectionOutline.h"
 #include "Core/Graphics/Tools/ShownCapture.h"
 #include "Core/Graphics/Tools/SnipGeometry.h"
+#include "Core/System/Device/DisplayDescriptor.h"
 #include "Core/System/Multimedia/Bitmap.h"
 #include "Core/System/Tools/ToolContext.h"
 
@@ -64,6 +65,12 @@ public:
 
     /// Receives each selection; true lets the tool go on, false ends it, as does an empty handler. Set before `Start`.
     ResultHandler onResult;
+
+    using DisplayFinder = std::function<const System::Device::Display::DisplayDescriptor*(std::uint16_t id)>;
+
+    /// Answers with the display of that id, or null. Without it there is no display: nothing can be captured, and
+    /// screen positions are window positions. Set before `Start`.
+    DisplayFinder findDisplay;
 
     /// Takes the parameters' picture or a capture of the context's display and shows it. The context's position is the
     /// pointer's, screen pixels. Without a picture the tool stays inactive; a log line has said so. Calling it on
@@ -153,6 +160,9 @@ private:
     void MoveCursor(System::Math::Point position);
     /// The window position of a mouse move to another place than the cursor's.
     [[nodiscard]] std::optional<System::Math::Point> FindMove(const System::Tools::ToolContext& context) const;
+    [[nodiscard]] const System::Device::Display::DisplayDescriptor* FindDisplay(std::uint16_t id) const;
+    /// What is subtracted from a screen position on the context's display to make it one on the window.
+    [[nodiscard]] System::Math::Point GetDisplayOrigin(const System::Tools::ToolContext& context) const;
     [[nodiscard]] MagnifierSize GetMagnifier() const;
     /// Cuts the selection out and hands it over to the receiver, which has to be there. Whether the tool goes on.
     [[nodiscard]] bool Deliver(System::Math::Rectangle& bounds, std::vector<System::Math::Point>* polygon);

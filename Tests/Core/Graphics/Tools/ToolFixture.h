@@ -129,6 +129,11 @@ protected:
     {
         System::Platform::NullDesktop::GetInstance().Reset();
         Renderer::GLRecorder::GetInstance().Reset();
+        m_tool.findDisplay = [this](std::uint16_t id)
+        {
+            const auto& displays = m_application->m_displaySystem;
+            return displays != nullptr ? displays->GetDisplay(id) : nullptr;
+        };
     }
 
     ~ToolFixture() override
