@@ -24,12 +24,10 @@ constexpr Vector4 s_pictureColour = {0.75F, 0.75F, 0.75F, 1.0F};
 Bitmap CutRegion(const Bitmap& capture, Point corner, Size region, float scale)
 {
     Bitmap cut = capture.Crop(corner.x, corner.y, region.width, region.height);
-    if (scale < 1.0F)
-    {
-        cut.Resize(ScaleSide(region.width, scale), ScaleSide(region.height, scale),
-                   System::Multimedia::ResizeMethod::Box);
-    }
-    return cut;
+    if (scale == 1.0F)
+        return cut;
+    return cut.Resized(ScaleSide(region.width, scale), ScaleSide(region.height, scale),
+                       System::Multimedia::ResizeMethod::Box);
 }
 
 Matrix4 PlaceLabel(float x, float y, float scale)

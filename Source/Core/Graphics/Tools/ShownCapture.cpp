@@ -22,10 +22,8 @@ Bitmap ShrinkForDriver(const Bitmap& capture, float scale, std::int32_t maximumS
 {
     if (maximumSide == 0 || std::max(capture.GetWidth(), capture.GetHeight()) <= maximumSide)
         return {};
-    Bitmap shrunk = capture.Crop(0, 0, capture.GetWidth(), capture.GetHeight());
-    shrunk.Resize(ScaleSide(capture.GetWidth(), scale), ScaleSide(capture.GetHeight(), scale),
-                  System::Multimedia::ResizeMethod::Box);
-    return shrunk;
+    return capture.Resized(ScaleSide(capture.GetWidth(), scale), ScaleSide(capture.GetHeight(), scale),
+                           System::Multimedia::ResizeMethod::Box);
 }
 
 } // namespace
