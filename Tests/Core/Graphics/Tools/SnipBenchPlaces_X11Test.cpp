@@ -232,9 +232,11 @@ protected:
 TEST_P(SnipBenchPlaces, AreTheSameOnTheScreenAndInTheToolForEveryParity)
 {
     const Tests::EnvironmentVariable painter("ORVIK_RENDERER", std::get<0>(GetParam()));
-    for (unsigned parity = 0; parity < 16; ++parity)
+    // Across and down each pair of parities comes once, and never the same pair in both.
+    for (unsigned across = 0; across < 4; ++across)
     {
-        const Parities parities = {(parity & 1U) != 0, (parity & 2U) != 0, (parity & 4U) != 0, (parity & 8U) != 0};
+        const unsigned down = 3 - across;
+        const Parities parities = {(across & 1U) != 0, (down & 1U) != 0, (across & 2U) != 0, (down & 2U) != 0};
         Start(parities, std::get<1>(GetParam()));
         SCOPED_TRACE(testing::Message() << "window " << m_window.x << " x " << m_window.y << ", picture " << m_picture.x
                                         << " x " << m_picture.y);
