@@ -7,7 +7,6 @@
 #include "Core/System/Multimedia/Bitmap.h"
 #include "Core/System/Multimedia/PngRowFilter.h"
 #include "Tests/Support/SamplePictures.h"
-#include "Tests/Support/SnipBenchProbe.h"
 
 #include <cstdint>
 #include <memory>
@@ -207,9 +206,7 @@ void AppendOverlayRows(const Size& size, std::vector<FunctionRow>& rows)
     addOnRig("Update/move/ready", false, [](OverlayRig& rig) { rig.Move(); });
     addOnRig("Update/move/selecting", true, [](OverlayRig& rig) { rig.Move(); });
     addOnRig("Update/zoom", false, [](OverlayRig& rig) { rig.Zoom(); });
-    addOnRig("UpdateMagnifier", false,
-             [](OverlayRig& rig)
-             { Graphics::Tools::SnipBenchProbe(rig.GetTool()).UpdateMagnifier(rig.GetRenderer()); });
+    addOnRig("UpdateMagnifier", false, [](OverlayRig& rig) { rig.GetTool().UpdateMagnifier(rig.GetRenderer()); });
 }
 
 } // namespace

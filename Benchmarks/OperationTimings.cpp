@@ -89,6 +89,8 @@ public:
         m_renderer.Resize(m_window.GetNativeWindow(), m_display.width, m_display.height);
         m_window.Show(m_window.Lock());
         ToolContext context = MakeContext(ToolEventType::MouseMove);
+        m_tool.findDisplay = [](std::uint16_t id)
+        { return BenchmarkApplication::GetSystem<DisplayCache>().GetDisplay(id); };
         m_tool.Start(context, {true, nullptr, {}}, m_renderer);
         Render();
     }
@@ -107,9 +109,8 @@ public:
         texts.Remove(label);
 
         const auto render = [this] { Render(); };
-        Graphics::Tools::SnipBenchProbe probe(m_tool);
         Print("magnifier update", Measure(
-                                      runs, [&](int) { probe.UpdateMagnifier(m_renderer); }, render));
+                                      runs, [&](int) { m_tool.UpdateMagnifier(m_renderer); }, render));
         Print("Update for a mouse move", Measure(
                                              runs, [this](int run) { Move(run); }, render));
         Print("Render after a mouse move", Measure(
@@ -151,7 +152,7 @@ private:
     const System::Device::Display::DisplayDescriptor& m_display;
     Window m_window;
     Graphics::Renderer::Renderer m_renderer;
-    Graphics::Tools::SnipBench m_tool;
+    Graphics::Tools::SnipBenchProbe m_tool;
     int m_moves = 0;
 };
 

@@ -4,7 +4,6 @@
 #include "Core/System/Desktop/KeyCode.h"
 #include "Core/System/Device/Display/DisplayCache.h"
 #include "Core/System/Platform/NullDesktop.h"
-#include "Tests/Support/SnipBenchProbe.h"
 
 #include <cstring>
 #include <stdexcept>
@@ -59,6 +58,7 @@ OverlayRig::OverlayRig(std::uint16_t width, std::uint16_t height, bool isSelecti
         throw std::runtime_error("The overlay doesn't come up.");
     m_renderer.Resize(s_window, width, height);
 
+    m_tool.findDisplay = [this](std::uint16_t id) { return m_displaySystem->GetDisplay(id); };
     Graphics::Tools::SnipBench::Parameters parameters;
     parameters.bitmap = MakeStripes(width, height);
     ToolContext context;
@@ -72,7 +72,7 @@ OverlayRig::OverlayRig(std::uint16_t width, std::uint16_t height, bool isSelecti
         context.leftButton = true;
         Send(context);
         Move();
-        if (Graphics::Tools::SnipBenchProbe(m_tool).GetRectangle().width == 0)
+        if (m_tool.GetRectangle().width == 0)
             throw std::runtime_error("Nothing is being selected.");
     }
     Render();

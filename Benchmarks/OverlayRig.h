@@ -2,8 +2,8 @@
 
 #include "Core/Graphics/Raster/Items.h"
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/Graphics/Tools/SnipBench.h"
 #include "Core/System/Runtime/Application.h"
+#include "Tests/Support/SnipBenchProbe.h"
 
 #include <cstdint>
 #include <vector>
@@ -29,7 +29,7 @@ public:
     void Render();
 
     [[nodiscard]] Graphics::Renderer::Renderer& GetRenderer() { return m_renderer; }
-    [[nodiscard]] Graphics::Tools::SnipBench& GetTool() { return m_tool; }
+    [[nodiscard]] Graphics::Tools::SnipBenchProbe& GetTool() { return m_tool; }
     /// What the painter would paint now.
     [[nodiscard]] std::vector<Graphics::Raster::Item> MakeItems();
 
@@ -40,7 +40,7 @@ private:
     std::uint16_t m_height;
     int m_step = 0;
     Graphics::Renderer::Renderer m_renderer;
-    Graphics::Tools::SnipBench m_tool;
+    Graphics::Tools::SnipBenchProbe m_tool;
 };
 
 } // namespace Orvik::Benchmarks

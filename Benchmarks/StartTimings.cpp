@@ -102,6 +102,7 @@ Times MeasureStart()
     stopwatch.Lap();
 
     Graphics::Tools::SnipBench tool;
+    tool.findDisplay = [](std::uint16_t id) { return Application::GetSystem<DisplayCache>().GetDisplay(id); };
     System::Tools::ToolContext context;
     context.displayIds = {1, 1};
     tool.Start(context, {}, renderer);

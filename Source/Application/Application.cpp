@@ -4,6 +4,7 @@
 #include "Application/ReturnCodes.h"
 #include "Application/SnipBenchConfig.h"
 #include "Core/System/Error/Exception.h"
+#include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/FileLogSink.h"
 #include "Core/System/Log/Log.h"
 #include "Core/System/Log/Site/LogSite.h"
@@ -51,9 +52,13 @@ bool IsShowable(const System::Multimedia::Bitmap& bitmap)
 
 Application::Application() : System::Runtime::Application(L"SnipBench")
 {
+    System::Error::ErrorHandling::GetInstance().SetApplication(this);
 }
 
-Application::~Application() = default;
+Application::~Application()
+{
+    System::Error::ErrorHandling::GetInstance().SetApplication(nullptr);
+}
 
 void Application::Main(const System::Runtime::ApplicationParameters& parameters)
 {

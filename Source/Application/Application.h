@@ -73,7 +73,6 @@ private:
     [[nodiscard]] System::Tools::ToolContext MakeToolContext() const;
     bool OnWindowEvent(const System::Desktop::WindowEvent& event);
     bool OnResult(Graphics::Tools::SnipBench::Result& result);
-    void ShowSavedPath(const std::string& text, std::int64_t duration);
 
     std::atomic<bool> m_running = true;
     bool m_oneShot = false;

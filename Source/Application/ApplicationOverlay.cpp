@@ -2,6 +2,8 @@
 #include "Application/Application.h"
 
 #include "Application/ReturnCodes.h"
+#include "Application/SavedPathLabel.h"
+#include "Application/SnipFiles.h"
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Device/Display/DisplayCache.h"
 #include "Core/System/Log/Site/LogSite.h"
@@ -38,12 +40,6 @@ constexpr std::uint8_t s_leftButton = 1;
 /// How long others wait for a window at the most that is hidden for a delay.
 constexpr std::chrono::milliseconds s_answerPeriod{50};
 
-/// The pixel size of the message that tells where a file went, on a screen of 1080 rows.
-constexpr float s_savedPathSize = 24.0F;
-/// How far up from the bottom it stands, as a part of the screen's height.
-constexpr float s_savedPathHeight = 0.15F;
-constexpr float s_savedPathDepth = 1.5F;
-
 } // namespace
 
 std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters parameters)
@@ -63,6 +59,8 @@ std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters 
         m_window->SetClickThrough(false);
         step.End();
         m_tool.onResult = [this](Graphics::Tools::SnipBench::Result& result) { return OnResult(result); };
+        m_tool.findDisplay = [this](std::uint16_t id)
+        { return m_displaySystem != nullptr ? m_displaySystem->GetDisplay(id) : nullptr; };
         if (m_delay != 0)
             WaitForDelay(lock);
         if (m_running)
@@ -276,8 +274,8 @@ bool Application::OnWindowEvent(const WindowEvent& event)
 bool Application::OnResult(Graphics::Tools::SnipBench::Result& result)
 {
     const SnipFileSettings settings{m_outputDirectory, m_fileFormat.data(), m_keepMask,
-                                    [this](const std::string& text, std::int64_t duration)
-                                    { ShowSavedPath(text, duration); }};
+                                    [this](const std::string& path)
+                                    { ShowSavedPath(path, m_savedPathLabel, m_renderer); }};
     if (m_annotate)
         SaveAnnotation(result, settings);
     else
@@ -286,19 +284,6 @@ bool Application::OnResult(Graphics::Tools::SnipBench::Result& result)
     if (m_oneShot)
         m_running = false;
     return !m_oneShot;
-}
-
-void Application::ShowSavedPath(const std::string& text, std::int64_t duration)
-{
-    Graphics::Renderer::Text* const label = m_savedPathLabel.Show(text.c_str(), duration, m_renderer);
-    if (label == nullptr)
-        return;
-    const auto size = static_cast<std::uint16_t>(std::max(m_renderer.GetUiScale() * s_savedPathSize, s_savedPathSize));
-    const float scale = Graphics::Renderer::TextRenderer::GetScale(size);
-    const auto& screen = m_renderer.GetScreenSize();
-    const float x = screen.width * 0.5F - static_cast<float>(label->width) * scale * 0.5F;
-    label->model = System::Math::Matrix4::ScaleAndTranslation(scale, scale, 0.0F, x, screen.height * s_savedPathHeight,
-                                                              s_savedPathDepth);
 }
 
 } // namespace Orvik::SnipBench

@@ -20,9 +20,6 @@ using Result = Graphics::Tools::SnipBench::Result;
 
 constexpr Log::Context s_context{Log::StreamID::SnipBench};
 
-/// How long the path of a saved file is shown, in nanoseconds.
-constexpr std::int64_t s_savedPathDuration = 1'000'000'000;
-
 std::filesystem::path MakeFilePath(const SnipFileSettings& settings, const GUID& id, std::string_view extension)
 {
     std::string name = id.ToString() + ".";
@@ -34,7 +31,7 @@ void ShowAbsolutePath(const SnipFileSettings& settings, const std::filesystem::p
 {
     const std::filesystem::path absolute = System::Text::MakeAbsolute(path);
     if (settings.showSavedPath)
-        settings.showSavedPath(System::Text::PathToUtf8(absolute), s_savedPathDuration);
+        settings.showSavedPath(System::Text::PathToUtf8(absolute));
 }
 
 /// Writes the text that `makeText` gives as the whole file. A file that can't be opened passes in silence; one that

@@ -3,7 +3,6 @@
 #include "Core/Graphics/Tools/SnipBench.h"
 #include "Core/System/Multimedia/Bitmap.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -17,8 +16,7 @@ struct SnipFileSettings
     std::filesystem::path directory;
     std::string format; ///< "png" or "bmp": the image's kind and extension
     bool keepMask = false;
-    /// Shows a text to the user for a number of nanoseconds.
-    std::function<void(const std::string& text, std::int64_t duration)> showSavedPath;
+    std::function<void(const std::string& path)> showSavedPath; ///< shows the user where a file goes, UTF-8
 };
 
 /// Writes the image and the meta file of one selection, under a fresh identifier. Throws the file-system error

@@ -2,8 +2,6 @@
 #include "Application/SnipFiles.h"
 #include "Application/SnipJson.h"
 #include "Core/Graphics/Tools/SnipBench.h"
-#include "Core/System/Desktop/KeyCode.h"
-#include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestApplication.h"
@@ -69,25 +67,13 @@ protected:
         tool.Update(context, renderer);
     }
 
-    void Release(bool left)
-    {
-        ToolContext context;
-        context.type = ToolEventType::MouseButton;
-        context.leftButton = left;
-        context.pressed = false;
-        tool.Update(context, renderer);
-    }
-
     void Click(Point position)
     {
         MoveTo(position);
-        Release(true);
-    }
-
-    /// A line of many vertices of which only the first is near the first.
-    static Point GetZigzag(int vertex)
-    {
-        return vertex == 0 ? Point{10, 50} : Point{40 + vertex * 2, vertex % 2 * 60 + 20};
+        ToolContext context;
+        context.type = ToolEventType::MouseButton;
+        context.pressed = false;
+        tool.Update(context, renderer);
     }
 
     [[nodiscard]] std::filesystem::path FindFile(const std::string& extension) const
@@ -188,85 +174,6 @@ TEST_F(PolygonSnip, WithTheMaskKeptThePictureIsAsCut)
     EXPECT_TRUE(IsKept(snip, 99, 49));
     EXPECT_TRUE(IsKept(snip, 60, 25));
     EXPECT_NE(ReadMeta().find("\"mask\": ["), std::string::npos);
-}
-
-TEST_F(PolygonSnip, ItClosesWithinSixteenPixelsOfTheFirstVertexAndNotBeyond)
-{
-    Click({50, 50});
-    Click({150, 50});
-    Click({150, 90});
-    Click({66, 51}); // 16 * 16 + 1: a fourth vertex
-    EXPECT_EQ(tool.GetState(), SnipState::Selecting);
-    Click({66, 50}); // 16 * 16: closes
-    EXPECT_EQ(tool.GetState(), SnipState::Ready);
-    EXPECT_EQ(ring.size(), 5U);
-}
-
-TEST_F(PolygonSnip, ASelfCrossingRingHasHoles)
-{
-    // A pentagram, drawn in one go: its middle is crossed twice.
-    Click({100, 10});
-    Click({125, 88});
-    Click({60, 40});
-    Click({140, 40});
-    Click({75, 88});
-    Click({100, 10});
-    ASSERT_EQ(ring.size(), 6U);
-    const Bitmap snip = LoadSnip();
-    EXPECT_FALSE(IsKept(snip, 100 - 60, 55 - 10)) << "the middle";
-    EXPECT_TRUE(IsKept(snip, 100 - 60, 25 - 10)) << "the upper arm";
-    EXPECT_FALSE(IsKept(snip, 2, 2)) << "outside";
-}
-
-TEST_F(PolygonSnip, SixtyOneVerticesAreDrawnAndDelivered)
-{
-    for (int vertex = 0; vertex < 61; ++vertex)
-    {
-        Click(GetZigzag(vertex));
-        renderer.Render(s_window);
-    }
-    Click(GetZigzag(0));
-    EXPECT_EQ(tool.GetState(), SnipState::Ready);
-    EXPECT_EQ(ring.size(), 62U) << "with the first repeated";
-    renderer.Render(s_window);
-}
-
-TEST_F(PolygonSnip, TheOutlineOfSixtyTwoVerticesIsTooLongToDraw)
-{
-    for (int vertex = 0; vertex < 62; ++vertex)
-        Click(GetZigzag(vertex));
-    MoveTo({10, 90});
-    EXPECT_ASSERTION(renderer.Render(s_window), "line.points.size() <= s_maxPoints",
-                     "Line object can't draw so many points!");
-}
-
-TEST_F(PolygonSnip, ASlipIsTakenBackByTheRightButton)
-{
-    Click({20, 10});
-    Click({120, 10});
-    Click({190, 90});
-    Release(false);
-    Click({20, 60});
-    Click({20, 10});
-    EXPECT_EQ(bounds, (System::Math::Rectangle{20, 10, 120, 60}));
-}
-
-TEST_F(PolygonSnip, SpaceWorksLikeTheLeftButton)
-{
-    const auto releaseSpace = [this](Point position)
-    {
-        MoveTo(position);
-        ToolContext context;
-        context.type = ToolEventType::Key;
-        context.key = static_cast<std::uint8_t>(System::Desktop::KeyCode::Space);
-        context.pressed = false;
-        tool.Update(context, renderer);
-    };
-    releaseSpace({20, 10});
-    releaseSpace({120, 10});
-    releaseSpace({20, 60});
-    releaseSpace({20, 10});
-    EXPECT_EQ(bounds, (System::Math::Rectangle{20, 10, 120, 60}));
 }
 
 } // namespace

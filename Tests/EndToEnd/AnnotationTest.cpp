@@ -50,19 +50,6 @@ TEST_F(Annotation, ThreeRectanglesGiveOneImageAndOneFileThatGrows)
     ExpectRectangles(MakeTestPicture(s_width, s_height), areas, areas);
 }
 
-TEST_F(Annotation, NumbersAreThePicturesAtAHalf)
-{
-    ExpectRectangles(MakeTestPicture(2 * s_width, 2 * s_height),
-                     {{10, 20, 100, 50}, {300, 200, 7, 9}, {1, 0, 500, 400}},
-                     {{20, 40, 200, 100}, {600, 400, 14, 18}, {2, 0, 1000, 800}});
-}
-
-TEST_F(Annotation, NumbersAreThePicturesAtAQuarter)
-{
-    ExpectRectangles(MakeTestPicture(4 * s_width, s_height), {{10, 235, 50, 25}, {0, 225, 3, 4}, {300, 300, 100, 10}},
-                     {{40, 40, 200, 100}, {0, 0, 12, 16}, {1200, 300, 400, 40}});
-}
-
 TEST_F(Annotation, OneShotGivesOneEntryBesideABmpAndEnds)
 {
     const Picture picture = MakeTestPicture(s_width, s_height);
@@ -83,15 +70,6 @@ TEST_F(Annotation, OfTheScreenIsTheWholeCaptureWithTheMaskKept)
     Drag({10, 20}, {110, 70});
     ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
     EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture);
-}
-
-TEST_F(Annotation, ASelectionWithoutAreaSavesNothing)
-{
-    ChildProcess process =
-        StartOverlay({"-f", AddPicture(MakeTestPicture(s_width, s_height)), "-a", "true", "-o", GetOutput().string()});
-    m_input->Click(1);
-    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
-    EXPECT_TRUE(ListFiles(GetOutput()).empty());
 }
 
 } // namespace

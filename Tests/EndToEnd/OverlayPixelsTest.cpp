@@ -167,6 +167,7 @@ private:
     Picture m_picture;
 };
 
+using OutlinePixels = OverlayPixels;
 using MagnifierPixels = OverlayPixels;
 using ScaledPixels = OverlayPixels;
 
@@ -203,7 +204,7 @@ TEST_P(MagnifierPixels, EveryZoom)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
-TEST_P(OverlayPixels, TheOutlineOfASelection)
+TEST_P(OutlinePixels, TheOutlineOfASelection)
 {
     ChildProcess process = StartOnScreen({m_width / 4, m_height / 4});
     ExpectMagnifier();
@@ -225,7 +226,7 @@ TEST_P(OverlayPixels, TheOutlineOfASelection)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
-TEST_P(OverlayPixels, TheMessageOfASnip)
+TEST_P(OutlinePixels, TheMessageOfASnip)
 {
     ChildProcess process = StartOnScreen({m_width / 4, m_height / 4});
     ExpectMagnifier();
@@ -287,6 +288,8 @@ TEST_P(ScaledPixels, APictureSmallerThanTheScreen)
 
 INSTANTIATE_TEST_SUITE_P(Screens, OverlayPixels, testing::Values(Size{1280, 720}, Size{1920, 1080}, Size{3840, 2160}),
                          testing::PrintToStringParamName());
+// An outline is as thick on every screen, and how large the message is, its own test looks at.
+INSTANTIATE_TEST_SUITE_P(Screens, OutlinePixels, testing::Values(Size{1920, 1080}), testing::PrintToStringParamName());
 // The last one is as high as the largest screen, which is all that the magnifier goes by, and quicker.
 INSTANTIATE_TEST_SUITE_P(Screens, MagnifierPixels, testing::Values(Size{1280, 720}, Size{1920, 1080}, Size{960, 2160}),
                          testing::PrintToStringParamName());

@@ -67,16 +67,6 @@ TEST_F(Polygon, ATriangleIsCutAndMasked)
     EXPECT_EQ(snip.json, MakePolygonText(snip, 100, 100, m_triangle));
 }
 
-TEST_F(Polygon, WithTheMaskKeptThePixelsOutsideStay)
-{
-    ChildProcess process = StartOnPicture({"-s", "true", "-k", "true"});
-    PlaceTriangle();
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    const SnipFiles snip = WaitForSnips(GetOutput(), 1).front();
-    EXPECT_EQ(LoadPng(snip.image), m_picture.Crop({100, 200, 100, 100}));
-    EXPECT_EQ(snip.json, MakePolygonText(snip, 100, 100, m_triangle));
-}
-
 TEST_F(Polygon, ManyInOneRun)
 {
     ChildProcess process = StartOnPicture();
@@ -89,34 +79,6 @@ TEST_F(Polygon, ManyInOneRun)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
-TEST_F(Polygon, TheRightButtonTakesTheLastCornerBack)
-{
-    ChildProcess process = StartOnPicture({"-s", "true"});
-    ClickAt({100, 200});
-    ClickAt({200, 200});
-    ClickAt({400, 400});
-    m_input->Click(3);
-    ClickAt({100, 300});
-    ClickAt({100, 200});
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), MakeTriangle());
-}
-
-TEST_F(Polygon, SpaceAndArrowsPlaceCornersToo)
-{
-    ChildProcess process = StartOnPicture({"-s", "true"});
-    ClickAt({100, 200});
-    MoveTo({200, 200});
-    m_input->TapKey("space");
-    MoveTo({99, 300});
-    TapArrow("Right", {100, 300});
-    m_input->TapKey("space");
-    MoveTo({100, 200});
-    m_input->TapKey("space");
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), MakeTriangle());
-}
-
 TEST_F(Polygon, AnAnnotationKeepsItsBounds)
 {
     ChildProcess process = StartOnPicture({"-s", "true", "-a", "true"});
@@ -125,23 +87,6 @@ TEST_F(Polygon, AnAnnotationKeepsItsBounds)
     const SnipFiles files = WaitForSnips(GetOutput(), 1).front();
     EXPECT_EQ(LoadPng(files.image), m_picture);
     EXPECT_EQ(files.json, MakeAnnotationText(files, s_width, s_height, {{100, 200, 100, 100}}));
-}
-
-TEST_F(Polygon, SixtyOneCornersAreDelivered)
-{
-    ChildProcess process = StartOnPicture({"-s", "true"});
-    std::vector<Position> corners;
-    for (int corner = 0; corner < 61; ++corner)
-    {
-        const Position position = GetZigzag(corner);
-        SendClickAt(position);
-        corners.push_back({position.x - 100, position.y - 200});
-    }
-    SendClickAt({100, 200});
-    corners.push_back({0, 0});
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    const SnipFiles snip = WaitForSnips(GetOutput(), 1).front();
-    EXPECT_EQ(snip.json, MakePolygonText(snip, 600, 200, corners));
 }
 
 TEST_F(Polygon, TheSixtySecondCornerEndsTheRunWithAReportAndWhatWasSavedStays)

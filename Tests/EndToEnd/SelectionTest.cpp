@@ -83,26 +83,6 @@ TEST_F(Selection, DragsThatTheProgramHasYetToSeeKeepTheirCorners)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
-TEST_F(Selection, DragUpLeft)
-{
-    ExpectSnip({110, 70}, {10, 20}, {10, 20, 100, 50});
-}
-
-TEST_F(Selection, DragUpRight)
-{
-    ExpectSnip({10, 70}, {110, 20}, {10, 20, 100, 50});
-}
-
-TEST_F(Selection, DragDownLeft)
-{
-    ExpectSnip({110, 20}, {10, 70}, {10, 20, 100, 50});
-}
-
-TEST_F(Selection, ASinglePixel)
-{
-    ExpectSnip({400, 300}, {401, 301}, {400, 300, 1, 1});
-}
-
 TEST_F(Selection, AFastDragGoesFromWhereTheButtonWentDownToWhereItCameUp)
 {
     const Picture picture = MakeTestPicture(s_width, s_height);
@@ -123,11 +103,6 @@ TEST_F(Selection, FromEdgeToEdge)
     ExpectSnip({0, 0}, {s_width - 1, s_height - 1}, {0, 0, s_width - 1, s_height - 1});
 }
 
-TEST_F(Selection, AtTheBottomRightEdge)
-{
-    ExpectSnip({s_width - 1, s_height - 1}, {700, 500}, {700, 500, 99, 99});
-}
-
 TEST_F(Selection, UnderAWindowManager)
 {
     const WindowManager manager(m_display->GetName());
@@ -145,51 +120,9 @@ TEST_F(Selection, OfTheScreenUnderAWindowManager)
     ExpectSnipOfScreen({790, 580}, {10, 20}, {10, 20, 780, 560});
 }
 
-TEST_F(Selection, InAPictureSmallerThanTheScreen)
-{
-    // 400 by 200 pixels around the centre: from 200, 200.
-    ExpectScaledSnip(MakeTestPicture(400, 200), {250, 230}, {300, 260}, {50, 30, 50, 30});
-}
-
 TEST_F(Selection, InAPictureTwiceTheScreen)
 {
     ExpectScaledSnip(MakeTestPicture(2 * s_width, 2 * s_height), {10, 20}, {110, 70}, {20, 40, 200, 100});
-}
-
-TEST_F(Selection, InAPictureShownAtAQuarter)
-{
-    // 800 by 150 pixels around the centre: from 0, 225.
-    ExpectScaledSnip(MakeTestPicture(4 * s_width, s_height), {10, 235}, {60, 260}, {40, 40, 200, 100});
-}
-
-TEST_F(Selection, InAPictureOnePixelWiderThanTwiceTheScreen)
-{
-    // No factor between a half and a quarter: 400.25 by 300 pixels around the centre, from 200, 150.
-    ExpectScaledSnip(MakeTestPicture(2 * s_width + 1, 2 * s_height), {210, 160}, {220, 170}, {40, 40, 40, 40});
-}
-
-TEST_F(Selection, EndsAtThePicturesEdge)
-{
-    const Picture picture = MakeTestPicture(400, 200);
-    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
-    MoveTo({250, 230});
-    m_input->PressButton(1);
-    MoveTo({790, 590}, {600, 400});
-    m_input->ReleaseButton(1);
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({50, 30, 350, 170}));
-}
-
-TEST_F(Selection, BeginsAtThePicturesEdge)
-{
-    const Picture picture = MakeTestPicture(400, 200);
-    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
-    MoveTo({3, 4}, {200, 200});
-    m_input->PressButton(1);
-    MoveTo({250, 230});
-    m_input->ReleaseButton(1);
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({0, 0, 50, 30}));
 }
 
 TEST_F(Selection, OfABmpPicture)
@@ -243,26 +176,6 @@ TEST_F(Selection, TheRightButtonDropsADrag)
     Drag({300, 200}, {340, 210});
     ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
     EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({300, 200, 40, 10}));
-}
-
-TEST_F(Selection, AClickWithoutMovementGivesNothing)
-{
-    ChildProcess process =
-        StartOverlay({"-f", AddPicture(MakeTestPicture(s_width, s_height)), "-o", GetOutput().string()});
-    m_input->Click(1);
-    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
-    EXPECT_TRUE(ListFiles(GetOutput()).empty());
-}
-
-TEST_F(Selection, ALineGivesNothingAndTheSelectionGoesOn)
-{
-    const Picture picture = MakeTestPicture(s_width, s_height);
-    ChildProcess process = StartOverlay({"-f", AddPicture(picture), "-s", "true", "-o", GetOutput().string()});
-    Drag({100, 100}, {200, 100});
-    MoveTo({200, 140});
-    m_input->Click(1);
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), picture.Crop({100, 100, 100, 40}));
 }
 
 TEST_F(Selection, TheMiddleButtonDoesNothing)

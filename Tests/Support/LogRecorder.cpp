@@ -19,6 +19,12 @@ bool LogRecorder::AcceptsStream(std::uint32_t /*stream*/) const
     return true;
 }
 
+void LogRecorder::ApplySeverity(System::Log::Context& context) const
+{
+    if (m_previous != nullptr)
+        m_previous->ApplySeverity(context);
+}
+
 void LogRecorder::Receive(std::uint32_t stream, System::Log::MessageTypeID severity, const std::string& text)
 {
     m_lines.push_back(std::string(System::Log::GetStreamName(stream)) + " " +

@@ -21,7 +21,7 @@ constexpr std::size_t s_maxFileSize = std::size_t{16} * 1024 * 1024;
 
 /// The file's bytes, none if it can't be read. FreeType would open it by the narrow call of the C library, which
 /// doesn't take UTF-8 on every system.
-std::vector<FT_Byte> ReadFile(const std::string& path)
+std::vector<FT_Byte> ReadFile(const std::filesystem::path& path)
 {
     const System::Text::File file = System::Text::OpenFile(path, "rb");
     if (file == nullptr)
@@ -75,7 +75,7 @@ bool FontFile::InitializeLibrary()
     return true;
 }
 
-bool FontFile::Open(const std::string& path, std::uint32_t pixelSize)
+bool FontFile::Open(const std::filesystem::path& path, std::uint32_t pixelSize)
 {
     std::vector<FT_Byte> bytes = ReadFile(path);
     FT_Face face = nullptr;

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 struct FT_LibraryRec_;
@@ -32,7 +32,7 @@ public:
 
     /// Opens the first face of a file. False if it can't be read, is longer than 16 MiB or no font; nothing is logged,
     /// and an open face stays. `path` is UTF-8. Needs the library.
-    [[nodiscard]] bool Open(const std::string& path, std::uint32_t pixelSize);
+    [[nodiscard]] bool Open(const std::filesystem::path& path, std::uint32_t pixelSize);
 
     /// Nothing if the font can't give that character as a picture of coverages. Needs an open face.
     [[nodiscard]] std::optional<GlyphBitmap> Render(std::uint32_t character) const;

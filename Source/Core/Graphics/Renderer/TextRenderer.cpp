@@ -6,6 +6,7 @@
 #include "Core/Graphics/Renderer/UnitSquare.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/DirectoryCache.h"
+#include "Core/System/Text/Paths.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -43,7 +44,7 @@ std::optional<FontFile> OpenFont()
     }
     std::string path;
     System::Runtime::GetTexturePath(s_fontFile, path);
-    if (!font.Open(path, s_fontSize))
+    if (!font.Open(System::Text::PathFromUtf8(path), s_fontSize))
     {
         System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to load font: ", path);
         return std::nullopt;

@@ -9,6 +9,8 @@
 #include "Core/System/Time/Trace.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <utility>
 
 namespace Orvik::Graphics::Tools
@@ -17,6 +19,7 @@ namespace
 {
 
 using System::Desktop::KeyCode;
+using System::Device::Display::DisplayDescriptor;
 using System::Math::Point;
 using System::Tools::ToolContext;
 using System::Tools::ToolEventType;
@@ -28,14 +31,15 @@ constexpr Log::Context s_context{Log::StreamID::Graphics};
 constexpr std::uint16_t s_startMagnification = 4;
 constexpr float s_minMagnification = 2.0F;
 
-/// An id of 0 stands for no object.
-template <typename ObjectRenderer>
-void RemoveObject(ObjectRenderer& renderer, std::uint16_t& id)
+using LabelText = std::array<char, 128>;
+
+// Neither a surface without pixels nor rows that are longer than their bitmap's memory can be drawn.
+bool CanShow(const System::Multimedia::Bitmap& capture, Size window)
 {
-    if (id == 0)
-        return;
-    renderer.Remove(id);
-    id = 0;
+    const std::uint8_t bits = capture.GetBitsPerPixel();
+    const bool hasColours = bits == 24 || bits == 32;
+    const bool hasWholeRows = capture.GetStride() == std::uint32_t{capture.GetWidth()} * bits / 8;
+    return window.width > 0 && window.height > 0 && capture.GetSize() > 0 && hasColours && hasWholeRows;
 }
 
 bool IsZoomIn(const ToolContext& context)
@@ -94,32 +98,25 @@ bool SnipBench::Setup(ToolContext& context, Renderer::Renderer& renderer)
     m_startTime = System::Time::GetSystemTicks();
     m_windowWidth = static_cast<std::uint16_t>(Truncate(screenSize.width));
     m_windowHeight = static_cast<std::uint16_t>(Truncate(screenSize.height));
-    if (!CanShowCapture())
+    const SnipView unscaled = GetView();
+    if (!CanShow(m_capture, unscaled.window))
         return false;
 
-    ChooseMagnifierSize();
-    ChooseDisplayScale();
-    MoveCursor(ToWindowLocal(context));
+    m_magnifierWidth = ChooseMagnifierSide(m_windowHeight);
+    m_magnifierHeight = m_magnifierWidth;
+    m_displayScale = ChooseDisplayScale(unscaled.window, unscaled.capture);
+    MoveCursor(ToWindowLocal({context.x, context.y}, GetDisplayOrigin(context)));
     UpdateCaptureTexture(renderer);
 
-    RemoveSelectionLine(renderer);
+    m_selectionLine.Remove(renderer.GetLineRenderer());
     m_polygonModeData.points.clear();
-    CreateSelectionLine(renderer);
+    m_selectionLine.Create(renderer.GetLineRenderer());
 
     m_snipMode = SnipMode::Rectangle;
     m_snipState = SnipState::Ready;
     ChangeMagnifier(renderer, s_startMagnification);
     UpdateMagnifier(renderer);
     return true;
-}
-
-// Neither a surface without pixels nor rows that are longer than their bitmap's memory can be drawn.
-bool SnipBench::CanShowCapture() const
-{
-    const std::uint8_t bits = m_capture.GetBitsPerPixel();
-    const bool hasColours = bits == 24 || bits == 32;
-    const bool hasWholeRows = m_capture.GetStride() == std::uint32_t{m_capture.GetWidth()} * bits / 8;
-    return m_windowWidth > 0 && m_windowHeight > 0 && m_capture.GetSize() > 0 && hasColours && hasWholeRows;
 }
 
 void SnipBench::Update(ToolContext& context, Renderer::Renderer& renderer)
@@ -171,15 +168,111 @@ void SnipBench::UpdateCursorKeys(const ToolContext& context) const
 
     const Point target = {std::clamp(m_cursorX + step.x, 0, m_windowWidth - 1),
                           std::clamp(m_cursorY + step.y, 0, m_windowHeight - 1)};
-    if (target == Point{m_cursorX, m_cursorY})
+    if (target == GetCursor())
         return;
     const Point origin = GetDisplayOrigin(context);
     System::Device::Cursor::SetPosition({target.x + origin.x, target.y + origin.y});
 }
 
-bool SnipBench::HasArea(const System::Math::Rectangle& bounds)
+void SnipBench::MoveCursor(Point position)
 {
-    return bounds.GetWidth() > 0 && bounds.GetHeight() > 0;
+    const Point cursor = ClampToImage(GetView(), position);
+    m_cursorX = cursor.x;
+    m_cursorY = cursor.y;
+}
+
+std::optional<Point> SnipBench::FindMove(const ToolContext& context) const
+{
+    if (context.type != ToolEventType::MouseMove)
+        return std::nullopt;
+    const Point position = ToWindowLocal({context.x, context.y}, GetDisplayOrigin(context));
+    return position != GetCursor() ? std::optional(position) : std::nullopt;
+}
+
+const DisplayDescriptor* SnipBench::FindDisplay(std::uint16_t id) const
+{
+    return findDisplay ? findDisplay(id) : nullptr;
+}
+
+Point SnipBench::GetDisplayOrigin(const ToolContext& context) const
+{
+    const DisplayDescriptor* const display = FindDisplay(context.displayIds[1]);
+    if (display == nullptr)
+        return {0, 0};
+
+    const DisplayDescriptor* const host = display->hostDisplayId != System::Device::Display::InvalidDisplayId
+                                              ? FindDisplay(display->hostDisplayId)
+                                              : nullptr;
+    if (host == nullptr)
+        return {display->x, display->y};
+    return {display->x + host->x, display->y + host->y};
+}
+
+SnipView SnipBench::GetView() const
+{
+    return {GetWindowSize(), {m_capture.GetWidth(), m_capture.GetHeight()}, m_displayScale};
+}
+
+MagnifierSize SnipBench::GetMagnifier() const
+{
+    return {{m_magnifierWidth, m_magnifierHeight}, {m_regionWidth, m_regionHeight}};
+}
+
+void SnipBench::ChangeMagnifier(Renderer::Renderer& renderer, std::uint16_t magnification)
+{
+    if (magnification == m_magnification)
+        return;
+    ORVIK_ASSERT(magnification != 0, "Magnification must be greater than zero.");
+    ORVIK_ASSERT(magnification % 2 == 0, "Magnification must be a power of two.");
+    if (magnification == 0 || m_snipState == SnipState::Inactive)
+        return;
+
+    m_magnification = magnification;
+    m_regionWidth = GetRegionSide(m_magnifierWidth, magnification);
+    m_regionHeight = GetRegionSide(m_magnifierHeight, magnification);
+    CreateMagnifierObjects(renderer);
+}
+
+void SnipBench::CreateMagnifierObjects(Renderer::Renderer& renderer)
+{
+    const MagnifierSize magnifier = GetMagnifier();
+    m_magnifierTexture.Create(magnifier, m_capture, m_displayScale, renderer);
+    m_crosshairLines.Fit(GetWindowSize(), renderer.GetLineRenderer());
+    m_magnifierDividers.Fit(magnifier.window, renderer.GetLineRenderer());
+
+    m_coordinatesLabel.Create("0, 0", renderer);
+    m_magnificationLabel.Create("x0", renderer);
+    LabelText text = {};
+    std::snprintf(text.data(), text.size(), "x%d", m_magnification);
+    m_magnificationLabel.SetText(text.data(), renderer);
+}
+
+void SnipBench::UpdateMagnifier(Renderer::Renderer& renderer)
+{
+    const SnipView view = GetView();
+    const MagnifierSize magnifier = GetMagnifier();
+    const Point cursor = GetCursor();
+    const Point position = GetImagePosition(view, cursor);
+    const MagnifierPlace place = PlaceMagnifier(view.window, magnifier.window, cursor);
+    m_magnifierTexture.Show(magnifier, place, position, m_capture, view, renderer);
+    m_magnifierDividers.Move(place, view.window, renderer.GetLineRenderer());
+    m_crosshairLines.Move(cursor, view.window, renderer.GetLineRenderer());
+
+    Renderer::TextRenderer& texts = renderer.GetTextRenderer();
+    const float height = GetLabelHeight(place.margin);
+    const float scale = Renderer::TextRenderer::GetScale(static_cast<std::uint16_t>(height));
+    const auto top = static_cast<float>(m_windowHeight - place.top);
+    LabelText text = {};
+    std::snprintf(text.data(), text.size(), "%d, %d", position.x, position.y);
+    m_coordinatesLabel.SetText(text.data(), renderer);
+    m_coordinatesLabel.Place(place.left, top, scale, texts);
+    m_magnificationLabel.PlaceFlushRight(place.left + static_cast<float>(m_magnifierWidth), top, scale, texts);
+    m_sizeLabel.Place(place.left, top - static_cast<float>(m_magnifierHeight) - height, scale, texts);
+}
+
+bool SnipBench::UpdateCaptureTexture(Renderer::Renderer& renderer)
+{
+    return m_captureTexture.Update(m_capture, GetView(), renderer);
 }
 
 bool SnipBench::Deliver(System::Math::Rectangle& bounds, std::vector<Point>* polygon)
@@ -206,7 +299,7 @@ bool SnipBench::SetMode(SnipMode mode)
 
 void SnipBench::End(Renderer::Renderer& renderer)
 {
-    RemoveSelectionLine(renderer);
+    m_selectionLine.Remove(renderer.GetLineRenderer());
     switch (m_snipMode)
     {
     case SnipMode::Rectangle:
@@ -217,14 +310,12 @@ void SnipBench::End(Renderer::Renderer& renderer)
         break;
     }
 
-    RemoveObject(renderer.GetTextureRenderer(), m_magnifierTexture);
-    for (std::uint16_t& line : m_crosshairLines)
-        RemoveObject(renderer.GetLineRenderer(), line);
-    for (std::uint16_t& line : m_magnifierDividers)
-        RemoveObject(renderer.GetLineRenderer(), line);
-    RemoveObject(renderer.GetTextRenderer(), m_magnificationLabel);
-    RemoveObject(renderer.GetTextRenderer(), m_coordinatesLabel);
-    RemoveObject(renderer.GetTextureRenderer(), m_captureTexture);
+    m_magnifierTexture.Remove(renderer.GetTextureRenderer());
+    m_crosshairLines.Remove(renderer.GetLineRenderer());
+    m_magnifierDividers.Remove(renderer.GetLineRenderer());
+    m_magnificationLabel.Remove(renderer.GetTextRenderer());
+    m_coordinatesLabel.Remove(renderer.GetTextRenderer());
+    m_captureTexture.Remove(renderer.GetTextureRenderer());
 
     m_snipState = SnipState::Inactive;
     m_magnification = 1;

@@ -1,15 +1,18 @@
 #pragma once
 
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/System/Math/Matrix4.h"
-#include "Core/System/Math/Point.h"
-#include "Core/System/Math/Rectangle.h"
+#include "Core/Graphics/Tools/Crosshair.h"
+#include "Core/Graphics/Tools/Magnifier.h"
+#include "Core/Graphics/Tools/SelectionOutline.h"
+#include "Core/Graphics/Tools/ShownCapture.h"
+#include "Core/Graphics/Tools/SnipGeometry.h"
+#include "Core/System/Device/DisplayDescriptor.h"
 #include "Core/System/Multimedia/Bitmap.h"
 #include "Core/System/Tools/ToolContext.h"
 
-#include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace Orvik::System::Desktop
@@ -39,7 +42,7 @@ class SnipBench
 {
 public:
     /// The colour of a selection's outline.
-    static constexpr System::Math::Vector4 SelectionColour = {141.0F / 255.0F, 65.0F / 255.0F, 184.0F / 255.0F, 1.0F};
+    static constexpr System::Math::Vector4 SelectionColour = SelectionOutline::Colour;
 
     struct Parameters
     {
@@ -63,6 +66,12 @@ public:
     /// Receives each selection; true lets the tool go on, false ends it, as does an empty handler. Set before `Start`.
     ResultHandler onResult;
 
+    using DisplayFinder = std::function<const System::Device::Display::DisplayDescriptor*(std::uint16_t id)>;
+
+    /// Answers with the display of that id, or null. Without it there is no display: nothing can be captured, and
+    /// screen positions are window positions. Set before `Start`.
+    DisplayFinder findDisplay;
+
     /// Takes the parameters' picture or a capture of the context's display and shows it. The context's position is the
     /// pointer's, screen pixels. Without a picture the tool stays inactive; a log line has said so. Calling it on
     /// a running tool is an assertion failure.
@@ -82,12 +91,10 @@ public:
     /// tool is inactive.
     void ChangeMagnifier(Renderer::Renderer& renderer, std::uint16_t magnification);
 
-    struct Size
-    {
-        std::uint16_t width;
-        std::uint16_t height;
-    };
     [[nodiscard]] Size GetMagnifierSize() const { return {m_magnifierWidth, m_magnifierHeight}; }
+
+    /// The cursor, window pixels; within the drawn image.
+    [[nodiscard]] System::Math::Point GetCursor() const { return {m_cursorX, m_cursorY}; }
 
     [[nodiscard]] SnipState GetState() const { return m_snipState; }
     [[nodiscard]] SnipMode GetMode() const { return m_snipMode; }
@@ -103,98 +110,21 @@ protected:
     /// rows cut short. Nothing is on the screen and nothing is logged then.
     [[nodiscard]] bool Setup(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
 
-private:
-    friend class SnipBenchProbe; ///< reads the fields in tests
+    // What follows the cursor.
+    void CreateMagnifierObjects(Renderer::Renderer& renderer);
+    void UpdateMagnifier(Renderer::Renderer& renderer);
+    bool UpdateCaptureTexture(Renderer::Renderer& renderer);
 
-    /// A rectangle being dragged, window pixels.
-    struct RectangleModeData
-    {
-        std::uint16_t anchorX = 0;
-        std::uint16_t anchorY = 0;
-        std::uint16_t x = 0;
-        std::uint16_t y = 0;
-        std::uint16_t width = 0;
-        std::uint16_t height = 0;
-    };
+    [[nodiscard]] Size GetWindowSize() const { return {m_windowWidth, m_windowHeight}; }
+    [[nodiscard]] SnipView GetView() const;
+    /// Repeats the first vertex at the end, and gives the ring relative to the bounds, capture pixels.
+    [[nodiscard]] std::vector<System::Math::Point> CloseRing(const System::Math::Rectangle& bounds);
 
     /// A polygon being placed, window pixels.
     struct PolygonModeData
     {
         std::vector<System::Math::Point> points;
     };
-
-    /// Where the magnifier stands, window pixels.
-    struct MagnifierPlace
-    {
-        float margin;      ///< between it and the cursor
-        float left;        ///< its left edge
-        std::uint16_t top; ///< its top edge, y downward
-    };
-
-    // SnipBench.cpp: the state machine's frame.
-    [[nodiscard]] bool CanShowCapture() const;
-    void UpdateZoom(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
-    void UpdateCursorKeys(const System::Tools::ToolContext& context) const;
-    [[nodiscard]] static bool HasArea(const System::Math::Rectangle& bounds);
-    /// Cuts the selection out and hands it over to the receiver, which has to be there. Whether the tool goes on.
-    [[nodiscard]] bool Deliver(System::Math::Rectangle& bounds, std::vector<System::Math::Point>* polygon);
-
-    // SnipBenchCoordinates.cpp: from the screen to the window to the capture.
-    /// The display with that id; null also where there is no display system.
-    [[nodiscard]] static const System::Device::Display::DisplayDescriptor* FindDisplay(std::uint16_t id);
-    /// What `ToWindowLocal` subtracts from a screen position on that display.
-    [[nodiscard]] static System::Math::Point GetDisplayOrigin(const System::Tools::ToolContext& context);
-    [[nodiscard]] static System::Math::Point ToWindowLocal(const System::Tools::ToolContext& context);
-    /// A mouse move to another place than the cursor's.
-    [[nodiscard]] bool IsMove(const System::Tools::ToolContext& context) const;
-    void MoveCursor(const System::Math::Point& position);
-    /// The drawn image's top left corner, window pixels; never negative.
-    [[nodiscard]] System::Math::Point GetImageCorner() const;
-    /// The cursor's place in the drawn image, 16 bits each; not divided by the scale.
-    [[nodiscard]] System::Math::Point GetImagePosition() const;
-    [[nodiscard]] std::int32_t ToCaptureX(std::int32_t windowX) const;
-    [[nodiscard]] std::int32_t ToCaptureY(std::int32_t windowY) const;
-    void ChooseMagnifierSize();
-    void ChooseDisplayScale();
-
-    // SnipBenchRectangle.cpp: a rectangle, from the press to the release.
-    void UpdateRectangleMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
-    void UpdateReadyRectangle(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
-    void StartRectangle();
-    void GrowRectangle(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
-    void FinishRectangle(Renderer::Renderer& renderer);
-    void ResetRectangleMode(Renderer::Renderer& renderer);
-    [[nodiscard]] System::Math::Rectangle GetRectangleBounds() const;
-    void CreateSelectionLine(Renderer::Renderer& renderer);
-    void RemoveSelectionLine(Renderer::Renderer& renderer);
-    void HideSelectionLine(Renderer::Renderer& renderer) const;
-
-    // SnipBenchPolygon.cpp: a polygon, click by click.
-    void UpdatePolygonMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
-    void PlaceVertex(Renderer::Renderer& renderer);
-    void RemoveVertex(Renderer::Renderer& renderer);
-    void FinishPolygon(System::Math::Rectangle& bounds, Renderer::Renderer& renderer);
-    void ResetPolygonMode(Renderer::Renderer& renderer);
-    void UpdatePolygonOutline(Renderer::Renderer& renderer);
-    [[nodiscard]] bool ClosesPolygon() const;
-    [[nodiscard]] System::Math::Rectangle GetPolygonBounds() const;
-    /// Repeats the first vertex at the end, and gives the ring relative to the bounds, capture pixels.
-    [[nodiscard]] std::vector<System::Math::Point> CloseRing(const System::Math::Rectangle& bounds);
-
-    // SnipBenchMagnifier.cpp: what follows the cursor.
-    void CreateMagnifierObjects(Renderer::Renderer& renderer);
-    void CreateMagnifierTexture(Renderer::Renderer& renderer);
-    void CreateMagnifierLines(Renderer::Renderer& renderer);
-    void CreateMagnifierLabels(Renderer::Renderer& renderer);
-    void UpdateMagnifier(Renderer::Renderer& renderer);
-    [[nodiscard]] MagnifierPlace PlaceMagnifier() const;
-    void UpdateMagnifierTexture(const MagnifierPlace& place, Renderer::Renderer& renderer) const;
-    void UpdateMagnifierLines(const MagnifierPlace& place, Renderer::Renderer& renderer) const;
-    void UpdateMagnifierLabels(const MagnifierPlace& place, Renderer::Renderer& renderer) const;
-    /// The capture's part under the magnifier, at the size that the capture is shown at.
-    [[nodiscard]] System::Multimedia::Bitmap CutRegion(std::int32_t x, std::int32_t y) const;
-    [[nodiscard]] System::Multimedia::Bitmap ShrinkForDriver(std::int32_t maximumSide) const;
-    bool UpdateCaptureTexture(Renderer::Renderer& renderer);
 
     SnipState m_snipState = SnipState::Inactive;
     SnipMode m_snipMode = SnipMode::Rectangle;
@@ -209,24 +139,47 @@ private:
     std::uint16_t m_regionHeight = 256;
     std::int64_t m_startTime = 0; ///< ticks of the system clock
     System::Multimedia::Bitmap m_capture;
-    std::uint16_t m_captureTexture = 0;
-    std::uint16_t m_magnifierTexture = 0;
-    std::array<std::uint16_t, 2> m_magnifierDividers = {0, 0};
-    std::uint16_t m_magnificationLabel = 0;
-    std::array<std::uint16_t, 2> m_crosshairLines = {0, 0};
-    std::uint16_t m_coordinatesLabel = 0;
-    std::uint16_t m_selectionLine = 0;
-    std::uint16_t m_sizeLabel = 0; ///< nothing creates it
-    std::int32_t m_cursorX = 0;    ///< window pixels, y downward, within the drawn image
+    ShownCapture m_captureTexture;
+    MagnifierPicture m_magnifierTexture;
+    MagnifierCross m_magnifierDividers;
+    MagnifierLabel m_magnificationLabel;
+    Crosshair m_crosshairLines;
+    MagnifierLabel m_coordinatesLabel;
+    SelectionOutline m_selectionLine;
+    MagnifierLabel m_sizeLabel; ///< nothing creates it
+    std::int32_t m_cursorX = 0; ///< window pixels, y downward, within the drawn image
     std::int32_t m_cursorY = 0;
     float m_displayScale = 1.0F; ///< window pixels per capture pixel, a power of one half
     RectangleModeData m_rectangleModeData;
     PolygonModeData m_polygonModeData;
-};
 
-/// The closed outline of a rectangle of that size with its corner at the origin, drawn inward: five points, the first
-/// repeated at the end.
-[[nodiscard]] std::array<System::Math::Vector4, 5> MakeRectangleOutline(std::uint16_t width, std::uint16_t height,
-                                                                        float thickness);
+private:
+    // SnipBench.cpp: the frame of the state machine.
+    void UpdateZoom(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void UpdateCursorKeys(const System::Tools::ToolContext& context) const;
+    void MoveCursor(System::Math::Point position);
+    /// The window position of a mouse move to another place than the cursor's.
+    [[nodiscard]] std::optional<System::Math::Point> FindMove(const System::Tools::ToolContext& context) const;
+    [[nodiscard]] const System::Device::Display::DisplayDescriptor* FindDisplay(std::uint16_t id) const;
+    /// What is subtracted from a screen position on the context's display to make it one on the window.
+    [[nodiscard]] System::Math::Point GetDisplayOrigin(const System::Tools::ToolContext& context) const;
+    [[nodiscard]] MagnifierSize GetMagnifier() const;
+    /// Cuts the selection out and hands it over to the receiver, which has to be there. Whether the tool goes on.
+    [[nodiscard]] bool Deliver(System::Math::Rectangle& bounds, std::vector<System::Math::Point>* polygon);
+
+    // SnipBenchRectangle.cpp: a rectangle, from the press to the release.
+    void UpdateRectangleMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void UpdateReadyRectangle(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void DragRectangle(System::Math::Point position, Renderer::Renderer& renderer);
+    void FinishRectangle(Renderer::Renderer& renderer);
+    void ResetRectangleMode(Renderer::Renderer& renderer);
+
+    // SnipBenchPolygon.cpp: a polygon, click by click.
+    void UpdatePolygonMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void PlaceVertex(Renderer::Renderer& renderer);
+    void RemoveVertex(Renderer::Renderer& renderer);
+    void FinishPolygon(System::Math::Rectangle& bounds, Renderer::Renderer& renderer);
+    void ResetPolygonMode(Renderer::Renderer& renderer);
+};
 
 } // namespace Orvik::Graphics::Tools

@@ -1,5 +1,4 @@
 #include "Core/Graphics/Tools/SnipBench.h"
-
 #include "Core/System/Device/Display/CaptureContext.h"
 #include "Core/System/Time/Trace.h"
 

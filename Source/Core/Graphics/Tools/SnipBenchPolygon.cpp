@@ -3,23 +3,14 @@
 #include "Core/Graphics/Tools/SnipBenchInput.h"
 #include "Core/System/Error/Assertion.h"
 
-#include <algorithm>
-
 namespace Orvik::Graphics::Tools
 {
 namespace
 {
 
-using System::Math::Matrix4;
 using System::Math::Point;
 using System::Math::Rectangle;
-using System::Math::Vector4;
 using System::Tools::ToolContext;
-
-constexpr float s_outlineDepth = 0.2F;
-constexpr std::size_t s_minVertices = 3;
-/// Squared window pixels around the first vertex within which a click closes: 16 pixels straight.
-constexpr std::int64_t s_closingLimit = 257;
 
 } // namespace
 
@@ -33,12 +24,12 @@ void SnipBench::UpdatePolygonMode(ToolContext& context, Renderer::Renderer& rend
     case SnipState::Ready:
         if (isSelectRelease)
         {
-            m_polygonModeData.points.push_back({m_cursorX, m_cursorY});
+            m_polygonModeData.points.push_back(GetCursor());
             m_snipState = SnipState::Selecting;
         }
-        else if (IsMove(context))
+        else if (const std::optional<Point> position = FindMove(context))
         {
-            MoveCursor(ToWindowLocal(context));
+            MoveCursor(*position);
             UpdateMagnifier(renderer);
         }
         break;
@@ -51,10 +42,11 @@ void SnipBench::UpdatePolygonMode(ToolContext& context, Renderer::Renderer& rend
         {
             RemoveVertex(renderer);
         }
-        else if (IsMove(context))
+        else if (const std::optional<Point> position = FindMove(context))
         {
-            MoveCursor(ToWindowLocal(context));
-            UpdatePolygonOutline(renderer);
+            MoveCursor(*position);
+            m_selectionLine.ShowPolygon(m_polygonModeData.points, GetCursor(), GetWindowSize(),
+                                        renderer.GetLineRenderer());
             UpdateMagnifier(renderer);
         }
         break;
@@ -64,16 +56,16 @@ void SnipBench::UpdatePolygonMode(ToolContext& context, Renderer::Renderer& rend
 // Ends the polygon or makes it grow. The click that closes is no vertex itself.
 void SnipBench::PlaceVertex(Renderer::Renderer& renderer)
 {
-    if (ClosesPolygon())
+    if (ClosesPolygon(m_polygonModeData.points, GetCursor()))
     {
-        Rectangle bounds = GetPolygonBounds();
+        Rectangle bounds = GetPolygonBounds(GetView(), m_polygonModeData.points);
         if (HasArea(bounds))
         {
             FinishPolygon(bounds, renderer);
             return;
         }
     }
-    m_polygonModeData.points.push_back({m_cursorX, m_cursorY});
+    m_polygonModeData.points.push_back(GetCursor());
 }
 
 void SnipBench::RemoveVertex(Renderer::Renderer& renderer)
@@ -86,7 +78,7 @@ void SnipBench::RemoveVertex(Renderer::Renderer& renderer)
         ResetPolygonMode(renderer);
         return;
     }
-    UpdatePolygonOutline(renderer);
+    m_selectionLine.ShowPolygon(points, GetCursor(), GetWindowSize(), renderer.GetLineRenderer());
     UpdateMagnifier(renderer);
 }
 
@@ -106,50 +98,9 @@ void SnipBench::FinishPolygon(Rectangle& bounds, Renderer::Renderer& renderer)
 
 void SnipBench::ResetPolygonMode(Renderer::Renderer& renderer)
 {
-    HideSelectionLine(renderer);
+    m_selectionLine.Hide(renderer.GetLineRenderer());
     m_polygonModeData.points.clear();
     m_snipState = SnipState::Ready;
-}
-
-// The vertices and, as a rubber band, the cursor.
-void SnipBench::UpdatePolygonOutline(Renderer::Renderer& renderer)
-{
-    Renderer::Line* const line = renderer.GetLineRenderer().Get(m_selectionLine);
-    if (line == nullptr)
-        return;
-
-    const auto toLine = [this](const Point& point) {
-        return Vector4{static_cast<float>(point.x), static_cast<float>(m_windowHeight - point.y), 0.0F, 1.0F};
-    };
-    std::vector<Vector4> points;
-    points.reserve(m_polygonModeData.points.size() + 3); // the cursor, and what the line renderer adds at both ends
-    std::transform(m_polygonModeData.points.begin(), m_polygonModeData.points.end(), std::back_inserter(points),
-                   toLine);
-    points.push_back(toLine({m_cursorX, m_cursorY}));
-
-    line->model = Matrix4::Translation(0.0F, 0.0F, s_outlineDepth);
-    line->color = SelectionColour;
-    renderer.GetLineRenderer().Update(m_selectionLine, points);
-}
-
-bool SnipBench::ClosesPolygon() const
-{
-    const std::vector<Point>& points = m_polygonModeData.points;
-    if (points.size() < s_minVertices)
-        return false;
-    const std::int64_t distanceX = m_cursorX - points.front().x;
-    const std::int64_t distanceY = m_cursorY - points.front().y;
-    return distanceX * distanceX + distanceY * distanceY < s_closingLimit;
-}
-
-Rectangle SnipBench::GetPolygonBounds() const
-{
-    const std::vector<Point>& points = m_polygonModeData.points;
-    const auto [left, right] =
-        std::minmax_element(points.begin(), points.end(), [](const Point& a, const Point& b) { return a.x < b.x; });
-    const auto [top, bottom] =
-        std::minmax_element(points.begin(), points.end(), [](const Point& a, const Point& b) { return a.y < b.y; });
-    return {ToCaptureX(left->x), ToCaptureY(top->y), ToCaptureX(right->x), ToCaptureY(bottom->y)};
 }
 
 std::vector<Point> SnipBench::CloseRing(const Rectangle& bounds)
@@ -159,11 +110,7 @@ std::vector<Point> SnipBench::CloseRing(const Rectangle& bounds)
         return {};
 
     m_polygonModeData.points.push_back(Point(m_polygonModeData.points.front()));
-    std::vector<Point> ring;
-    ring.reserve(m_polygonModeData.points.size());
-    for (const Point& point : m_polygonModeData.points)
-        ring.push_back({ToCaptureX(point.x) - bounds.left, ToCaptureY(point.y) - bounds.top});
-    return ring;
+    return ToRing(GetView(), m_polygonModeData.points, bounds);
 }
 
 } // namespace Orvik::Graphics::Tools

@@ -4,7 +4,6 @@
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/ConsoleLogSink.h"
 #include "Core/System/Log/FileLogSink.h"
-#include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/Timestamp.h"
 
 #include <algorithm>
@@ -194,10 +193,8 @@ const Context& GetSystemContext() noexcept
 
 void UpdateContext(Context* context)
 {
-    if (Runtime::Application::FindInstance() == nullptr)
-        return;
-    if (const Logger* const logger = Runtime::Application::TryGetSystem<Logger>(); logger != nullptr)
-        logger->ApplySeverity(*context);
+    if (const IMessageReceiver* const receiver = GetReceiver())
+        receiver->ApplySeverity(*context);
 }
 
 } // namespace Orvik::System::Log

@@ -49,7 +49,7 @@ public:
 
     /// Sets the threshold of `context` to the least severity that its stream is configured with. A stream without one
     /// leaves it as it is.
-    void ApplySeverity(Context& context) const;
+    void ApplySeverity(Context& context) const override;
 
     /// The console sink, then the file sink. An entry is empty if its sink couldn't be opened.
     [[nodiscard]] const std::vector<std::shared_ptr<Sink>>& GetSinks() const { return m_sinks; }

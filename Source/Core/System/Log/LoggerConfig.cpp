@@ -1,12 +1,12 @@
 #include "Core/System/Log/LoggerConfig.h"
 
 #include "Core/System/Error/Assertion.h"
-#include "Core/System/Runtime/Application.h"
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Text/Unicode.h"
 
 #include <algorithm>
 #include <rapidjson/document.h>
+#include <utility>
 
 namespace Orvik::System::Log
 {
@@ -58,11 +58,15 @@ std::size_t GetSeverity(const rapidjson::Value& value)
 
 } // namespace
 
+LoggerConfig::LoggerConfig(std::filesystem::path dataDirectory, const std::wstring& applicationName)
+    : m_dataDirectory(std::move(dataDirectory)), m_applicationName(Text::ToUtf8(applicationName))
+{
+}
+
 void LoggerConfig::SetDefaults()
 {
-    Runtime::Application& application = Runtime::Application::GetInstance();
-    m_logDirectory = Text::Join(application.GetConfigCache().GetDataDirectory(), "Logs");
-    m_logFileName = Text::ToUtf8(application.GetName());
+    m_logDirectory = Text::Join(m_dataDirectory, "Logs");
+    m_logFileName = m_applicationName;
     m_streamSeverities.resize(m_streamSeverities.size() + messageTypeIDNames.size());
     m_streamSeverities[static_cast<std::size_t>(MessageTypeID::Info)] = AllStreams;
 }

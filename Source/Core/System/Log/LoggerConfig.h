@@ -20,8 +20,11 @@ public:
     static constexpr std::uint32_t s_typeID = 0xACF97F37;
     static constexpr std::string_view s_systemName = "LogSystem"; ///< the section's name
 
-    /// Log files go to "Logs" in the data directory of the application and bear its name; every stream is at severity
-    /// Info. Needs the application.
+    LoggerConfig() = default;
+    /// Of the application that writes the log.
+    LoggerConfig(std::filesystem::path dataDirectory, const std::wstring& applicationName);
+
+    /// Log files go to "Logs" in the data directory and bear the application's name; every stream is at severity Info.
     void SetDefaults() override;
 
     /// Applies the rules of the member "streams". False if there is no such object.
@@ -37,6 +40,9 @@ public:
 
 private:
     void ApplyRule(std::uint32_t mask, std::size_t severity);
+
+    std::filesystem::path m_dataDirectory;
+    std::string m_applicationName; ///< UTF-8
 };
 
 } // namespace Orvik::System::Log

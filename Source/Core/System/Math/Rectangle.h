@@ -2,6 +2,7 @@
 
 #include "Core/System/Error/Assertion.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -49,5 +50,18 @@ private:
         return static_cast<std::uint64_t>(std::int64_t{difference < 0 && hasAbsolute ? -difference : difference});
     }
 };
+
+/// What two areas have in common; `Area` has the four sides of a rectangle. Where they have nothing in common, `right`
+/// isn't greater than `left`, or `bottom` than `top`.
+template <typename Area>
+[[nodiscard]] constexpr Area Intersect(const Area& first, const Area& second) noexcept
+{
+    Area common = first;
+    common.left = std::max(first.left, second.left);
+    common.top = std::max(first.top, second.top);
+    common.right = std::min(first.right, second.right);
+    common.bottom = std::min(first.bottom, second.bottom);
+    return common;
+}
 
 } // namespace Orvik::System::Math

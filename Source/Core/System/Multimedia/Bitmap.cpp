@@ -175,13 +175,18 @@ Bitmap Bitmap::Crop(std::int32_t x, std::int32_t y, std::uint32_t width, std::ui
 
 void Bitmap::Resize(std::uint32_t width, std::uint32_t height, ResizeMethod method)
 {
+    *this = Resized(width, height, method);
+}
+
+Bitmap Bitmap::Resized(std::uint32_t width, std::uint32_t height, ResizeMethod method) const
+{
     Bitmap target = MakeCleared(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), m_bitsPerPixel);
     if (HasWholeRows() && target.HasWholeRows())
     {
         Utilities::Image::Resize(target.GetPixels(), GetPixels(), m_width, m_height, target.m_width, target.m_height,
                                  m_bitsPerPixel, method);
     }
-    *this = std::move(target);
+    return target;
 }
 
 void Bitmap::ClearOutsidePolygon(std::span<const Math::Point> polygon, bool valueToClear)

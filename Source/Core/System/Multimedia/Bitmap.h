@@ -59,6 +59,9 @@ public:
     /// Scales the image to a new size, cut to 16 bits.
     void Resize(std::uint32_t width, std::uint32_t height, ResizeMethod method);
 
+    /// The same as a new bitmap; this one stays as it is.
+    [[nodiscard]] Bitmap Resized(std::uint32_t width, std::uint32_t height, ResizeMethod method) const;
+
     /// Sets to 0, alpha included, every pixel whose place relative to the ring equals `valueToClear`: false clears
     /// outside, true inside. `polygon` is closed by repeating its first point and in this bitmap's pixels. Even-odd
     /// rule. Only images of 3 and 4 bytes to the pixel are changed.

@@ -4,6 +4,7 @@
 
 #include "Core/System/Multimedia/PngData.h"
 #include "Core/System/Text/Files.h"
+#include "Core/System/Text/Paths.h"
 
 #include <csetjmp>
 #include <new>
@@ -187,7 +188,7 @@ bool Writer::WriteChunk(const char* type, std::span<const std::uint8_t> data) co
 
 bool Bitmap::LoadPng(const std::string& path)
 {
-    const Text::File file = Text::OpenFile(path, "rb");
+    const Text::File file = Text::OpenFile(Text::PathFromUtf8(path), "rb");
     if (file == nullptr)
         return false;
     const Reader reader;
@@ -211,7 +212,7 @@ bool Bitmap::SavePng(const std::string& path) const
     if (m_stride < writtenRowBytes)
         return false;
 
-    Text::File file = Text::OpenFile(path, "wb");
+    Text::File file = Text::OpenFile(Text::PathFromUtf8(path), "wb");
     if (file == nullptr)
         return false;
     const Writer writer;

@@ -65,15 +65,15 @@ bool ApplicationConfigCache::Initialize(const char* executablePath)
     const std::string& home = DirectoryCache::GetInstance().GetUserProfile().value;
     m_dataDirectory = Text::Join(Text::PathFromUtf8(home), ".orvik");
 
-    const std::string path = FindExecutablePathPlatform();
+    const std::filesystem::path path = FindExecutablePathPlatform();
     if (path.empty())
     {
         Log::Write(s_context, MessageTypeID::Error, "Failed to retrieve module file name: '", Error::FormatLastError(),
                    "'.");
     }
-    m_executableDirectory = Text::PathToUtf8(Text::PathFromUtf8(path).parent_path());
+    m_executableDirectory = path.parent_path();
     if (m_executableDirectory.empty() && executablePath != nullptr)
-        m_executableDirectory = Text::PathToUtf8(Text::PathFromUtf8(executablePath).parent_path());
+        m_executableDirectory = Text::PathFromUtf8(executablePath).parent_path();
 
     std::filesystem::path schemaPath;
     (void)FindSchemaFile(s_schemaName, schemaPath);
@@ -81,14 +81,10 @@ bool ApplicationConfigCache::Initialize(const char* executablePath)
     return true;
 }
 
-std::filesystem::path ApplicationConfigCache::GetRootPath() const
-{
-    return Text::PathFromUtf8(m_executableDirectory);
-}
-
 bool ApplicationConfigCache::FindSchemaFile(const std::string& name, std::filesystem::path& path) const
 {
-    const std::filesystem::path candidate = ResolveResource(m_executableDirectory, {"Resources", "Schemas"}, name);
+    const std::filesystem::path candidate =
+        ResolveResource(m_executableDirectory, {"Resources", "Schemas"}, Text::PathFromUtf8(name));
     if (!Text::Exists(candidate))
         return false;
     path = candidate;

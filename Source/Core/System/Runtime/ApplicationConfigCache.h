@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Orvik::System::Runtime
@@ -51,7 +52,7 @@ public:
 
     /// The directory of the running program, from which resources and default output directories are found. Empty
     /// if it can't be told.
-    [[nodiscard]] std::filesystem::path GetRootPath() const;
+    [[nodiscard]] const std::filesystem::path& GetRootPath() const { return m_executableDirectory; }
 
     /// The user's data directory: ".orvik" in the home directory.
     [[nodiscard]] const std::filesystem::path& GetDataDirectory() const { return m_dataDirectory; }
@@ -62,13 +63,14 @@ public:
     /// The configuration of that type, or null. Stays valid for the life of the cache.
     [[nodiscard]] IConfig* GetConfig(std::uint32_t typeId) const;
 
-    /// Makes the one configuration of its type: defaults, then its section of the document. `Config_Type` names the
-    /// section as `s_systemName`. A second one, and a section that it refuses, are assertion failures.
-    template <typename Config_Type>
-    Config_Type* AddConfig()
+    /// Makes the one configuration of its type from the arguments: defaults, then its section of the document.
+    /// `Config_Type` names the section as `s_systemName`. A second one, and a section that it refuses, are assertion
+    /// failures.
+    template <typename Config_Type, typename... Arguments>
+    Config_Type* AddConfig(Arguments&&... arguments)
     {
         ORVIK_ASSERT(GetConfig(Config_Type::s_typeID) == nullptr, "Config already exists.");
-        auto owner = std::make_unique<Config_Type>();
+        auto owner = std::make_unique<Config_Type>(std::forward<Arguments>(arguments)...);
         Config_Type* const config = owner.get();
         m_configs.push_back({Config_Type::s_typeID, std::move(owner)});
         const bool success = InitializeConfig(config, Config_Type::s_systemName);
@@ -90,8 +92,8 @@ private:
         std::unique_ptr<IConfig> config;
     };
 
-    /// The absolute path of the program, UTF-8. Empty if the system doesn't tell; the last system error is set then.
-    [[nodiscard]] static std::string FindExecutablePathPlatform();
+    /// The absolute path of the program. Empty if the system doesn't tell; the last system error is set then.
+    [[nodiscard]] static std::filesystem::path FindExecutablePathPlatform();
 
     void LoadSchema(const std::filesystem::path& path);
     /// Parses and validates. Null after a failure; `m_error` tells why.
@@ -100,7 +102,7 @@ private:
     bool FailLoading(std::string error);
 
     std::filesystem::path m_dataDirectory;
-    std::string m_executableDirectory;
+    std::filesystem::path m_executableDirectory;
     std::unique_ptr<JsonDocument> m_document;
     std::unique_ptr<JsonSchema> m_schema;
     std::string m_error;

@@ -1,7 +1,6 @@
 #include "Core/System/Runtime/DirectoryCache.h"
 
 #include "Core/System/Log/Site/LogSite.h"
-#include "Core/System/Runtime/Application.h"
 #include "Core/System/Text/Paths.h"
 
 namespace Orvik::System::Runtime
@@ -14,8 +13,8 @@ constexpr Log::Context s_context{Log::StreamID::System};
 std::string& ResolveOwnResource(std::initializer_list<const char*> directories, const std::string& file,
                                 std::string& result)
 {
-    const std::filesystem::path rootPath = Application::GetInstance().GetConfigCache().GetRootPath();
-    result = Text::PathToUtf8(ResolveResource(Text::PathToUtf8(rootPath), directories, file));
+    const std::filesystem::path& programDirectory = DirectoryCache::GetInstance().GetProgramDirectory();
+    result = Text::PathToUtf8(ResolveResource(programDirectory, directories, Text::PathFromUtf8(file)));
     return result;
 }
 
@@ -49,28 +48,27 @@ bool DirectoryCache::ReadEnvironmentEntry(const char* name, Entry& entry)
     return !entry.value.empty();
 }
 
-std::filesystem::path FindRootDirectory(const std::string& path, const std::string& name)
+std::filesystem::path FindRootDirectory(const std::filesystem::path& path, const std::filesystem::path& name)
 {
-    const std::filesystem::path wanted = Text::PathFromUtf8(name);
-    std::filesystem::path current = Text::MakeAbsolute(Text::PathFromUtf8(path)).lexically_normal();
+    std::filesystem::path current = Text::MakeAbsolute(path).lexically_normal();
     while (current.has_relative_path())
     {
-        if (current.filename() == wanted)
+        if (current.filename() == name)
             return current.parent_path().make_preferred();
         current = current.parent_path();
     }
     return {};
 }
 
-std::filesystem::path ResolveResource(const std::string& programDirectory,
-                                      std::initializer_list<const char*> directories, const std::string& file)
+std::filesystem::path ResolveResource(const std::filesystem::path& programDirectory,
+                                      std::initializer_list<const char*> directories, const std::filesystem::path& file)
 {
     std::filesystem::path path;
     if (!programDirectory.empty())
         path = FindRootDirectory(programDirectory, "Binaries");
     for (const char* directory : directories)
         path = Text::Join(path, directory);
-    return Text::Join(path, Text::PathFromUtf8(file)).lexically_normal().make_preferred();
+    return Text::Join(path, file).lexically_normal().make_preferred();
 }
 
 std::string& GetSchemaPath(const std::string& file, std::string& result)

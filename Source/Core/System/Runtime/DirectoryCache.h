@@ -4,12 +4,13 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace Orvik::System::Runtime
 {
 
-/// Where things lie: the user's directories, read once from the environment, and the program's resource files. One
-/// object for the process; written by `Initialize`, only read afterwards.
+/// Where things lie: the user's directories, read once from the environment, and the program's own, below which its
+/// resource files are found. One object for the process; written while a run comes up, only read afterwards.
 class DirectoryCache
 {
 public:
@@ -24,6 +25,10 @@ public:
 
     /// Reads the environment. False if a directory isn't told; it is empty then, and the rest stands.
     bool Initialize();
+
+    /// Where the running program lies; empty if that is unknown.
+    void SetProgramDirectory(std::filesystem::path directory) { m_programDirectory = std::move(directory); }
+    [[nodiscard]] const std::filesystem::path& GetProgramDirectory() const { return m_programDirectory; }
 
     [[nodiscard]] const Entry& GetUserProfile() const { return m_userProfile; }
     [[nodiscard]] const Entry& GetLocalAppData() const { return m_localAppData; }
@@ -42,18 +47,20 @@ private:
     Entry m_appData;
     std::string m_localLow;
     std::string m_startup;
+    std::filesystem::path m_programDirectory;
 };
 
 /// The directory that holds the nearest directory called `name`, from `path` upward, `path` itself included. Empty if
 /// there is none. Throws the file-system error "absolute" if `path` can't be made absolute.
-[[nodiscard]] std::filesystem::path FindRootDirectory(const std::string& path, const std::string& name);
+[[nodiscard]] std::filesystem::path FindRootDirectory(const std::filesystem::path& path,
+                                                      const std::filesystem::path& name);
 
 /// Where a file lies in an installation: below the directory that holds "Binaries", in which the program lies, then in
 /// `directories`, each in the one before. Relative to the working directory for a program that lies in no such
-/// directory or whose own (UTF-8) is unknown. Nobody looks whether the file exists.
-[[nodiscard]] std::filesystem::path ResolveResource(const std::string& programDirectory,
+/// directory or whose own is unknown. Nobody looks whether the file exists.
+[[nodiscard]] std::filesystem::path ResolveResource(const std::filesystem::path& programDirectory,
                                                     std::initializer_list<const char*> directories,
-                                                    const std::string& file);
+                                                    const std::filesystem::path& file);
 
 /// The resource files of this program by their names. Write to `result`, UTF-8, and return it.
 std::string& GetSchemaPath(const std::string& file, std::string& result);

@@ -70,6 +70,7 @@ void Application::Main(const ApplicationParameters& parameters)
                 ORVIK_HERE,
                 Error::ErrorDetails(Error::ProgramStartupError, "Failed to initialize configuration cache."));
         }
+        DirectoryCache::GetInstance().SetProgramDirectory(m_configCache.GetRootPath());
         if (!Error::ErrorHandling::GetInstance().Initialize(this))
         {
             throw Error::ExceptionWithDetails(

@@ -27,7 +27,8 @@ void Application::InitializeLogger()
     // There is no log to write to yet: what goes wrong here is told on the error stream.
     try
     {
-        CreateAndInitialize(m_logSystem, m_configCache.AddConfig<Log::LoggerConfig>());
+        CreateAndInitialize(m_logSystem,
+                            m_configCache.AddConfig<Log::LoggerConfig>(m_configCache.GetDataDirectory(), m_name));
     }
     catch (const std::exception& exception)
     {

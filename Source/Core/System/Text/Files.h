@@ -20,9 +20,9 @@ struct CloseOnDestruction
 /// whether the bytes arrived.
 using File = std::unique_ptr<std::FILE, CloseOnDestruction>;
 
-/// Opens a file. `utf8Path` is UTF-8 on every platform and `mode` is that of `fopen`. Null if it can't be opened; the
-/// last system error then says why. Programs that this one starts don't inherit the file.
-[[nodiscard]] File OpenFile(const std::string& utf8Path, const char* mode);
+/// Opens a file; `mode` is that of `fopen`. Null if it can't be opened; the last system error then says why. Programs
+/// that this one starts don't inherit the file.
+[[nodiscard]] File OpenFile(const std::filesystem::path& path, const char* mode);
 
 /// A file that was made just now.
 struct NewFile

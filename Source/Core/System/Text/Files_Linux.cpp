@@ -7,11 +7,11 @@
 namespace Orvik::System::Text
 {
 
-File OpenFile(const std::string& utf8Path, const char* mode)
+File OpenFile(const std::filesystem::path& path, const char* mode)
 {
     // "e" is the C library's own: close the file when another program takes this process over.
     const std::string modeWithoutInheritance = std::string(mode) + "e";
-    return File(std::fopen(utf8Path.c_str(), modeWithoutInheritance.c_str()));
+    return File(std::fopen(path.c_str(), modeWithoutInheritance.c_str()));
 }
 
 // A file is replaced here whoever reads it.

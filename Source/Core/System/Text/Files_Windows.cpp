@@ -11,11 +11,11 @@
 namespace Orvik::System::Text
 {
 
-File OpenFile(const std::string& utf8Path, const char* mode)
+File OpenFile(const std::filesystem::path& path, const char* mode)
 {
     // "N" is the C library's own: programs that this one starts don't get the file.
     const std::string modeWithoutInheritance = std::string(mode) + "N";
-    return File(_wfopen(ToWide(utf8Path).c_str(), ToWide(modeWithoutInheritance).c_str()));
+    return File(_wfopen(path.c_str(), ToWide(modeWithoutInheritance).c_str()));
 }
 
 bool IsHeldPlatform(const std::filesystem::path& path, const std::error_code& error)

@@ -48,7 +48,7 @@ Trace::~Trace()
 void Trace::Begin()
 {
     RemoveFormer(m_path);
-    m_file = Text::OpenFile(Text::PathToUtf8(m_path), "wb");
+    m_file = Text::OpenFile(m_path, "wb");
     m_hasFailed = m_file == nullptr;
     Append(s_head);
 }

@@ -98,9 +98,9 @@ TEST_F(SnipBenchDisplayTest, AnApplicationWithoutADisplaySystemHasNoDisplay)
     EXPECT_EQ(m_tool.GetState(), SnipState::Inactive);
 }
 
-TEST_F(SnipBenchDisplayTest, AGivenPictureNeedsNoApplication)
+TEST_F(SnipBenchDisplayTest, AGivenPictureNeedsNoDisplays)
 {
-    m_application.reset();
+    m_tool.findDisplay = nullptr;
     Start(MakePicture(64, 48), On(s_shifted, Move(3, 4)));
 
     EXPECT_EQ(m_tool.GetState(), SnipState::Ready);

@@ -85,7 +85,7 @@ protected:
         ToolContext context;
         m_tool.Start(context, std::move(parameters), m_scene->GetRenderer());
         ASSERT_EQ(m_tool.GetState(), SnipState::Ready);
-        ASSERT_EQ(SnipBenchProbe(m_tool).GetScale(), 1.0F / static_cast<float>(m_shrink));
+        ASSERT_EQ(m_tool.GetScale(), 1.0F / static_cast<float>(m_shrink));
     }
 
     void Move(const Point& place)
@@ -120,11 +120,11 @@ protected:
     /// The picture alone: its first and last columns and rows, and, where it isn't shrunk, all its pixels.
     void ExpectPicture()
     {
-        m_scene->GetRenderer().GetTextureRenderer().Get(SnipBenchProbe(m_tool).GetMagnifierTexture())->visible = false;
+        m_scene->GetRenderer().GetTextureRenderer().Get(m_tool.GetMagnifierTexture())->visible = false;
         SetLinesVisible(false);
         const Frame frame = Draw();
         SetLinesVisible(true);
-        m_scene->GetRenderer().GetTextureRenderer().Get(SnipBenchProbe(m_tool).GetMagnifierTexture())->visible = true;
+        m_scene->GetRenderer().GetTextureRenderer().Get(m_tool.GetMagnifierTexture())->visible = true;
         const Point end = {m_corner.x + (m_picture.x + m_shrink - 1) / m_shrink,
                            m_corner.y + (m_picture.y + m_shrink - 1) / m_shrink};
         for (int y = 0; y < m_window.y; ++y)
@@ -142,13 +142,12 @@ protected:
 
     void SetLinesVisible(bool isVisible)
     {
-        SnipBenchProbe probe(m_tool);
-        for (const auto& ids : {probe.GetCrosshair(), probe.GetDividers()})
+        for (const auto& ids : {m_tool.GetCrosshair(), m_tool.GetDividers()})
         {
             for (const std::uint16_t id : ids)
                 m_scene->GetRenderer().GetLineRenderer().Get(id)->visible = isVisible;
         }
-        for (const std::uint16_t id : {probe.GetZoomLabel(), probe.GetCoordinatesLabel()})
+        for (const std::uint16_t id : {m_tool.GetZoomLabel(), m_tool.GetCoordinatesLabel()})
             m_scene->GetRenderer().GetTextRenderer().Get(id)->visible = isVisible;
     }
 
@@ -158,9 +157,8 @@ protected:
     {
         Move(cursor);
         const Point drawn = {cursor.x - m_corner.x, cursor.y - m_corner.y};
-        SnipBenchProbe probe(m_tool);
-        EXPECT_EQ(probe.GetCursor(), cursor);
-        EXPECT_EQ(probe.ToCapture(cursor.x, cursor.y), (Point{drawn.x * m_shrink, drawn.y * m_shrink}));
+        EXPECT_EQ(m_tool.GetCursor(), cursor);
+        EXPECT_EQ(m_tool.ToCapture(cursor.x, cursor.y), (Point{drawn.x * m_shrink, drawn.y * m_shrink}));
         ExpectLabel(std::to_string(drawn.x) + ", " + std::to_string(drawn.y));
 
         const Frame frame = Draw();
@@ -193,7 +191,7 @@ protected:
         std::uint16_t id = 0;
         texts.Create(id, wanted.c_str(), m_scene->GetRenderer());
         const Renderer::Text expected = *texts.Get(id);
-        const Renderer::Text* const label = texts.Get(SnipBenchProbe(m_tool).GetCoordinatesLabel());
+        const Renderer::Text* const label = texts.Get(m_tool.GetCoordinatesLabel());
         EXPECT_EQ(label->instanceIndices, expected.instanceIndices) << wanted;
         texts.Remove(id);
     }
@@ -226,7 +224,7 @@ protected:
     int m_shrink = 1;
     Point m_corner; ///< where the picture's first column and row are to stand
     std::optional<Tests::RendererScene> m_scene;
-    SnipBench m_tool;
+    SnipBenchProbe m_tool;
     Rectangle m_bounds;
     Bitmap m_snip;
 };
@@ -234,9 +232,11 @@ protected:
 TEST_P(SnipBenchPlaces, AreTheSameOnTheScreenAndInTheToolForEveryParity)
 {
     const Tests::EnvironmentVariable painter("ORVIK_RENDERER", std::get<0>(GetParam()));
-    for (unsigned parity = 0; parity < 16; ++parity)
+    // Across and down each pair of parities comes once, and never the same pair in both.
+    for (unsigned across = 0; across < 4; ++across)
     {
-        const Parities parities = {(parity & 1U) != 0, (parity & 2U) != 0, (parity & 4U) != 0, (parity & 8U) != 0};
+        const unsigned down = 3 - across;
+        const Parities parities = {(across & 1U) != 0, (down & 1U) != 0, (across & 2U) != 0, (down & 2U) != 0};
         Start(parities, std::get<1>(GetParam()));
         SCOPED_TRACE(testing::Message() << "window " << m_window.x << " x " << m_window.y << ", picture " << m_picture.x
                                         << " x " << m_picture.y);

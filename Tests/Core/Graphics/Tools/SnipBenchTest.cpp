@@ -160,7 +160,7 @@ TEST_F(SnipBenchTest, EndRemovesEverythingInEachState)
             EXPECT_EQ(m_probe.GetWindowWidth(), 0);
             EXPECT_EQ(m_probe.GetWindowHeight(), 0);
             EXPECT_EQ(m_probe.GetScale(), 1.0F);
-            EXPECT_EQ(m_probe.GetRectangle(), (SnipBenchProbe::Rectangle{}));
+            EXPECT_EQ(m_probe.GetRectangle(), (RectangleModeData{}));
             EXPECT_THAT(m_probe.GetPoints(), IsEmpty());
         }
     }

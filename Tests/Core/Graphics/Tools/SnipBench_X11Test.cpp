@@ -254,7 +254,7 @@ protected:
 
     void RunThrough()
     {
-        Move(10'000);
+        Move(5'000);
         Zoom(1'000);
         Hold(KeyCode::Equals, 100);
         Hold(KeyCode::Minus, 100);

@@ -129,6 +129,11 @@ protected:
     {
         System::Platform::NullDesktop::GetInstance().Reset();
         Renderer::GLRecorder::GetInstance().Reset();
+        m_tool.findDisplay = [this](std::uint16_t id)
+        {
+            const auto& displays = m_application->m_displaySystem;
+            return displays != nullptr ? displays->GetDisplay(id) : nullptr;
+        };
     }
 
     ~ToolFixture() override
@@ -234,8 +239,8 @@ protected:
     /// The renderer asks it where the resources lie. It has no displays unless a test makes them.
     std::unique_ptr<Tests::TestApplication> m_application = std::make_unique<Tests::TestApplication>();
     Renderer::Renderer m_renderer;
-    SnipBench m_tool;
-    SnipBenchProbe m_probe{m_tool};
+    SnipBenchProbe m_tool;
+    SnipBenchProbe& m_probe = m_tool;
     std::vector<Delivery> m_deliveries;
 
 private:

@@ -1,9 +1,6 @@
 #include "Core/System/Log/LoggerConfig.h"
 
-#include "Core/System/Runtime/DirectoryCache.h"
 #include "Tests/Support/AssertionTrap.h"
-#include "Tests/Support/EnvironmentVariable.h"
-#include "Tests/Support/TestApplication.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -66,12 +63,7 @@ TEST(LoggerConfig, HasValuesBeforeItsDefaults)
 
 TEST(LoggerConfig, DefaultsPutTheFilesIntoTheDataDirectoryUnderTheApplicationsName)
 {
-    const Tests::EnvironmentVariable home(Tests::HomeVariable, "/home/somebody");
-    Runtime::DirectoryCache::GetInstance().Initialize();
-    Tests::TestApplication application;
-    application.m_configCache.Initialize(nullptr);
-
-    LoggerConfig config;
+    LoggerConfig config("/home/somebody/.orvik", L"TestApplication");
     config.SetDefaults();
     EXPECT_EQ(config.m_logDirectory, "/home/somebody/.orvik/Logs");
     EXPECT_EQ(config.m_logFileName, "TestApplication");

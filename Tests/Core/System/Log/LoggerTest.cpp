@@ -6,7 +6,6 @@
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/TemporaryDirectory.h"
-#include "Tests/Support/TestApplication.h"
 #include "Tests/Support/Texts.h"
 
 #include <cstdlib>
@@ -363,22 +362,20 @@ TEST_F(LoggerTest, AContextGetsTheLeastSeverityOfItsStream)
     EXPECT_EQ(apply(0x8), 77U) << "a stream that no entry holds";
 }
 
-TEST_F(LoggerTest, UpdatingAContextNeedsTheApplicationAndItsLogger)
+TEST_F(LoggerTest, UpdatingAContextNeedsALogger)
 {
     Context context{StreamID::Graphics, 77};
+    IMessageReceiver* const logger = SetReceiver(nullptr);
     UpdateContext(&context);
     EXPECT_EQ(context.severity, 77U);
 
-    Tests::TestApplication application;
-    UpdateContext(&context);
-    EXPECT_EQ(context.severity, 77U);
-
-    application.m_logSystem = Runtime::SystemPointer<Logger>(new Logger, [](Logger* logger) { delete logger; });
+    SetReceiver(logger);
     UpdateContext(&context);
     EXPECT_EQ(context.severity, 77U) << "an empty table";
 
     m_config.m_streamSeverities = {0x4, 0, 0x3FFFFFB, 0, 0, 0x8, 0};
-    EXPECT_TRUE(application.m_logSystem->Initialize(&m_config));
+    Initialize();
+    (void)TakeOutput();
     UpdateContext(&context);
     EXPECT_EQ(context.severity, 0U);
     RegisterContext(&s_late);

@@ -55,5 +55,19 @@ TEST(Rectangle, MostNegativeDifferenceFails)
                      s_message);
 }
 
+TEST(Intersect, GivesWhatTwoAreasHaveInCommon)
+{
+    EXPECT_EQ(Intersect(Rectangle{10, 20, 110, 70}, Rectangle{0, 30, 50, 200}), (Rectangle{10, 30, 50, 70}));
+    EXPECT_EQ(Intersect(Rectangle{10, 20, 110, 70}, Rectangle{20, 30, 40, 50}), (Rectangle{20, 30, 40, 50}));
+}
+
+TEST(Intersect, AreasSideBySideHaveNothingInCommon)
+{
+    const Rectangle beside = Intersect(Rectangle{0, 0, 10, 10}, Rectangle{10, 0, 20, 10});
+    EXPECT_LE(beside.right, beside.left);
+    const Rectangle below = Intersect(Rectangle{0, 0, 10, 10}, Rectangle{0, 12, 10, 20});
+    EXPECT_LE(below.bottom, below.top);
+}
+
 } // namespace
 } // namespace Orvik::System::Math

@@ -310,6 +310,13 @@ TEST(BitmapResize, BoxToALargerSizeRepeatsPixels)
     EXPECT_EQ(GetBytes(bitmap), (Bytes{1, 2, 3, 1, 2, 3, 4, 5, 6, 4, 5, 6, 1, 2, 3, 1, 2, 3, 4, 5, 6, 4, 5, 6}));
 }
 
+TEST(BitmapResize, ACopyOfAnotherSizeLeavesTheImageAsItIs)
+{
+    const Bitmap bitmap = MakeCounting(2, 2, 32);
+    EXPECT_EQ(GetBytes(bitmap.Resized(1, 1, ResizeMethod::Box)), (Bytes{7, 8, 9, 10}));
+    EXPECT_EQ(GetBytes(bitmap), GetBytes(MakeCounting(2, 2, 32)));
+}
+
 TEST(BitmapResize, TheMethodIsHandedOn)
 {
     Bitmap nearest = MakeCounting(2, 1, 24);

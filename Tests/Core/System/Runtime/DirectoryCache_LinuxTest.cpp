@@ -2,7 +2,6 @@
 
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/LogRecorder.h"
-#include "Tests/Support/TestApplication.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -133,9 +132,7 @@ TEST(RootDirectory, PathThatCannotBeAbsoluteThrows)
 
 TEST(ResourcePath, WithoutBinariesIsRelativeToTheWorkingDirectory)
 {
-    // The configuration cache is not initialised: it has no root path.
-    Tests::TestApplication application;
-    ASSERT_EQ(application.GetConfigCache().GetRootPath(), "");
+    DirectoryCache::GetInstance().SetProgramDirectory({});
     std::string path = "something before";
     EXPECT_EQ(&GetSchemaPath("a.json", path), &path);
     EXPECT_EQ(path, "Resources/Schemas/a.json");
@@ -145,21 +142,24 @@ TEST(ResourcePath, WithoutBinariesIsRelativeToTheWorkingDirectory)
 
 TEST(ResourcePath, ARootWithoutBinariesIsRelativeToTheWorkingDirectoryToo)
 {
-    // The root is where the test program lies: a build folder has no "Binaries" above it.
-    Tests::TestApplication application;
-    ASSERT_TRUE(application.m_configCache.Initialize(nullptr));
-    const std::filesystem::path root = application.GetConfigCache().GetRootPath();
-    ASSERT_FALSE(root.empty());
-    ASSERT_EQ(FindRootDirectory(root.string(), "Binaries"), "");
+    DirectoryCache::GetInstance().SetProgramDirectory("/tool/bin/x64");
     std::string path;
     EXPECT_EQ(GetSchemaPath("a.json", path), "Resources/Schemas/a.json");
     EXPECT_EQ(GetShaderPath("line.vert", path), "Resources/UI/Shaders/line.vert");
     EXPECT_EQ(GetTexturePath("Mulish-Regular.ttf", path), "Resources/UI/Textures/Mulish-Regular.ttf");
 }
 
+TEST(ResourcePath, IsBelowTheDirectoryThatHoldsBinaries)
+{
+    DirectoryCache::GetInstance().SetProgramDirectory("/tool/Binaries/x64");
+    std::string path;
+    EXPECT_EQ(GetShaderPath("line.vert", path), "/tool/Resources/UI/Shaders/line.vert");
+    DirectoryCache::GetInstance().SetProgramDirectory({});
+}
+
 TEST(ResourcePath, NameIsJoinedAndNormalised)
 {
-    Tests::TestApplication application;
+    DirectoryCache::GetInstance().SetProgramDirectory({});
     std::string path;
     EXPECT_EQ(GetSchemaPath("a/./b//c/../d.json", path), "Resources/Schemas/a/b/d.json");
     EXPECT_EQ(GetSchemaPath("../x.json", path), "Resources/x.json");

@@ -4,7 +4,6 @@
 #include "Core/System/Text/Paths.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/LogRecorder.h"
-#include "Tests/Support/TestApplication.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -139,7 +138,7 @@ TEST(ResourcePathWindows, IsBelowTheDirectoryOfBinaries)
 // Compared as texts: paths are equal with either separator.
 TEST(ResourcePathWindows, SlashesComeOutAsBackslashes)
 {
-    const Tests::TestApplication application;
+    DirectoryCache::GetInstance().SetProgramDirectory({});
     std::string path;
     EXPECT_EQ(GetSchemaPath("a/b.json", path), "Resources\\Schemas\\a\\b.json");
     EXPECT_EQ(GetShaderPath("a\\./b//c.vert", path), "Resources\\UI\\Shaders\\a\\b\\c.vert");

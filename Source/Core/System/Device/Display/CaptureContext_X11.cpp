@@ -1,6 +1,7 @@
 #include "Core/System/Device/Display/CaptureContext.h"
 
 #include "Core/System/Device/Display/PixelConverter.h"
+#include "Core/System/Math/Rectangle.h"
 #include "Core/System/Platform/XConnection.h"
 #include "Core/System/Platform/XScreenReader.h"
 #include "Core/System/Time/MonotonicClock.h"
@@ -53,12 +54,6 @@ Area GetRootArea(::Display* display)
     const Platform::XGeometry root =
         Platform::GetXGeometry(display, DefaultRootWindow(display)).value_or(Platform::XGeometry());
     return {0, 0, root.width, root.height};
-}
-
-Area Intersect(const Area& first, const Area& second)
-{
-    return {std::max(first.left, second.left), std::max(first.top, second.top), std::min(first.right, second.right),
-            std::min(first.bottom, second.bottom)};
 }
 
 PixelLayout GetLayout(const XImage& image)
@@ -140,7 +135,7 @@ int PlatformCaptureContext::CopyScreen(::Display* display)
 {
     if (display == nullptr || reader == nullptr || !converter)
         return EINVAL;
-    const Area visible = Intersect(region, GetRootArea(display));
+    const Area visible = Math::Intersect(region, GetRootArea(display));
     if (visible.IsEmpty())
         return ENXIO;
     image = reader->Read(static_cast<int>(visible.left), static_cast<int>(visible.top),
@@ -167,7 +162,7 @@ bool CaptureContext::InitializePlatform(const Math::Rectangle& region)
         return false;
     PlatformCaptureContext& context = *m_platformContext;
     context.region = GetArea(region);
-    const Area visible = Intersect(context.region, GetRootArea(display));
+    const Area visible = Math::Intersect(context.region, GetRootArea(display));
     const auto width = static_cast<unsigned int>(std::max<std::int64_t>(visible.right - visible.left, 1));
     const auto height = static_cast<unsigned int>(std::max<std::int64_t>(visible.bottom - visible.top, 1));
     context.reader = std::make_unique<Platform::XScreenReader>(display, width, height);

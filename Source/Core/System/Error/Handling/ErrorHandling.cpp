@@ -60,15 +60,15 @@ ErrorHandling::~ErrorHandling()
 
 bool ErrorHandling::Initialize(Runtime::Application* application)
 {
-    Runtime::Application& instance = Runtime::Application::GetInstance();
-    const std::filesystem::path directory = Text::Join(instance.GetConfigCache().GetDataDirectory(), "Logs");
+    Runtime::Application& owner = application != nullptr ? *application : Runtime::Application::GetInstance();
+    const std::filesystem::path directory = Text::Join(owner.GetConfigCache().GetDataDirectory(), "Logs");
     if (!Text::Exists(directory) && !Text::CreateDirectories(directory))
     {
         m_reportDirectory.clear();
         return false;
     }
     m_reportDirectory = directory;
-    m_applicationName = Text::ToUtf8(application->GetName());
+    m_applicationName = Text::ToUtf8(owner.GetName());
     ClearMessageStream();
     return true;
 }

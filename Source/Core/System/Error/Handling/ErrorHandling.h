@@ -41,8 +41,12 @@ public:
 
     /// Sends report files to "Logs" in the data directory, created if need be, and names them after the application.
     /// Before that they go to the working directory. False if there is no such directory. Throws the file-system
-    /// errors "exists" and "create_directories".
+    /// errors "exists" and "create_directories". Without an application there has to be the singleton.
     [[nodiscard]] bool Initialize(Runtime::Application* application);
+
+    /// The run that is asked to end by an interruption or a termination; null for none. Not owned: an application that
+    /// gave itself takes itself back before it goes.
+    void SetApplication(Runtime::Application* application) { m_application = application; }
 
     /// Reports are also logged from now on. Not owned, and never taken back.
     void SetLogger(Log::Logger* logger) { m_logger = logger; }
@@ -93,7 +97,8 @@ private:
     void AbortPlatform(int signal);
 
     Log::Logger* m_logger = nullptr;
-    std::string m_applicationName; ///< UTF-8; begins the name of a report file
+    std::atomic<Runtime::Application*> m_application = nullptr; ///< read where requests arrive
+    std::string m_applicationName;                              ///< UTF-8; begins the name of a report file
     std::filesystem::path m_reportDirectory;
     std::filesystem::path m_wantedReportPath; ///< the name, by the time, of the last report in the working directory
     std::filesystem::path m_reportPath;       ///< the name that it got

@@ -47,7 +47,7 @@ void ErrorHandling::HandleSignal(int signal)
 
 bool ErrorHandling::HandleRequest(int signal)
 {
-    Runtime::Application* const application = Runtime::Application::FindInstance();
+    Runtime::Application* const application = m_application;
     if (application == nullptr)
         return false;
     // A run that is over takes its Systems down, and needs neither to be asked nor to be logged about.
@@ -93,13 +93,13 @@ void ErrorHandling::ReportSignal(int signal)
 
 void ErrorHandling::WaitForShutdown()
 {
-    Runtime::Application* const application = Runtime::Application::FindInstance();
+    Runtime::Application* const application = m_application;
     if (application == nullptr)
     {
         m_terminating = true; // the run is over
         return;
     }
-    Runtime::Application::RequestShutdown();
+    application->RequestShutdown();
     const std::atomic_ref<std::int32_t> returnCode(application->m_returnCode);
     std::uint64_t progress = Text::GetWriteProgress();
     int idlePolls = 0;

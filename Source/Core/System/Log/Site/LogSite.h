@@ -20,6 +20,9 @@ public:
 
     /// `text` is the message alone, without time, stream, severity and line end.
     virtual void Receive(std::uint32_t stream, MessageTypeID severity, const std::string& text) = 0;
+
+    /// Gives `context` the threshold that is configured for its stream. Without a configuration it stays as it is.
+    virtual void ApplySeverity(Context& /*context*/) const {}
 };
 
 /// Installs the receiver of all sites and returns the one before; null for none. The caller keeps it alive until it

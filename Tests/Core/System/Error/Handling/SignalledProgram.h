@@ -39,7 +39,9 @@ public:
         bool listens, std::function<void()> finish = [] {})
         : Application(L"Program"), m_listens(listens), m_finish(std::move(finish))
     {
+        ErrorHandling::GetInstance().SetApplication(this);
     }
+    ~Program() override { ErrorHandling::GetInstance().SetApplication(nullptr); }
     void OnShutdownRequested() override
     {
         std::cout << "asked" << std::endl;

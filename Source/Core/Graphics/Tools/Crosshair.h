@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/LineRenderer.h"
+#include "Core/Graphics/Tools/SnipGeometry.h"
+
+#include <array>
+#include <cstdint>
+
+namespace Orvik::Graphics::Tools
+{
+
+/// Two lines as long as the window, right of the cursor's pixel and below it. Owns both.
+class Crosshair
+{
+public:
+    /// Makes the lines, or gives those that are there the window's size.
+    void Fit(Size window, Renderer::LineRenderer& renderer);
+
+    /// Puts them at the cursor, window pixels. A line that is missing is passed over.
+    void Move(System::Math::Point cursor, Size window, Renderer::LineRenderer& renderer) const;
+
+    void Remove(Renderer::LineRenderer& renderer);
+
+    /// The horizontal line and the vertical one.
+    [[nodiscard]] const std::array<std::uint16_t, 2>& GetIds() const { return m_ids; }
+
+private:
+    std::array<std::uint16_t, 2> m_ids = {0, 0};
+};
+
+} // namespace Orvik::Graphics::Tools

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/Renderer.h"
+#include "Core/Graphics/Tools/SnipGeometry.h"
+#include "Core/System/Multimedia/Bitmap.h"
+
+#include <array>
+#include <cstdint>
+
+namespace Orvik::Graphics::Tools
+{
+
+/// The enlarged part of the capture. Owns its texture.
+class MagnifierPicture
+{
+public:
+    /// Makes a texture for regions of that size, in place of an earlier one. Its pixels come with `Show`.
+    void Create(const MagnifierSize& size, const System::Multimedia::Bitmap& capture, float scale,
+                Renderer::Renderer& renderer);
+
+    /// Puts it at the place and shows the capture around a position in the drawn image. Nothing happens if there is no
+    /// texture.
+    void Show(const MagnifierSize& size, const MagnifierPlace& place, System::Math::Point imagePosition,
+              const System::Multimedia::Bitmap& capture, const SnipView& view, Renderer::Renderer& renderer) const;
+
+    void Remove(Renderer::TextureRenderer& renderer);
+
+    [[nodiscard]] std::uint16_t GetId() const { return m_id; }
+
+private:
+    std::uint16_t m_id = 0;
+};
+
+/// The cross through the magnifier's middle. Owns both lines.
+class MagnifierCross
+{
+public:
+    /// Makes the lines, or gives those that are there the magnifier's size.
+    void Fit(Size magnifier, Renderer::LineRenderer& renderer);
+
+    /// Puts them at the magnifier's place. A line that is missing is passed over.
+    void Move(const MagnifierPlace& place, Size window, Renderer::LineRenderer& renderer) const;
+
+    void Remove(Renderer::LineRenderer& renderer);
+
+    /// The horizontal line and the vertical one.
+    [[nodiscard]] const std::array<std::uint16_t, 2>& GetIds() const { return m_ids; }
+
+private:
+    std::array<std::uint16_t, 2> m_ids = {0, 0};
+};
+
+/// A text on an edge of the magnifier. Owns its text object.
+class MagnifierLabel
+{
+public:
+    /// Makes the text unless it is there.
+    void Create(const char* text, Renderer::Renderer& renderer);
+
+    void SetText(const char* text, Renderer::Renderer& renderer) const;
+
+    /// Puts it with its lower left corner there, y upward, or with its lower right corner. Nothing happens if there is
+    /// no text.
+    void Place(float left, float y, float scale, Renderer::TextRenderer& renderer) const;
+    void PlaceFlushRight(float right, float y, float scale, Renderer::TextRenderer& renderer) const;
+
+    void Remove(Renderer::TextRenderer& renderer);
+
+    [[nodiscard]] std::uint16_t GetId() const { return m_id; }
+
+private:
+    std::uint16_t m_id = 0;
+};
+
+} // namespace Orvik::Graphics::Tools

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/LineRenderer.h"
+#include "Core/Graphics/Tools/SnipGeometry.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace Orvik::Graphics::Tools
+{
+
+/// The line around what is being selected. Owns it.
+class SelectionOutline
+{
+public:
+    static constexpr System::Math::Vector4 Colour = {141.0F / 255.0F, 65.0F / 255.0F, 184.0F / 255.0F, 1.0F};
+
+    /// Makes it around a single pixel.
+    void Create(Renderer::LineRenderer& renderer);
+
+    /// Runs one pixel outside of the rectangle on each side.
+    void ShowRectangle(const RectangleModeData& rectangle, Size window, Renderer::LineRenderer& renderer) const;
+
+    /// Runs through the vertices and, as a rubber band, to the cursor.
+    void ShowPolygon(const std::vector<System::Math::Point>& vertices, System::Math::Point cursor, Size window,
+                     Renderer::LineRenderer& renderer) const;
+
+    /// Keeps the line and its points, but out of sight.
+    void Hide(Renderer::LineRenderer& renderer) const;
+
+    void Remove(Renderer::LineRenderer& renderer);
+
+    [[nodiscard]] bool Exists(Renderer::LineRenderer& renderer) const { return renderer.Get(m_id) != nullptr; }
+    [[nodiscard]] std::uint16_t GetId() const { return m_id; }
+
+private:
+    std::uint16_t m_id = 0;
+};
+
+} // namespace Orvik::Graphics::Tools

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "Core/System/Math/Matrix4.h"
+#include "Core/System/Math/Point.h"
+#include "Core/System/Math/Rectangle.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+/// Where things are: from the screen to the window to the capture. Window pixels, y downward, unless it is said.
+namespace Orvik::Graphics::Tools
+{
+
+struct Size
+{
+    std::uint16_t width;
+    std::uint16_t height;
+};
+
+/// How a capture lies on a window: centred, and shrunk if it is larger.
+struct SnipView
+{
+    Size window;
+    Size capture;
+    float scale; ///< window pixels per capture pixel, a power of one half
+};
+
+/// The magnifier's size on the screen, and how many capture pixels it shows.
+struct MagnifierSize
+{
+    Size window;
+    Size region;
+};
+
+struct MagnifierPlace
+{
+    float margin;      ///< between it and the cursor
+    float left;        ///< its left edge
+    std::uint16_t top; ///< its top edge
+};
+
+/// A rectangle being dragged.
+struct RectangleModeData
+{
+    std::uint16_t anchorX = 0;
+    std::uint16_t anchorY = 0;
+    std::uint16_t x = 0;
+    std::uint16_t y = 0;
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
+
+    constexpr bool operator==(const RectangleModeData&) const = default;
+};
+
+/// The first power of one half at which the capture fits into the window; never more than 1. Powers of one half, so
+/// that a window pixel always stands for whole capture pixels. Neither size may be empty.
+[[nodiscard]] float ChooseDisplayScale(Size window, Size capture);
+
+/// The side of the square magnifier. It follows the window's height alone.
+[[nodiscard]] std::uint16_t ChooseMagnifierSide(std::uint16_t windowHeight);
+
+/// How many capture pixels a side of the magnifier shows, at least one.
+[[nodiscard]] std::uint16_t GetRegionSide(std::uint16_t magnifierSide, std::uint16_t magnification);
+
+/// A side at the scale that it is shown at, at least one pixel.
+[[nodiscard]] std::uint32_t ScaleSide(std::uint16_t side, float scale);
+
+/// A screen position on the window of the display with that origin. What is far outside of every screen stays outside,
+/// on the same side.
+[[nodiscard]] System::Math::Point ToWindowLocal(System::Math::Point screen, System::Math::Point displayOrigin);
+
+/// The nearest position within the drawn image, whose right and lower limits are inclusive.
+[[nodiscard]] System::Math::Point ClampToImage(const SnipView& view, System::Math::Point position);
+
+/// The drawn image's top left corner; never negative.
+[[nodiscard]] System::Math::Point GetImageCorner(const SnipView& view);
+
+/// A position in the drawn image, 16 bits each; not divided by the scale.
+[[nodiscard]] System::Math::Point GetImagePosition(const SnipView& view, System::Math::Point position);
+
+/// The capture pixel at a place. Left of the image, or above it, a position counts on from the end of 16 bits.
+[[nodiscard]] std::int32_t ToCaptureX(const SnipView& view, std::int32_t windowX);
+[[nodiscard]] std::int32_t ToCaptureY(const SnipView& view, std::int32_t windowY);
+
+/// Right of and below the cursor, on the other side where the window ends.
+[[nodiscard]] MagnifierPlace PlaceMagnifier(Size window, Size magnifier, System::Math::Point cursor);
+
+/// The height of the labels at a magnifier with that margin.
+[[nodiscard]] float GetLabelHeight(float margin);
+
+/// Spans the rectangle from its anchor to the cursor.
+void GrowRectangle(RectangleModeData& rectangle, System::Math::Point cursor);
+
+/// The selection, capture pixels.
+[[nodiscard]] System::Math::Rectangle GetRectangleBounds(const SnipView& view, const RectangleModeData& rectangle);
+
+/// Whether a click at the cursor ends the polygon: at the first vertex, once there are enough of them.
+[[nodiscard]] bool ClosesPolygon(const std::vector<System::Math::Point>& vertices, System::Math::Point cursor);
+
+/// The box around the vertices, of which there has to be one; capture pixels.
+[[nodiscard]] System::Math::Rectangle GetPolygonBounds(const SnipView& view,
+                                                       const std::vector<System::Math::Point>& vertices);
+
+/// The vertices relative to the bounds, capture pixels.
+[[nodiscard]] std::vector<System::Math::Point>
+ToRing(const SnipView& view, const std::vector<System::Math::Point>& vertices, const System::Math::Rectangle& bounds);
+
+[[nodiscard]] bool HasArea(const System::Math::Rectangle& bounds);
+
+/// The closed outline of a rectangle of that size with its corner at the origin, drawn inward: five points, the first
+/// repeated at the end.
+[[nodiscard]] std::array<System::Math::Vector4, 5> MakeRectangleOutline(std::uint16_t width, std::uint16_t height,
+                                                                        float thickness);
+
+} // namespace Orvik::Graphics::Tools

@@ -1,0 +1,64 @@
+#include "Application/SavedPathLabel.h"
+#include "Core/Graphics/Renderer/GLRecorder.h"
+#include "Tests/Support/TestApplication.h"
+
+#include <gtest/gtest.h>
+
+namespace Orvik::SnipBench
+{
+namespace
+{
+
+using Graphics::Renderer::Text;
+
+class SavedPathLabel : public testing::Test
+{
+protected:
+    SavedPathLabel()
+    {
+        Graphics::Renderer::GLRecorder::GetInstance().Reset();
+        EXPECT_TRUE(m_renderer.Initialize(s_window, "Window"));
+    }
+    ~SavedPathLabel() override { m_renderer.Shutdown(s_window); }
+
+    /// The one text that is shown.
+    [[nodiscard]] const Text& Show(const char* path, std::int32_t width, std::int32_t height)
+    {
+        m_renderer.Resize(s_window, width, height);
+        ShowSavedPath(path, m_label, m_renderer);
+        EXPECT_EQ(m_renderer.GetTextRenderer().GetCount(), 1U);
+        return *m_renderer.GetTextRenderer().GetObjects().begin();
+    }
+
+    static constexpr System::Desktop::NativeWindow s_window{1};
+    Tests::TestApplication m_application;
+    Graphics::Renderer::Renderer m_renderer;
+    Graphics::Tools::TimedLabel m_label;
+};
+
+TEST_F(SavedPathLabel, ThePathIsShownForASecond)
+{
+    (void)Show("/home/somebody/a.png", 1920, 1080);
+    EXPECT_EQ(m_label.GetRemaining(), 1'000'000'000);
+    EXPECT_FALSE(m_label.Tick(600'000'000, m_renderer));
+    (void)Show("/home/somebody/b.png", 1920, 1080);
+    EXPECT_EQ(m_label.GetRemaining(), 1'000'000'000) << "another path begins a second of its own";
+}
+
+TEST_F(SavedPathLabel, ItStandsInTheMiddleOfTheLowerPart)
+{
+    const Text& text = Show("/home/somebody/a.png", 1920, 1080);
+    ASSERT_GT(text.width, 0);
+    const float scale = 24.0F / 96.0F;
+    EXPECT_EQ(text.model, System::Math::Matrix4::ScaleAndTranslation(
+                              scale, scale, 0, 960 - static_cast<float>(text.width) * scale * 0.5F, 162, 1.5F));
+}
+
+TEST_F(SavedPathLabel, ItGrowsWithTheScreenAndIsNeverSmaller)
+{
+    EXPECT_EQ(Show("a", 3840, 2160).model.elements[0], 48.0F / 96.0F);
+    EXPECT_EQ(Show("a", 640, 360).model.elements[0], 24.0F / 96.0F);
+}
+
+} // namespace
+} // namespace Orvik::SnipBench
