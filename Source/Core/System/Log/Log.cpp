@@ -192,6 +192,11 @@ const Context& GetSystemContext() noexcept
     return s_systemContext;
 }
 
+const Context& GetSnipBenchContext() noexcept
+{
+    return s_snipBenchContext;
+}
+
 void UpdateContext(Context* context)
 {
     if (Runtime::Application::FindInstance() == nullptr)

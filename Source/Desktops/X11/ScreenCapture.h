@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Desktops/PlatformCaptureContext.h"
+
+#include <memory>
+
+namespace Orvik::Desktops::X11
+{
+
+/// Reads a region of the X server's root window.
+class ScreenCapture final : public PlatformCaptureContext
+{
+public:
+    ScreenCapture();
+    ~ScreenCapture() override;
+
+    [[nodiscard]] bool Initialize(const System::Math::Rectangle& region) override;
+    void AwaitRepaint() override;
+    [[nodiscard]] Failure CopyScreen() override;
+    [[nodiscard]] System::Types::Buffer<const unsigned char> GetPixels() const override;
+
+private:
+    struct Native;
+
+    std::unique_ptr<Native> m_native; ///< never null
+};
+
+} // namespace Orvik::Desktops::X11
