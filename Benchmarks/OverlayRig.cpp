@@ -3,7 +3,7 @@
 #include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/System/Desktop/KeyCode.h"
 #include "Core/System/Device/Display/DisplayCache.h"
-#include "Core/System/Platform/NullDesktop.h"
+#include "Tests/Support/NullDesktop.h"
 
 #include <cstring>
 #include <stdexcept>
@@ -18,7 +18,7 @@ using System::Device::Display::DisplayCache;
 using System::Tools::ToolContext;
 using System::Tools::ToolEventType;
 
-constexpr auto s_window = System::Desktop::NativeWindow{1};
+constexpr auto s_window = Desktops::NativeWindow{1};
 
 template <typename Objects>
 void AppendVisible(const Objects& objects, const Graphics::Renderer::SurfaceSpace& space,
@@ -47,13 +47,13 @@ System::Multimedia::Bitmap MakeStripes(std::uint16_t width, std::uint16_t height
 OverlayRig::OverlayRig(std::uint16_t width, std::uint16_t height, bool isSelecting)
     : Application(L"OverlayRig"), m_width(width), m_height(height)
 {
-    System::Platform::NullDesktop::GetInstance() = {};
+    Tests::NullDesktop::GetInstance() = {};
     System::Device::Display::DisplayDescriptor display;
     display.width = width;
     display.height = height;
-    System::Platform::NullDesktop::GetInstance().displays.push_back(display);
+    Tests::NullDesktop::GetInstance().displays.push_back(display);
     m_displaySystem = {new DisplayCache, [](DisplayCache* system) { delete system; }};
-    m_renderer.SetPainter({System::Desktop::SurfaceKind::Pixels, true, "measured"});
+    m_renderer.SetPainter({Desktops::SurfaceKind::Pixels, true, "measured"});
     if (!m_displaySystem->Initialize(nullptr) || !m_renderer.Initialize(s_window, "OverlayRig"))
         throw std::runtime_error("The overlay doesn't come up.");
     m_renderer.Resize(s_window, width, height);

@@ -2,7 +2,9 @@
 """Checks what Docs/Architecture.md promises about the structure of the sources, and names each line that breaks it:
 
   no include points to a layer above its own, and no two folders need each other, on whatever way;
-  no unit that all systems share reaches a system's header or asks which system it is;
+  no unit that all systems share reaches a system's header, includes one of a desktop's or an operating system's folder,
+    or asks which system it is;
+  the operations of a desktop are those that the page lists;
   no file has more than 500 lines, no function more than 60.
 
     Scripts/check-structure.py          this repository
@@ -20,12 +22,11 @@ SOURCES = ("Source", "Tests", "Examples", "Benchmarks")
 
 # Headers that are the same on every system. Whatever else stands in angle brackets belongs to one of them.
 SHARED_HEADERS = re.compile(r"[a-z_]+|fmt/.*|rapidjson/.*|gtest/.*|gmock/.*|png\.h|zlib\.h|libdeflate\.h|ft2build\.h|GL/glcorearb\.h")
-# The null half is made of values and is held to what the shared units are held to.
-HALF = re.compile(r"_(Linux|X11|Windows)(Test)?\.(h|cpp)$")
-# Private to the halves: headers here may name a system's.
-PLATFORM_FOLDER = "Source/Core/System/Platform/"
+# What belongs to one desktop or one operating system: a folder, or a single file by its name.
+OWN_FOLDER = re.compile(r"(Desktops|Systems)/[^/]+/")
+OWN_NAME = re.compile(r"_(Linux|X11|Windows)(Test)?\.(h|cpp)$")
 # The calling convention of OpenGL's functions can be told in no other way.
-CONDITIONS_ALLOWED = {"Source/Core/Graphics/Renderer/OpenGL.h"}
+CONDITIONS_ALLOWED = {"Source/Desktops/OpenGL.h"}
 
 
 def read_layers(root):
@@ -99,8 +100,13 @@ def check_circles(files):
         yield "these folders need each other: " + ", ".join(circle) + "".join("\n    " + step for step in steps)
 
 
+def is_shared(name):
+    """Whether a source below Source is every system's."""
+    return not OWN_FOLDER.match(name.removeprefix("Source/")) and not OWN_NAME.search(name)
+
+
 def check_platform(files):
-    """A header of a system may be reached by the halves alone, over whatever headers of ours."""
+    """A header of a system may be reached by its own units alone, over whatever headers of ours."""
     def find_system_header(name, seen):
         if name in seen or name not in files:
             return None
@@ -113,11 +119,14 @@ def check_platform(files):
         return None
 
     for name, text in files.items():
-        if not name.startswith("Source/") or HALF.search(name):
+        if not name.startswith("Source/") or not is_shared(name):
             continue
-        is_private = name.startswith(PLATFORM_FOLDER) and name.endswith(".h")
-        header = None if is_private else find_system_header(name, set())
-        if header:
+        own = [f"{name}:{line}: a shared unit includes {include}" for line, include, is_ours in find_includes(text)
+               if is_ours and OWN_FOLDER.match(include)]
+        header = find_system_header(name, set())
+        if own:
+            yield from own
+        elif header:
             yield f"{name}: a shared unit reaches the system header <{header}>"
 
 
@@ -127,7 +136,27 @@ def check_conditions(files):
             continue
         for match in re.finditer(r"^[ \t]*#[ \t]*(?:if|ifdef|ifndef|elif)\b.*", text, re.MULTILINE):
             line = text.count("\n", 0, match.start()) + 1
-            yield f"{name}:{line}: a half is chosen by its name, not by {match[0].strip()}"
+            yield f"{name}:{line}: a system's units are chosen by the build, not by {match[0].strip()}"
+
+
+def find_operations(text):
+    return re.findall(r"\bvirtual\b[^;{}]*?(\w+)\([^;{}]*= 0;", text)
+
+
+def check_operations(root, files):
+    """Each row `Interface` (number) of the page against the interface's header, and the number of them all."""
+    page = (root / "Docs/Architecture.md").read_text(encoding="utf-8")
+    rows = re.findall(r"^\| `(\w+)` \((\d+)\) \| (.*) \|$", page, re.MULTILINE)
+    listed = {name: (int(number), re.findall(r"`(\w+)`", operations)) for name, number, operations in rows}
+    declared = {Path(name).stem: operations for name, text in files.items()
+                if re.fullmatch(r"Source/Desktops/\w+\.h", name) and (operations := find_operations(text))}
+    for name in sorted(listed.keys() | declared.keys()):
+        operations = declared.get(name, [])
+        if listed.get(name, (0, [])) != (len(operations), operations):
+            yield f"Docs/Architecture.md: the operations of {name} are {len(operations)}: {', '.join(operations)}"
+    total = sum(len(operations) for operations in declared.values())
+    if declared and f"write these {total} operations" not in page:
+        yield f"Docs/Architecture.md: a desktop has {total} operations"
 
 
 def check_file_lengths(files):
@@ -193,7 +222,8 @@ def main():
     root = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).resolve().parent.parent)
     files = dict(find_files(root))
     findings = [*check_layers(files, read_layers(root)), *check_circles(files), *check_platform(files),
-                *check_conditions(files), *check_file_lengths(files), *check_function_lengths(files)]
+                *check_conditions(files), *check_operations(root, files),
+                *check_file_lengths(files), *check_function_lengths(files)]
     print("\n".join(findings) or f"{len(files)} files, nothing found.")
     return 1 if findings else 0
 

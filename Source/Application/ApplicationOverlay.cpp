@@ -6,6 +6,7 @@
 #include "Application/SnipFiles.h"
 #include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Device/Display/DisplayCache.h"
+#include "Core/System/Log/Log.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Core/System/Time/Trace.h"
@@ -100,7 +101,7 @@ std::string_view Application::OpenWindow()
     TraceScope step("painter choice");
     Graphics::Renderer::PainterChoice painter = Graphics::Renderer::ChoosePainter();
     const bool isOpenGL = painter.kind == System::Desktop::SurfaceKind::OpenGL;
-    Log::Write(s_context, Log::MessageTypeID::Verbose, "The overlay is drawn by ",
+    Log::Write(Log::GetSnipBenchContext(), Log::MessageTypeID::Verbose, "The overlay is drawn by ",
                isOpenGL ? "OpenGL" : "the program itself", ": ", painter.reason, ".");
     m_window->SetSurfaceKind(painter.kind);
     m_renderer.SetPainter(std::move(painter));

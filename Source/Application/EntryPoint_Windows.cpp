@@ -1,12 +1,12 @@
 // Where the process starts on Windows: a program with windows that consoles and other programs drive all the same.
 #include "Application/Application.h"
 #include "Core/System/Error/Handling/EarlyErrorHandling.h"
-#include "Core/System/Platform/Headers/WindowsHeaders.h"
-#include "Core/System/Processes/ParentConsole_Windows.h"
 #include "Core/System/Processes/Process.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Time/Trace.h"
+#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/ParentConsole.h"
 
 #include <optional>
 #include <utility>

@@ -3,11 +3,11 @@
 #pragma once
 
 #include "Application/Application.h"
-#include "Core/Graphics/Renderer/GLRecorder.h"
-#include "Core/System/Platform/NullDesktop.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/EnvironmentVariable.h"
+#include "Tests/Support/GLRecorder.h"
+#include "Tests/Support/NullDesktop.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <atomic>
@@ -38,7 +38,7 @@ class ApplicationTest : public testing::Test
 protected:
     ApplicationTest()
     {
-        Graphics::Renderer::GLRecorder::GetInstance().Reset();
+        Tests::GLRecorder::GetInstance().Reset();
         desktop.Reset();
         AddDisplay(0, 0, 200, 100);
         desktop.screenPixel = [](std::int32_t x, std::int32_t y)
@@ -124,7 +124,7 @@ protected:
         return log;
     }
 
-    System::Platform::NullDesktop& desktop = System::Platform::NullDesktop::GetInstance();
+    Tests::NullDesktop& desktop = Tests::NullDesktop::GetInstance();
     Tests::TemporaryDirectory home;
     Tests::EnvironmentVariable homeVariable{Tests::HomeVariable, home.GetPath().string().c_str()};
     Tests::TemporaryDirectory output;

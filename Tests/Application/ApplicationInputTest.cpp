@@ -25,8 +25,7 @@ protected:
     [[nodiscard]] static std::vector<double> GetMagnifierWidths()
     {
         std::vector<double> widths;
-        for (const Graphics::Renderer::GLCall& call :
-             Graphics::Renderer::GLRecorder::GetInstance().GetCalls("glTexImage2D"))
+        for (const Tests::GLCall& call : Tests::GLRecorder::GetInstance().GetCalls("glTexImage2D"))
         {
             constexpr std::size_t widthIndex = 3;
             constexpr double captureWidth = 200;

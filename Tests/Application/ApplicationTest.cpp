@@ -13,7 +13,6 @@ namespace Orvik::SnipBench
 namespace
 {
 
-using Graphics::Renderer::GLRecorder;
 using System::Desktop::KeyCode;
 using System::Desktop::Window;
 using System::Math::Point;
@@ -24,6 +23,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
+using Tests::GLRecorder;
 
 using ApplicationDeathTest = ApplicationTest;
 
@@ -101,7 +101,7 @@ TEST_F(ApplicationTest, AWindowThatCannotBeCreatedHasItsCode)
 TEST_F(ApplicationTest, ARendererThatCannotStartHasItsCode)
 {
     const Tests::EnvironmentVariable demanded("ORVIK_RENDERER", "opengl");
-    GLRecorder::GetInstance().contextCreates = false;
+    Tests::GLRecorder::GetInstance().contextCreates = false;
     UseOutput();
     EXPECT_EQ(Run(), -5);
     EXPECT_THAT(printed, EndsWith(MakeCodeObject("Failed to initialize renderer", -5)));
@@ -110,7 +110,7 @@ TEST_F(ApplicationTest, ARendererThatCannotStartHasItsCode)
 
 TEST_F(ApplicationTest, ARunWithoutOpenGLDrawsTheOverlayItself)
 {
-    GLRecorder::GetInstance().contextCreates = false;
+    Tests::GLRecorder::GetInstance().contextCreates = false;
     UseOutput();
     Drag({10, 20}, {110, 70});
     Escape();
@@ -134,7 +134,7 @@ TEST_F(ApplicationTest, AnUntouchedOverlayWaits)
         });
     EXPECT_EQ(Run(), 0);
     stopper.join();
-    EXPECT_EQ(GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U);
+    EXPECT_EQ(Tests::GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U);
     EXPECT_LT(desktop.waits, 1000U);
 }
 
@@ -168,6 +168,33 @@ TEST_F(ApplicationTest, TheLogBeginsWithVersionAndFile)
     ASSERT_EQ(files.size(), 1U);
     EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] v0.3.0.2 Preview started.\n"));
     EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Using '" + files[0].string() + "'.\n"));
+}
+
+TEST_F(ApplicationTest, AConfigurationShowsHowDesktopAndPainterWereChosen)
+{
+    AddArguments({"-cj", R"({"configuration":{"LogSystem":{"streams":{"All":{"severity":"Verbose"}}}}})"});
+    UseOutput();
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(ReadLog(), HasSubstr(" | System] Verbose: The desktop is Null: it was chosen before the run.\n"));
+    EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Verbose: The overlay is drawn by OpenGL: the null desktop has a "
+                                     "graphics card.\n"));
+}
+
+TEST_F(ApplicationTest, AnOrdinaryLogDoesNotSayHowDesktopAndPainterWereChosen)
+{
+    UseOutput();
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(ReadLog(), Not(HasSubstr("The desktop is")));
+    EXPECT_THAT(ReadLog(), Not(HasSubstr("The overlay is drawn by")));
+}
+
+TEST_F(ApplicationDeathTest, ADesktopThatIsGoneEndsTheRunAsEscapeDoes)
+{
+    UseOutput();
+    desktop.messages.emplace_back([this](System::Desktop::Window&) { desktop.lossHandler(); });
+    EXPECT_EXIT(Run(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(ApplicationTest, TheOverlayComesUpInOrder)
@@ -268,7 +295,7 @@ TEST_F(ApplicationTest, AWindowClosedByTheSystemDoesNotEndTheLoop)
         });
     EXPECT_EQ(Run(), 0);
     stopper.join();
-    EXPECT_EQ(GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U) << "the frame of the request itself";
+    EXPECT_EQ(Tests::GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U) << "the frame of the request itself";
     EXPECT_LT(desktop.waits, 1000U) << "a run without a window waits";
 }
 

@@ -2,7 +2,7 @@
 #include "Application/Application.h"
 
 #include "Core/System/Runtime/CommandLine.h"
-#include "Tests/Core/System/Desktop/XUser.h"
+#include "Tests/Desktops/X11/XUser.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TemporaryDirectory.h"
 

@@ -23,7 +23,7 @@ using System::Tools::ToolContext;
 using System::Tools::ToolEventType;
 using testing::ElementsAre;
 
-constexpr auto s_window = System::Desktop::NativeWindow{1};
+constexpr auto s_window = Desktops::NativeWindow{1};
 
 class PolygonSnip : public testing::Test
 {

@@ -1,5 +1,5 @@
 #include "Application/SavedPathLabel.h"
-#include "Core/Graphics/Renderer/GLRecorder.h"
+#include "Tests/Support/GLRecorder.h"
 #include "Tests/Support/TestApplication.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ class SavedPathLabel : public testing::Test
 protected:
     SavedPathLabel()
     {
-        Graphics::Renderer::GLRecorder::GetInstance().Reset();
+        GLRecorder::GetInstance().Reset();
         EXPECT_TRUE(m_renderer.Initialize(s_window, "Window"));
     }
     ~SavedPathLabel() override { m_renderer.Shutdown(s_window); }

@@ -1,6 +1,6 @@
 #include "Application/SnipFiles.h"
 
-#include "Core/System/Platform/Headers/WindowsHandle.h"
+#include "Systems/Windows/Headers/WindowsHandle.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/TemporaryDirectory.h"
@@ -49,9 +49,8 @@ TEST(SnipFilesWindows, AnAnnotationFileThatAReaderKeepsIsLoggedAndWrittenWithThe
 
     const Tests::LogRecorder log;
     {
-        const System::Platform::WindowsHandle reader(CreateFileW(file.c_str(), GENERIC_READ,
-                                                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        const Systems::WindowsHandle reader(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                        nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_NE(reader.get(), INVALID_HANDLE_VALUE);
         SaveAnnotation(result, settings);
         ASSERT_EQ(log.GetLines().size(), 1U);

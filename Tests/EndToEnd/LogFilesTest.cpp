@@ -53,6 +53,19 @@ protected:
     const Picture m_picture = MakeTestPicture(s_width, s_height);
 };
 
+TEST_F(LogFiles, OneThatIsConfiguredForItSaysHowDesktopAndPainterWereChosen)
+{
+    const std::string configuration = R"({"configuration":{"LogSystem":{"streams":{"All":{"severity":"Verbose"}}}}})";
+    ChildProcess process =
+        StartOverlay({"-f", AddPicture(m_picture), "-o", GetOutput().string(), "-cj", configuration});
+    ExpectEnd(process, "");
+    const std::string log = ReadText(GetLog());
+    EXPECT_NE(log.find(" | System] Verbose: The desktop is X11: it is the only one on this system.\n"),
+              std::string::npos)
+        << log;
+    EXPECT_NE(log.find(" | SnipBench] Verbose: The overlay is drawn by "), std::string::npos) << log;
+}
+
 TEST_F(LogFiles, OneThatIsRemovedDuringTheRun)
 {
     ChildProcess process = StartOnPicture();

@@ -10,16 +10,17 @@ from pathlib import Path
 SCRIPT = Path(__file__).resolve().parents[2] / "Scripts/check-structure.py"
 
 TREE = {
-    "Docs/Architecture.md": "| Layer | Folders |\n|---|---|\n| 1 | `Low`, `Other`, `Core/System/Platform` |\n"
+    "Docs/Architecture.md": "| Layer | Folders |\n|---|---|\n| 1 | `Low`, `Other`, `Desktops/X11` |\n"
                             "| 2 | `Middle` |\n| 3 | `High` |\n| 4 | `Top` |\n",
     "Source/Low/Low.h": "#include <vector>\n",
     "Source/Low/Low.cpp": '#include "Low/Low.h"\n#include <fmt/format.h>\n',
-    "Source/Low/Low_X11.cpp": '#include "Core/System/Platform/XHeaders.h"\n#include <unistd.h>\n',
+    "Source/Low/Low_X11.h": '#include "Desktops/X11/XHeaders.h"\n',
+    "Source/Low/Low_X11.cpp": '#include "Desktops/X11/XHeaders.h"\n#include <unistd.h>\n',
     "Source/Middle/Middle.h": '#include "Low/Low.h"\n#include "Other/Other.h"\n',
     "Source/High/High.cpp": '#include "Middle/Middle.h"\n',
     "Source/Top/Top.h": "",
     "Source/Other/Other.h": "",
-    "Source/Core/System/Platform/XHeaders.h": "#include <X11/Xlib.h>\n",
+    "Source/Desktops/X11/XHeaders.h": "#include <X11/Xlib.h>\n",
     "Tests/High/HighTest.cpp": '#include "Low/Low.h"\n#include <gtest/gtest.h>\n',
 }
 
@@ -50,7 +51,7 @@ class CheckStructure(unittest.TestCase):
         return found[0]
 
     def test_nothing_is_found_in_a_tree_that_keeps_the_rules(self):
-        self.assertEqual(self.check(), ["9 files, nothing found."])
+        self.assertEqual(self.check(), ["10 files, nothing found."])
 
     def test_an_include_of_a_higher_layer(self):
         self.assertEqual(self.find("Source/Low/New.cpp", '\n#include "Top/Top.h"\n'),
@@ -68,7 +69,7 @@ class CheckStructure(unittest.TestCase):
 
     def test_folders_that_need_each_other_over_a_third(self):
         found = self.check({"Docs/Architecture.md": "| 1 | `Low`, `Middle`, `High`, `Other`, `Top`, "
-                                                          "`Core/System/Platform` |\n",
+                                                          "`Desktops/X11` |\n",
                                   "Source/Other/Other.h": '#include "High/High.h"\n'})
         self.assertEqual(found[0], "these folders need each other: High, Middle, Other")
 
@@ -76,25 +77,43 @@ class CheckStructure(unittest.TestCase):
         self.assertEqual(self.find("Source/Low/New.cpp", "#include <windows.h>\n"),
                          "Source/Low/New.cpp: a shared unit reaches the system header <windows.h>")
 
-    def test_a_system_header_in_the_null_half(self):
-        self.assertIn("<unistd.h>", self.find("Source/Low/New_Null.cpp", "#include <unistd.h>\n"))
-
     def test_a_system_header_that_is_reached_over_a_private_one(self):
         self.assertIn("Low/New.cpp: a shared unit reaches the system header <X11/Xlib.h>",
-                      self.find("Source/Low/New.cpp", '#include "Core/System/Platform/XHeaders.h"\n'))
+                      self.find("Source/Low/New.cpp", '#include "Low/Low_X11.h"\n'))
+
+    def test_a_desktop_that_a_shared_unit_knows(self):
+        self.assertEqual(self.find("Source/Low/New.cpp", '#include "Desktops/X11/XHeaders.h"\n'),
+                         "Source/Low/New.cpp:1: a shared unit includes Desktops/X11/XHeaders.h")
+
+    def test_what_desktops_share_is_shared(self):
+        tree = {"Docs/Architecture.md": TREE["Docs/Architecture.md"].replace("`Low`", "`Low`, `Desktops`")}
+        found = self.check({**tree, "Source/Desktops/Desktop.cpp": "#include <unistd.h>\n"})
+        self.assertEqual(found, ["Source/Desktops/Desktop.cpp: a shared unit reaches the system header <unistd.h>"])
+
+    def test_operations_of_a_desktop_that_the_page_does_not_list(self):
+        page = TREE["Docs/Architecture.md"].replace("`Low`", "`Low`, `Desktops`")
+        header = {"Source/Desktops/Desktop.h": "class A\n{\n    virtual int Show(int a) = 0;\n"
+                                               "    [[nodiscard]] virtual B\n    Hide() const = 0;\n    virtual ~A();\n};\n"}
+        row = page + "write these 2 operations\n| `Desktop` (2) | `Show`, `Hide` |\n"
+        self.assertEqual(len(self.check({**header, "Docs/Architecture.md": row})), 1)
+        for old, new, found in (("`Hide`", "`Hid`", "the operations of Desktop are 2: Show, Hide"), ("(2)", "(3)", "are 2"),
+                                ("these 2", "these 3", "a desktop has 2 operations"),
+                                ("`Desktop` (2)", "`Desk` (2)", "the operations of Desk are 0")):
+            with self.subTest(new):
+                self.assertIn(found, self.check({**header, "Docs/Architecture.md": row.replace(old, new)})[0])
 
     def test_a_condition_on_the_system(self):
         for line in ("#ifdef _WIN32", "  #  if defined(__linux__)", "#ifndef NDEBUG", "#elif 1"):
             self.assertIn("Low/New.h:2:", self.find("Source/Low/New.h", f"\n{line}\n"))
 
     def test_a_file_that_is_too_long(self):
-        self.assertEqual(self.check({"Source/Low/New.h": "\n" * 500})[0], "10 files, nothing found.")
+        self.assertEqual(self.check({"Source/Low/New.h": "\n" * 500})[0], "11 files, nothing found.")
         self.assertEqual(self.find("Source/Low/New.h", "\n" * 501), "Source/Low/New.h: 501 lines, more than 500")
 
     def test_a_function_that_is_too_long(self):
         name = "Source/Low/New.cpp"
         before = "namespace A\n{\nint s_table[] = {1, 2};\n"
-        self.assertEqual(self.check({name: before + function(60) + "}\n"})[0], "10 files, nothing found.")
+        self.assertEqual(self.check({name: before + function(60) + "}\n"})[0], "11 files, nothing found.")
         self.assertEqual(self.find(name, before + function(61) + "}\n"), f"{name}:4: a function of 61 lines, more than 60")
 
     def test_functions_of_every_form(self):

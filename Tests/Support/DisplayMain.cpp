@@ -1,4 +1,5 @@
 // The main function of tests that need a screen: they get a virtual one of their own.
+#include "Desktops/DesktopChoice.h"
 #include "Tests/Support/EnvironmentLocale.h"
 #include "Tests/Support/VirtualDisplay.h"
 
@@ -30,5 +31,6 @@ int main(int argc, char** argv)
         return RUN_ALL_TESTS();
     const Orvik::Tests::VirtualDisplay display;
     setenv("DISPLAY", display.GetName().c_str(), 1);
+    Orvik::Desktops::SetDesktop(Orvik::Desktops::ChooseDesktop().desktop);
     return RUN_ALL_TESTS();
 }

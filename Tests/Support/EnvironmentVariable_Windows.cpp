@@ -1,5 +1,5 @@
-#include "Core/System/Platform/Headers/WindowsHeaders.h"
 #include "Core/System/Text/Unicode.h"
+#include "Systems/Windows/Headers/WindowsHeaders.h"
 #include "Tests/Support/EnvironmentVariable.h"
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "Tests/Support/GLWindow_X11.h"
 
-#include "Core/System/Platform/EglDisplay.h"
-#include "Core/System/Platform/XConnection.h"
+#include "Desktops/X11/EglDisplay.h"
+#include "Desktops/X11/XConnection.h"
 
 #include <X11/Xatom.h>
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace
 
 ::Display* GetDisplay()
 {
-    ::Display* const display = System::Platform::GetXDisplay();
+    ::Display* const display = Desktops::X11::GetXDisplay();
     if (display == nullptr)
         throw std::runtime_error("There is no X server.");
     return display;
@@ -25,7 +25,7 @@ namespace
 GLWindow::GLWindow(std::uint32_t width, std::uint32_t height, int x) : m_width(width), m_height(height)
 {
     ::Display* const display = GetDisplay();
-    const auto& configuration = System::Platform::GetEglConfiguration();
+    const auto& configuration = Desktops::X11::GetEglConfiguration();
     if (!configuration)
         throw std::runtime_error("The X server has no OpenGL with 4 samples.");
     const XVisualInfo& visual = configuration->visual;
@@ -39,19 +39,19 @@ GLWindow::GLWindow(std::uint32_t width, std::uint32_t height, int x) : m_width(w
     XStoreName(display, window, "Before");
     XMapRaised(display, window);
     XSync(display, False);
-    m_native = static_cast<System::Desktop::NativeWindow>(window);
+    m_native = static_cast<Desktops::NativeWindow>(window);
 }
 
 GLWindow::~GLWindow()
 {
     Destroy();
-    if (System::Platform::GetXDisplay() != nullptr)
+    if (Desktops::X11::GetXDisplay() != nullptr)
         XFreeColormap(GetDisplay(), m_colormap);
 }
 
 void GLWindow::Destroy()
 {
-    if (m_native == System::Desktop::NativeWindow{} || System::Platform::GetXDisplay() == nullptr)
+    if (m_native == Desktops::NativeWindow{} || Desktops::X11::GetXDisplay() == nullptr)
         return;
     XDestroyWindow(GetDisplay(), static_cast<::Window>(m_native));
     XSync(GetDisplay(), False);
@@ -90,7 +90,7 @@ std::vector<std::uint32_t> GLWindow::Capture() const
     return pixels;
 }
 
-System::Desktop::NativeWindow CreateForeignWindow()
+Desktops::NativeWindow CreateForeignWindow()
 {
     ::Display* const display = GetDisplay();
     XVisualInfo wanted = {};
@@ -100,7 +100,7 @@ System::Desktop::NativeWindow CreateForeignWindow()
     const XVisualInfo* const foreign =
         std::find_if(visuals, visuals + count,
                      [](const XVisualInfo& visual)
-                     { return visual.visualid != System::Platform::GetEglConfiguration()->visual.visualid; });
+                     { return visual.visualid != Desktops::X11::GetEglConfiguration()->visual.visualid; });
     if (foreign == visuals + count)
         throw std::runtime_error("The X server has but one visual.");
     XSetWindowAttributes attributes = {};
@@ -109,7 +109,7 @@ System::Desktop::NativeWindow CreateForeignWindow()
                                           InputOutput, foreign->visual, CWColormap | CWBorderPixel, &attributes);
     XFree(visuals);
     XSync(display, False);
-    return static_cast<System::Desktop::NativeWindow>(window);
+    return static_cast<Desktops::NativeWindow>(window);
 }
 
 } // namespace Orvik::Tests

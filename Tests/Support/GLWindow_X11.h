@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Desktop/NativeWindow.h"
+#include "Desktops/NativeWindow.h"
 
 #include <cstdint>
 #include <string>
@@ -19,7 +19,7 @@ public:
     GLWindow(const GLWindow&) = delete;
     GLWindow& operator=(const GLWindow&) = delete;
 
-    [[nodiscard]] System::Desktop::NativeWindow GetNative() const { return m_native; }
+    [[nodiscard]] Desktops::NativeWindow GetNative() const { return m_native; }
 
     /// Takes the window away from under whoever draws on it.
     void Destroy();
@@ -35,10 +35,10 @@ private:
     std::uint32_t m_width;
     std::uint32_t m_height;
     unsigned long m_colormap = 0;
-    System::Desktop::NativeWindow m_native{};
+    Desktops::NativeWindow m_native{};
 };
 
 /// An X window of another visual than the program draws on. It goes with the X connection.
-[[nodiscard]] System::Desktop::NativeWindow CreateForeignWindow();
+[[nodiscard]] Desktops::NativeWindow CreateForeignWindow();
 
 } // namespace Orvik::Tests

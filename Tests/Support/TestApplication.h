@@ -18,7 +18,7 @@ public:
     using Application::m_systems;
     using Application::m_threadManager;
 
-    /// Creates the display system, as the null half's list of displays has it.
+    /// Creates the display system, as the null desktop's list of displays has it.
     void CreateDisplayCache();
 };
 

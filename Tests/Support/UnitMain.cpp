@@ -1,5 +1,7 @@
-// The main function of tests that need no screen.
+// The main function of tests that need no screen: they run on the null desktop.
+#include "Desktops/Desktop.h"
 #include "Tests/Support/EnvironmentLocale.h"
+#include "Tests/Support/NullDesktop.h"
 
 #include <gtest/gtest.h>
 
@@ -22,5 +24,6 @@ int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
     Orvik::Tests::UseEnvironmentLocale();
+    Orvik::Desktops::SetDesktop(Orvik::Tests::NullDesktop::GetInstance());
     return RUN_ALL_TESTS();
 }

@@ -1,14 +1,16 @@
 #pragma once
 
-#include "Core/Graphics/Renderer/OpenGL.h"
-#include "Core/System/Desktop/NativeWindow.h"
+#include "Desktops/NativeWindow.h"
+#include "Desktops/OpenGL.h"
 
+#include <memory>
 #include <string>
 
 namespace Orvik::Graphics::Renderer
 {
 
-/// The entry points beyond OpenGL 1.1, in loading order. All have to be there, also those that nothing calls.
+/// The entry points: first those beyond OpenGL 1.1, in loading order, which all have to be there, also those that
+/// nothing calls.
 struct EntryPoints
 {
 #define ORVIK_FOR_EACH_ENTRY_POINT(ENTRY)                                                                              \
@@ -53,6 +55,8 @@ struct EntryPoints
 
 #define ORVIK_DECLARE_ENTRY_POINT(Type, name) Type name = nullptr;
     ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_DECLARE_ENTRY_POINT)
+    // OpenGL 1.1's, which every library exports.
+    ORVIK_FOR_EACH_LIBRARY_FUNCTION(ORVIK_DECLARE_ENTRY_POINT)
 #undef ORVIK_DECLARE_ENTRY_POINT
 
     /// Newer than OpenGL 1.1 too, but not demanded; null where the driver hasn't got it.
@@ -76,13 +80,13 @@ public:
     /// Makes the context current on the window, loads the entry points and sets the state that everything is drawn
     /// with. The result is `IsValid`. On failure one log line has said why, and no context is left; it is an error only
     /// if the context is demanded. `className` is the window's registered class, UTF-8.
-    bool Create(System::Desktop::NativeWindow window, const char* className, bool isDemanded = true);
+    bool Create(Desktops::NativeWindow window, const char* className, bool isDemanded = true);
 
     /// Gives the context up and deletes it; the context isn't valid afterwards. Does nothing without one.
-    void Destroy(System::Desktop::NativeWindow window);
+    void Destroy(Desktops::NativeWindow window);
 
     /// Shows what was drawn. Does nothing without a context, or when the window's server is gone.
-    void SwapBuffers(System::Desktop::NativeWindow window);
+    void SwapBuffers(Desktops::NativeWindow window);
 
     /// A context is current and all entry points are bound. Whatever draws tests it first.
     [[nodiscard]] bool IsValid() const { return m_valid; }
@@ -91,18 +95,16 @@ public:
     [[nodiscard]] const std::string& GetVersion() const { return m_version; }
 
 private:
-    [[nodiscard]] bool CreatePlatform(System::Desktop::NativeWindow window, const char* className);
-    void DestroyPlatform(System::Desktop::NativeWindow window);
-    void SwapBuffersPlatform(System::Desktop::NativeWindow window);
-    static void SetFixedState();
+    [[nodiscard]] bool Bind(Desktops::NativeWindow window, const char* className);
+    void LoadEntryPoints();
+    void SetFixedState() const;
     /// Logs why there is no context. The line begins with the version, or with "OpenGL" as long as it isn't known.
     void Report(const char* failure) const;
 
     bool m_valid = false;
     bool m_isDemanded = true;
     EntryPoints m_entryPoints;
-    void* m_handle = nullptr;  ///< the half's context
-    void* m_surface = nullptr; ///< what the half draws on, where that isn't the window itself
+    std::unique_ptr<Desktops::OpenGLSurface> m_surface; ///< null without a context
     std::string m_version;
 };
 

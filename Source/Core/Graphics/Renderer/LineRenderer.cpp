@@ -71,7 +71,7 @@ void LineRenderer::Render(Renderer& renderer)
         return;
     const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
     gl.glUseProgram(m_program);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+    gl.glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     gl.glBindVertexArray(m_vertexArray);
     gl.glBindBufferBase(GL_UNIFORM_BUFFER, s_pointBinding, m_pointBuffer);
     for (const Line& line : m_objects)
@@ -99,7 +99,7 @@ bool LineRenderer::DrawLine(Renderer& renderer, const Line& line)
     gl.glBufferSubData(GL_UNIFORM_BUFFER, 0, static_cast<GLsizeiptr>(line.points.size() * sizeof(Vector4)),
                        line.points.data());
     const auto segments = static_cast<GLsizei>(line.points.size() - s_pointsWithoutSegment);
-    glDrawArrays(GL_TRIANGLES, 0, segments * s_verticesPerSegment);
+    gl.glDrawArrays(GL_TRIANGLES, 0, segments * s_verticesPerSegment);
     return true;
 }
 

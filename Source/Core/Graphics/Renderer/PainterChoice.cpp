@@ -1,6 +1,6 @@
 #include "Core/Graphics/Renderer/PainterChoice.h"
 
-#include "Core/System/Desktop/GraphicsCard.h"
+#include "Desktops/Desktop.h"
 
 #include <cstdlib>
 #include <string_view>
@@ -10,7 +10,7 @@ namespace Orvik::Graphics::Renderer
 namespace
 {
 
-using System::Desktop::SurfaceKind;
+using Desktops::SurfaceKind;
 
 constexpr const char* s_variable = "ORVIK_RENDERER";
 constexpr const char* s_byHand = "ORVIK_RENDERER says so";
@@ -25,7 +25,7 @@ PainterChoice ChoosePainter()
         return {SurfaceKind::OpenGL, true, s_byHand};
     if (wanted == "raster")
         return {SurfaceKind::Pixels, true, s_byHand};
-    const System::Desktop::GraphicsCard card = System::Desktop::FindGraphicsCard();
+    const Desktops::GraphicsCard card = Desktops::GetDesktop().FindGraphicsCard();
     return {card.isReachable ? SurfaceKind::OpenGL : SurfaceKind::Pixels, false, card.reason};
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Desktop/SurfaceKind.h"
+#include "Desktops/SurfaceKind.h"
 
 #include <string>
 
@@ -10,7 +10,7 @@ namespace Orvik::Graphics::Renderer
 /// How render objects become pixels: by OpenGL, or by the program itself into memory.
 struct PainterChoice
 {
-    System::Desktop::SurfaceKind kind = System::Desktop::SurfaceKind::OpenGL;
+    Desktops::SurfaceKind kind = Desktops::SurfaceKind::OpenGL;
     bool isByHand = true; ///< nothing else is tried where OpenGL can't be had
     std::string reason = "it is the default";
 };

@@ -87,7 +87,7 @@ void PolygonRenderer::Render(Renderer& renderer)
             continue;
         gl.glUniformMatrix4fv(m_modelLocation, 1, GL_FALSE, polygon.model.elements.data());
         gl.glBindVertexArray(polygon.gpuData.vertexArray);
-        glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(polygon.gpuData.uploadedCount));
+        gl.glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(polygon.gpuData.uploadedCount));
         gl.glBindVertexArray(0);
     }
 }

@@ -2,9 +2,9 @@
 
 #include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
-#include "Core/Graphics/Renderer/OpenGL.h"
 #include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/System/Math/Matrix4.h"
+#include "Desktops/OpenGL.h"
 
 #include <array>
 #include <cstdint>

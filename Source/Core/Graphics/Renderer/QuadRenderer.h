@@ -2,8 +2,8 @@
 
 #include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
-#include "Core/Graphics/Renderer/OpenGL.h"
 #include "Core/System/Math/Matrix4.h"
+#include "Desktops/OpenGL.h"
 
 #include <cstdint>
 

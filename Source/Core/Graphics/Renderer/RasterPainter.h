@@ -4,8 +4,8 @@
 #include "Core/Graphics/Raster/Items.h"
 #include "Core/Graphics/Raster/Painter.h"
 #include "Core/Graphics/Renderer/RenderItems.h"
-#include "Core/System/Desktop/NativeWindow.h"
 #include "Core/System/Desktop/PixelSurface.h"
+#include "Desktops/NativeWindow.h"
 
 #include <cstdint>
 #include <vector>

@@ -24,10 +24,10 @@ constexpr float s_referenceHeight = 1080.0F; ///< of the screen that things are 
 
 } // namespace
 
-bool Renderer::Initialize(System::Desktop::NativeWindow window, const char* className)
+bool Renderer::Initialize(Desktops::NativeWindow window, const char* className)
 {
     m_mustDraw = true;
-    m_drawsIntoMemory = m_choice.kind == System::Desktop::SurfaceKind::Pixels;
+    m_drawsIntoMemory = m_choice.kind == Desktops::SurfaceKind::Pixels;
     if (m_drawsIntoMemory)
         return InitializeForRaster();
     if (!m_context.Create(window, className, m_choice.isByHand))
@@ -75,7 +75,7 @@ bool Renderer::InitializeForRaster()
     return true;
 }
 
-void Renderer::Resize(System::Desktop::NativeWindow window, std::int32_t width, std::int32_t height)
+void Renderer::Resize(Desktops::NativeWindow window, std::int32_t width, std::int32_t height)
 {
     if (!m_initialized || width <= 0 || height <= 0 || (!m_drawsIntoMemory && !m_context.IsValid()))
         return;
@@ -88,8 +88,8 @@ void Renderer::Resize(System::Desktop::NativeWindow window, std::int32_t width, 
         m_rasterPainter.Resize(window, width, height);
         return;
     }
-    glViewport(0, 0, width, height);
     const EntryPoints& gl = m_context.GetEntryPoints();
+    gl.glViewport(0, 0, width, height);
     gl.glBindBuffer(GL_UNIFORM_BUFFER, m_sharedBuffer);
     gl.glBufferSubData(GL_UNIFORM_BUFFER, s_projectionOffset, sizeof(m_projection), &m_projection);
     gl.glBufferSubData(GL_UNIFORM_BUFFER, s_viewOffset, sizeof(m_view), &m_view);
@@ -97,15 +97,15 @@ void Renderer::Resize(System::Desktop::NativeWindow window, std::int32_t width, 
     gl.glBindBuffer(GL_UNIFORM_BUFFER, 0);
 }
 
-bool Renderer::Render(System::Desktop::NativeWindow window)
+bool Renderer::Render(Desktops::NativeWindow window)
 {
-    if (!m_initialized || window == System::Desktop::NativeWindow::None)
+    if (!m_initialized || window == Desktops::NativeWindow::None)
         return false;
     if (m_drawsIntoMemory)
         return m_rasterPainter.Render(*this);
     if (!m_context.IsValid() || !HasChanged())
         return false;
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    m_context.GetEntryPoints().glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     m_polygonRenderer.Render(*this);
     m_quadRenderer.Render(*this);
     m_textureRenderer.Render(*this);
@@ -135,7 +135,7 @@ bool Renderer::HasChanged()
     return hasChanged;
 }
 
-void Renderer::Shutdown(System::Desktop::NativeWindow window)
+void Renderer::Shutdown(Desktops::NativeWindow window)
 {
     if (!m_initialized)
         return;

@@ -9,8 +9,8 @@
 #include "Core/Graphics/Renderer/RasterPainter.h"
 #include "Core/Graphics/Renderer/TextRenderer.h"
 #include "Core/Graphics/Renderer/TextureRenderer.h"
-#include "Core/System/Desktop/NativeWindow.h"
 #include "Core/System/Math/Matrix4.h"
+#include "Desktops/NativeWindow.h"
 
 #include <array>
 #include <cstdint>
@@ -41,21 +41,21 @@ public:
     /// why, what came up stays, and the renderer draws nothing. Where OpenGL can't be had and wasn't demanded by hand,
     /// the objects are drawn into memory in its place. A shader file or a font that is missing or unreadable is a
     /// failure either way.
-    [[nodiscard]] bool Initialize(System::Desktop::NativeWindow window, const char* className);
+    [[nodiscard]] bool Initialize(Desktops::NativeWindow window, const char* className);
 
     /// Settles the size of the drawing surface, in pixels. Has to be called before the first object is asked for. A
     /// surface without area changes nothing.
-    void Resize(System::Desktop::NativeWindow window, std::int32_t width, std::int32_t height);
+    void Resize(Desktops::NativeWindow window, std::int32_t width, std::int32_t height);
 
     /// Draws all visible objects and shows the picture, if it would differ from the one before. False if nothing was
     /// drawn. Without a window nothing is: a driver may lose memory with each picture that it can't show.
-    bool Render(System::Desktop::NativeWindow window);
+    bool Render(Desktops::NativeWindow window);
 
     /// The window has lost what it showed: the next `Render` draws in any case.
     void Invalidate();
 
     /// Frees everything and gives the context up.
-    void Shutdown(System::Desktop::NativeWindow window);
+    void Shutdown(Desktops::NativeWindow window);
 
     /// How much larger than on a screen of 1080 rows things should be drawn; at least 1.
     [[nodiscard]] float GetUiScale() const;

@@ -55,9 +55,9 @@ std::optional<FontFile> OpenFont()
 /// Reserves the layers, all empty: a glyph fills but a part of its own.
 void CreateLayers(const EntryPoints& gl, GLuint& atlas)
 {
-    glGenTextures(1, &atlas);
+    gl.glGenTextures(1, &atlas);
     gl.glActiveTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D_ARRAY, atlas);
+    gl.glBindTexture(GL_TEXTURE_2D_ARRAY, atlas);
     gl.glTexImage3D(GL_TEXTURE_2D_ARRAY, 0, GL_R8, s_layerSize, s_layerSize, s_layerCount, 0, GL_RED, GL_UNSIGNED_BYTE,
                     nullptr);
     const std::vector<std::uint8_t> empty(std::size_t{s_layerSize} * s_layerSize * s_layerCount);
@@ -69,10 +69,10 @@ void UploadGlyph(const EntryPoints& gl, std::uint32_t layer, const GlyphBitmap& 
 {
     gl.glTexSubImage3D(GL_TEXTURE_2D_ARRAY, 0, 0, 0, static_cast<GLint>(layer), static_cast<GLsizei>(bitmap.width),
                        static_cast<GLsizei>(bitmap.rows), 1, GL_RED, GL_UNSIGNED_BYTE, bitmap.coverage.data());
-    glTexParameteri(GL_TEXTURE_2D_ARRAY, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_2D_ARRAY, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_2D_ARRAY, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D_ARRAY, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    gl.glTexParameteri(GL_TEXTURE_2D_ARRAY, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    gl.glTexParameteri(GL_TEXTURE_2D_ARRAY, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    gl.glTexParameteri(GL_TEXTURE_2D_ARRAY, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    gl.glTexParameteri(GL_TEXTURE_2D_ARRAY, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
 }
 
 bool FitsLayer(const GlyphBitmap& bitmap)
@@ -141,13 +141,13 @@ bool TextRenderer::CreateAtlas(Renderer& renderer)
     const std::optional<FontFile> font = OpenFont();
     if (!font)
         return false;
-    // It stays so: all pictures come with rows of any length, tightly packed.
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
+    // It stays so: all pictures come with rows of any length, tightly packed.
+    gl.glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     CreateLayers(gl, m_atlas);
     m_glyphs.clear();
     LoadGlyphs(gl, *font, m_glyphs);
-    glBindTexture(GL_TEXTURE_2D_ARRAY, 0);
+    gl.glBindTexture(GL_TEXTURE_2D_ARRAY, 0);
     return true;
 }
 
@@ -156,19 +156,19 @@ void TextRenderer::Render(Renderer& renderer)
     if (!renderer.GetContext().IsValid())
         return;
     const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
-    glDisable(GL_DEPTH_TEST);
+    gl.glDisable(GL_DEPTH_TEST);
     gl.glUseProgram(m_program);
     gl.glBindVertexArray(m_vertexArray);
     gl.glActiveTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D_ARRAY, m_atlas);
+    gl.glBindTexture(GL_TEXTURE_2D_ARRAY, m_atlas);
     for (const Text& text : m_objects)
     {
         if (text.visible)
             DrawText(renderer, text);
     }
-    glBindTexture(GL_TEXTURE_2D_ARRAY, 0);
+    gl.glBindTexture(GL_TEXTURE_2D_ARRAY, 0);
     gl.glBindVertexArray(0);
-    glEnable(GL_DEPTH_TEST);
+    gl.glEnable(GL_DEPTH_TEST);
 }
 
 void TextRenderer::DrawText(Renderer& renderer, const Text& text)
@@ -194,7 +194,7 @@ void TextRenderer::Shutdown(Renderer& renderer)
         const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
         gl.glDeleteBuffers(1, &m_vertexBuffer);
         gl.glDeleteVertexArrays(1, &m_vertexArray);
-        glDeleteTextures(1, &m_atlas);
+        gl.glDeleteTextures(1, &m_atlas);
     }
     m_vertexBuffer = 0;
     m_vertexArray = 0;

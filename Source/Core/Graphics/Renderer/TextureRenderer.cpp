@@ -69,14 +69,14 @@ void ScaleToPixels(Texture& texture)
 }
 
 /// Makes the texture from its first pixels and leaves it bound.
-void UploadFirst(Texture& texture, GLenum format, const void* pixels)
+void UploadFirst(const EntryPoints& gl, Texture& texture, GLenum format, const void* pixels)
 {
-    glGenTextures(1, &texture.gpuData.handle);
-    glBindTexture(GL_TEXTURE_2D, texture.gpuData.handle);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, texture.gpuData.width, texture.gpuData.height, 0, format, GL_UNSIGNED_BYTE,
-                 pixels);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    gl.glGenTextures(1, &texture.gpuData.handle);
+    gl.glBindTexture(GL_TEXTURE_2D, texture.gpuData.handle);
+    gl.glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, texture.gpuData.width, texture.gpuData.height, 0, format,
+                    GL_UNSIGNED_BYTE, pixels);
+    gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
+    gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
 }
 
 } // namespace
@@ -87,8 +87,8 @@ bool TextureRenderer::Initialize(Renderer& renderer)
     m_program = CreateProgram(context, "texture.vert", "texture.frag");
     if (m_program == 0 || !context.IsValid())
         return false;
-    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &m_maximumSide);
     const EntryPoints& gl = context.GetEntryPoints();
+    gl.glGetIntegerv(GL_MAX_TEXTURE_SIZE, &m_maximumSide);
     m_modelLocation = gl.glGetUniformLocation(m_program, "model");
     m_colorLocation = gl.glGetUniformLocation(m_program, "color");
     gl.glGenVertexArrays(1, &m_vertexArray);
@@ -115,15 +115,15 @@ void TextureRenderer::Render(Renderer& renderer)
     gl.glActiveTexture(GL_TEXTURE0);
     {
         const std::lock_guard lock(m_mutex);
-        DeletePending();
+        DeletePending(renderer);
         for (const Texture& texture : m_objects)
         {
             if (!texture.visible || texture.gpuData.handle == 0)
                 continue;
             gl.glUniformMatrix4fv(m_modelLocation, 1, GL_FALSE, texture.model.elements.data());
             gl.glUniform4f(m_colorLocation, texture.color.x, texture.color.y, texture.color.z, texture.color.w);
-            glBindTexture(GL_TEXTURE_2D, texture.gpuData.handle);
-            glDrawElements(GL_TRIANGLES, s_indexCount, GL_UNSIGNED_INT, nullptr);
+            gl.glBindTexture(GL_TEXTURE_2D, texture.gpuData.handle);
+            gl.glDrawElements(GL_TRIANGLES, s_indexCount, GL_UNSIGNED_INT, nullptr);
         }
     }
     gl.glBindVertexArray(0);
@@ -172,7 +172,7 @@ void TextureRenderer::Shutdown(Renderer& renderer)
     {
         for (const Texture& texture : m_objects)
             m_pendingDeletes.push_back(texture.gpuData.handle);
-        DeletePending();
+        DeletePending(renderer);
     }
     m_pendingDeletes.clear();
     m_objects.Clear();
@@ -249,17 +249,18 @@ void TextureRenderer::UploadToDriver(Texture& texture, bool isFirst, std::uint8_
     const std::uint16_t width = texture.gpuData.width;
     const std::uint16_t height = texture.gpuData.height;
     const GLenum format = bitsPerPixel == s_bitsWithAlpha ? GL_BGRA : GL_BGR;
+    const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
     if (isFirst)
     {
-        UploadFirst(texture, format, pixels);
+        UploadFirst(gl, texture, format, pixels);
     }
     else
     {
-        glBindTexture(GL_TEXTURE_2D, texture.gpuData.handle);
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, format, GL_UNSIGNED_BYTE, pixels);
+        gl.glBindTexture(GL_TEXTURE_2D, texture.gpuData.handle);
+        gl.glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, format, GL_UNSIGNED_BYTE, pixels);
     }
-    renderer.GetContext().GetEntryPoints().glGenerateMipmap(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, 0);
+    gl.glGenerateMipmap(GL_TEXTURE_2D);
+    gl.glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 bool TextureRenderer::Remove(std::uint16_t id)
@@ -271,10 +272,10 @@ bool TextureRenderer::Remove(std::uint16_t id)
     return removed.has_value();
 }
 
-void TextureRenderer::DeletePending()
+void TextureRenderer::DeletePending(Renderer& renderer)
 {
     for (const GLuint handle : m_pendingDeletes)
-        glDeleteTextures(1, &handle);
+        renderer.GetContext().GetEntryPoints().glDeleteTextures(1, &handle);
     m_pendingDeletes.clear();
 }
 

@@ -3,9 +3,9 @@
 #include "Core/Graphics/Raster/Image.h"
 #include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
-#include "Core/Graphics/Renderer/OpenGL.h"
 #include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/System/Math/Matrix4.h"
+#include "Desktops/OpenGL.h"
 
 #include <cstdint>
 #include <memory>
@@ -95,7 +95,7 @@ private:
     static void UploadToDriver(Texture& texture, bool isFirst, std::uint8_t bitsPerPixel, const void* pixels,
                                Renderer& renderer);
     static void KeepPixels(Texture& texture, std::uint8_t bitsPerPixel, const void* pixels, PixelLife life);
-    void DeletePending();
+    void DeletePending(Renderer& renderer);
 
     ObjectStore<Texture> m_objects;
     std::vector<GLuint> m_pendingDeletes;

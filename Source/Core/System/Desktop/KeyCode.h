@@ -165,11 +165,4 @@ enum class KeyCode : std::uint8_t
 /// Number of key codes, the two without a key included.
 inline constexpr std::uint32_t KeyCodeCount = 152;
 
-/// The key of a virtual key number, or `Undefined`. The numbers are those of Windows; a half that has others
-/// translates by its own table.
-[[nodiscard]] KeyCode GetKeyCode(std::uint32_t virtualKey) noexcept;
-
-/// The virtual key number of a key; 0xFFFFFFFF for the two codes without a key.
-[[nodiscard]] std::uint32_t GetVirtualKey(KeyCode key) noexcept;
-
 } // namespace Orvik::System::Desktop

@@ -1,15 +1,22 @@
 #pragma once
 
-#include "Core/System/Desktop/NativeWindow.h"
 #include "Core/System/Math/Rectangle.h"
+#include "Desktops/NativeWindow.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 
+namespace Orvik::Desktops
+{
+class PixelMemory;
+} // namespace Orvik::Desktops
+
 namespace Orvik::System::Desktop
 {
+
+using Desktops::NativeWindow;
 
 /// Memory that is shown on a window, aligned to the window's lower left corner: what a window has more of lies above
 /// and to the right, and is left alone. The desktop's plainest means, without a driver. The thread of the window.
@@ -40,13 +47,7 @@ public:
     void Present(std::span<const Math::Rectangle> areas);
 
 private:
-    struct Native; ///< defined in each half
-    struct NativeDeleter
-    {
-        void operator()(Native* native) const noexcept; ///< in each half, where `Native` is complete
-    };
-
-    std::unique_ptr<Native, NativeDeleter> m_native;
+    std::unique_ptr<Desktops::PixelMemory> m_memory; ///< null before the first `Create`
 };
 
 } // namespace Orvik::System::Desktop

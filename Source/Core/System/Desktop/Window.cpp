@@ -1,14 +1,38 @@
 #include "Core/System/Desktop/Window.h"
 
 #include "Core/System/Error/Assertion.h"
+#include "Desktops/Desktop.h"
 
 #include <utility>
 
 namespace Orvik::System::Desktop
 {
+namespace
+{
+
+bool IsWindowType(WindowType type)
+{
+    switch (type)
+    {
+    case WindowType::Overlapped:
+    case WindowType::Popup:
+    case WindowType::ToolPopup:
+    case WindowType::Overlay:
+    case WindowType::MessageOnly:
+        return true;
+    }
+    return false;
+}
+
+} // namespace
 
 Window::Window(void* owner, const char* name, const Math::Point& position, const WindowSize& size, WindowType type)
-    : m_owner(owner), m_type(type), m_size(size), m_position(position), m_name(name)
+    : m_owner(owner),
+      m_type(type),
+      m_size(size),
+      m_position(position),
+      m_name(name),
+      m_native(Desktops::GetDesktop().MakeWindow(*this))
 {
     ORVIK_ASSERT(name != nullptr && *name != '\0', "Parameter 'name' name must be a valid name for the window.");
 }
@@ -53,12 +77,19 @@ bool Window::Create()
     if (m_className == nullptr)
     {
         m_className = m_name;
-        if (!RegisterClassPlatform())
+        if (!m_native->Register(m_className))
             return false;
         ChangeState(WindowState::Undefined, WindowState::Registered);
     }
     ChangeState(WindowState::Registered, WindowState::Creating);
-    if (!CreatePlatform())
+    if (!IsWindowType(m_type))
+    {
+        ORVIK_ASSERT(false, "Illegal switch case.");
+        return false;
+    }
+    // The events that come with the creation still find no handle.
+    m_handle = m_native->Create({m_name, m_className, m_position, m_size, m_type, m_surfaceKind});
+    if (m_handle == NativeWindow::None)
         return false;
     ChangeState(WindowState::Creating, WindowState::Hidden);
     return true;
@@ -75,7 +106,7 @@ void Window::Update()
         ORVIK_ASSERT(false, "Illegal switch case.");
         return;
     case WindowState::Hidden:
-        PumpMessagePlatform();
+        m_native->Pump();
         return;
     case WindowState::Visible:
         PumpVisible();
@@ -98,7 +129,7 @@ void Window::Update()
 // The hook's first run belongs to the step, its second to `Update`: a surface that draws in it draws twice a step.
 void Window::PumpVisible()
 {
-    PumpMessagePlatform();
+    m_native->Pump();
     OnVisibleUpdate();
 }
 
@@ -108,7 +139,7 @@ bool Window::HasMessage()
     {
     case WindowState::Hidden:
     case WindowState::Visible:
-        return HasMessagePlatform();
+        return m_native->HasMessage();
     case WindowState::ClosePending:
         return true;
     case WindowState::Undefined:
@@ -123,7 +154,7 @@ bool Window::HasMessage()
 void Window::WaitForMessage(std::int64_t nanoseconds, Threads::WakeSignal& wake)
 {
     if (!HasMessage())
-        WaitForMessagePlatform(nanoseconds, wake);
+        m_native->WaitForMessage(nanoseconds, wake);
 }
 
 void Window::Show(const ScopedLock& /*lock*/)
@@ -132,7 +163,7 @@ void Window::Show(const ScopedLock& /*lock*/)
         return;
     ChangeState(WindowState::Hidden, WindowState::Visible);
     if (m_handle != NativeWindow::None)
-        ShowPlatform();
+        m_native->Show();
 }
 
 void Window::Hide(const ScopedLock& /*lock*/)
@@ -140,7 +171,7 @@ void Window::Hide(const ScopedLock& /*lock*/)
     if (m_state.load() == WindowState::Hidden)
         return;
     if (m_handle != NativeWindow::None)
-        HidePlatform();
+        m_native->Hide();
     ChangeState(WindowState::Visible, WindowState::Hidden);
 }
 
@@ -157,25 +188,25 @@ Window::ScopedLock Window::Lock()
 void Window::SetTitle(const std::string& title)
 {
     if (m_handle != NativeWindow::None)
-        SetTitlePlatform(title);
+        m_native->SetTitle(title);
 }
 
 void Window::AnswerOthers()
 {
     if (m_handle != NativeWindow::None)
-        AnswerOthersPlatform();
+        m_native->AnswerOthers();
 }
 
 void Window::SetClickThrough(bool enabled)
 {
     if (m_handle != NativeWindow::None)
-        SetClickThroughPlatform(enabled);
+        m_native->SetClickThrough(enabled);
 }
 
 void Window::BringToFront()
 {
     if (m_handle != NativeWindow::None)
-        BringToFrontPlatform();
+        m_native->BringToFront();
 }
 
 bool Window::DeliverKey(KeyCode key, bool pressed)
@@ -235,10 +266,10 @@ void Window::ChangeState(WindowState from, WindowState to)
 void Window::Destroy()
 {
     if (m_handle != NativeWindow::None)
-        DestroyPlatform();
+        m_native->Destroy();
     // The class is this window's own if it has the window's very name.
     if (m_className == m_name)
-        UnregisterClassPlatform();
+        m_native->Unregister(m_className);
 }
 
 bool Window::Deliver(const WindowEvent& event)

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Core/System/Desktop/NativeWindow.h"
-#include "Core/System/Desktop/SurfaceKind.h"
 #include "Core/System/Desktop/WindowEvent.h"
 #include "Core/System/Desktop/WindowMutex.h"
 #include "Core/System/Math/Point.h"
 #include "Core/System/Threads/WakeSignal.h"
+#include "Desktops/NativeWindow.h"
+#include "Desktops/WindowDescription.h"
 
 #include <atomic>
 #include <cstdint>
@@ -14,17 +14,18 @@
 #include <mutex>
 #include <string>
 
+namespace Orvik::Desktops
+{
+class DesktopWindow;
+} // namespace Orvik::Desktops
+
 namespace Orvik::System::Desktop
 {
 
-enum class WindowType : std::uint8_t
-{
-    Overlapped = 1, ///< an ordinary window with a frame
-    Popup,          ///< a dialog
-    ToolPopup,      ///< without frame and task-bar entry
-    Overlay,        ///< always on top, no task-bar entry, takes no activation until told, per-pixel alpha
-    MessageOnly,    ///< without a surface
-};
+using Desktops::NativeWindow;
+using Desktops::SurfaceKind;
+using Desktops::WindowSize;
+using Desktops::WindowType;
 
 enum class WindowState : std::uint8_t
 {
@@ -35,12 +36,6 @@ enum class WindowState : std::uint8_t
     Visible,      ///< the window is shown
     ClosePending, ///< the user or the system asked to close; the next `Update` destroys
     Closed,       ///< the native window is gone
-};
-
-struct WindowSize
-{
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
 };
 
 /// One desktop window, driven a step at a time by its owner's loop. The thread that calls `Create` owns the native
@@ -120,7 +115,7 @@ public:
     [[nodiscard]] WindowState GetState() const { return m_state.load(); }
     [[nodiscard]] WindowType GetType() const { return m_type; }
 
-    // What the halves call when a native message has come: one door for each kind. The result is the handler's, false
+    // What a desktop calls when a native message has come: one door for each kind. The result is the handler's, false
     // without a handler.
     bool DeliverKey(KeyCode key, bool pressed);
     bool DeliverMouseMove(std::int32_t x, std::int32_t y);
@@ -136,29 +131,6 @@ public:
     bool DeliverClose();
 
 private:
-    struct Native; ///< defined in each half
-    struct NativeDeleter
-    {
-        void operator()(Native* native) const noexcept; ///< in each half, where `Native` is complete
-    };
-
-    [[nodiscard]] bool RegisterClassPlatform();
-    void UnregisterClassPlatform();
-    /// Sets `m_handle` when all is done; the events that come with the creation still find none.
-    [[nodiscard]] bool CreatePlatform();
-    /// Comes twice for a window that was closed before its end: the second call does nothing.
-    void DestroyPlatform();
-    void ShowPlatform();
-    void HidePlatform();
-    /// Handles one native message at most, of any window of the thread.
-    void PumpMessagePlatform();
-    [[nodiscard]] bool HasMessagePlatform();
-    void WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSignal& wake);
-    void SetTitlePlatform(const std::string& title);
-    void AnswerOthersPlatform();
-    void SetClickThroughPlatform(bool enabled);
-    void BringToFrontPlatform();
-
     void ChangeState(WindowState from, WindowState to);
     void PumpVisible();
     void Destroy();
@@ -176,7 +148,7 @@ private:
     const char* m_name;
     std::string m_auxiliaryText; ///< stays empty in this program
     WindowMutex m_mutex;
-    std::unique_ptr<Native, NativeDeleter> m_native;
+    std::unique_ptr<Desktops::DesktopWindow> m_native; ///< never null
 };
 
 } // namespace Orvik::System::Desktop

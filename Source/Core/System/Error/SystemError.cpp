@@ -5,25 +5,25 @@
 namespace Orvik::System::Error
 {
 
-std::string& FormatLastError(std::string& text)
+std::string FormatError(std::uint32_t code)
 {
-    const std::uint32_t code = GetLastErrorPlatform();
     if (code == 0)
-    {
-        text = fmt::format("{} ({:X})", "None", 0);
-        return text;
-    }
+        return fmt::format("{} ({:X})", "None", 0);
     std::string message = GetErrorMessagePlatform(code);
     const std::size_t last = message.find_last_not_of("\r\n.");
     message.resize(last == std::string::npos ? 0 : last + 1);
-    text = fmt::format("{} ({:X})", message, code);
+    return fmt::format("{} ({:X})", message, code);
+}
+
+std::string& FormatLastError(std::string& text)
+{
+    text = FormatError(GetLastErrorPlatform());
     return text;
 }
 
 std::string FormatLastError()
 {
-    std::string text;
-    return FormatLastError(text);
+    return FormatError(GetLastErrorPlatform());
 }
 
 } // namespace Orvik::System::Error

@@ -15,11 +15,11 @@ std::string& FormatLastError(std::string& text);
 /// The same as a new string.
 [[nodiscard]] std::string FormatLastError();
 
+/// The same of a code of the system's.
+[[nodiscard]] std::string FormatError(std::uint32_t code);
+
 /// The last system error of the calling thread, 0 if there is none.
 [[nodiscard]] std::uint32_t GetLastErrorPlatform() noexcept;
-
-/// Makes `code` the last system error of the calling thread: for what fails without the system.
-void SetLastErrorPlatform(std::uint32_t code) noexcept;
 
 /// The system's own text for a code, as the system gives it.
 [[nodiscard]] std::string GetErrorMessagePlatform(std::uint32_t code);

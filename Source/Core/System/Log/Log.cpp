@@ -191,6 +191,11 @@ const Context& GetSystemContext() noexcept
     return s_systemContext;
 }
 
+const Context& GetSnipBenchContext() noexcept
+{
+    return s_snipBenchContext;
+}
+
 void UpdateContext(Context* context)
 {
     if (const IMessageReceiver* const receiver = GetReceiver())

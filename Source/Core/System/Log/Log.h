@@ -70,8 +70,9 @@ private:
 /// `context` has to live as long as the process. May be called by static constructors in any order.
 void RegisterContext(Context* context);
 
-/// The registered context of the stream `System`: for lines of that stream that only a configuration can switch on.
+// The registered contexts of two streams: for lines that only a configuration can switch on.
 [[nodiscard]] const Context& GetSystemContext() noexcept;
+[[nodiscard]] const Context& GetSnipBenchContext() noexcept;
 
 /// Gives `context` the threshold that the configuration has for its stream. Does nothing without a `Logger`.
 void UpdateContext(Context* context);

@@ -1,8 +1,8 @@
 #include "Core/System/Multimedia/Bitmap.h"
 
 #include "Core/System/Error/Assertion.h"
+#include "Core/System/Multimedia/LargePages.h"
 #include "Core/System/Multimedia/PolygonMask.h"
-#include "Core/System/Platform/LargePages.h"
 #include "Core/System/Text/Paths.h"
 
 #include <algorithm>
@@ -105,7 +105,7 @@ Bitmap::Pixels Bitmap::AllocateToFill(std::size_t bytes)
 {
     Pixels pixels(static_cast<std::uint8_t*>(std::malloc(bytes)));
     if (pixels != nullptr)
-        Platform::PreferLargePages(pixels.get(), bytes);
+        PreferLargePages(pixels.get(), bytes);
     return pixels;
 }
 

@@ -9,7 +9,7 @@
 namespace Orvik::System::Processes
 {
 
-// What each operating system's half gives to the process functions. None of these logs; where one fails, the system's
+// What each operating system gives to the process functions. None of these logs; where one fails, the system's
 // last error tells why.
 
 /// How far a step on another process came.

@@ -8,6 +8,7 @@
 #include "Core/System/Runtime/SystemCreation.h"
 #include "Core/System/Threads/ThreadManager.h"
 #include "Core/System/Time/Trace.h"
+#include "Desktops/DesktopChoice.h"
 
 #include <atomic>
 #include <exception>
@@ -19,6 +20,27 @@ namespace
 {
 
 constexpr Log::Context s_context{Log::StreamID::System};
+
+void EndWithoutDesktop()
+{
+    if (Application* const application = Application::FindInstance())
+    {
+        application->OnDisplayLost();
+        Application::RequestShutdown();
+    }
+}
+
+/// Decides which desktop the process runs on, unless a test has.
+void StartDesktop()
+{
+    const Desktops::DesktopChoice choice =
+        Desktops::HasDesktop() ? Desktops::DesktopChoice{Desktops::GetDesktop(), "it was chosen before the run"}
+                               : Desktops::ChooseDesktop();
+    Log::Write(Log::GetSystemContext(), Log::MessageTypeID::Verbose, "The desktop is ", choice.desktop.GetName(), ": ",
+               choice.reason, ".");
+    Desktops::SetDesktop(choice.desktop);
+    choice.desktop.SetLossHandler(&EndWithoutDesktop);
+}
 
 } // namespace
 
@@ -53,6 +75,7 @@ void Application::InitializeSystems()
         InitializeLogger();
         CreateAndInitialize(m_threadManager, nullptr);
         m_mainThread = &Threads::Thread::GetCurrent();
+        StartDesktop();
         CreateAndInitialize(m_displaySystem, nullptr);
     }
     catch (const std::exception& exception)

@@ -1,6 +1,6 @@
 #pragma once
 
-// Private to the Linux halves.
+// Linux' own.
 
 #include <algorithm>
 #include <cstdint>

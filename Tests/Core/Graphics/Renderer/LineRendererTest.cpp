@@ -6,11 +6,11 @@ namespace Orvik::Tests
 namespace
 {
 
-using Graphics::Renderer::GLCall;
 using Graphics::Renderer::Line;
 using System::Math::Matrix4;
 using System::Math::Vector4;
 using testing::ElementsAre;
+using Tests::GLCall;
 
 std::vector<Vector4> MakePoints(std::size_t count)
 {
@@ -44,7 +44,7 @@ TEST_F(RecordedLines, InitialisationMakesABufferForAllPoints)
     m_gl.Reset();
     ASSERT_TRUE(m_renderer.Initialize(s_window, "TestClass"));
     std::vector<std::string> names;
-    for (const GLCall& call : m_gl.GetCalls("glGetUniformLocation"))
+    for (const Tests::GLCall& call : m_gl.GetCalls("glGetUniformLocation"))
         names.push_back(call.text);
     names.resize(5);
     EXPECT_THAT(names, ElementsAre("model", "color", "thickness", "dashLength", "gapLength"));

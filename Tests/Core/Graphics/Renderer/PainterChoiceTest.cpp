@@ -1,22 +1,22 @@
 #include "Core/Graphics/Renderer/PainterChoice.h"
 
-#include "Core/System/Platform/NullDesktop.h"
 #include "Tests/Support/EnvironmentVariable.h"
+#include "Tests/Support/NullDesktop.h"
 
 #include <gtest/gtest.h>
 
 namespace Orvik::Tests
 {
 
+using Desktops::SurfaceKind;
 using Graphics::Renderer::ChoosePainter;
 using Graphics::Renderer::PainterChoice;
-using System::Desktop::SurfaceKind;
-using System::Platform::NullDesktop;
+using Tests::NullDesktop;
 
 class PainterChoiceTest : public testing::Test
 {
 protected:
-    ~PainterChoiceTest() override { NullDesktop::GetInstance().Reset(); }
+    ~PainterChoiceTest() override { Tests::NullDesktop::GetInstance().Reset(); }
 };
 
 TEST_F(PainterChoiceTest, AGraphicsCardIsDrawnWithByOpenGL)
@@ -31,7 +31,7 @@ TEST_F(PainterChoiceTest, AGraphicsCardIsDrawnWithByOpenGL)
 TEST_F(PainterChoiceTest, WithoutOneTheProgramDrawsItself)
 {
     const EnvironmentVariable unset("ORVIK_RENDERER", nullptr);
-    NullDesktop::GetInstance().hasGraphicsCard = false;
+    Tests::NullDesktop::GetInstance().hasGraphicsCard = false;
     const PainterChoice choice = ChoosePainter();
     EXPECT_EQ(choice.kind, SurfaceKind::Pixels);
     EXPECT_FALSE(choice.isByHand);
@@ -40,11 +40,11 @@ TEST_F(PainterChoiceTest, WithoutOneTheProgramDrawsItself)
 
 TEST_F(PainterChoiceTest, TheEnvironmentDecidesByHand)
 {
-    NullDesktop::GetInstance().hasGraphicsCard = false;
+    Tests::NullDesktop::GetInstance().hasGraphicsCard = false;
     const EnvironmentVariable variable("ORVIK_RENDERER", "opengl");
     EXPECT_EQ(ChoosePainter().kind, SurfaceKind::OpenGL);
     EXPECT_TRUE(ChoosePainter().isByHand);
-    NullDesktop::GetInstance().hasGraphicsCard = true;
+    Tests::NullDesktop::GetInstance().hasGraphicsCard = true;
     const EnvironmentVariable other("ORVIK_RENDERER", "raster");
     EXPECT_EQ(ChoosePainter().kind, SurfaceKind::Pixels);
     EXPECT_TRUE(ChoosePainter().isByHand);

@@ -17,10 +17,10 @@ namespace Orvik::Tests
 namespace
 {
 
+using Desktops::SurfaceKind;
 using Graphics::Renderer::Line;
 using Graphics::Renderer::Renderer;
 using Graphics::Renderer::Texture;
-using System::Desktop::SurfaceKind;
 using System::Math::Matrix4;
 using System::Math::Vector4;
 

@@ -2,8 +2,8 @@
 #include "Core/Graphics/Renderer/RasterPainter.h"
 
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/System/Platform/NullDesktop.h"
 #include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/NullDesktop.h"
 #include "Tests/Support/TestApplication.h"
 
 #include <algorithm>
@@ -18,19 +18,19 @@ namespace Orvik::Tests
 namespace
 {
 
+using Desktops::NativeWindow;
+using Desktops::SurfaceKind;
 using Graphics::Renderer::Line;
 using Graphics::Renderer::Renderer;
 using Graphics::Renderer::Text;
 using Graphics::Renderer::Texture;
-using System::Desktop::NativeWindow;
-using System::Desktop::SurfaceKind;
 using System::Math::Matrix4;
 using System::Math::Rectangle;
 using System::Math::Vector4;
-using System::Platform::NullDesktop;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using Tests::NullDesktop;
 
 constexpr auto s_window = NativeWindow{77};
 constexpr std::int32_t s_width = 400;
@@ -49,13 +49,13 @@ protected:
     ~RasterPainting() override
     {
         m_renderer.Shutdown(s_window);
-        NullDesktop::GetInstance().Reset();
+        Tests::NullDesktop::GetInstance().Reset();
     }
 
     /// Renders and gives what was shown anew.
     std::vector<Rectangle> Render()
     {
-        auto& presentations = NullDesktop::GetInstance().presentations;
+        auto& presentations = Tests::NullDesktop::GetInstance().presentations;
         presentations.clear();
         const bool isDrawn = m_renderer.Render(s_window);
         std::vector<Rectangle> areas;
@@ -215,11 +215,11 @@ TEST_F(RasterPainting, ALargeSurfaceIsShownInPiecesThatAreTheWhole)
 
 TEST_F(RasterPainting, WithoutMemoryNothingIsDrawnAndTheLogSaysSo)
 {
-    NullDesktop::GetInstance().surfacesCreate = false;
+    Tests::NullDesktop::GetInstance().surfacesCreate = false;
     m_renderer.Resize(s_window, 33, 21);
     EXPECT_THAT(Render(), IsEmpty());
     EXPECT_THAT(m_log.GetLines(), ElementsAre(HasSubstr("There is no memory to draw 33 x 21 pixels in.")));
-    NullDesktop::GetInstance().surfacesCreate = true;
+    Tests::NullDesktop::GetInstance().surfacesCreate = true;
     m_renderer.Resize(s_window, 33, 21);
     EXPECT_THAT(Render(), ElementsAre(Rectangle{0, 0, 33, 21}));
 }
@@ -227,7 +227,7 @@ TEST_F(RasterPainting, WithoutMemoryNothingIsDrawnAndTheLogSaysSo)
 TEST_F(RasterPainting, WithoutAWindowNothingIsShown)
 {
     EXPECT_FALSE(m_renderer.Render(NativeWindow::None));
-    EXPECT_THAT(NullDesktop::GetInstance().presentations, IsEmpty());
+    EXPECT_THAT(Tests::NullDesktop::GetInstance().presentations, IsEmpty());
 }
 
 TEST_F(RasterPainting, StartingAgainShowsAll)

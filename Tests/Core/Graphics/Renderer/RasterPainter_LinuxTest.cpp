@@ -1,6 +1,6 @@
 // What objects that come and go leave behind where the program draws itself.
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/System/Platform/NullDesktop.h"
+#include "Tests/Support/NullDesktop.h"
 #include "Tests/Support/TestApplication.h"
 
 #include <array>
@@ -13,9 +13,9 @@ namespace Orvik::Tests
 namespace
 {
 
-using System::Desktop::NativeWindow;
-using System::Desktop::SurfaceKind;
-using System::Platform::NullDesktop;
+using Desktops::NativeWindow;
+using Desktops::SurfaceKind;
+using Tests::NullDesktop;
 
 constexpr auto s_window = NativeWindow{77};
 
@@ -34,7 +34,7 @@ void ComeAndGo(Graphics::Renderer::Renderer& renderer)
     EXPECT_TRUE(renderer.GetPolygonRenderer().Update(polygon));
     EXPECT_TRUE(renderer.GetPolygonRenderer().Remove(polygon));
     renderer.Render(s_window);
-    NullDesktop::GetInstance().presentations.clear();
+    Tests::NullDesktop::GetInstance().presentations.clear();
 }
 
 /// The bytes that this process has asked for. 0 where the sanitizer has its own memory.
@@ -58,7 +58,7 @@ TEST(RasterMemory, ObjectsThatComeAndGoLeaveNothingBehind)
         ComeAndGo(renderer);
     EXPECT_LT(GetAllocatedBytes(), before + 1000);
     renderer.Shutdown(s_window);
-    NullDesktop::GetInstance().Reset();
+    Tests::NullDesktop::GetInstance().Reset();
 }
 
 } // namespace Orvik::Tests

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/Graphics/Renderer/GLRecorder.h"
 #include "Core/Graphics/Renderer/Renderer.h"
+#include "Tests/Support/GLRecorder.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/TestApplication.h"
 
@@ -30,7 +30,7 @@ std::string Call(const std::string& name, Arguments... arguments)
 class RecordedRenderer : public testing::Test
 {
 protected:
-    static constexpr auto s_window = System::Desktop::NativeWindow{77};
+    static constexpr auto s_window = Desktops::NativeWindow{77};
 
     // What the recorder names and locates after `Start`: it counts up.
     static constexpr GLuint s_lineProgram = 3;
@@ -70,7 +70,7 @@ protected:
     std::vector<std::string> TakeCalls()
     {
         std::vector<std::string> calls;
-        for (const Graphics::Renderer::GLCall& call : m_gl.GetCalls())
+        for (const Tests::GLCall& call : m_gl.GetCalls())
             calls.push_back(FormatCall(call.name, call.arguments));
         m_gl.ClearCalls();
         return calls;
@@ -78,7 +78,7 @@ protected:
 
     TestApplication m_application;
     LogRecorder m_log;
-    Graphics::Renderer::GLRecorder& m_gl = Graphics::Renderer::GLRecorder::GetInstance();
+    Tests::GLRecorder& m_gl = Tests::GLRecorder::GetInstance();
     Graphics::Renderer::Renderer m_renderer;
 };
 

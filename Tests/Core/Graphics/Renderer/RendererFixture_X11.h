@@ -124,11 +124,11 @@ public:
 
 private:
     /// By OpenGL, unless the tests are run for the program's own drawing.
-    [[nodiscard]] static System::Desktop::SurfaceKind GetWantedPainter()
+    [[nodiscard]] static Desktops::SurfaceKind GetWantedPainter()
     {
         const char* const wanted = std::getenv("ORVIK_RENDERER");
         const bool isRaster = wanted != nullptr && std::string_view(wanted) == "raster";
-        return isRaster ? System::Desktop::SurfaceKind::Pixels : System::Desktop::SurfaceKind::OpenGL;
+        return isRaster ? Desktops::SurfaceKind::Pixels : Desktops::SurfaceKind::OpenGL;
     }
 
     void ExpectNoError() const

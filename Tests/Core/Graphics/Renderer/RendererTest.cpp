@@ -9,10 +9,10 @@ namespace Orvik::Tests
 namespace
 {
 
-using Graphics::Renderer::GLCall;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::StartsWith;
+using Tests::GLCall;
 
 } // namespace
 
@@ -28,7 +28,7 @@ TEST_F(RendererFrontEnd, InitializesItsMembersInOrderAndSharesTheBlock)
     EXPECT_EQ(m_renderer.GetTextRenderer().GetProgram(), s_textProgram);
     EXPECT_EQ(m_renderer.GetQuadRenderer().GetProgram(), s_quadProgram);
 
-    for (const GLCall& call : m_gl.GetCalls("glGetUniformBlockIndex"))
+    for (const Tests::GLCall& call : m_gl.GetCalls("glGetUniformBlockIndex"))
         EXPECT_EQ(call.text, "Shared");
     std::vector<std::string> calls = TakeCalls();
     calls.erase(calls.begin(), calls.end() - 15);
@@ -52,7 +52,7 @@ TEST_F(RendererFrontEnd, ResizeSettlesTheProjection)
     m_renderer.Resize(s_window, 800, 500);
     EXPECT_EQ(m_renderer.GetScreenSize().width, 800.0F);
     EXPECT_EQ(m_renderer.GetScreenSize().height, 500.0F);
-    const std::vector<GLCall> uploads = m_gl.GetCalls("glBufferSubData");
+    const std::vector<Tests::GLCall> uploads = m_gl.GetCalls("glBufferSubData");
     ASSERT_EQ(uploads.size(), 3U);
     EXPECT_EQ(uploads[0].GetElements<float>(),
               (std::vector<float>{2.0F / 800, 0, 0, 0, 0, 2.0F / 500, 0, 0, 0, 0, -0.1F, 0, -1, -1, 0, 1}));
@@ -100,7 +100,7 @@ TEST_F(RendererFrontEnd, AFrameDrawsTheMembersInOrderAndSwaps)
 TEST_F(RendererFrontEnd, AFrameWithoutAWindowIsSkipped)
 {
     Start();
-    EXPECT_FALSE(m_renderer.Render(System::Desktop::NativeWindow::None));
+    EXPECT_FALSE(m_renderer.Render(Desktops::NativeWindow::None));
     EXPECT_THAT(TakeCalls(), ElementsAre());
     EXPECT_TRUE(m_renderer.Render(s_window)) << "what wasn't drawn for want of a window is still to be drawn";
 }
@@ -254,7 +254,7 @@ TEST_F(RendererFrontEnd, AFailedContextIsToldTwice)
 TEST_F(RendererFrontEnd, WithoutOpenGLTheProgramDrawsItself)
 {
     m_gl.contextCreates = false;
-    m_renderer.SetPainter({System::Desktop::SurfaceKind::OpenGL, false, "a test"});
+    m_renderer.SetPainter({Desktops::SurfaceKind::OpenGL, false, "a test"});
     EXPECT_TRUE(m_renderer.Initialize(s_window, "TestClass"));
     EXPECT_TRUE(m_renderer.DrawsIntoMemory());
     EXPECT_THAT(m_log.GetLines(), ElementsAre()) << "nothing has failed";
@@ -263,7 +263,7 @@ TEST_F(RendererFrontEnd, WithoutOpenGLTheProgramDrawsItself)
 class BrokenInstallation : public RecordedRenderer, public testing::WithParamInterface<const char*>
 {
 protected:
-    BrokenInstallation() { m_renderer.SetPainter({System::Desktop::SurfaceKind::Pixels, true, "a test"}); }
+    BrokenInstallation() { m_renderer.SetPainter({Desktops::SurfaceKind::Pixels, true, "a test"}); }
 };
 
 TEST_P(BrokenInstallation, IsNoticedByTheProgramsOwnDrawingToo)
@@ -355,7 +355,7 @@ TEST_F(RendererFrontEnd, AfterARemovalTheFormerLastIsDrawnFirst)
     EXPECT_TRUE(quads.Remove(ids[0]));
     m_gl.ClearCalls();
     m_renderer.Render(s_window);
-    const std::vector<GLCall> colors = m_gl.GetCalls("glUniform4f");
+    const std::vector<Tests::GLCall> colors = m_gl.GetCalls("glUniform4f");
     ASSERT_EQ(colors.size(), 2U);
     EXPECT_EQ(colors[0].arguments[1], 2.0);
     EXPECT_EQ(colors[1].arguments[1], 1.0);

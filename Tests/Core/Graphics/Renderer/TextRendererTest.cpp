@@ -10,11 +10,11 @@ namespace Orvik::Tests
 namespace
 {
 
-using Graphics::Renderer::GLCall;
 using Graphics::Renderer::Glyph;
 using Graphics::Renderer::Text;
 using System::Math::Matrix4;
 using testing::ElementsAre;
+using Tests::GLCall;
 
 } // namespace
 
@@ -46,7 +46,7 @@ TEST_F(TextStart, TheAtlasHasOneLayerToTheCharacter)
     EXPECT_THAT(m_log.GetLines(), ElementsAre());
     const std::vector<Glyph>& glyphs = m_renderer.GetTextRenderer().GetGlyphs();
     ASSERT_EQ(glyphs.size(), 95U);
-    const std::vector<GLCall> uploads = m_gl.GetCalls("glTexSubImage3D");
+    const std::vector<Tests::GLCall> uploads = m_gl.GetCalls("glTexSubImage3D");
     ASSERT_EQ(uploads.size(), 96U);
     // First all layers are emptied.
     EXPECT_EQ(uploads[0].arguments,
@@ -148,7 +148,7 @@ TEST_F(TextStart, AGlyphThatExceedsItsLayerIsLeftOut)
     EXPECT_THAT(m_log.GetLines(), testing::Contains("Graphics Warning: Failed to load freetype glyph: W"));
     EXPECT_THAT(m_log.GetLines(),
                 testing::Not(testing::Contains("Graphics Warning: Failed to load freetype glyph: .")));
-    for (const GLCall& upload : m_gl.GetCalls("glTexSubImage3D"))
+    for (const Tests::GLCall& upload : m_gl.GetCalls("glTexSubImage3D"))
     {
         EXPECT_LE(upload.arguments[5], 128.0);
         EXPECT_LE(upload.arguments[6], 128.0);
@@ -290,11 +290,11 @@ TEST_F(RecordedText, SixtyFiveGlyphsTakeTwoDraws)
 {
     Add(std::string(65, 'i'));
     m_texts.Render(m_renderer);
-    const std::vector<GLCall> draws = m_gl.GetCalls("glDrawArraysInstanced");
+    const std::vector<Tests::GLCall> draws = m_gl.GetCalls("glDrawArraysInstanced");
     ASSERT_EQ(draws.size(), 2U);
     EXPECT_EQ(draws[0].arguments[3], 64.0);
     EXPECT_EQ(draws[1].arguments[3], 1.0);
-    const std::vector<GLCall> models = m_gl.GetCalls("glUniformMatrix4fv");
+    const std::vector<Tests::GLCall> models = m_gl.GetCalls("glUniformMatrix4fv");
     ASSERT_EQ(models.size(), 3U);
     EXPECT_EQ(models[2].GetElements<float>()[12],
               static_cast<float>(m_texts.GetGlyphs()['i' - 32].left + 64 * GetAdvance('i')));

@@ -6,10 +6,10 @@ namespace Orvik::Tests
 namespace
 {
 
-using Graphics::Renderer::GLCall;
 using Graphics::Renderer::Texture;
 using System::Math::Matrix4;
 using testing::ElementsAre;
+using Tests::GLCall;
 
 const std::vector<std::uint8_t> s_pixels(64, 9); // enough for 4 by 4 with 32 bits
 
@@ -176,7 +176,7 @@ TEST_F(RecordedTextures, ARemovedTextureGoesOnceAtTheNextRender)
     EXPECT_THAT(TakeCalls(), ElementsAre());
     m_textures.Render(m_renderer);
     m_textures.Render(m_renderer);
-    const std::vector<GLCall> deletions = m_gl.GetCalls("glDeleteTextures");
+    const std::vector<Tests::GLCall> deletions = m_gl.GetCalls("glDeleteTextures");
     ASSERT_EQ(deletions.size(), 1U);
     EXPECT_EQ(deletions.front().arguments, (std::vector<double>{1, s_nextName}));
 }

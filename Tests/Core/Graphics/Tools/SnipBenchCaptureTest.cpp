@@ -1,5 +1,5 @@
-#include "Core/Graphics/Renderer/GLRecorder.h"
 #include "Tests/Core/Graphics/Tools/ToolFixture.h"
+#include "Tests/Support/GLRecorder.h"
 #include "Tests/Support/LogRecorder.h"
 
 #include <gmock/gmock.h>
@@ -11,9 +11,9 @@ namespace
 {
 
 using System::Device::Display::DisplayDescriptor;
-using System::Platform::NullDesktop;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Tests::NullDesktop;
 
 /// The tool on a desktop of three displays: one at the origin, one left of it, and a virtual one on the second.
 class SnipBenchDisplayTest : public ToolFixture
@@ -55,7 +55,7 @@ protected:
         Start(Bitmap(), On(display, Move(x, y)));
     }
 
-    NullDesktop& m_desktop = NullDesktop::GetInstance();
+    Tests::NullDesktop& m_desktop = Tests::NullDesktop::GetInstance();
 };
 
 TEST_F(SnipBenchDisplayTest, TheDisplaysPixelsAreCapturedOpaque)
@@ -219,13 +219,13 @@ TEST_F(SnipBenchDisplayTest, ArrowKeysMoveThePointerOnItsDisplay)
 
 TEST_F(ToolFixture, APictureBeyondTheDriversLimitIsShownShrunk)
 {
-    Renderer::GLRecorder& recorder = Renderer::GLRecorder::GetInstance();
+    Tests::GLRecorder& recorder = Tests::GLRecorder::GetInstance();
     recorder.Reset();
     recorder.maximumTextureSize = 100;
     OpenWindow(64, 48);
     recorder.ClearCalls();
     Start(MakePicture(40, 120), Move(32, 24));
-    const std::vector<Renderer::GLCall> uploads = recorder.GetCalls("glTexImage2D");
+    const std::vector<Tests::GLCall> uploads = recorder.GetCalls("glTexImage2D");
     ASSERT_FALSE(uploads.empty());
     EXPECT_EQ(uploads[0].arguments[3], 10) << "a quarter, as it is drawn";
     EXPECT_EQ(uploads[0].arguments[4], 30);

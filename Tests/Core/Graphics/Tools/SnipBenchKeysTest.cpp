@@ -7,9 +7,9 @@ namespace Orvik::Graphics::Tools
 namespace
 {
 
-using System::Platform::NullDesktop;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Tests::NullDesktop;
 
 /// Zoom and cursor keys.
 class SnipBenchKeysTest : public ToolFixture
@@ -26,7 +26,7 @@ protected:
         return values;
     }
 
-    std::vector<Point>& m_moves = NullDesktop::GetInstance().cursorMoves;
+    std::vector<Point>& m_moves = Tests::NullDesktop::GetInstance().cursorMoves;
 };
 
 TEST_F(SnipBenchKeysTest, TheZoomStopsAtTheMagnifiersSideAndAtTwo)
@@ -150,7 +150,7 @@ TEST_F(SnipBenchKeysTest, ACursorBehindTheLastPixelIsPulledBackIn)
 TEST_F(SnipBenchKeysTest, ARefusedCursorMoveChangesNothing)
 {
     StartFull(400, 300);
-    NullDesktop::GetInstance().cursorFails = true;
+    Tests::NullDesktop::GetInstance().cursorFails = true;
     Update({Move(50, 60), Press(KeyCode::Down)});
 
     EXPECT_EQ(m_probe.GetCursor(), (Point{50, 60}));

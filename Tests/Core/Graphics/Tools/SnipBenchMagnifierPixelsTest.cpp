@@ -16,14 +16,14 @@ using testing::SizeIs;
 class SnipBenchMagnifierPixelsTest : public ToolFixture
 {
 protected:
-    static Renderer::GLRecorder& GetRecorder() { return Renderer::GLRecorder::GetInstance(); }
+    static Tests::GLRecorder& GetRecorder() { return Tests::GLRecorder::GetInstance(); }
 
     /// Moves the cursor, and keeps the pixels that went to the magnifier's texture.
     void Look(std::int32_t x, std::int32_t y, unsigned side, unsigned bytesPerPixel = 4)
     {
         GetRecorder().ClearCalls();
         Update(Move(x, y));
-        const std::vector<Renderer::GLCall> uploads = GetRecorder().GetCalls("glTexSubImage2D");
+        const std::vector<Tests::GLCall> uploads = GetRecorder().GetCalls("glTexSubImage2D");
         ASSERT_THAT(uploads, SizeIs(1));
         ASSERT_EQ(uploads[0].arguments[4], side);
         ASSERT_EQ(uploads[0].arguments[5], side);
@@ -140,9 +140,9 @@ TEST_F(SnipBenchMagnifierPixelsTest, TheCaptureIsUploadedOncePerStart)
     Start(MakePicture(400, 300));
     Update({Move(10, 20), Wheel(1.0F), LeftPress(), Move(30, 50), LeftRelease()});
 
-    const std::vector<Renderer::GLCall> uploads = GetRecorder().GetCalls("glTexImage2D");
+    const std::vector<Tests::GLCall> uploads = GetRecorder().GetCalls("glTexImage2D");
     EXPECT_EQ(std::count_if(uploads.begin(), uploads.end(),
-                            [](const Renderer::GLCall& call) { return call.arguments[3] == 400; }),
+                            [](const Tests::GLCall& call) { return call.arguments[3] == 400; }),
               1);
 }
 

@@ -121,7 +121,7 @@ TEST_F(SnipBenchRandomTest, NoOrderOfInputsBreaksTheTool)
         if (count % 50 == 0)
         {
             m_renderer.Render(s_window);
-            Renderer::GLRecorder::GetInstance().ClearCalls();
+            Tests::GLRecorder::GetInstance().ClearCalls();
         }
     }
     EXPECT_GT(deliveries, 100);

@@ -92,7 +92,7 @@ TEST_F(SnipBenchTest, AnInactiveToolIgnoresEverything)
     EXPECT_EQ(m_tool.GetState(), SnipState::Inactive);
     EXPECT_EQ(m_probe.GetCursor(), (Point{0, 0}));
     EXPECT_EQ(m_probe.GetMagnification(), 1);
-    EXPECT_THAT(System::Platform::NullDesktop::GetInstance().cursorMoves, IsEmpty());
+    EXPECT_THAT(Tests::NullDesktop::GetInstance().cursorMoves, IsEmpty());
     EXPECT_EQ(CountObjects(), (Counts{0, 0, 0}));
 }
 

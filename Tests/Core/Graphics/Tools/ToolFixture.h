@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Core/Graphics/Renderer/GLRecorder.h"
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Tools/SnipBench.h"
 #include "Core/System/Desktop/KeyCode.h"
-#include "Core/System/Platform/NullDesktop.h"
 #include "Tests/Support/AssertionTrap.h"
+#include "Tests/Support/GLRecorder.h"
+#include "Tests/Support/NullDesktop.h"
 #include "Tests/Support/SnipBenchProbe.h"
 #include "Tests/Support/TestApplication.h"
 
@@ -127,8 +127,8 @@ class ToolFixture : public testing::Test
 protected:
     ToolFixture()
     {
-        System::Platform::NullDesktop::GetInstance().Reset();
-        Renderer::GLRecorder::GetInstance().Reset();
+        Tests::NullDesktop::GetInstance().Reset();
+        Tests::GLRecorder::GetInstance().Reset();
         m_tool.findDisplay = [this](std::uint16_t id)
         {
             const auto& displays = m_application->m_displaySystem;
@@ -234,7 +234,7 @@ protected:
                 m_renderer.GetTextRenderer().GetCount()};
     }
 
-    static constexpr System::Desktop::NativeWindow s_window{1};
+    static constexpr Desktops::NativeWindow s_window{1};
 
     /// The renderer asks it where the resources lie. It has no displays unless a test makes them.
     std::unique_ptr<Tests::TestApplication> m_application = std::make_unique<Tests::TestApplication>();

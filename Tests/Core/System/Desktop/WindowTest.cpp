@@ -1,8 +1,8 @@
 #include "Core/System/Desktop/Window.h"
 
-#include "Core/System/Platform/NullDesktop.h"
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/NullDesktop.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,9 +15,9 @@ namespace Orvik::System::Desktop
 namespace
 {
 
-using Platform::NullDesktop;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Tests::NullDesktop;
 
 constexpr const char* s_raceCondition = "succesfullyChangedState";
 constexpr const char* s_raceMessage = "Window state can't be changed due to an race condition.";
@@ -25,10 +25,10 @@ constexpr const char* s_raceMessage = "Window state can't be changed due to an r
 class WindowTest : public testing::Test
 {
 protected:
-    WindowTest() { NullDesktop::GetInstance().Reset(); }
-    ~WindowTest() override { NullDesktop::GetInstance().Reset(); }
+    WindowTest() { Tests::NullDesktop::GetInstance().Reset(); }
+    ~WindowTest() override { Tests::NullDesktop::GetInstance().Reset(); }
 
-    static std::vector<std::string>& Calls() { return NullDesktop::GetInstance().windowCalls; }
+    static std::vector<std::string>& Calls() { return Tests::NullDesktop::GetInstance().windowCalls; }
 
     Window m_window{nullptr, "Test", {10, 20}, {300, 200}, WindowType::Overlay};
 };
@@ -95,7 +95,7 @@ TEST_F(WindowTest, CreateRegistersAndCreatesHidden)
 
 TEST_F(WindowTest, CreateWhoseRegistrationFailsLeavesTheStateUndefined)
 {
-    NullDesktop::GetInstance().windowRegisters = false;
+    Tests::NullDesktop::GetInstance().windowRegisters = false;
     EXPECT_FALSE(m_window.Create());
     EXPECT_EQ(m_window.GetState(), WindowState::Undefined);
     EXPECT_STREQ(m_window.GetWindowClassName(), "Test");
@@ -105,7 +105,7 @@ TEST_F(WindowTest, CreateWhoseRegistrationFailsLeavesTheStateUndefined)
 TEST_F(WindowTest, CreateThatTheSystemRefusesIsLoggedAndStaysCreating)
 {
     const Tests::LogRecorder log;
-    NullDesktop::GetInstance().windowCreates = false;
+    Tests::NullDesktop::GetInstance().windowCreates = false;
     EXPECT_FALSE(m_window.Create());
     EXPECT_EQ(m_window.GetState(), WindowState::Creating);
     EXPECT_EQ(m_window.GetNativeWindow(), NativeWindow::None);
@@ -122,9 +122,9 @@ TEST_F(WindowTest, SecondCreateSkipsTheRegistrationAndFailsTheStateAssertion)
 
 TEST_F(WindowTest, CreateAfterAFailedRegistrationFailsTheStateAssertion)
 {
-    NullDesktop::GetInstance().windowRegisters = false;
+    Tests::NullDesktop::GetInstance().windowRegisters = false;
     ASSERT_FALSE(m_window.Create());
-    NullDesktop::GetInstance().windowRegisters = true;
+    Tests::NullDesktop::GetInstance().windowRegisters = true;
     EXPECT_ASSERTION(static_cast<void>(m_window.Create()), s_raceCondition, s_raceMessage);
 }
 
@@ -234,12 +234,12 @@ TEST_F(WindowTest, WhereSitesGoOnUpdateBeforeCreateDoesNothing)
     const Tests::AssertionList failed;
     m_window.Update();
     EXPECT_THAT(Tests::AssertionList::Take(), testing::ElementsAre("Illegal switch case."));
-    EXPECT_THAT(NullDesktop::GetInstance().windowCalls, testing::IsEmpty());
+    EXPECT_THAT(Tests::NullDesktop::GetInstance().windowCalls, testing::IsEmpty());
 }
 
 TEST_F(WindowTest, UpdateAfterAFailedCreationIsAnAssertion)
 {
-    NullDesktop::GetInstance().windowCreates = false;
+    Tests::NullDesktop::GetInstance().windowCreates = false;
     ASSERT_FALSE(m_window.Create());
     EXPECT_ASSERTION(m_window.Update(), "false", "Illegal switch case.");
 }
@@ -249,10 +249,10 @@ TEST_F(WindowTest, UpdateOfAHiddenWindowHandlesOneMessageAndCallsNoHook)
     RecordingWindow window;
     ASSERT_TRUE(window.Create());
     const auto message = [&window](Window&) { window.calls.emplace_back("message"); };
-    NullDesktop::GetInstance().messages = {message, message};
+    Tests::NullDesktop::GetInstance().messages = {message, message};
     window.Update();
     EXPECT_THAT(window.calls, ElementsAre("message"));
-    EXPECT_EQ(NullDesktop::GetInstance().messages.size(), 1U);
+    EXPECT_EQ(Tests::NullDesktop::GetInstance().messages.size(), 1U);
 }
 
 TEST_F(WindowTest, UpdateOfAVisibleWindowCallsTheHookTwiceBehindTheMessage)
@@ -260,7 +260,7 @@ TEST_F(WindowTest, UpdateOfAVisibleWindowCallsTheHookTwiceBehindTheMessage)
     RecordingWindow window;
     ASSERT_TRUE(window.Create());
     window.Show(window.Lock());
-    NullDesktop::GetInstance().messages = {[&window](Window&) { window.calls.emplace_back("message"); }};
+    Tests::NullDesktop::GetInstance().messages = {[&window](Window&) { window.calls.emplace_back("message"); }};
     window.Update();
     EXPECT_THAT(window.calls, ElementsAre("message", "visible", "visible"));
     window.calls.clear();
@@ -274,7 +274,8 @@ TEST_F(WindowTest, CloseDestroysInTheNextUpdateAndNothingFollows)
     window.SetEventHandler([](const WindowEvent&) { return true; });
     ASSERT_TRUE(window.Create());
     window.Show(window.Lock());
-    NullDesktop::GetInstance().messages = {[](Window& target) { target.DeliverClose(); }, [](Window&) { FAIL(); }};
+    Tests::NullDesktop::GetInstance().messages = {[](Window& target) { target.DeliverClose(); },
+                                                  [](Window&) { FAIL(); }};
     Calls().clear();
 
     window.Update();

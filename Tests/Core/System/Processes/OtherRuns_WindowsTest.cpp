@@ -1,8 +1,8 @@
 #include "Core/System/Processes/OtherRuns.h"
 
-#include "Core/System/Processes/ProcessCalls_Windows.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/OwnProgram.h"
+#include "Tests/Support/ReplacedCalls_Windows.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <cstdlib>
@@ -137,18 +137,17 @@ protected:
         s_processes = {{GetCurrentProcessId(), {100}}};
         s_handles.clear();
         s_ended.clear();
-        m_calls.openProcess = &Open;
-        m_calls.terminateProcess = &End;
-        m_calls.getProcessTimes = &GetTimes;
-        m_calls.getExitCodeProcess = &GetExitCode;
-        m_calls.processIdToSessionId = &GetSession;
-        m_calls.openProcessToken = &OpenToken;
-        m_calls.getTokenInformation = &GetInformation;
-        m_calls.enumProcesses = &Enumerate;
-        m_calls.enumProcessModules = &ListModules;
-        m_calls.getModuleBaseName = &NameModule;
+        m_calls.Of<&::OpenProcess>() = &Open;
+        m_calls.Of<&::TerminateProcess>() = &End;
+        m_calls.Of<&::GetProcessTimes>() = &GetTimes;
+        m_calls.Of<&::GetExitCodeProcess>() = &GetExitCode;
+        m_calls.Of<&::ProcessIdToSessionId>() = &GetSession;
+        m_calls.Of<&::OpenProcessToken>() = &OpenToken;
+        m_calls.Of<&::GetTokenInformation>() = &GetInformation;
+        m_calls.Of<&::K32EnumProcesses>() = &Enumerate;
+        m_calls.Of<&::K32EnumProcessModulesEx>() = &ListModules;
+        m_calls.Of<&::K32GetModuleBaseNameW>() = &NameModule;
     }
-    ~OtherRunsOfASystem() override { m_calls = {}; }
 
     static bool EndThem()
     {
@@ -158,7 +157,7 @@ protected:
     // Beyond all that a process here has as its number.
     static constexpr DWORD s_high = 0xF0000000;
 
-    ProcessCalls& m_calls = GetProcessCalls();
+    Tests::ReplacedCalls m_calls;
     Tests::LogRecorder m_log;
 };
 
@@ -221,7 +220,8 @@ TEST_F(OtherRunsOfASystem, ANumberThatAnotherProcessHasByNowIsNotEnded)
     s_processes[1] = {5};
     static int s_asked = 0;
     s_asked = 0;
-    m_calls.getProcessTimes = [](HANDLE process, LPFILETIME creation, LPFILETIME, LPFILETIME, LPFILETIME) -> BOOL
+    m_calls.Of<&::GetProcessTimes>() = [](HANDLE process, LPFILETIME creation, LPFILETIME, LPFILETIME,
+                                          LPFILETIME) -> BOOL
     {
         *creation = {GetKnown(process).startTime, 5};
         if (s_handles[process] == 1 && s_asked++ > 0)

@@ -1,7 +1,7 @@
-#include "Core/System/Processes/ProcessCalls_Windows.h"
 
 #include "Core/System/Processes/Process.h"
 #include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/ReplacedCalls_Windows.h"
 #include "Tests/Support/Texts.h"
 
 #include <algorithm>
@@ -69,12 +69,11 @@ protected:
         s_ids.clear();
         s_opened.clear();
         s_moduleCount = 3;
-        m_calls.openProcess = &Open;
-        m_calls.enumProcesses = &Enumerate;
-        m_calls.enumProcessModules = &ListModules;
-        m_calls.getModuleBaseName = &NameModule;
+        m_calls.Of<&::OpenProcess>() = &Open;
+        m_calls.Of<&::K32EnumProcesses>() = &Enumerate;
+        m_calls.Of<&::K32EnumProcessModulesEx>() = &ListModules;
+        m_calls.Of<&::K32GetModuleBaseNameW>() = &NameModule;
     }
-    ~ProcessCallsTest() override { m_calls = {}; }
 
     static std::vector<std::uint64_t> Find(std::string_view name)
     {
@@ -84,7 +83,7 @@ protected:
         return ids;
     }
 
-    ProcessCalls& m_calls = GetProcessCalls();
+    Tests::ReplacedCalls m_calls;
     Tests::LogRecorder m_log;
 };
 
@@ -112,7 +111,7 @@ TEST_F(ProcessCallsTest, TheIdZeroIsNoProcess)
 
 TEST_F(ProcessCallsTest, ProcessesThatAreNotListedAreLogged)
 {
-    m_calls.enumProcesses = [](DWORD*, DWORD, DWORD*) -> BOOL
+    m_calls.Of<&::K32EnumProcesses>() = [](DWORD*, DWORD, DWORD*) -> BOOL
     {
         SetLastError(ERROR_ACCESS_DENIED);
         return FALSE;
@@ -125,7 +124,7 @@ TEST_F(ProcessCallsTest, ProcessesThatAreNotListedAreLogged)
 TEST_F(ProcessCallsTest, ProcessesThatMayNotBeOpenedAreLoggedOneByOneAndNotMatched)
 {
     s_ids = {4, 8};
-    m_calls.openProcess = [](DWORD, BOOL, DWORD) -> HANDLE
+    m_calls.Of<&::OpenProcess>() = [](DWORD, BOOL, DWORD) -> HANDLE
     {
         SetLastError(ERROR_ACCESS_DENIED);
         return nullptr;
@@ -138,7 +137,7 @@ TEST_F(ProcessCallsTest, ProcessesThatMayNotBeOpenedAreLoggedOneByOneAndNotMatch
 
 TEST_F(ProcessCallsTest, AProcessWhoseModulesAreNotListedHasNoName)
 {
-    m_calls.enumProcessModules = [](HANDLE, HMODULE*, DWORD, DWORD*, DWORD) -> BOOL
+    m_calls.Of<&::K32EnumProcessModulesEx>() = [](HANDLE, HMODULE*, DWORD, DWORD*, DWORD) -> BOOL
     {
         SetLastError(ERROR_PARTIAL_COPY);
         return FALSE;
@@ -151,7 +150,7 @@ TEST_F(ProcessCallsTest, AProcessWhoseModulesAreNotListedHasNoName)
 
 TEST_F(ProcessCallsTest, AListOfModulesThatFailsAtItsSecondStepGivesNoName)
 {
-    m_calls.enumProcessModules = [](HANDLE, HMODULE* modules, DWORD, DWORD* needed, DWORD) -> BOOL
+    m_calls.Of<&::K32EnumProcessModulesEx>() = [](HANDLE, HMODULE* modules, DWORD, DWORD* needed, DWORD) -> BOOL
     {
         *needed = 8;
         SetLastError(ERROR_PARTIAL_COPY);
@@ -166,7 +165,8 @@ TEST_F(ProcessCallsTest, AListOfModulesThatGrowsIsAskedForAgain)
 {
     static int s_asked = 0;
     s_asked = 0;
-    m_calls.enumProcessModules = [](HANDLE process, HMODULE* modules, DWORD size, DWORD* needed, DWORD filter) -> BOOL
+    m_calls.Of<&::K32EnumProcessModulesEx>() = [](HANDLE process, HMODULE* modules, DWORD size, DWORD* needed,
+                                                  DWORD filter) -> BOOL
     {
         s_moduleCount = ++s_asked < 4 ? 3U * static_cast<std::size_t>(s_asked) : s_moduleCount;
         return ListModules(process, modules, size, needed, filter);
@@ -182,7 +182,7 @@ TEST_F(ProcessCallsTest, AProcessWithoutModulesOrAModuleWithoutANameHasNoName)
     s_moduleCount = 0;
     EXPECT_EQ(GetName({4}, name), "before");
     s_moduleCount = 1;
-    m_calls.getModuleBaseName = [](HANDLE, HMODULE, LPWSTR, DWORD) -> DWORD
+    m_calls.Of<&::K32GetModuleBaseNameW>() = [](HANDLE, HMODULE, LPWSTR, DWORD) -> DWORD
     {
         SetLastError(ERROR_INVALID_HANDLE);
         return 0;
@@ -195,7 +195,7 @@ TEST_F(ProcessCallsTest, AProcessWithoutModulesOrAModuleWithoutANameHasNoName)
 
 TEST_F(ProcessCallsTest, AProcessThatWillNotEndIsLogged)
 {
-    m_calls.terminateProcess = [](HANDLE, UINT code) -> BOOL
+    m_calls.Of<&::TerminateProcess>() = [](HANDLE, UINT code) -> BOOL
     {
         EXPECT_EQ(code, 0U);
         SetLastError(ERROR_ACCESS_DENIED);
@@ -211,7 +211,7 @@ TEST_F(ProcessCallsTest, AProcessThatWillNotEndIsLogged)
 
 TEST_F(ProcessCallsTest, AProcessThatEndsIsNoNews)
 {
-    m_calls.terminateProcess = [](HANDLE, UINT) -> BOOL { return TRUE; };
+    m_calls.Of<&::TerminateProcess>() = [](HANDLE, UINT) -> BOOL { return TRUE; };
     Process process{4};
     Terminate(process);
     EXPECT_EQ(process.id, 0U);
@@ -220,14 +220,14 @@ TEST_F(ProcessCallsTest, AProcessThatEndsIsNoNews)
 
 TEST_F(ProcessCallsTest, TheOwnProcessExistsThoughItMayNotBeOpened)
 {
-    m_calls.openProcess = [](DWORD access, BOOL, DWORD) -> HANDLE
+    m_calls.Of<&::OpenProcess>() = [](DWORD access, BOOL, DWORD) -> HANDLE
     {
         EXPECT_EQ(access, 0x1000U);
         SetLastError(ERROR_ACCESS_DENIED);
         return nullptr;
     };
     EXPECT_EQ(GetCurrentProcess().id, GetCurrentProcessId());
-    m_calls.openProcess = [](DWORD, BOOL, DWORD) -> HANDLE
+    m_calls.Of<&::OpenProcess>() = [](DWORD, BOOL, DWORD) -> HANDLE
     {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;

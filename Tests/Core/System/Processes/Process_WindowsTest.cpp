@@ -1,6 +1,6 @@
 #include "Core/System/Processes/Process.h"
 
-#include "Core/System/Platform/Headers/WindowsHandle.h"
+#include "Systems/Windows/Headers/WindowsHandle.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/OwnProgram.h"
 #include "Tests/Support/TemporaryDirectory.h"
@@ -74,7 +74,7 @@ public:
     }
 
 private:
-    Platform::WindowsHandle m_handle;
+    Systems::WindowsHandle m_handle;
     std::uint64_t m_id = 0;
 };
 

@@ -1,7 +1,7 @@
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 
-#include "Core/System/Runtime/ModuleCalls_Windows.h"
 #include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/ReplacedCalls_Windows.h"
 #include "Tests/Support/Texts.h"
 
 #include <algorithm>
@@ -22,9 +22,9 @@ std::filesystem::path FindRootPath(decltype(&GetModuleFileNameW) getModuleFileNa
 {
     const Tests::LogRecorder recorder;
     ApplicationConfigCache cache;
-    GetModuleCalls().getModuleFileName = getModuleFileName;
+    Tests::ReplacedCalls calls;
+    calls.Of<&::GetModuleFileNameW>() = getModuleFileName;
     EXPECT_TRUE(cache.Initialize(argument));
-    GetModuleCalls() = {};
     EXPECT_FALSE(recorder.GetLines().empty());
     line = recorder.GetLines().empty() ? "" : recorder.GetLines().front();
     return cache.GetRootPath();

@@ -1,6 +1,6 @@
 #include "Core/System/Text/Files.h"
 
-#include "Core/System/Platform/Headers/WindowsHandle.h"
+#include "Systems/Windows/Headers/WindowsHandle.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -21,12 +21,12 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 /// Opens a file as a reader does that lets others read and write, and doesn't think of those who replace it.
-Platform::WindowsHandle OpenWithoutSharedDeletion(const std::filesystem::path& path)
+Systems::WindowsHandle OpenWithoutSharedDeletion(const std::filesystem::path& path)
 {
     HANDLE const opened = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     EXPECT_NE(opened, INVALID_HANDLE_VALUE);
-    return Platform::WindowsHandle(opened != INVALID_HANDLE_VALUE ? opened : nullptr);
+    return Systems::WindowsHandle(opened != INVALID_HANDLE_VALUE ? opened : nullptr);
 }
 
 class FilesWindows : public testing::Test
@@ -48,7 +48,7 @@ protected:
 TEST_F(FilesWindows, AFileThatAReaderKeepsStaysWholeAndThatIsToldAfterASecond)
 {
     {
-        const Platform::WindowsHandle reader = OpenWithoutSharedDeletion(m_file);
+        const Systems::WindowsHandle reader = OpenWithoutSharedDeletion(m_file);
         const Clock::time_point begin = Clock::now();
         EXPECT_EQ(ReplaceFile(m_file, "new"), Replacement::Held);
         const auto duration = Clock::now() - begin;
@@ -62,7 +62,7 @@ TEST_F(FilesWindows, AFileThatAReaderKeepsStaysWholeAndThatIsToldAfterASecond)
 
 TEST_F(FilesWindows, AFileThatAReaderSoonClosesIsReplaced)
 {
-    Platform::WindowsHandle reader = OpenWithoutSharedDeletion(m_file);
+    Systems::WindowsHandle reader = OpenWithoutSharedDeletion(m_file);
     std::thread closing(
         [&reader]
         {

@@ -2,8 +2,8 @@
 
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Error/Assertion.h"
-#include "Core/System/Error/SystemError.h"
 #include "Core/System/Log/Site/LogSite.h"
+#include "Desktops/Desktop.h"
 
 #include <array>
 #include <bit>
@@ -46,7 +46,7 @@ void CopyOpaque(const unsigned char* source, std::uint64_t bytes, unsigned char*
 
 } // namespace
 
-CaptureContext::CaptureContext() : m_platformContext(CreatePlatform())
+CaptureContext::CaptureContext() : m_platformContext(Desktops::GetDesktop().MakeCaptureContext())
 {
 }
 
@@ -56,8 +56,8 @@ bool CaptureContext::Initialize(std::uint16_t displayId, const Math::Rectangle& 
 {
     m_displayId = displayId;
     m_region = region;
-    m_platformContext = CreatePlatform();
-    return IsCapturable(region) && InitializePlatform(region);
+    m_platformContext = Desktops::GetDesktop().MakeCaptureContext();
+    return IsCapturable(region) && m_platformContext->Initialize(region);
 }
 
 bool CaptureContext::Capture(const Callback& callback, FourthByte fourthByte)
@@ -69,7 +69,7 @@ bool CaptureContext::Capture(const Callback& callback, FourthByte fourthByte)
     if (!m_window->IsVisible(lock))
         return CopyScreen(callback, fourthByte);
     m_window->Hide(lock);
-    AwaitRepaintPlatform();
+    m_platformContext->AwaitRepaint();
     const bool isCopied = CopyScreen(callback, fourthByte);
     m_window->Show(lock);
     return isCopied;
@@ -77,12 +77,12 @@ bool CaptureContext::Capture(const Callback& callback, FourthByte fourthByte)
 
 bool CaptureContext::CopyScreen(const Callback& callback, FourthByte fourthByte)
 {
-    if (!CopyScreenPlatform())
+    if (const Desktops::Failure failure = m_platformContext->CopyScreen())
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Capture failed: ", Error::FormatLastError(), ".");
+        Log::Write(s_context, Log::MessageTypeID::Error, "Capture failed: ", *failure, ".");
         return false;
     }
-    const Types::Buffer<const unsigned char> pixels = GetPixelsPlatform();
+    const Types::Buffer<const unsigned char> pixels = m_platformContext->GetPixels();
     const std::uint64_t requiredSize = pixels.GetSize();
     const Types::Buffer<unsigned char> targetImageBuffer =
         callback(static_cast<std::uint16_t>(m_region.GetWidth()), static_cast<std::uint16_t>(m_region.GetHeight()),

@@ -13,11 +13,13 @@ namespace Orvik::System::Desktop
 class Window;
 } // namespace Orvik::System::Desktop
 
+namespace Orvik::Desktops
+{
+class PlatformCaptureContext;
+} // namespace Orvik::Desktops
+
 namespace Orvik::System::Device::Display
 {
-
-/// The system resources of a capture; each half has its own.
-struct PlatformCaptureContext;
 
 /// What a picture of the screen has in the fourth byte of its pixels.
 enum class FourthByte : std::uint8_t
@@ -54,22 +56,11 @@ public:
     bool Capture(const Callback& callback, FourthByte fourthByte = FourthByte::AsCopied);
 
 private:
-    using PlatformContextPointer = std::unique_ptr<PlatformCaptureContext, void (*)(PlatformCaptureContext*)>;
-
-    [[nodiscard]] static PlatformContextPointer CreatePlatform();
-    [[nodiscard]] bool InitializePlatform(const Math::Rectangle& region);
-    /// Waits until a window that was just hidden is gone from the screen, and what lies below is drawn.
-    void AwaitRepaintPlatform();
-    /// Copies the screen into the resources' own pixels. Parts of the region beyond the screen become black. On failure
-    /// the system's last error tells why.
-    [[nodiscard]] bool CopyScreenPlatform();
-    /// The pixels of the last copy, and their number of bytes: 4 for each pixel of the region.
-    [[nodiscard]] Types::Buffer<const unsigned char> GetPixelsPlatform() const;
     [[nodiscard]] bool CopyScreen(const Callback& callback, FourthByte fourthByte);
 
     std::uint16_t m_displayId = InvalidDisplayId;
     Math::Rectangle m_region;
-    PlatformContextPointer m_platformContext;
+    std::unique_ptr<Desktops::PlatformCaptureContext> m_platformContext; ///< never null
     Desktop::Window* m_window = nullptr;
 };
 

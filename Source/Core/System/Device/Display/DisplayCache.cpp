@@ -1,10 +1,13 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 
+#include "Core/System/Device/Display/DisplayOverlap.h"
 #include "Core/System/Log/Log.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Types/Utilities.h"
+#include "Desktops/Desktop.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Orvik::System::Device::Display
 {
@@ -19,7 +22,10 @@ DisplayCache::~DisplayCache()
 bool DisplayCache::Initialize(const Runtime::IConfig* /*config*/)
 {
     BindLogStream();
-    return InitializePlatform();
+    if (!Desktops::GetDesktop().PrepareDisplays(m_logContext))
+        return false;
+    IterateThroughDevices();
+    return true;
 }
 
 void DisplayCache::OnConfigured()
@@ -48,7 +54,11 @@ void DisplayCache::BindLogStream()
 
 void DisplayCache::IterateThroughDevices()
 {
-    IterateThroughDevicesPlatform();
+    Desktops::DisplayList list = Desktops::GetDesktop().ListDisplays();
+    m_displays = std::move(list.displays);
+    for (std::size_t index = 0; index < m_displays.size(); ++index)
+        m_displays[index].id = Types::SafeCast<std::uint16_t>(index + 1);
+    m_activeDisplayId = list.foreground ? FindDisplayOfLargestOverlap(m_displays, *list.foreground) : list.activeId;
     for (const DisplayDescriptor& display : m_displays)
     {
         if (display.isPrimary)
@@ -59,14 +69,6 @@ void DisplayCache::IterateThroughDevices()
         m_desktopBounds.bottom = std::max(m_desktopBounds.bottom, display.y + display.height);
         LogDisplay(display);
     }
-}
-
-DisplayDescriptor& DisplayCache::AddDisplay()
-{
-    const auto id = Types::SafeCast<std::uint16_t>(m_displays.size() + 1);
-    DisplayDescriptor& display = m_displays.emplace_back();
-    display.id = id;
-    return display;
 }
 
 void DisplayCache::LogDisplay(const DisplayDescriptor& display) const

@@ -42,14 +42,8 @@ public:
 private:
     /// Binds the log lines to their stream and to what is configured for it.
     void BindLogStream();
-    /// Settles what the system needs before displays are measured, then lists them. False if there is no desktop.
-    [[nodiscard]] bool InitializePlatform();
+    /// Fills the records from what the desktop lists.
     void IterateThroughDevices();
-    /// Fills `m_displays` and `m_activeDisplayId`.
-    void IterateThroughDevicesPlatform();
-
-    /// Appends a record with its start values and the next id.
-    DisplayDescriptor& AddDisplay();
     void LogDisplay(const DisplayDescriptor& display) const;
 
     std::uint16_t m_primaryDisplayId = InvalidDisplayId;

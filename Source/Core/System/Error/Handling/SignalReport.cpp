@@ -1,4 +1,4 @@
-// What ErrorHandling does about signals; how they arrive is the operating system's half.
+// What ErrorHandling does about signals; how they arrive is the operating system's.
 #include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/Application.h"

@@ -2,9 +2,9 @@
 
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Platform/NullDesktop.h"
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/NullDesktop.h"
 
 #include <algorithm>
 #include <atomic>
@@ -22,9 +22,9 @@ namespace
 
 using Desktop::Window;
 using Desktop::WindowState;
-using Platform::NullDesktop;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Tests::NullDesktop;
 
 /// The null desktop refuses with the system's fifth error.
 std::string GetFailureLine()
@@ -62,13 +62,13 @@ class CaptureContextTest : public testing::Test
 protected:
     CaptureContextTest()
     {
-        NullDesktop::GetInstance().Reset();
-        NullDesktop::GetInstance().screenPixel = [](std::int32_t x, std::int32_t y)
+        Tests::NullDesktop::GetInstance().Reset();
+        Tests::NullDesktop::GetInstance().screenPixel = [](std::int32_t x, std::int32_t y)
         { return static_cast<std::uint32_t>(x & 0xFF) | static_cast<std::uint32_t>(y & 0xFF) << 8 | 0x44330000U; };
     }
-    ~CaptureContextTest() override { NullDesktop::GetInstance().Reset(); }
+    ~CaptureContextTest() override { Tests::NullDesktop::GetInstance().Reset(); }
 
-    NullDesktop& m_desktop = NullDesktop::GetInstance();
+    Tests::NullDesktop& m_desktop = Tests::NullDesktop::GetInstance();
     CaptureContext m_context;
     Receiver m_receiver;
 };

@@ -1,9 +1,9 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 
 #include "Core/System/Log/Log.h"
-#include "Core/System/Platform/NullDesktop.h"
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/LogRecorder.h"
+#include "Tests/Support/NullDesktop.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestApplication.h"
 
@@ -15,9 +15,9 @@ namespace Orvik::System::Device::Display
 namespace
 {
 
-using Platform::NullDesktop;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Tests::NullDesktop;
 
 DisplayDescriptor MakeDisplay(const char* name, std::int16_t x, std::int16_t y, std::uint16_t width,
                               std::uint16_t height)
@@ -34,12 +34,12 @@ DisplayDescriptor MakeDisplay(const char* name, std::int16_t x, std::int16_t y, 
 class DisplayCacheTest : public testing::Test
 {
 protected:
-    DisplayCacheTest() { NullDesktop::GetInstance().Reset(); }
-    ~DisplayCacheTest() override { NullDesktop::GetInstance().Reset(); }
+    DisplayCacheTest() { Tests::NullDesktop::GetInstance().Reset(); }
+    ~DisplayCacheTest() override { Tests::NullDesktop::GetInstance().Reset(); }
 
     DisplayDescriptor& Add(const DisplayDescriptor& display)
     {
-        return NullDesktop::GetInstance().displays.emplace_back(display);
+        return Tests::NullDesktop::GetInstance().displays.emplace_back(display);
     }
 };
 
@@ -98,7 +98,7 @@ TEST_F(DisplayCacheTest, TheDefaultIsTheActiveDisplay)
 {
     Add(MakeDisplay("A", 0, 0, 800, 600)).isPrimary = true;
     Add(MakeDisplay("B", 800, 0, 800, 600));
-    NullDesktop::GetInstance().activeDisplayId = 2;
+    Tests::NullDesktop::GetInstance().activeDisplayId = 2;
     DisplayCache cache;
     ASSERT_TRUE(cache.Initialize(nullptr));
     EXPECT_EQ(cache.GetActiveDisplayId(), 2);
@@ -171,7 +171,7 @@ TEST_F(DisplayCacheTest, TheBoundsOfTheGreatestDisplayDoNotWrap)
 TEST_F(DisplayCacheTest, LogsASingleDisplay)
 {
     Add(MakeDisplay("\\\\.\\DISPLAY1", 0, 0, 1920, 1080)).isPrimary = true;
-    NullDesktop::GetInstance().activeDisplayId = 1;
+    Tests::NullDesktop::GetInstance().activeDisplayId = 1;
     const Tests::LogRecorder recorder;
     DisplayCache cache;
     ASSERT_TRUE(cache.Initialize(nullptr));
@@ -187,7 +187,7 @@ TEST_F(DisplayCacheTest, LogsWhatEachDisplayIs)
     both.hostDisplayId = 2;
     both.isPrimary = true;
     Add(MakeDisplay("D", 0, 0, 1, 1));
-    NullDesktop::GetInstance().activeDisplayId = 2;
+    Tests::NullDesktop::GetInstance().activeDisplayId = 2;
     const Tests::LogRecorder recorder;
     DisplayCache cache;
     ASSERT_TRUE(cache.Initialize(nullptr));

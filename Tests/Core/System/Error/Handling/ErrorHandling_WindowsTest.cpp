@@ -1,7 +1,7 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 
 #include "Core/System/Error/Exception.h"
-#include "Core/System/Platform/Headers/WindowsHandle.h"
+#include "Systems/Windows/Headers/WindowsHandle.h"
 #include "Tests/Core/System/Error/Handling/ReportText.h"
 #include "Tests/Core/System/Error/Handling/SignalledProgram.h"
 #include "Tests/Core/System/Error/Handling/StaticFailure.h"
@@ -153,7 +153,7 @@ Outcome Play(const std::string& role)
     const Tests::TemporaryDirectory streams;
     const std::filesystem::path errorFile = streams.GetPath() / "error";
     SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
-    Platform::WindowsHandle error(
+    Systems::WindowsHandle error(
         CreateFileW(errorFile.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr));
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
@@ -168,8 +168,8 @@ Outcome Play(const std::string& role)
     EXPECT_TRUE(isStarted);
 
     Outcome outcome;
-    const Platform::WindowsHandle handle(process.hProcess);
-    const Platform::WindowsHandle thread(process.hThread);
+    const Systems::WindowsHandle handle(process.hProcess);
+    const Systems::WindowsHandle thread(process.hThread);
     EXPECT_EQ(WaitForSingleObject(handle.get(), 60'000), WAIT_OBJECT_0);
     GetExitCodeProcess(handle.get(), &outcome.exitCode);
     error.reset();

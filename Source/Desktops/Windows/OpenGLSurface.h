@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Desktops/OpenGLSurface.h"
+
+namespace Orvik::Desktops::Windows
+{
+
+/// A context by WGL, in two steps: what it is chosen by can only be asked of another context.
+class OpenGLSurface final : public Desktops::OpenGLSurface
+{
+public:
+    [[nodiscard]] OpenGLCreation Create(NativeWindow window, const char* className) override;
+    void Destroy(NativeWindow window) override;
+    void SwapBuffers(NativeWindow window) override;
+    [[nodiscard]] OpenGLFunction FindFunction(const char* name) const override;
+
+private:
+    void* m_context = nullptr; ///< the system's
+};
+
+} // namespace Orvik::Desktops::Windows

@@ -1,0 +1,62 @@
+#pragma once
+
+// X11's own.
+
+#include "Desktops/X11/X11Headers.h"
+
+#include <cstdint>
+
+namespace Orvik::Desktops::X11
+{
+
+/// A window's claim on keyboard and pointer: the input focus, and a grab of each. A grab that another client holds (a
+/// hot-key daemon does until its key is let go) is tried again for two seconds, then the run goes on without it. Ends
+/// with the object's `End`, with the window, and with the connection at the latest.
+class InputClaim
+{
+public:
+    InputClaim(::Display* display, ::Window window) : m_display(display), m_window(window) {}
+
+    /// Claims, if the window can be seen; a hidden window's claim waits for `Resume`.
+    void Begin();
+    /// Tries once more what was refused. Cheap, and to be called often.
+    void Retry();
+    /// Lets go for the time that the window is hidden.
+    void Suspend();
+    /// Claims again what was claimed before `Suspend`.
+    void Resume();
+    void End();
+
+    /// Nanoseconds from `now` until `Retry` tries again; less than 0 if nothing is wanted.
+    [[nodiscard]] std::int64_t GetTimeToRetry(std::int64_t now) const;
+
+    [[nodiscard]] bool HoldsKeyboard() const { return m_keyboard == Grab::Held; }
+
+private:
+    enum class Grab : std::uint8_t
+    {
+        None,
+        Wanted, ///< refused so far
+        Held,
+    };
+
+    [[nodiscard]] bool CanBeSeen() const;
+    void TakeFocus();
+    void RestoreFocus();
+    [[nodiscard]] int GrabKeyboard() const;
+    [[nodiscard]] int GrabPointer() const;
+    [[nodiscard]] Grab Judge(const char* device, int status, std::int64_t now) const;
+
+    ::Display* m_display;
+    ::Window m_window;
+    bool m_isClaimed = false;
+    Grab m_keyboard = Grab::None;
+    Grab m_pointer = Grab::None;
+    std::int64_t m_deadline = 0;
+    std::int64_t m_nextTry = 0;
+    bool m_hasFocus = false;
+    ::Window m_previousFocus = None;
+    int m_previousRevert = RevertToNone;
+};
+
+} // namespace Orvik::Desktops::X11

@@ -1,0 +1,67 @@
+#pragma once
+
+// X11's own.
+
+#include "Core/System/Math/Point.h"
+#include "Desktops/ScrollAxes.h"
+#include "Desktops/X11/EventData.h"
+#include "Desktops/X11/X11Headers.h"
+
+#include <optional>
+
+namespace Orvik::Desktops::X11
+{
+
+/// Where the pointer was when an event was made.
+struct PointerMotion
+{
+    ::Window window = None;
+    System::Math::Point inWindow; ///< window pixels
+    System::Math::Point onScreen; ///< screen pixels
+    unsigned long serial = 0;     ///< the last of our requests that the server had dealt with; it never goes back
+};
+
+/// The place that an event of XInput 2 tells; it has fractions of a pixel.
+[[nodiscard]] PointerMotion GetPlace(const XIDeviceEvent& event);
+
+/// The pointing devices, read by XInput 2 where the server has it (2.1, for wheels that tell fractions of a notch), or
+/// else by core events alone. The process's one; it belongs to the thread of the X connection.
+class PointerInput
+{
+public:
+    [[nodiscard]] static PointerInput& GetInstance();
+
+    /// Asks for the pointer events of a window. Core events stay in use where a core grab reports instead.
+    void Select(::Display* display, ::Window window);
+
+    [[nodiscard]] bool IsInputEvent(const XEvent& event) const;
+
+    /// Told by the event alone, without its data.
+    [[nodiscard]] bool IsMotionEvent(const XEvent& event) const;
+    [[nodiscard]] bool IsButtonEvent(const XEvent& event) const;
+
+    /// A motion that carries nothing else.
+    [[nodiscard]] std::optional<PointerMotion> ReadPlainMotion(const XEvent& event, const EventData& data) const;
+
+    /// The notches of a motion that turns a wheel.
+    [[nodiscard]] float TakeNotches(const XIDeviceEvent& event);
+
+    /// Whether a button event only repeats for old clients what a scroll axis has told.
+    [[nodiscard]] bool IsEmulatedWheel(const XIDeviceEvent& event) const;
+
+    /// A device has other axes, or another device moves the pointer; the event tells where the axes are.
+    void OnDeviceChanged(const XIDeviceChangedEvent& event);
+
+    /// Reads all axes anew: they may have moved unseen.
+    void RefreshAxes(::Display* display);
+
+private:
+    void Initialize(::Display* display);
+    [[nodiscard]] bool HasScroll(const XIDeviceEvent& event) const;
+
+    bool m_isInitialized = false;
+    int m_opcode = 0; ///< 0 without the extension
+    ScrollAxes m_axes;
+};
+
+} // namespace Orvik::Desktops::X11

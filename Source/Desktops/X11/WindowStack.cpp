@@ -1,0 +1,86 @@
+#include "Desktops/X11/WindowStack.h"
+
+#include "Desktops/X11/XHandle.h"
+
+#include <X11/Xlib-xcb.h>
+#include <algorithm>
+#include <cstdlib>
+#include <span>
+#include <vector>
+#include <xcb/xproto.h>
+
+namespace Orvik::Desktops::X11
+{
+namespace
+{
+
+// By XCB rather than Xlib: it sends the requests for all windows before it waits for the first answer. A desktop has
+// hundreds of windows, most of them hidden, and each wait would hold up a frame. A window that has gone has no answer.
+template <typename Reply>
+using ReplyPointer = XHandle<Reply, std::free>;
+
+using Geometry = ReplyPointer<xcb_get_geometry_reply_t>;
+
+/// Those of the windows that are shown, in their order.
+std::vector<xcb_window_t> FindShown(xcb_connection_t* connection, std::span<const xcb_window_t> windows)
+{
+    std::vector<xcb_get_window_attributes_cookie_t> cookies;
+    for (const xcb_window_t window : windows)
+        cookies.push_back(xcb_get_window_attributes(connection, window));
+    std::vector<xcb_window_t> shown;
+    for (std::size_t index = 0; index < windows.size(); ++index)
+    {
+        const ReplyPointer<xcb_get_window_attributes_reply_t> attributes(
+            xcb_get_window_attributes_reply(connection, cookies[index], nullptr));
+        if (attributes != nullptr && attributes->map_state == XCB_MAP_STATE_VIEWABLE &&
+            attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT)
+            shown.push_back(windows[index]);
+    }
+    return shown;
+}
+
+/// What the windows take of the screen, without those that have gone meanwhile.
+std::vector<Geometry> GetGeometries(xcb_connection_t* connection, std::span<const xcb_window_t> windows)
+{
+    std::vector<xcb_get_geometry_cookie_t> cookies;
+    for (const xcb_window_t window : windows)
+        cookies.push_back(xcb_get_geometry(connection, window));
+    std::vector<Geometry> geometries;
+    for (const xcb_get_geometry_cookie_t cookie : cookies)
+    {
+        Geometry geometry(xcb_get_geometry_reply(connection, cookie, nullptr));
+        if (geometry != nullptr)
+            geometries.push_back(std::move(geometry));
+    }
+    return geometries;
+}
+
+bool HaveCommonPixels(const xcb_get_geometry_reply_t& left, const xcb_get_geometry_reply_t& right)
+{
+    return left.x < right.x + right.width && right.x < left.x + left.width && left.y < right.y + right.height &&
+           right.y < left.y + left.height;
+}
+
+} // namespace
+
+bool IsCovered(::Display* display, ::Window window)
+{
+    xcb_connection_t* const connection = XGetXCBConnection(display);
+    const auto root = static_cast<xcb_window_t>(DefaultRootWindow(display));
+    const ReplyPointer<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
+    if (tree == nullptr)
+        return false;
+    const std::span<const xcb_window_t> windows(xcb_query_tree_children(tree.get()), tree->children_len); // from below
+    const auto own = std::find(windows.begin(), windows.end(), static_cast<xcb_window_t>(window));
+    // The own window first, and those above it.
+    const std::vector<xcb_window_t> shown = FindShown(connection, {own, windows.end()});
+    if (shown.size() < 2 || shown.front() != window)
+        return false;
+    const Geometry area(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, shown.front()), nullptr));
+    const std::vector<Geometry> others = GetGeometries(connection, std::span(shown).subspan(1));
+    return area != nullptr && std::any_of(others.begin(), others.end(),
+                                          [&area](const Geometry& other) { return HaveCommonPixels(*area, *other); });
+}
+
+} // namespace Orvik::Desktops::X11

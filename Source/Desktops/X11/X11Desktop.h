@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Desktops/Desktop.h"
+#include "Desktops/X11/LentMemory.h"
+#include "Desktops/X11/Pointer.h"
+
+namespace Orvik::Desktops::X11
+{
+
+/// The desktop of an X server. There is one connection to it in a process, opened when something is first asked for.
+class X11Desktop final : public Desktop
+{
+public:
+    [[nodiscard]] const char* GetName() const override { return "X11"; }
+    void SetLossHandler(void (*handler)()) override;
+    [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
+    [[nodiscard]] DisplayList ListDisplays() override;
+    [[nodiscard]] DesktopPointer& GetPointer() override { return m_pointer; }
+    [[nodiscard]] GraphicsCard FindGraphicsCard() override;
+    [[nodiscard]] std::unique_ptr<DesktopWindow> MakeWindow(System::Desktop::Window& owner) override;
+    [[nodiscard]] std::unique_ptr<PlatformCaptureContext> MakeCaptureContext() override;
+    [[nodiscard]] std::unique_ptr<PixelMemory> MakePixelMemory() override;
+    [[nodiscard]] std::unique_ptr<Desktops::OpenGLSurface> MakeOpenGLSurface() override;
+
+private:
+    Pointer m_pointer;
+    LentMemory m_lentMemory; ///< of the surface that is drawn in next
+};
+
+} // namespace Orvik::Desktops::X11

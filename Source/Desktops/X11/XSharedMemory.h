@@ -1,0 +1,52 @@
+#pragma once
+
+// X11's own.
+
+#include "Desktops/X11/X11Headers.h"
+
+#include <X11/extensions/XShm.h>
+#include <cstddef>
+#include <cstdint>
+
+namespace Orvik::Desktops::X11
+{
+
+/// Memory that the X server has in common with us: MIT-SHM 1.2, which hands over the memory itself by a descriptor. It
+/// can be no other's, as a number of a segment could in another container. Main thread.
+class XSharedMemory
+{
+public:
+    enum class Writer : std::uint8_t
+    {
+        Server, ///< we can only read
+        Us,
+    };
+
+    XSharedMemory() = default;
+    ~XSharedMemory() { Release(); }
+    XSharedMemory(const XSharedMemory&) = delete;
+    XSharedMemory& operator=(const XSharedMemory&) = delete;
+
+    /// Gets memory of that many bytes, all zero, and shares it. False if the server is a remote or an old one, or the
+    /// memory can't be had; there is none then.
+    [[nodiscard]] bool Create(::Display* display, std::size_t bytes, Writer writer);
+
+    /// Gives the memory back, after what the server has been asked to do with it before.
+    void Release() noexcept;
+
+    /// 0 without memory.
+    [[nodiscard]] std::size_t GetBytes() const { return m_bytes; }
+    [[nodiscard]] bool IsShared() const { return m_segment.shmaddr != nullptr; }
+    /// For Xlib's calls: the address, null without memory, and the server's name of it. It stays where it is.
+    [[nodiscard]] XShmSegmentInfo& GetSegment() { return m_segment; }
+
+private:
+    [[nodiscard]] bool Attach(int memory);
+    void Unmap() noexcept;
+
+    ::Display* m_display = nullptr;
+    XShmSegmentInfo m_segment = {}; ///< without an address if there is no memory
+    std::size_t m_bytes = 0;
+};
+
+} // namespace Orvik::Desktops::X11

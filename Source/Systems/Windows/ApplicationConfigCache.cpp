@@ -1,0 +1,22 @@
+#include "Core/System/Runtime/ApplicationConfigCache.h"
+#include "Systems/Windows/Headers/SystemCall.h"
+
+#include <array>
+#include <string>
+
+namespace Orvik::System::Runtime
+{
+
+using Systems::SystemCall;
+
+std::filesystem::path ApplicationConfigCache::FindExecutablePathPlatform()
+{
+    std::array<wchar_t, MAX_PATH> path = {};
+    const DWORD length = SystemCall<&::GetModuleFileNameW>(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    // A longer path fills the buffer and lacks its end.
+    if (length == 0 || length >= path.size())
+        return {};
+    return std::wstring(path.data(), length);
+}
+
+} // namespace Orvik::System::Runtime

@@ -1,0 +1,21 @@
+#include "Core/System/Runtime/CommandLine.h"
+#include "Core/System/Text/Unicode.h"
+#include "Systems/Windows/Headers/WindowsHeaders.h"
+
+#include <shellapi.h>
+
+namespace Orvik::System::Runtime
+{
+
+std::vector<std::string> CommandLine::ReadArgumentsPlatform()
+{
+    std::vector<std::string> arguments;
+    int count = 0;
+    // The array lives as long as the process: it is read once.
+    wchar_t** const array = CommandLineToArgvW(GetCommandLineW(), &count);
+    for (int index = 0; array != nullptr && index < count; ++index)
+        arguments.push_back(Text::ToUtf8(array[index]));
+    return arguments;
+}
+
+} // namespace Orvik::System::Runtime

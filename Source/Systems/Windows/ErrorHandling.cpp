@@ -1,0 +1,118 @@
+#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/Handling/ConsoleEvents.h"
+#include "Systems/Windows/Headers/WindowsHeaders.h"
+
+#include <array>
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+
+namespace Orvik::System::Error
+{
+namespace
+{
+
+using SignalHandler = void (*)(int);
+
+/// The C runtime's own, all it has.
+constexpr std::array s_signals = {SIGTERM, SIGSEGV, SIGINT, SIGILL, SIGABRT, SIGFPE};
+
+/// A request waits two seconds for the run's end, from the last progress of a file on. Longer takes only one whose log
+/// isn't read by whoever it is for.
+constexpr DWORD s_requestTimeLimit = 3'000; // milliseconds
+constexpr UINT s_abortCode = 3;             ///< what `std::abort` ends the process with
+
+ErrorHandling* s_errorHandling = nullptr;
+std::array<SignalHandler, s_signals.size()> s_previousHandlers = {};
+int s_previousErrorMode = _OUT_TO_DEFAULT;
+
+void CALLBACK OnTimeout(void* /*argument*/, BOOLEAN /*hasFired*/) noexcept
+{
+    TerminateProcess(GetCurrentProcess(), s_abortCode);
+}
+
+/// Ends the process if it lives too long.
+class TimeLimit
+{
+public:
+    TimeLimit()
+    {
+        CreateTimerQueueTimer(&m_timer, nullptr, &OnTimeout, nullptr, s_requestTimeLimit, 0, WT_EXECUTEONLYONCE);
+        s_current = this;
+    }
+    ~TimeLimit()
+    {
+        s_current = nullptr;
+        (void)DeleteTimerQueueTimer(nullptr, m_timer, nullptr);
+    }
+    TimeLimit(const TimeLimit&) = delete;
+    TimeLimit& operator=(const TimeLimit&) = delete;
+
+    /// Begins the time of the thread's limit anew, if it has one.
+    static void Renew()
+    {
+        if (s_current != nullptr)
+            (void)ChangeTimerQueueTimer(nullptr, s_current->m_timer, s_requestTimeLimit, 0);
+    }
+
+private:
+    static thread_local TimeLimit* s_current;
+
+    HANDLE m_timer = nullptr;
+};
+
+thread_local TimeLimit* TimeLimit::s_current = nullptr;
+
+/// Faults arrive on the faulting thread, an interruption or a termination on a thread of its own. The delivery has
+/// reset the signal to its default action: a second one ends the process at once.
+extern "C" void OnSignal(int signal) noexcept
+{
+    if (signal != SIGINT && signal != SIGTERM)
+        return s_errorHandling->HandleSignal(signal);
+    const TimeLimit limit;
+    if (!s_errorHandling->HandleRequest(signal))
+        std::raise(signal); // nothing is there that could end by itself
+}
+
+} // namespace
+
+void ErrorHandling::InstallSignalHandlersPlatform()
+{
+    s_errorHandling = this;
+    // A program with windows would be asked in a message box, which nobody sees below the overlay.
+    s_previousErrorMode = _set_error_mode(_OUT_TO_STDERR);
+    for (std::size_t index = 0; index < s_signals.size(); ++index)
+        s_previousHandlers[index] = std::signal(s_signals[index], &OnSignal);
+    ListenToConsole();
+}
+
+void ErrorHandling::RemoveSignalHandlersPlatform() noexcept
+{
+    StopListeningToConsole();
+    for (std::size_t index = 0; index < s_signals.size(); ++index)
+        std::signal(s_signals[index], s_previousHandlers[index]);
+    _set_error_mode(s_previousErrorMode);
+    s_errorHandling = nullptr;
+}
+
+// A run that is over isn't asked any more, see `HandleRequest`; the process ends without its help.
+void ErrorHandling::EndRequestsPlatform(int /*exitCode*/) noexcept
+{
+}
+
+// The delivery of the first one has done that.
+void ErrorHandling::AllowSecondInterruptionPlatform()
+{
+}
+
+void ErrorHandling::RenewTimeLimitPlatform()
+{
+    TimeLimit::Renew();
+}
+
+void ErrorHandling::AbortPlatform(int /*signal*/)
+{
+    std::abort();
+}
+
+} // namespace Orvik::System::Error

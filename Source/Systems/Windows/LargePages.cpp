@@ -1,0 +1,11 @@
+#include "Core/System/Multimedia/LargePages.h"
+
+namespace Orvik::System::Multimedia
+{
+
+// There large pages take a right that users don't have.
+void PreferLargePages(void* /*memory*/, std::size_t /*bytes*/) noexcept
+{
+}
+
+} // namespace Orvik::System::Multimedia

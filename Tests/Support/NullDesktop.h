@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Core/System/Device/DisplayDescriptor.h"
+#include "Core/System/Math/Point.h"
+#include "Core/System/Math/Rectangle.h"
+#include "Desktops/Desktop.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Orvik::Tests
+{
+
+/// What the null desktop is made of. One thread.
+struct NullDesktopValues
+{
+    // Displays: what the display cache finds. Ids are given by the cache.
+    std::vector<System::Device::Display::DisplayDescriptor> displays;
+    std::uint16_t activeDisplayId = System::Device::Display::InvalidDisplayId;
+
+    // The pointer.
+    System::Math::Point cursorPosition;
+    std::vector<System::Math::Point> cursorMoves; ///< every position that was set
+    bool cursorFails = false;                     ///< reading and moving fail
+    bool cursorVisible = true;
+
+    // Captures.
+    bool captureInitializes = true;
+    bool captureSucceeds = true;
+    /// The pixel at a screen position, as blue | green << 8 | red << 16 | fourth byte << 24.
+    std::function<std::uint32_t(std::int32_t x, std::int32_t y)> screenPixel;
+    std::vector<System::Math::Rectangle> captures; ///< every region that was copied
+
+    // Surfaces.
+    bool hasGraphicsCard = true;
+    bool surfacesCreate = true;
+    std::vector<std::vector<System::Math::Rectangle>> presentations; ///< what each frame showed anew
+
+    // Windows.
+    bool windowRegisters = true;
+    bool windowCreates = true;
+    /// "RegisterClass", "UnregisterClass", "Create", "Destroy", "Show", "Hide", "SetClickThrough(true)",
+    /// "SetClickThrough(false)" and "BringToFront", in the order of the calls. Pumping isn't remembered.
+    std::vector<std::string> windowCalls;
+    std::size_t answers = 0; ///< how often a window has handled what others wait for
+    /// What the message pump finds, one a call. Each is run with the window that pumps.
+    std::deque<std::function<void(System::Desktop::Window&)>> messages;
+    std::string windowTitle; ///< the last one that was set
+    std::uint64_t waits = 0; ///< how often a window has waited for a message
+
+    void (*lossHandler)() = nullptr;
+};
+
+/// A desktop that is made of values, takes every call, and remembers what was asked of it. With it the logic above the
+/// desktop runs, and is tested, where there is no screen. Its OpenGL is the `GLRecorder`. One thread.
+class NullDesktop final : public Desktops::Desktop, public Desktops::DesktopPointer, public NullDesktopValues
+{
+public:
+    [[nodiscard]] static NullDesktop& GetInstance();
+
+    /// Back to the start values.
+    void Reset() { static_cast<NullDesktopValues&>(*this) = NullDesktopValues(); }
+
+    [[nodiscard]] const char* GetName() const override { return "Null"; }
+    void SetLossHandler(void (*handler)()) override { lossHandler = handler; }
+    [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
+    [[nodiscard]] Desktops::DisplayList ListDisplays() override;
+    [[nodiscard]] Desktops::DesktopPointer& GetPointer() override { return *this; }
+    [[nodiscard]] Desktops::GraphicsCard FindGraphicsCard() override;
+    [[nodiscard]] std::unique_ptr<Desktops::DesktopWindow> MakeWindow(System::Desktop::Window& owner) override;
+    [[nodiscard]] std::unique_ptr<Desktops::PlatformCaptureContext> MakeCaptureContext() override;
+    [[nodiscard]] std::unique_ptr<Desktops::PixelMemory> MakePixelMemory() override;
+    [[nodiscard]] std::unique_ptr<Desktops::OpenGLSurface> MakeOpenGLSurface() override;
+
+    [[nodiscard]] Desktops::Failure ReadPosition(System::Math::Point& position) override;
+    [[nodiscard]] Desktops::Failure Move(const System::Math::Point& position) override;
+    void Show(bool visible) override { cursorVisible = visible; }
+};
+
+} // namespace Orvik::Tests

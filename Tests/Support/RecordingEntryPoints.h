@@ -1,0 +1,11 @@
+#pragma once
+
+#include "Core/Graphics/Renderer/GLContext.h"
+
+namespace Orvik::Tests
+{
+
+/// The entry points as recorders, without the one that the recorder is told to lack.
+[[nodiscard]] Graphics::Renderer::EntryPoints MakeRecordingEntryPoints();
+
+} // namespace Orvik::Tests
