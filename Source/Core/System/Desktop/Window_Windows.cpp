@@ -205,7 +205,7 @@ void Window::WaitForMessagePlatform(std::int64_t nanoseconds, Threads::WakeSigna
         wake.Wait(nanoseconds);
         return;
     }
-    auto* const signal = reinterpret_cast<HANDLE>(wake.GetHandle()); // NOLINT(performance-no-int-to-ptr)
+    auto* const signal = reinterpret_cast<HANDLE>(wake.GetHandle());
     MsgWaitForMultipleObjectsEx(1, &signal, Time::ToMilliseconds(nanoseconds), QS_ALLINPUT, MWMO_INPUTAVAILABLE);
     wake.Reset();
 }
