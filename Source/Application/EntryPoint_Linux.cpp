@@ -15,10 +15,10 @@ namespace
 {
 
 // Before all other static objects, the application among them.
-[[gnu::init_priority(101)]] const Orvik::System::Error::EarlyErrorHandling s_errorHandling; // NOLINT(cert-err58-cpp)
+[[gnu::init_priority(101)]] const Orvik::System::Error::EarlyErrorHandling s_errorHandling;
 
 // Constructed before `main` and destroyed behind it, so that faults on both ends are reported.
-Orvik::SnipBench::Application s_application; // NOLINT(cert-err58-cpp)
+Orvik::SnipBench::Application s_application;
 
 /// A caller may close the standard streams. The next file that is opened, a log or the X connection, would take the
 /// place of one and get what is printed.

@@ -15,10 +15,10 @@ namespace
 {
 
 // Before all other static objects, the application among them.
-[[gnu::init_priority(101)]] const Orvik::System::Error::EarlyErrorHandling s_errorHandling; // NOLINT(cert-err58-cpp)
+[[gnu::init_priority(101)]] const Orvik::System::Error::EarlyErrorHandling s_errorHandling;
 
 // Constructed before `wWinMain` and destroyed behind it, so that faults on both ends are reported.
-Orvik::SnipBench::Application s_application; // NOLINT(cert-err58-cpp)
+Orvik::SnipBench::Application s_application;
 
 /// The setup tool reads what the program prints; it mustn't go to the console that the tool was started from.
 bool IsSetupToolRunning()

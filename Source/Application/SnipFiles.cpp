@@ -46,8 +46,9 @@ void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
     {
         result = System::Text::ReplaceFile(path, makeText());
     }
-    catch (const std::exception&) // NOLINT(bugprone-empty-catch): nothing is written then
+    catch (const std::exception&)
     {
+        // nothing is written then
     }
     if (result == System::Text::Replacement::NotWritten || result == System::Text::Replacement::Held)
         Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save meta file: ", path);

@@ -16,7 +16,6 @@
 #include <GL/glcorearb.h>
 
 // The entry points that the OpenGL library of every platform exports.
-// NOLINTBEGIN(readability-identifier-naming): the names are the library's.
 extern "C"
 {
     void APIENTRY glClear(GLbitfield mask);
@@ -41,7 +40,6 @@ extern "C"
                                   GLenum format, GLenum type, const void* pixels);
     void APIENTRY glTexParameteri(GLenum target, GLenum name, GLint value);
 }
-// NOLINTEND(readability-identifier-naming)
 
 #if defined(ORVIK_UNDEFINE_APIENTRY)
 #undef APIENTRY

@@ -9,16 +9,16 @@
 // The software renderer keeps memory to itself until the process ends, and replies of the server: newer versions of it
 // (libgallium) lose 49 pieces, 2,352 bytes in all, with each context that they make. The C library keeps the list of
 // folders that it has looked for the locale in. Asked for by the leak sanitizer, where it is in.
-extern "C" const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:swrast_dri.so\nleak:libgallium-\nleak:libEGL_mesa.so\nleak:libLLVM\nleak:libxcb.so\n"
            "leak:argz_add_sep\n";
 }
 
 // Nor a word of it: tests look at what ends up on the error stream.
-extern "C" const char* __lsan_default_options(); // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_options()  // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_options();
+extern "C" const char* __lsan_default_options()
 {
     return "print_suppressions=0";
 }

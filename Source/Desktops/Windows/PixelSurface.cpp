@@ -66,7 +66,7 @@ PixelSurface::~PixelSurface() = default;
 bool PixelSurface::Create(NativeWindow window, std::uint32_t width, std::uint32_t height)
 {
     Destroy();
-    auto* const owner = reinterpret_cast<HWND>(window); // NOLINT(performance-no-int-to-ptr)
+    auto* const owner = reinterpret_cast<HWND>(window);
     if (IsWindow(owner) == FALSE)
         return false;
     m_native.reset(new Native(owner, width, height));

@@ -194,7 +194,7 @@ void Window::WaitForMessage(std::int64_t nanoseconds, System::Threads::WakeSigna
         wake.Wait(nanoseconds);
         return;
     }
-    auto* const signal = reinterpret_cast<HANDLE>(wake.GetHandle()); // NOLINT(performance-no-int-to-ptr)
+    auto* const signal = reinterpret_cast<HANDLE>(wake.GetHandle());
     MsgWaitForMultipleObjectsEx(1, &signal, System::Time::ToMilliseconds(nanoseconds), QS_ALLINPUT,
                                 MWMO_INPUTAVAILABLE);
     wake.Reset();

@@ -16,7 +16,7 @@ void DirectoryCache::InitializePlatform()
 
 std::optional<std::string> DirectoryCache::ReadVariablePlatform(const char* name)
 {
-    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): no thread changes the environment
+    const char* const value = std::getenv(name); // no thread changes the environment
     return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
 }
 

@@ -64,7 +64,7 @@ bool Join() noexcept
         return false;
     s_state.isRunning = false;
     s_state.isStopping = true;
-    pthread_kill(s_state.thread, SIGTERM); // NOLINT(bugprone-bad-signal-to-kill-thread): blocked there, and awaited
+    pthread_kill(s_state.thread, SIGTERM); // blocked there, and awaited
     pthread_join(s_state.thread, nullptr);
     return true;
 }

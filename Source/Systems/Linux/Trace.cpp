@@ -39,7 +39,7 @@ std::int64_t ReadStartTicks()
 
 std::filesystem::path GetTraceFilePlatform()
 {
-    const char* const value = std::getenv("ORVIK_TRACE"); // NOLINT(concurrency-mt-unsafe): no thread changes it
+    const char* const value = std::getenv("ORVIK_TRACE"); // no thread changes it
     return value != nullptr ? value : "";
 }
 

@@ -12,7 +12,7 @@ constexpr std::intptr_t s_none = -1;
 
 HANDLE ToHandle(std::intptr_t handle)
 {
-    return reinterpret_cast<HANDLE>(handle); // NOLINT(performance-no-int-to-ptr)
+    return reinterpret_cast<HANDLE>(handle);
 }
 
 std::intptr_t CreateSignal() noexcept

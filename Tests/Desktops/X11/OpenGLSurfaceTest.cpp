@@ -5,14 +5,12 @@
 #include <cstdlib>
 #include <memory>
 
-// NOLINTBEGIN(readability-identifier-naming): the names are the library's.
 extern "C"
 {
     GLboolean glIsEnabled(GLenum capability);
     void glGetIntegerv(GLenum name, GLint* values);
     void glGetFloatv(GLenum name, GLfloat* values);
 }
-// NOLINTEND(readability-identifier-naming)
 
 namespace Orvik::Tests
 {

@@ -55,8 +55,7 @@ bool GLContext::Bind(Desktops::NativeWindow window, const char* className)
 
 void GLContext::LoadEntryPoints()
 {
-#define ORVIK_LOAD_ENTRY_POINT(Type, name)                                                                             \
-    m_entryPoints.name = reinterpret_cast<Type>(m_surface->FindFunction(#name)); // NOLINT(bugprone-macro-parentheses)
+#define ORVIK_LOAD_ENTRY_POINT(Type, name) m_entryPoints.name = reinterpret_cast<Type>(m_surface->FindFunction(#name));
     ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_LOAD_ENTRY_POINT)
     ORVIK_FOR_EACH_LIBRARY_FUNCTION(ORVIK_LOAD_ENTRY_POINT)
     ORVIK_LOAD_ENTRY_POINT(PFNGLGETACTIVEUNIFORMBLOCKIVPROC, glGetActiveUniformBlockiv)

@@ -48,10 +48,10 @@ public:
 
     void Clear() { m_objects.clear(); }
 
-    [[nodiscard]] auto begin() { return m_objects.begin(); } // NOLINT(readability-identifier-naming): for range-for
-    [[nodiscard]] auto end() { return m_objects.end(); }     // NOLINT(readability-identifier-naming)
-    [[nodiscard]] auto begin() const { return m_objects.begin(); } // NOLINT(readability-identifier-naming)
-    [[nodiscard]] auto end() const { return m_objects.end(); }     // NOLINT(readability-identifier-naming)
+    [[nodiscard]] auto begin() { return m_objects.begin(); } // for range-for
+    [[nodiscard]] auto end() { return m_objects.end(); }
+    [[nodiscard]] auto begin() const { return m_objects.begin(); }
+    [[nodiscard]] auto end() const { return m_objects.end(); }
     [[nodiscard]] std::size_t GetCount() const { return m_objects.size(); }
 
 private:

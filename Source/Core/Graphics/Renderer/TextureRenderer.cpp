@@ -23,7 +23,7 @@ constexpr std::uint8_t s_bitsWithoutAlpha = 24;
 /// An attribute's place within a vertex, as OpenGL wants it.
 const void* ToOffset(std::uintptr_t bytes)
 {
-    return reinterpret_cast<const void*>(bytes); // NOLINT(performance-no-int-to-ptr)
+    return reinterpret_cast<const void*>(bytes);
 }
 
 void CreatePictureQuad(const EntryPoints& gl, GLuint vertexBuffer, GLuint indexBuffer)

@@ -13,8 +13,7 @@ struct CharacterArray
 
     /// A literal. One that is too long doesn't compile.
     template <std::size_t Size>
-    requires(Size <= Capacity) consteval CharacterArray(
-        const char (&text)[Size]) // NOLINT(google-explicit-constructor): meant as a conversion
+    requires(Size <= Capacity) consteval CharacterArray(const char (&text)[Size])
     {
         for (std::size_t index = 0; index < Size; ++index)
             characters[index] = text[index];

@@ -14,7 +14,7 @@ class WindowMutex
 {
 public:
     /// Throws `std::system_error` with `resource_deadlock_would_occur`.
-    void lock() // NOLINT(readability-identifier-naming): what `std::unique_lock` calls
+    void lock() // what `std::unique_lock` calls
     {
         if (m_owner.load() == std::this_thread::get_id())
             throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
@@ -23,7 +23,7 @@ public:
     }
 
     /// False if it is held, by whichever thread.
-    [[nodiscard]] bool try_lock() // NOLINT(readability-identifier-naming)
+    [[nodiscard]] bool try_lock()
     {
         if (m_owner.load() == std::this_thread::get_id() || !m_mutex.try_lock())
             return false;
@@ -31,7 +31,7 @@ public:
         return true;
     }
 
-    void unlock() // NOLINT(readability-identifier-naming)
+    void unlock()
     {
         m_owner.store(std::thread::id());
         m_mutex.unlock();

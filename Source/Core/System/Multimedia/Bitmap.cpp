@@ -44,7 +44,7 @@ Bitmap::Bitmap(Bitmap&& other) noexcept
     TakeFields(other);
 }
 
-Bitmap& Bitmap::operator=(Bitmap&& other) // NOLINT(performance-noexcept-move-constructor): see the declaration
+Bitmap& Bitmap::operator=(Bitmap&& other)
 {
     ORVIK_ASSERT(this != &other, "Assignment to itself.");
     TakeFields(other);

@@ -26,7 +26,7 @@ public:
     Bitmap(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel);
     Bitmap(Bitmap&& other) noexcept;
     /// Assigning to itself is an assertion failure.
-    Bitmap& operator=(Bitmap&& other); // NOLINT(performance-noexcept-move-constructor): an assertion handler may throw
+    Bitmap& operator=(Bitmap&& other); // not noexcept: an assertion handler may throw
     Bitmap(const Bitmap&) = delete;
     Bitmap& operator=(const Bitmap&) = delete;
     ~Bitmap() = default;

@@ -223,7 +223,7 @@ bool Bitmap::SavePng(const std::string& path) const
     {
         isWritten = writer.Write(file.get(), *this, isRgb ? 3 : 4);
     }
-    catch (const std::bad_alloc&) // NOLINT(bugprone-empty-catch): what was written until then stays
+    catch (const std::bad_alloc&) // what was written until then stays
     {
     }
     const bool isClosed = Text::Close(std::move(file));

@@ -31,7 +31,6 @@ struct Registration
 template <typename T>
 constexpr std::uint32_t Id = TypeIdentity<T>::typeId;
 
-// NOLINTBEGIN(cert-err58-cpp): without the memory for these there is no program
 const Registration<PodArray<PodString>> s_stringArray("StringArray", "{4F723C6F-B0AE-4AC7-94A5-6A92D5DBD05E}");
 const Registration<PodArray<std::int64_t>> s_int64Array("Int64Array", "{401B7BA5-5B1F-41A1-9B38-D13E7F59AC53}");
 const Registration<PodArray<Size2>> s_size2Array("Size2Array", "{867529E6-31A4-4A2D-BC5F-5507257B039C}");
@@ -66,7 +65,6 @@ const Registration<Size2> s_size2("Size2", "{5120C7DF-1455-4954-A331-C1B3E57BC7D
                                    {"width", Id<std::int64_t>, offsetof(Size2, width)}});
 const Registration<std::int64_t> s_int64("Int64", "{164B6651-C16C-46A5-AE1C-2A75C90F93D3}", "A 64-bit integer");
 const Registration<double> s_double("Double", "{F1047C74-8099-42FE-9330-5F2879DA7E5E}", "A 64-bit floating point");
-// NOLINTEND(cert-err58-cpp)
 
 } // namespace
 } // namespace Orvik::System::Reflection

@@ -14,7 +14,7 @@ constexpr std::int64_t s_nanosecondsPerMillisecond = 1'000'000;
 
 std::uint32_t NextRandom()
 {
-    return static_cast<std::uint32_t>(std::rand()); // NOLINT(cert-msc30-c,cert-msc50-cpp): an identifier, no secret
+    return static_cast<std::uint32_t>(std::rand()); // an identifier, no secret
 }
 
 /// Two numbers of the C library's generator in one word. The second seed mixes in where the stack lies, so that two

@@ -11,12 +11,10 @@
 #include <string_view>
 #include <vector>
 
-// NOLINTBEGIN(readability-identifier-naming): the names are the library's.
 extern "C"
 {
     GLenum glGetError();
 }
-// NOLINTEND(readability-identifier-naming)
 
 namespace Orvik::Tests
 {

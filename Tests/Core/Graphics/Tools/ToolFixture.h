@@ -236,7 +236,7 @@ protected:
 
     static constexpr Desktops::NativeWindow s_window{1};
 
-    /// The renderer asks it where the resources lie. It has no displays unless a test makes them.
+    /// Has the displays that the tool finds: none unless a test makes them.
     std::unique_ptr<Tests::TestApplication> m_application = std::make_unique<Tests::TestApplication>();
     Renderer::Renderer m_renderer;
     SnipBenchProbe m_tool;

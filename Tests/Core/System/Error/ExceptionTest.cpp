@@ -137,7 +137,7 @@ TEST(Exception, CopyKeepsDetailsAndPlace)
 {
     const SourceLocation location("/x/Source/b.cpp", 9, "Initialize");
     const ExceptionWithDetails original(location, ErrorDetails(LogFileStateError));
-    const ExceptionWithDetails copy = original; // NOLINT(performance-unnecessary-copy-initialization)
+    const ExceptionWithDetails copy = original;
     EXPECT_EQ(GetMessage(copy), "Internal state doesn't match file state.");
     EXPECT_EQ(copy.GetLocation().line, 9U);
 }
