@@ -2,7 +2,9 @@
 import os
 import shutil
 import subprocess
+import sys
 import time
+import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -59,3 +61,16 @@ class Display:
 
     def press(self, *keys):
         self.xdotool("key", *keys)
+
+
+SKIPPED = 77  # what ctest takes for a test that was skipped
+
+
+def run_tests():
+    """As `unittest.main`; ends with 77 if there was nothing but skipped tests, whose reasons are printed."""
+    result = unittest.main(verbosity=2, exit=False).result
+    for test, reason in result.skipped:
+        print(f"skipped {test.id().rpartition('.')[2]}: {reason}")
+    if not result.wasSuccessful():
+        sys.exit(1)
+    sys.exit(SKIPPED if result.testsRun and len(result.skipped) == result.testsRun else 0)
