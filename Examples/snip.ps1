@@ -59,7 +59,7 @@ if (-not $meta) {
     [Console]::Error.WriteLine('Nothing was selected.')
     exit 1
 }
-$image = Get-ChildItem -LiteralPath $shots | Where-Object { $_.BaseName -eq $meta.BaseName -and $_.Extension -ne '.json' }
+$image = Get-ChildItem -LiteralPath $shots | Where-Object { $_.BaseName -eq $meta.BaseName -and $_.Name -ne $meta.Name }
 $size = (Get-Content -LiteralPath $meta.FullName -Raw | ConvertFrom-Json).image.size
 Write-Output "$($image.FullName) $($size.width)x$($size.height)"
 exit 0

@@ -41,7 +41,9 @@ def read_answer(output):
 def snip(program, *options, limit=60):
     """(image, what is known of it), or None if nothing was selected. The image's folder is the caller's to remove."""
     folder = pathlib.Path(tempfile.mkdtemp())
-    run = subprocess.Popen([program, "-s", "true", "-o", folder, *options], stdout=subprocess.PIPE, encoding="utf-8")
+    # A line of the log may name a byte that is no text by itself.
+    run = subprocess.Popen([program, "-s", "true", "-o", folder, *options], stdout=subprocess.PIPE, encoding="utf-8",
+                           errors="replace")
     try:
         output, _ = run.communicate(timeout=limit)
     except subprocess.TimeoutExpired:
@@ -66,7 +68,7 @@ def snip(program, *options, limit=60):
 def main(arguments):
     limit = 60
     if arguments[0] == "-l":
-        limit = float(arguments[1])
+        limit = int(arguments[1])
         arguments = arguments[2:]
     try:
         result = snip(*arguments, limit=limit)

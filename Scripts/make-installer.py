@@ -3,8 +3,9 @@
 
     make-installer.py STAGE VERSION
 
-STAGE is the folder that is installed. Both files are written beside it, and wixl has to be started there. The installation is the user's own: below the user's folder for programs, without
-the rights of an administrator. Identifiers follow from names, so that a later release knows the parts of this one.
+STAGE is the folder that is installed. Both files are written beside it, and wixl has to be started there. The
+installation is the user's own: below the user's folder for programs, without the rights of an administrator.
+Identifiers follow from names, so that a later release knows the parts of this one.
 """
 import struct
 import subprocess

@@ -25,6 +25,10 @@ demo_packages=(xvfb)
 benchmark_packages=(libbenchmark-dev valgrind python3)
 test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
 coverage_packages=(gcovr)
+# What the tests of packages, documents and recipes ask: they skip what isn't there.
+installed_packages=(
+    xdotool lintian desktop-file-utils appstream shellcheck man-db zsh fish xclip xdg-user-dirs tesseract-ocr
+)
 package_packages=(dpkg-dev librsvg2-bin patchelf python3 wixl)
 
 font_package=@expo-google-fonts/mulish@0.4.2
@@ -35,7 +39,7 @@ case "${1:-}" in
     "") ;;
     --demo) packages+=("${demo_packages[@]}") ;;
     --benchmark) packages+=("${demo_packages[@]}" "${benchmark_packages[@]}") ;;
-    --test) packages+=("${test_packages[@]}") ;;
+    --test) packages+=("${test_packages[@]}" "${package_packages[@]}" "${installed_packages[@]}") ;;
     --coverage) packages+=("${test_packages[@]}" "${coverage_packages[@]}") ;;
     --package) packages+=("${package_packages[@]}") ;;
     *) echo "usage: $0 [--demo | --benchmark | --test | --coverage | --package]" >&2; exit 2 ;;

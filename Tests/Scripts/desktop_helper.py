@@ -56,7 +56,7 @@ class Display:
 
     def drag(self, start, end):
         """Selects; the overlay takes a motion before each press and release."""
-        self.xdotool("mousemove", *start, "sleep", 0.1, "mousedown", 1, "sleep", 0.1, "mousemove", *end, "sleep", 0.1,
+        self.xdotool("mousemove", *start, "sleep", 0.02, "mousedown", 1, "sleep", 0.02, "mousemove", *end, "sleep", 0.02,
                      "mouseup", 1)
 
     def press(self, *keys):
@@ -70,7 +70,7 @@ def run_tests():
     """As `unittest.main`; ends with 77 if there was nothing but skipped tests, whose reasons are printed."""
     result = unittest.main(verbosity=2, exit=False).result
     for test, reason in result.skipped:
-        print(f"skipped {test.id().rpartition('.')[2]}: {reason}")
+        print(f"skipped {test.id()}: {reason}")
     if not result.wasSuccessful():
         sys.exit(1)
     sys.exit(SKIPPED if result.testsRun and len(result.skipped) == result.testsRun else 0)

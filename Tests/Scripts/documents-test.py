@@ -220,7 +220,8 @@ class Pages(unittest.TestCase):
 
     def test_exit_codes(self):
         rows = read_table(read("Docs/Scripting.md"), "| Code | In a shell | Name |")
-        self.assertEqual([row[:3] for row in rows], [[str(code), str(code & 0xFF), f"`{name}`"] for code, name in CODES])
+        self.assertEqual([row[:3] for row in rows],
+                         [[str(code), str(code & 0xFF), f"`{name}`"] for code, name in CODES])
 
     def test_examples_handle_all_codes(self):
         for name in ("snip.py", "snip.ps1", "snip_Linux.cpp"):

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The installer for Windows under Wine: it installs, its entry starts the program, it repairs, and it leaves nothing."""
+"""The installer for Windows under Wine: it installs, its entries start the program, it repairs, and leaves nothing."""
 import getpass
 import re
 import shutil
@@ -12,7 +12,8 @@ from pathlib import Path
 from desktop_helper import LIMIT, ROOT, Display, wait_for
 
 PROGRAMS = "AppData/Local/Programs"
-INSTALLER_FOLDERS = {"drive_c/windows/Installer", f"drive_c/users/{getpass.getuser()}/AppData/Roaming/Microsoft/Installer"}
+INSTALLER_FOLDERS = {"drive_c/windows/Installer",
+                     f"drive_c/users/{getpass.getuser()}/AppData/Roaming/Microsoft/Installer"}
 ENTRIES = "AppData/Roaming/Microsoft/Windows/Start Menu/Programs/SnipBench"
 
 
@@ -81,16 +82,12 @@ class Installer(unittest.TestCase):
         self.display.press("Escape")
         wait_for(lambda: not self.display.find_overlay(), "end")
 
-    def step(self, name):
-        print(f"{time.monotonic():.1f} {name}", flush=True)
-        return self.subTest(name)
-
     def test_steps(self):
         files = self.list_files()
         program = self.user / PROGRAMS / "SnipBench/Binaries/Windows-x64/SnipBench.exe"
         font = self.user / PROGRAMS / "SnipBench/Resources/UI/Textures/Mulish-Regular.ttf"
 
-        with self.step("installs for the user alone"):
+        with self.subTest("installs for the user alone"):
             self.install("/i")
             self.assertTrue(program.is_file())
             new = {path for path in self.list_files() - files if "/Installer" not in path}
@@ -99,7 +96,7 @@ class Installer(unittest.TestCase):
             self.assertEqual(sorted(path.name for path in (self.user / ENTRIES).iterdir()),
                              ["SnipBench annotation.lnk", "SnipBench one region.lnk", "SnipBench.lnk"])
 
-        with self.step("its entries start it and the files go to the pictures folder"):
+        with self.subTest("its entries start it and the files go to the pictures folder"):
             taken = self.start_entry("SnipBench one region")
             wait_for(lambda: not self.display.find_overlay(), "end")
             self.assertEqual(sorted(re.sub(r"\{[-0-9A-F]{36}\}", "{}", path) for path in taken),
@@ -116,7 +113,7 @@ class Installer(unittest.TestCase):
             shutil.rmtree(settings)
             shutil.rmtree(self.user / ".orvik")
 
-        with self.step("repairs"):
+        with self.subTest("repairs"):
             program.unlink()
             font.unlink()
             # What /f does; Wine's has no way to say it of a package.
@@ -124,7 +121,7 @@ class Installer(unittest.TestCase):
             self.assertTrue(program.is_file())
             self.assertTrue(font.is_file())
 
-        with self.step("leaves nothing"):
+        with self.subTest("leaves nothing"):
             self.install("/x")
             # The folders that the system keeps for its installer are empty again.
             self.assertEqual(self.list_files() - files, INSTALLER_FOLDERS)
