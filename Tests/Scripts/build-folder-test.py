@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
-"""Scripts/configure.sh: which build folder is configured, kept, and made anew. A stand-in says what cmake is called with.
-"""
+"""Scripts/configure.sh: which build folder is configured, kept, and made anew. What stands for cmake notes its calls."""
 import shutil
 import subprocess
 import tempfile

@@ -23,7 +23,7 @@ def give_own_name(prefix):
 class Installed:
     """With a display, a home and an empty working folder; `environment` finds the command on the path."""
 
-    def __init__(self, program):
+    def __init__(self, program, size="640x480"):
         self.folder = Path(tempfile.mkdtemp())
         self.prefix = self.folder / "usr"
         binaries = self.prefix / "lib/snipbench/Binaries/Linux-x64"
@@ -41,7 +41,7 @@ class Installed:
         (self.home / ".config/user-dirs.dirs").write_text('XDG_PICTURES_DIR="$HOME/Bilder"\n', encoding="utf-8")
         self.tools = self.folder / "tools"
         self.tools.mkdir()
-        self.display = Display()
+        self.display = Display(size)
         self.environment = {**self.display.environment, "HOME": str(self.home), "LC_ALL": "C.UTF-8",
                             "TMPDIR": str(self.folder),
                             "PATH": f"{self.tools}:{self.prefix / 'bin'}:{os.environ['PATH']}"}

@@ -15,7 +15,7 @@ import time
 import unittest
 import xml.etree.ElementTree as xml
 
-from desktop_helper import LIMIT, ROOT, Display, run_tests, wait_for
+from desktop_helper import LIMIT, ROOT, run_tests, wait_for
 from installed_helper import Installed
 
 PROGRAM = ROOT / sys.argv.pop(1)
@@ -62,11 +62,8 @@ class Pages(unittest.TestCase):
         cls.used = set()
 
     def setUp(self):
-        self.installed = Installed(PROGRAM)
+        self.installed = Installed(PROGRAM, "1280x720")
         self.addCleanup(self.installed.close)
-        self.installed.display.close()
-        self.installed.display = Display("1280x720")
-        self.installed.environment["DISPLAY"] = self.installed.display.environment["DISPLAY"]
 
     def block(self, heading, language, number=0):
         found = [index for index, block in enumerate(self.blocks) if block[:2] == (heading, language)]
@@ -79,7 +76,8 @@ class Pages(unittest.TestCase):
                 self.skipTest(f"{tool} isn't there")
 
     def run_bash(self, text, drive=None):
-        """Output goes to files: a tool that stays in the background, as xclip does, keeps a pipe open."""
+        """(code, standard output, standard error), by way of files: a tool that stays, as xclip does, keeps pipes open.
+        """
         outputs = [self.installed.folder / name for name in ("out", "err")]
         with open(outputs[0], "w") as out, open(outputs[1], "w") as err:
             with subprocess.Popen(["bash", "-c", text], env=self.installed.environment, cwd=self.installed.work,
