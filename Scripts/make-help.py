@@ -160,7 +160,7 @@ def make_fish(options):
         if option.value is not None:
             arguments = {
                 "directory": "'(__fish_complete_directories)'",
-                "picture": "'(__fish_complete_suffix .png .bmp)'",
+                "picture": "'(__fish_complete_suffix .png; __fish_complete_suffix .bmp)'",
                 "file": "'(__fish_complete_suffix .json)'",
                 "milliseconds": None,
                 "json": None,

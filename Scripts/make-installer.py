@@ -72,6 +72,19 @@ def make_entries(components):
     return make_component("entries", content, components)
 
 
+def make_upgrade(version):
+    """One that is there is replaced, unless it is newer. Windows compares three numbers of a version, so a release that
+    differs in the fourth alone is the same to it, and replaced as well.
+    """
+    major, minor, build = (int(part) for part in version.split(".")[:3])
+    next_version = f"{major}.{minor}.{build + 1}"
+    older = element("UpgradeVersion", Minimum="0.0.0", Maximum=next_version, Property="OLDERFOUND")
+    newer = element("UpgradeVersion", Minimum=next_version, OnlyDetect="yes", Property="NEWERFOUND")
+    content = element("Upgrade", older + newer, Id=make_guid("product"))
+    content += element("Condition", "Installed OR NOT NEWERFOUND", Message="A newer version of SnipBench is installed.")
+    return content + element("InstallExecuteSequence", element("RemoveExistingProducts", After="InstallValidate"))
+
+
 def make_source(stage, version, icon):
     components = []
     own = element("Directory", make_folder(stage, stage, components), Id="INSTALLDIR", Name="SnipBench")
@@ -83,7 +96,7 @@ def make_source(stage, version, icon):
                     Id="ProgramMenuFolder")
     content = element("Package", InstallerVersion="500", Compressed="yes", InstallScope="perUser",
                       Description=f"SnipBench {version}", Manufacturer="Orvik")
-    content += element("MajorUpgrade", DowngradeErrorMessage="A newer version of SnipBench is installed.")
+    content += make_upgrade(version)
     content += element("Media", Id="1", Cabinet="snipbench.cab", EmbedCab="yes")
     content += element("Icon", Id="SnipBench.ico", SourceFile=icon.name)
     content += element("Property", Id="ARPPRODUCTICON", Value="SnipBench.ico")

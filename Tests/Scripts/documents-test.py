@@ -166,9 +166,16 @@ class Generated(unittest.TestCase):
         offered = complete("snipbench -")
         expected = {f"-{name}": option.description for option in OPTIONS for name in (option.name, option.short)}
         self.assertEqual(offered, expected)
+        for name in ("a.png", "a.bmp", "a.txt"):
+            (self.folder / name).touch()
         for option in OPTIONS:
+            values = set(complete(f"snipbench -{option.name} "))
             if isinstance(option.value, tuple):
-                self.assertEqual(set(complete(f"snipbench -{option.name} ")), set(option.value))
+                self.assertEqual(values, set(option.value))
+            elif option.value == "picture":
+                self.assertEqual(values & {"a.png", "a.bmp"}, {"a.png", "a.bmp"})
+            elif option.value in ("milliseconds", "json"):
+                self.assertEqual(values, set())
 
     def test_an_option_without_a_kind_of_value_is_an_error(self):
         program = self.folder / "program"

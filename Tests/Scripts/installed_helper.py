@@ -4,6 +4,7 @@ A start of the program ends other runs of its name. So the executable has a name
 is a link to it: neither a person's run nor another test's is disturbed.
 """
 import os
+import secrets
 import shutil
 import subprocess
 import tempfile
@@ -15,7 +16,7 @@ from desktop_helper import LIMIT, ROOT, Display
 def give_own_name(prefix):
     """Renames the executable of an installation."""
     program = prefix / "lib/snipbench/Binaries/Linux-x64/SnipBench"
-    own = program.with_name("Snip" + prefix.resolve().name[-9:].replace("/", ""))
+    own = program.with_name("Snip" + secrets.token_hex(4))
     program.rename(own)
     program.symlink_to(own.name)
 
@@ -28,9 +29,8 @@ class Installed:
         self.prefix = self.folder / "usr"
         binaries = self.prefix / "lib/snipbench/Binaries/Linux-x64"
         binaries.mkdir(parents=True)
-        name = "Snip" + self.folder.name[-8:]
-        shutil.copy2(program, binaries / name)
-        (binaries / "SnipBench").symlink_to(name)
+        shutil.copy2(program, binaries / "SnipBench")
+        give_own_name(self.prefix)
         (self.prefix / "lib/snipbench/Resources").symlink_to(ROOT / "Resources")
         (self.prefix / "bin").mkdir()
         shutil.copy2(ROOT / "Packaging/Linux/snipbench.sh", self.prefix / "bin/snipbench")

@@ -121,6 +121,18 @@ class Installer(unittest.TestCase):
             self.assertTrue(program.is_file())
             self.assertTrue(font.is_file())
 
+        with self.subTest("replaces one that is there"):
+            # Another build of the same version is another product to Windows.
+            other = self.folder / "other.msi"
+            subprocess.run(["wixl", "--arch", "x64", "--output", other, "SnipBench.wxs"], check=True, timeout=LIMIT,
+                           cwd=ROOT / "build/package-msi")
+            self.package = "Z:" + str(other).replace("/", "\\")
+            names = self.read_registry().count('"DisplayName"="SnipBench"')
+            self.assertGreater(names, 0)
+            self.install("/i")
+            self.assertEqual(self.read_registry().count('"DisplayName"="SnipBench"'), names)
+            self.assertTrue(program.is_file())
+
         with self.subTest("leaves nothing"):
             self.install("/x")
             # The folders that the system keeps for its installer are empty again.

@@ -224,6 +224,13 @@ class Recipes(Pages):
         (self.installed.work / "page.png").write_bytes((ROOT / "Docs/Pictures/annotating.png").read_bytes())
         self.assertEqual(self.installed.run("python3", "-c", program), (0, "not found\n", ""))
 
+    def test_actions_are_those_of_the_desktop_entry(self):
+        names = re.findall("^Name=(.*)$", (ROOT / "Packaging/Linux/snipbench.desktop").read_text(encoding="utf-8"),
+                           re.MULTILINE)
+        page = " ".join((ROOT / self.PAGE).read_text(encoding="utf-8").split())
+        for name in re.findall('actions "(.*?)" and "(.*?)"', page)[0]:
+            self.assertIn(name, names)
+
     def test_limit(self):
         block = self.block("A limit of time", "bash")
         output = self.run_bash(block, escape)
