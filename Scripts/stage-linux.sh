@@ -4,12 +4,13 @@
 #
 #   Scripts/stage-linux.sh FOLDER
 #
-# Nothing is built. ORVIK_PICTURES names the web address at which the guide's pictures are published; without it software
-# centres are shown none, as they take pictures from the web alone.
+# Nothing is built. ORVIK_HOMEPAGE is the web address below which the tree is published: software centres take the guide's
+# pictures from there, as they know no others. Without it an address stands there that leads nowhere, and says so.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 . "$root/Scripts/release.sh"
+homepage=${ORVIK_HOMEPAGE:-https://orvik.invalid/snipbench}
 prefix=$1
 program=$root/Binaries/Linux-x64/SnipBench
 resources=$prefix/lib/snipbench/Resources
@@ -49,11 +50,7 @@ put_desktop_entry()
     local metadata=$prefix/share/metainfo/invalid.orvik.snipbench.metainfo.xml
     put 644 "$root/Packaging/Linux/snipbench.desktop" "$prefix/share/applications/snipbench.desktop"
     put 644 "$root/Packaging/Linux/snipbench.metainfo.xml.in" "$metadata"
-    sed -i "s|@VERSION@|$(release_version)|; s|@DATE@|$(release_date)|; s|@PICTURES@|${ORVIK_PICTURES:-}|; /^<!--/d" \
-        "$metadata"
-    if [ -z "${ORVIK_PICTURES:-}" ]; then
-        sed -i '/<screenshots>/,/<\/screenshots>/d' "$metadata"
-    fi
+    sed -i "s|@VERSION@|$(release_version)|; s|@DATE@|$(release_date)|; s|@HOMEPAGE@|$homepage|; /^<!--/d" "$metadata"
     put 644 "$root/Packaging/snipbench.svg" "$icons/scalable/apps/snipbench.svg"
     for size in 16 22 24 32 36 48 64 72 96 128 192 256 512; do
         mkdir -p "$icons/${size}x$size/apps"
