@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Packs the built program for this release of Debian: build/snipbench_<version>_<architecture>.deb, whose path is printed.
-# The libraries that it depends on are those that it is linked with here, so each release has a package of its own.
+# Packs the built program for this release of Debian: build/snipbench_<version>_<architecture>.deb, whose path is
+# printed. The libraries that it depends on are those that it is linked with here, so each release has a package of its
+# own.
 #
 # DEBFULLNAME and DEBEMAIL name who makes the package, as Debian's own tools have it.
 set -euo pipefail

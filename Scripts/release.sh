@@ -1,5 +1,5 @@
-# What the packages say of the release that they are of; sourced by the scripts that make them. The variable `root` names
-# the repository.
+# What the packages say of the release that they are of; sourced by the scripts that make them. The variable `root`
+# names the repository.
 
 release_version()
 {

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Lays out an installation of the built program below a folder, which becomes /usr of a package or the root of an archive:
-# the launcher, the program with its resources, manual page, completions, desktop entry, icons and documents.
+# Lays out an installation of the built program below a folder, which becomes /usr of a package or the root of an
+# archive: the launcher, the program with its resources, manual page, completions, desktop entry, icons and documents.
 #
 #   Scripts/stage-linux.sh FOLDER
 #
-# Nothing is built. ORVIK_HOMEPAGE is the web address below which the tree is published: software centres take the guide's
-# pictures from there, as they know no others. Without it an address stands there that leads nowhere, and says so.
+# Nothing is built. ORVIK_HOMEPAGE is the web address below which the tree is published: software centres take the
+# guide's pictures from there. Without it an address stands there that leads nowhere, and says so.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
