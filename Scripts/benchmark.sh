@@ -8,11 +8,8 @@ cd "$root"
 build=build/linux-release
 
 Scripts/setup-linux.sh --benchmark
-if [ -f "$build/build.ninja" ]; then
-    cmake "$build" >/dev/null # finds what was just installed
-else
-    cmake --preset linux-release -DORVIK_BUILD_TESTS=OFF >/dev/null
-fi
+Scripts/configure.sh linux-release -DORVIK_BUILD_TESTS=OFF >/dev/null
+cmake "$build" >/dev/null # finds what was just installed
 cmake --build "$build" --target Benchmarks >/dev/null
 
 for size in 1920x1080 3840x2160; do

@@ -19,7 +19,7 @@ fi
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 cd "$root"
 folders=()
-for folder in Source Tests Examples Benchmarks; do
+for folder in Source Tests Examples Benchmarks Packaging; do
     if [ -d "$folder" ]; then
         folders+=("$folder")
     fi

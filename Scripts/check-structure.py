@@ -18,7 +18,7 @@ from pathlib import Path
 
 FILE_LINES = 500
 FUNCTION_LINES = 60
-SOURCES = ("Source", "Tests", "Examples", "Benchmarks")
+SOURCES = ("Source", "Tests", "Examples", "Benchmarks", "Packaging")
 
 # Headers that are the same on every system. Whatever else stands in angle brackets belongs to one of them.
 SHARED_HEADERS = re.compile(r"[a-z_]+|fmt/.*|rapidjson/.*|gtest/.*|gmock/.*|png\.h|zlib\.h|libdeflate\.h|ft2build\.h|GL/glcorearb\.h")

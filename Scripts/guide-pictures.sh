@@ -9,7 +9,7 @@ build=$root/build/linux-release
 snips=/tmp/Snips # is seen in a picture
 
 "$root/Scripts/setup-linux.sh" --demo
-[ -f "$build/build.ninja" ] || (cd "$root" && cmake --preset linux-release -DORVIK_BUILD_TESTS=OFF)
+"$root/Scripts/configure.sh" linux-release -DORVIK_BUILD_TESTS=OFF
 cmake --build "$build" --target SnipBench GuidePictures
 mkdir "$snips"
 trap 'rm -r "$snips"' EXIT

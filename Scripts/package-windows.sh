@@ -11,7 +11,7 @@ stage=build/package/$name
 
 {
     Scripts/setup-windows.sh
-    [ -f build/windows-release/build.ninja ] || cmake --preset windows-release -DORVIK_BUILD_TESTS=OFF
+    Scripts/configure.sh windows-release -DORVIK_BUILD_TESTS=OFF
     cmake --build build/windows-release --target SnipBench
 } >&2
 

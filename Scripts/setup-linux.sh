@@ -7,6 +7,7 @@
 #   Scripts/setup-linux.sh --benchmark  and what the benchmarks need beside that
 #   Scripts/setup-linux.sh --test       and what the tests need
 #   Scripts/setup-linux.sh --coverage   and what counting the lines they run needs
+#   Scripts/setup-linux.sh --package    what building and packing the program needs
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -24,6 +25,11 @@ demo_packages=(xvfb)
 benchmark_packages=(libbenchmark-dev valgrind python3)
 test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
 coverage_packages=(gcovr)
+# What the tests of packages, documents and recipes ask: they skip what isn't there.
+installed_packages=(
+    xdotool lintian desktop-file-utils appstream shellcheck man-db zsh fish xclip xdg-user-dirs tesseract-ocr
+)
+package_packages=(dpkg-dev librsvg2-bin patchelf python3 wixl)
 
 font_package=@expo-google-fonts/mulish@0.4.2
 font_package_sha256=d452cc6e7ba464fb81ac3f782eeaa1435901a7605cd86097819526e52cc9a318
@@ -33,9 +39,10 @@ case "${1:-}" in
     "") ;;
     --demo) packages+=("${demo_packages[@]}") ;;
     --benchmark) packages+=("${demo_packages[@]}" "${benchmark_packages[@]}") ;;
-    --test) packages+=("${test_packages[@]}") ;;
+    --test) packages+=("${test_packages[@]}" "${package_packages[@]}" "${installed_packages[@]}") ;;
     --coverage) packages+=("${test_packages[@]}" "${coverage_packages[@]}") ;;
-    *) echo "usage: $0 [--demo | --benchmark | --test | --coverage]" >&2; exit 2 ;;
+    --package) packages+=("${package_packages[@]}") ;;
+    *) echo "usage: $0 [--demo | --benchmark | --test | --coverage | --package]" >&2; exit 2 ;;
 esac
 
 has_font()

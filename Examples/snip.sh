@@ -1,0 +1,51 @@
+#!/bin/sh
+# One selection for a script: starts SnipBench, waits for it, and reads its object, its files and its code.
+#
+#   snip.sh [-l SECONDS] PROGRAM [options of SnipBench]
+#
+# Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
+# passed; else as SnipBench did. The image stays in a new folder below TMPDIR.
+set -eu
+
+limit=60
+if [ "${1:-}" = -l ]; then
+    limit=$2
+    shift 2
+fi
+program=$1
+shift
+shots=$(mktemp -d)
+
+code=0
+output=$(timeout "$limit" "$program" -s true -o "$shots" "$@") || code=$?
+
+# The object is the last thing on standard output, from a line that is { to one that is }.
+name=$(printf '%s\n' "$output" | sed -n '/^{$/,/^}$/s/^ *"name": "\(.*\)",$/\1/p')
+case $code in
+    0) ;;
+    124) echo "No selection within $limit seconds." >&2 ;;
+    255) echo "$name: an option is unknown or its value is missing." >&2 ;;
+    254) echo "$name: the picture can't be read or shown." >&2 ;;
+    253) echo "$name: there is no display." >&2 ;;
+    252 | 251) echo "$name: the overlay can't be shown; the log says why." >&2 ;;
+    134) echo "An error, with a report in ~/.orvik/Logs." >&2 ;;
+    *) echo "Ended by signal $((code - 128))." >&2 ;;
+esac
+if [ "$code" -ne 0 ]; then
+    rm -r "$shots"
+    exit "$code"
+fi
+
+# Both files have the same name, braces included. The JSON file comes last: where it is, the image is whole.
+for meta in "$shots"/*.json; do
+    if [ ! -e "$meta" ]; then
+        rmdir "$shots"
+        echo "Nothing was selected." >&2
+        exit 1
+    fi
+    for image in "${meta%.json}".[pb][nm][gp]; do
+        width=$(sed -n 's/^ *"width": \([0-9]*\),*$/\1/p' "$meta")
+        height=$(sed -n 's/^ *"height": \([0-9]*\),*$/\1/p' "$meta")
+        echo "$image ${width}x$height"
+    done
+done

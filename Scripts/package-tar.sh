@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Packs the built program for Linux systems in general: build/SnipBench-<version>-Linux-x64.tar.gz, whose path is
+# printed. Unpacked anywhere it runs. The libraries whose names change from one distribution to the next go with it;
+# those of the desktop, and the C and C++ libraries, are the system's.
+set -euo pipefail
+umask 022
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+cd "$root"
+. Scripts/release.sh
+name=SnipBench-$(release_version)-Linux-x64
+stage=build/package-tar/$name
+file=$root/build/$name.tar.gz
+program=$stage/lib/snipbench/Binaries/Linux-x64/SnipBench
+SOURCE_DATE_EPOCH=$(release_time)
+export SOURCE_DATE_EPOCH
+
+put_libraries()
+{
+    local library path libraries=$stage/lib/snipbench/Libraries
+    mkdir -p "$libraries"
+    for library in fmt deflate; do
+        path=$(ldd "$program" | awk -v name="lib$library.so." 'index($1, name) == 1 { print $3 }')
+        install -m 644 "$path" "$libraries/$(basename "$path")"
+        printf '\n\nlib%s, in lib/snipbench/Libraries\n\n' "$library" >>"$stage/share/doc/snipbench/copyright"
+        cat "/usr/share/doc/lib$library-dev/copyright" >>"$stage/share/doc/snipbench/copyright"
+    done
+    patchelf --set-rpath "\$ORIGIN/../../Libraries" "$program"
+}
+
+rm -rf build/package-tar
+Scripts/stage-linux.sh "$stage"
+put_libraries
+install -m 644 Packaging/Linux/Readme.txt "$stage/Readme.txt"
+install -m 644 LICENSE "$stage/License.txt"
+tar --create --directory build/package-tar --sort=name --owner=0 --group=0 --numeric-owner \
+    --mtime="@$SOURCE_DATE_EPOCH" "$name" | gzip -9n >"$file"
+echo "$file"

@@ -1,0 +1,98 @@
+#!/usr/bin/env bash
+# Lays out an installation of the built program below a folder, which becomes /usr of a package or the root of an
+# archive: the launcher, the program with its resources, manual page, completions, desktop entry, icons and documents.
+#
+#   Scripts/stage-linux.sh FOLDER
+#
+# Nothing is built. ORVIK_HOMEPAGE is the web address below which the tree is published: software centres take the
+# guide's pictures from there. Without it an address stands there that leads nowhere, and says so.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+. "$root/Scripts/release.sh"
+homepage=${ORVIK_HOMEPAGE:-https://orvik.invalid/snipbench}
+prefix=$1
+program=$root/Binaries/Linux-x64/SnipBench
+resources=$prefix/lib/snipbench/Resources
+documents=$prefix/share/doc/snipbench
+help=$(mktemp -d)
+trap 'rm -rf "$help"' EXIT
+
+put() # MODE SOURCE TARGET
+{
+    install -D -m "$1" "$2" "$3"
+}
+
+put_program()
+{
+    local file
+    put 755 "$program" "$prefix/lib/snipbench/Binaries/Linux-x64/SnipBench"
+    strip --strip-unneeded --remove-section=.comment "$prefix/lib/snipbench/Binaries/Linux-x64/SnipBench"
+    put 755 "$root/Packaging/Linux/snipbench.sh" "$prefix/bin/snipbench"
+    for file in "$root"/Resources/Schemas/*.json "$root"/Resources/UI/Shaders/* "$root"/Resources/UI/Textures/*.ttf; do
+        put 644 "$file" "$resources/${file#"$root"/Resources/}"
+    done
+}
+
+put_help()
+{
+    "$root/Scripts/make-help.py" "$program" "$help" "$(release_date)"
+    put 644 "$help/snipbench.bash" "$prefix/share/bash-completion/completions/snipbench"
+    put 644 "$help/_snipbench" "$prefix/share/zsh/vendor-completions/_snipbench"
+    put 644 "$help/snipbench.fish" "$prefix/share/fish/vendor_completions.d/snipbench.fish"
+    gzip -9n "$help/snipbench.1"
+    put 644 "$help/snipbench.1.gz" "$prefix/share/man/man1/snipbench.1.gz"
+}
+
+put_desktop_entry()
+{
+    local size icons=$prefix/share/icons/hicolor
+    local metadata=$prefix/share/metainfo/invalid.orvik.snipbench.metainfo.xml
+    put 644 "$root/Packaging/Linux/snipbench.desktop" "$prefix/share/applications/snipbench.desktop"
+    put 644 "$root/Packaging/Linux/snipbench.metainfo.xml.in" "$metadata"
+    sed -i "s|@VERSION@|$(release_version)|; s|@DATE@|$(release_date)|; s|@HOMEPAGE@|$homepage|; /^<!--/d" "$metadata"
+    put 644 "$root/Packaging/snipbench.svg" "$icons/scalable/apps/snipbench.svg"
+    for size in 16 22 24 32 36 48 64 72 96 128 192 256 512; do
+        mkdir -p "$icons/${size}x$size/apps"
+        rsvg-convert --width $size --height $size "$root/Packaging/snipbench.svg" \
+            --output "$icons/${size}x$size/apps/snipbench.png"
+        chmod 644 "$icons/${size}x$size/apps/snipbench.png"
+    done
+}
+
+# The pages for users; in the tree the examples to read and those to run are two folders.
+put_documents()
+{
+    local page file
+    for page in UserGuide Scripting Formats Configuration Recipes Logs Support Problems; do
+        put 644 "$root/Docs/$page.md" "$documents/$page.md"
+        sed -i 's|](\.\./Examples/|](Programs/|g' "$documents/$page.md"
+    done
+    for file in "$root"/Docs/Pictures/*.png "$root"/Docs/Schemas/*.json "$root"/Docs/Examples/*.json; do
+        put 644 "$file" "$documents/${file#"$root"/Docs/}"
+    done
+    for file in snip.sh snip.py snip.ps1 snip_Linux.cpp; do
+        put 644 "$root/Examples/$file" "$documents/Programs/$file"
+    done
+    put 644 "$root/CHANGELOG.md" "$documents/changelog"
+    gzip -9n "$documents/changelog"
+    write_copyright >"$documents/copyright"
+    chmod 644 "$documents/copyright"
+}
+
+# The program's licence and those of what is in it.
+write_copyright()
+{
+    echo 'SnipBench'
+    echo
+    cat "$root/LICENSE"
+    printf '\n\nThe font Mulish, lib/snipbench/Resources/UI/Textures/Mulish-Regular.ttf\n\n'
+    cat "$root/Resources/UI/Textures/Mulish-LICENSE.txt"
+    printf '\n\nRapidJSON, whose headers are built into the program\n\n'
+    cat /usr/share/doc/rapidjson-dev/copyright
+}
+
+put_program
+put_help
+put_desktop_entry
+put_documents

@@ -1,0 +1,129 @@
+#!/usr/bin/env python3
+"""The example programs: a selection, none, each code, a limit of time.
+
+    examples-test.py PROGRAM [Shell | Python | PowerShell | Cpp]
+"""
+import shutil
+import subprocess
+import sys
+import unittest
+
+from desktop_helper import ROOT, run_tests
+from installed_helper import Installed
+
+PROGRAM = ROOT / sys.argv.pop(1)
+EXAMPLES = ROOT / "Examples"
+# What stands where the program would, for the ends that a healthy one doesn't come to.
+STAND_IN = """#!/bin/sh
+printf '[line]\\n{\\n    "name": "%s",\\n    "code": %s\\n}\\n' "$NAME" "$CODE"
+exit $((CODE & 255))
+"""
+
+
+def drag(display):
+    display.drag((50, 60), (170, 90))
+
+
+class Example:
+    """What each has to do; `command(limit, program, options...)` is how it is started."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.installed = Installed(PROGRAM)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.installed.close()
+
+    def run_example(self, *options, program="snipbench", limit=60, drive=None):
+        return self.installed.run(*self.command(limit, program, *options), drive=drive)
+
+    def test_selection(self):
+        for file_type in ("png", "bmp"):
+            code, output, errors = self.run_example("-t", file_type, drive=drag)
+            self.assertEqual((code, errors), (0, ""))
+            image, _, size = output.rstrip("\n").rpartition(" ")
+            self.assertEqual(size, "120x30")
+            self.assertTrue(image.endswith("." + file_type))
+            with open(image, "rb") as file:
+                self.assertEqual(file.read(2), b"\x89P" if file_type == "png" else b"BM")
+
+    def test_folder_with_letters_that_the_overlay_has_no_glyph_for(self):
+        folder = self.installed.folder / "写真"
+        folder.mkdir(exist_ok=True)
+        self.installed.environment["TMPDIR"] = str(folder)
+        self.addCleanup(self.installed.environment.update, TMPDIR=str(self.installed.folder))
+        code, output, errors = self.run_example(drive=drag)
+        self.assertEqual((code, errors, output[:len(str(folder))]), (0, "", str(folder)))
+
+    def test_nothing_selected(self):
+        code, output, errors = self.run_example(drive=lambda display: display.press("Escape"))
+        self.assertEqual((code, output, errors), (1, "", "Nothing was selected.\n"))
+
+    def test_limit(self):
+        code, output, errors = self.run_example(limit=1)
+        self.assertEqual((code, output, errors), (124, "", "No selection within 1 seconds.\n"))
+
+    def test_codes_of_the_program(self):
+        ends = ((("-x",), "Wrong Parameter(s)", 255), (("-f", "no.png"), "Failed to load file", 254))
+        for options, name, code in ends:
+            result = self.run_example(*options)
+            self.assertEqual((result[0], result[1]), (code, ""))
+            self.assertTrue(result[2].startswith(name + ": "), result[2])
+        self.assertEqual(self.run_example("-d", "x")[0], 134)
+
+    def test_all_codes(self):
+        self.installed.add_tool("stand-in", STAND_IN)
+        names = ["Wrong Parameter(s)", "Failed to load file", "Failed to initialize systems", "Failed to create window",
+                 "Failed to initialize renderer"]
+        for code, name in enumerate(names, 1):
+            self.installed.environment.update(NAME=name, CODE=str(-code))
+            result = self.run_example(program="stand-in")
+            self.assertEqual((result[0], result[1]), (256 - code, ""))
+            self.assertTrue(result[2].startswith(name + ": "), result[2])
+
+    def test_fault(self):
+        self.installed.add_tool("stand-in", "#!/bin/sh\nkill -SEGV $$\n")
+        code, output, errors = self.run_example(program="stand-in")
+        self.assertEqual((code, output), (139, ""))
+        if "PowerShell" not in type(self).__name__:
+            self.assertIn("Ended by signal 11.", errors)
+
+
+class Shell(Example, unittest.TestCase):
+    def command(self, limit, program, *options):
+        return ["sh", EXAMPLES / "snip.sh", "-l", str(limit), program, *options]
+
+
+class Python(Example, unittest.TestCase):
+    def command(self, limit, program, *options):
+        return ["python3", EXAMPLES / "snip.py", "-l", str(limit), program, *options]
+
+
+class PowerShell(Example, unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        if shutil.which("pwsh") is None:
+            raise unittest.SkipTest("pwsh isn't there")
+        super().setUpClass()
+
+    def command(self, limit, program, *options):
+        path = shutil.which(program, path=self.installed.environment["PATH"])
+        return ["pwsh", "-NoProfile", "-File", EXAMPLES / "snip.ps1", "-Limit", str(limit), "-Program", path,
+                "-Options", " ".join(options)]
+
+
+class Cpp(Example, unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.program = cls.installed.folder / "snip"
+        subprocess.run(["c++", "-std=c++20", "-Wall", "-Wextra", "-Werror", "-o", cls.program,
+                        EXAMPLES / "snip_Linux.cpp"], check=True)
+
+    def command(self, limit, program, *options):
+        return [self.program, "-l", str(limit), program, *options]
+
+
+if __name__ == "__main__":
+    run_tests()
