@@ -36,7 +36,7 @@ write_changelog()
     cat >"$target" <<TEXT
 snipbench ($version) unstable; urgency=medium
 
-  * Release $(release_version); the file changelog tells what changed.
+  * Release $(release_version); the file changelog says what changed.
 
  -- $maintainer  $(LC_ALL=C date -u -R -d "@$SOURCE_DATE_EPOCH")
 TEXT

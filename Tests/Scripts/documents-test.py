@@ -239,6 +239,18 @@ class Pages(unittest.TestCase):
         for code, _ in CODES:
             self.assertRegex(read("Examples/snip.sh"), rf"[ |]{code & 0xFF}[) ]")
 
+    def test_pages_for_contributors_name_what_is_there(self):
+        count = 0
+        for page in ("CONTRIBUTING.md", "SECURITY.md", "CHANGELOG.md"):
+            text = read(page)
+            paths = re.findall(r"\]\(([^)#:]+)\)", text)
+            paths += re.findall(r"`((?:Source|Docs|Scripts|Tests|Packaging|Examples)[\w./-]*)`", text)
+            paths += re.findall(r"`(\w+\.(?:md|cff|txt))`", text)
+            for path in paths:
+                self.assertTrue((ROOT / path).exists(), f"{page}: {path}")
+                count += 1
+        self.assertGreater(count, 20)
+
     def test_version_is_the_same_everywhere(self):
         version = make_help.read_version()
         self.assertIn(f"\nversion: {version}\n", read("CITATION.cff"))
