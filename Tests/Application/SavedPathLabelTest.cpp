@@ -16,7 +16,7 @@ class SavedPathLabel : public testing::Test
 protected:
     SavedPathLabel()
     {
-        GLRecorder::GetInstance().Reset();
+        Tests::GLRecorder::GetInstance().Reset();
         EXPECT_TRUE(m_renderer.Initialize(s_window, "Window"));
     }
     ~SavedPathLabel() override { m_renderer.Shutdown(s_window); }
