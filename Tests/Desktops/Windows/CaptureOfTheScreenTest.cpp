@@ -5,6 +5,7 @@
 #include "Tests/Support/ReplacedCalls_Windows.h"
 
 #include <atomic>
+#include <dwmapi.h>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>

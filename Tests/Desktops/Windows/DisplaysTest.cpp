@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <shellscalingapi.h>
 #include <string>
 #include <vector>
 

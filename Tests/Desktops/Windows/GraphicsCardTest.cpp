@@ -1,4 +1,4 @@
-#include "Desktops/GraphicsCard.h"
+#include "Desktops/Windows/GraphicsCard.h"
 
 #include "Tests/Support/ReplacedCalls_Windows.h"
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace Orvik::System::Desktop
+namespace Orvik::Desktops::Windows
 {
 namespace
 {
@@ -133,4 +133,4 @@ TEST_F(GraphicsCardWindows, HasADriverThatDrawsOpenGLOnWindows)
 }
 
 } // namespace
-} // namespace Orvik::System::Desktop
+} // namespace Orvik::Desktops::Windows

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-namespace Orvik::System::Desktop
+namespace Orvik::Desktops::Windows
 {
 namespace
 {
@@ -85,4 +85,4 @@ TEST(MessageNames, EachNumberHasItsNameAndAllOthersAreUnknown)
 }
 
 } // namespace
-} // namespace Orvik::System::Desktop
+} // namespace Orvik::Desktops::Windows

@@ -4,6 +4,7 @@
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/ReplacedCalls_Windows.h"
 
+#include <GL/wglext.h>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -198,8 +199,9 @@ protected:
         return recorder.GetLines().front();
     }
 
-    Window m_window { nullptr, "Orvik::GLTest", {0, 0}, {64, 48}, WindowType::Overlay Tests::ReplacedCalls m_calls; };
+    Window m_window{nullptr, "Orvik::GLTest", {0, 0}, {64, 48}, WindowType::Overlay};
     GLContext m_context;
+    Tests::ReplacedCalls m_calls;
 };
 
 GLint GetInteger(GLenum name)

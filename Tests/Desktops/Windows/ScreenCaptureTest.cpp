@@ -6,6 +6,7 @@
 #include "Tests/Support/Texts.h"
 
 #include <array>
+#include <dwmapi.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>

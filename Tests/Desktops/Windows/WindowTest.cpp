@@ -5,6 +5,7 @@
 #include "Tests/Support/Texts.h"
 
 #include <array>
+#include <dwmapi.h>
 #include <gmock/gmock.h>
 #include <string>
 #include <vector>

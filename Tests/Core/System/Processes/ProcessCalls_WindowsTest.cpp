@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <numeric>
+#include <psapi.h>
 #include <string>
 #include <vector>
 
