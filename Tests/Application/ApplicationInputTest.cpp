@@ -1,3 +1,4 @@
+#include "Core/System/Time/MonotonicClock.h"
 #include "Tests/Application/ApplicationFixture.h"
 #include "Tests/Support/OwnProgram.h"
 
@@ -74,6 +75,54 @@ TEST_F(ApplicationInput, AMotionWhosePlaceIsNotToldIsLeftOut)
     ASSERT_TRUE(snip.Load(files[files[0].extension() == ".png" ? 0 : 1].string()));
     EXPECT_EQ(snip.GetWidth(), 100) << "the crosshair stays where it is";
     EXPECT_EQ(snip.GetHeight(), 50);
+}
+
+TEST_F(ApplicationInput, IntoMemoryAtMostOneFrameIsDrawnInARefreshPeriod)
+{
+    constexpr std::int64_t period = 1'000'000'000 / 60;
+    constexpr std::int32_t moves = 60;
+    desktop.hasGraphicsCard = false;
+    // Each move comes when all work for the one before is done: nothing waits behind it.
+    std::int32_t moved = 0;
+    desktop.onWait = [&]
+    {
+        if (!desktop.messages.empty())
+            return;
+        if (moved == moves)
+            Escape();
+        else
+            Move({10 + ++moved, 20});
+    };
+    UseOutput();
+    const std::int64_t start = System::Time::GetMonotonicNanoseconds();
+    EXPECT_EQ(Run(), 0);
+    const std::int64_t elapsed = System::Time::GetMonotonicNanoseconds() - start;
+    EXPECT_EQ(moved, moves);
+    EXPECT_GE(desktop.frames, 1U);
+    EXPECT_LE(desktop.frames, static_cast<std::uint64_t>(elapsed / period + 1));
+}
+
+TEST_F(ApplicationInput, WhatIsMovedLastIsDrawnWhenThePeriodEnds)
+{
+    desktop.hasGraphicsCard = false;
+    std::uint64_t framesBefore = 0;
+    std::int32_t waits = 0;
+    desktop.onWait = [&]
+    {
+        ++waits;
+        if (waits == 1)
+        {
+            framesBefore = desktop.frames;
+            Move({30, 20});
+        }
+        // Far more than a period: a wait is a millisecond at most.
+        else if (waits > 100 && desktop.frames > framesBefore && desktop.messages.empty())
+            Escape();
+        ASSERT_LT(waits, 100'000) << "the last move is never drawn";
+    };
+    UseOutput();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_EQ(desktop.frames, framesBefore + 1);
 }
 
 TEST_F(ApplicationInput, PermissionIsThereAndTheRunGoesOn)

@@ -39,6 +39,7 @@ struct NullDesktopValues
     bool hasGraphicsCard = true;
     bool surfacesCreate = true;
     std::vector<std::vector<System::Math::Rectangle>> presentations; ///< what each frame showed anew
+    std::uint64_t frames = 0;                                        ///< begun in memory
 
     // Windows.
     bool windowRegisters = true;
@@ -49,8 +50,9 @@ struct NullDesktopValues
     std::size_t answers = 0; ///< how often a window has handled what others wait for
     /// What the message pump finds, one a call. Each is run with the window that pumps.
     std::deque<std::function<void(System::Desktop::Window&)>> messages;
-    std::string windowTitle; ///< the last one that was set
-    std::uint64_t waits = 0; ///< how often a window has waited for a message
+    std::string windowTitle;      ///< the last one that was set
+    std::uint64_t waits = 0;      ///< how often a window has waited for a message
+    std::function<void()> onWait; ///< called before each wait; may be empty
 
     void (*lossHandler)() = nullptr;
 };

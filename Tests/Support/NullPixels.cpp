@@ -20,6 +20,12 @@ std::uint32_t* NullPixels::GetPixels() const noexcept
     return m_pixels.empty() ? nullptr : m_pixels.data();
 }
 
+bool NullPixels::BeginFrame()
+{
+    ++NullDesktop::GetInstance().frames;
+    return !m_pixels.empty();
+}
+
 void NullPixels::Present(std::span<const System::Math::Rectangle> areas)
 {
     NullDesktop::GetInstance().presentations.emplace_back(areas.begin(), areas.end());

@@ -15,7 +15,7 @@ public:
     void Destroy() noexcept override { m_pixels.clear(); }
     [[nodiscard]] std::uint32_t* GetPixels() const noexcept override;
     [[nodiscard]] std::size_t GetStride() const noexcept override { return m_pixels.empty() ? 0 : m_width; }
-    [[nodiscard]] bool BeginFrame() override { return !m_pixels.empty(); }
+    [[nodiscard]] bool BeginFrame() override;
     void Present(std::span<const System::Math::Rectangle> areas) override;
 
 private:

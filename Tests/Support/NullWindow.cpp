@@ -86,6 +86,8 @@ void NullWindow::WaitForMessage(std::int64_t nanoseconds, System::Threads::WakeS
 {
     constexpr std::int64_t shortWait = 1'000'000;
     ++NullDesktop::GetInstance().waits;
+    if (const auto& onWait = NullDesktop::GetInstance().onWait)
+        onWait();
     wake.Wait(nanoseconds < 0 ? shortWait : std::min(nanoseconds, shortWait));
 }
 
