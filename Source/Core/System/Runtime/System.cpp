@@ -30,12 +30,9 @@ void SystemLifecycle::ShutdownSignal::Raise() noexcept
 
 void SystemLifecycle::ShutdownSignal::WaitFor(std::int64_t nanoseconds)
 {
-    // The library's timed wait yields and sleeps even for no time at all.
+    // The library yields the processor even if it is only asked, which takes long on a busy machine.
     if (nanoseconds <= 0)
-    {
-        (void)m_semaphore.try_acquire();
         return;
-    }
     // The next round reads the state anyway: which of the two ended the wait makes no difference.
     (void)m_semaphore.try_acquire_for(std::chrono::nanoseconds(nanoseconds));
 }
