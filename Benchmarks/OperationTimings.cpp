@@ -11,6 +11,7 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Desktops/DesktopChoice.h"
 #include "Tests/Support/Desktop/Screen.h"
 #include "Tests/Support/SnipBenchProbe.h"
 #include "Tests/Support/VirtualDisplay.h"
@@ -184,6 +185,7 @@ void PrintCaptureTimes(const System::Device::Display::DisplayDescriptor& display
 
 int main(int argc, char** argv)
 {
+    Orvik::Desktops::SetDesktop(Orvik::Desktops::ChooseDesktop().desktop);
     unsigned width = 0;
     unsigned height = 0;
     if (argc < 2 || std::sscanf(argv[1], "%ux%u", &width, &height) != 2)

@@ -47,7 +47,8 @@ System::Multimedia::Bitmap MakeStripes(std::uint16_t width, std::uint16_t height
 OverlayRig::OverlayRig(std::uint16_t width, std::uint16_t height, bool isSelecting)
     : Application(L"OverlayRig"), m_width(width), m_height(height)
 {
-    Tests::NullDesktop::GetInstance() = {};
+    Tests::NullDesktop::GetInstance().Reset();
+    Desktops::SetDesktop(Tests::NullDesktop::GetInstance());
     System::Device::Display::DisplayDescriptor display;
     display.width = width;
     display.height = height;

@@ -10,6 +10,7 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Desktops/DesktopChoice.h"
 #include "Tests/Support/VirtualDisplay.h"
 
 #include <algorithm>
@@ -102,7 +103,7 @@ Times MeasureStart()
     stopwatch.Lap();
 
     Graphics::Tools::SnipBench tool;
-    tool.findDisplay = [](std::uint16_t id) { return Application::GetSystem<DisplayCache>().GetDisplay(id); };
+    tool.findDisplay = [](std::uint16_t id) { return BenchmarkApplication::GetSystem<DisplayCache>().GetDisplay(id); };
     System::Tools::ToolContext context;
     context.displayIds = {1, 1};
     tool.Start(context, {}, renderer);
@@ -146,6 +147,7 @@ Times MeasureInChild()
 
 int main(int argc, char** argv)
 {
+    Orvik::Desktops::SetDesktop(Orvik::Desktops::ChooseDesktop().desktop);
     unsigned width = 1920;
     unsigned height = 1080;
     if (argc > 1 && std::sscanf(argv[1], "%ux%u", &width, &height) != 2)
