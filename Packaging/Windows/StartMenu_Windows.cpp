@@ -66,7 +66,7 @@ std::vector<std::wstring> GetArguments()
     return arguments;
 }
 
-/// The command line behind the program's own name, as it was written.
+/// The command line after the program's own name, as it was written.
 std::wstring_view GetTail()
 {
     std::wstring_view line = GetCommandLineW();

@@ -16,9 +16,9 @@ from pathlib import Path
 from desktop_helper import ROOT, run_tests
 
 PROGRAM = ROOT / sys.argv.pop(1)
-SPECIFICATION = importlib.util.spec_from_file_location("make_help", ROOT / "Scripts/make-help.py")
-make_help = importlib.util.module_from_spec(SPECIFICATION)
-SPECIFICATION.loader.exec_module(make_help)
+MAKE_HELP = importlib.util.spec_from_file_location("make_help", ROOT / "Scripts/make-help.py")
+make_help = importlib.util.module_from_spec(MAKE_HELP)
+MAKE_HELP.loader.exec_module(make_help)
 
 OPTIONS = make_help.read_options(PROGRAM)
 CODES = make_help.read_codes(PROGRAM)
@@ -121,7 +121,7 @@ class Generated(unittest.TestCase):
 
     def test_zsh_completes(self):
         self.need("zsh")
-        # `_arguments` is asked what it was called with: one specification for each name.
+        # `_arguments` is asked what it was called with: one of them for each name.
         script = "_arguments() { print -rl -- \"$@\" }; words=(snipbench); . ./_snipbench"
         specifications = self.run_tool("zsh", "-f", "-c", script).splitlines()
         seen = [re.fullmatch(r"\((-\w+)\)(-\w+)\[(.*)\](:.*)?", line).groups() for line in specifications]

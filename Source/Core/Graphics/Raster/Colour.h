@@ -18,7 +18,7 @@ inline constexpr std::uint32_t s_channelMask = 0xFF;
 /// A channel from 0 to 1 as a byte, halves rounded to the even one; what lies beyond is cut.
 [[nodiscard]] constexpr std::uint32_t ToByte(float channel) noexcept
 {
-    // With this added no digits are left behind the point: the sum's lowest bits are the rounded number.
+    // With this added no digits are left after the point: the sum's lowest bits are the rounded number.
     constexpr float shift = 0x1.8p23F;
     // Not a number gives 0.
     const float scaled = channel > 0.0F ? std::min(channel, 1.0F) * 255.0F : 0.0F;
