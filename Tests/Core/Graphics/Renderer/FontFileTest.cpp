@@ -61,8 +61,8 @@ TEST(FontFile, WhatIsNoFontIsNotOpened)
 TEST(FontFile, APathMayHaveAnyLetters)
 {
     const ResourceCopy resources;
-    const std::string path = "\xE7\x94\xBB\xE5\x83\x8F \xC3\xBC.ttf";
-    std::filesystem::rename(s_path, System::Text::PathFromUtf8(path));
+    const std::filesystem::path path = System::Text::PathFromUtf8("\xE7\x94\xBB\xE5\x83\x8F \xC3\xBC.ttf");
+    std::filesystem::rename(s_path, path);
     FontFile font;
     ASSERT_TRUE(font.InitializeLibrary());
     ASSERT_TRUE(font.Open(path, 96));

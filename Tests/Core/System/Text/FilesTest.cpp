@@ -22,15 +22,15 @@ using Tests::Bytes;
 TEST(Files, AFileUnderAUtf8NameIsWrittenAndReadBack)
 {
     const Tests::TemporaryDirectory directory;
-    const std::string path = PathToUtf8(directory.GetPath() / PathFromUtf8("gr\xC3\xB6\xC3\x9F"
-                                                                           "e.bin"));
+    const std::filesystem::path path = directory.GetPath() / PathFromUtf8("gr\xC3\xB6\xC3\x9F"
+                                                                          "e.bin");
 
     File written = OpenFile(path, "wb");
     ASSERT_NE(written, nullptr);
     EXPECT_GE(std::fputs("abc", written.get()), 0);
     EXPECT_TRUE(Close(std::move(written)));
 
-    EXPECT_EQ(Tests::ReadBytes(PathFromUtf8(path)), (Bytes{'a', 'b', 'c'}));
+    EXPECT_EQ(Tests::ReadBytes(path), (Bytes{'a', 'b', 'c'}));
     const File read = OpenFile(path, "rb");
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(std::fgetc(read.get()), 'a');
