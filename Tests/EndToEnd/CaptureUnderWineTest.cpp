@@ -51,7 +51,7 @@ protected:
         return ChildProcess(options).Wait(std::chrono::seconds(90));
     }
 
-    static constexpr const char* s_program = "build/windows-release/Tests/SystemDeviceDisplayWindowsTests.exe";
+    static constexpr const char* s_program = "build/windows-release/Tests/DesktopsWindowsTests.exe";
     static constexpr const char* s_prefix = "build/wine-prefix-monitors";
 
     const Area m_other{0, 0, 300, 500};
