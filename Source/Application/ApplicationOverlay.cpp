@@ -198,9 +198,11 @@ std::int64_t Application::GetRefreshPeriod() const
 {
     constexpr std::int64_t second = 1'000'000'000;
     constexpr std::uint16_t usualRate = 60;
+    // Virtual and remote displays have none, and Windows reports 1 where a display doesn't say.
+    constexpr std::uint16_t leastRate = 24;
     const DisplayDescriptor* const display = GetSystem<DisplayCache>().GetDisplay(m_displayId);
     const std::uint16_t rate = display != nullptr ? display->refreshRate : 0;
-    return second / (rate != 0 ? rate : usualRate);
+    return second / (rate >= leastRate ? rate : usualRate);
 }
 
 // The handle of a closed window stays as it was, and the system may give the number to another.

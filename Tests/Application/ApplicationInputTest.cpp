@@ -125,6 +125,32 @@ TEST_F(ApplicationInput, WhatIsMovedLastIsDrawnWhenThePeriodEnds)
     EXPECT_EQ(desktop.frames, framesBefore + 1);
 }
 
+TEST_F(ApplicationInput, ADisplayThatReportsOnePictureASecondIsDrawnOnAsUsual)
+{
+    desktop.hasGraphicsCard = false;
+    desktop.displays.front().refreshRate = 1;
+    std::uint64_t framesBefore = 0;
+    std::int32_t waits = 0;
+    desktop.onWait = [&]
+    {
+        // Far more than a usual period, and far less than a second: a wait is a millisecond at most.
+        constexpr std::int32_t manyWaits = 200;
+        if (++waits == 1)
+        {
+            framesBefore = desktop.frames;
+            Move({30, 20});
+        }
+        else if (waits == manyWaits)
+        {
+            EXPECT_EQ(desktop.frames, framesBefore + 1);
+            Escape();
+        }
+    };
+    UseOutput();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_GE(waits, 2);
+}
+
 TEST_F(ApplicationInput, PermissionIsThereAndTheRunGoesOn)
 {
     UseOutput();
