@@ -3,7 +3,7 @@
 #include "Desktops/OpenGLSurface.h"
 
 // The OpenGL types, constants and function-pointer types of the Khronos header, without the system's own. The header
-// would pull in the Windows headers to learn the calling convention; it is told here instead.
+// would pull in the Windows headers to learn the calling convention; it stands here instead.
 #if !defined(APIENTRY)
 #if defined(__MINGW32__)
 #define APIENTRY __stdcall

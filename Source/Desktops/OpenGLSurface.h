@@ -19,7 +19,7 @@ struct OpenGLCreation
 
 /// A desktop's part of a `GLContext`: a context of OpenGL 3.3 core on a window, double-buffered, 8 bits for each of
 /// red, green, blue and alpha, 24 for depth, 8 for stencil, 4 samples. One context an object. The thread that created
-/// it. The destructor doesn't call the driver: what nobody has destroyed goes with the process.
+/// it. The destructor doesn't call the driver: what is not destroyed goes with the process.
 class OpenGLSurface
 {
 public:

@@ -13,7 +13,7 @@ enum class WindowType : std::uint8_t
     Overlapped = 1, ///< an ordinary window with a frame
     Popup,          ///< a dialog
     ToolPopup,      ///< without frame and task-bar entry
-    Overlay,        ///< always on top, no task-bar entry, takes no activation until told, per-pixel alpha
+    Overlay,        ///< always on top, no task-bar entry, not activated until asked for, per-pixel alpha
     MessageOnly,    ///< without a surface
 };
 

@@ -34,7 +34,7 @@ bool MoveToInputDesktop()
     return receivesInput != FALSE;
 }
 
-/// A bitmap tells its bytes in 32 bits.
+/// A bitmap gives the number of its bytes in 32 bits.
 bool FitsBitmap(const System::Math::Rectangle& region)
 {
     return std::uint64_t{region.GetWidth()} * region.GetHeight() <= std::numeric_limits<DWORD>::max() / 4;

@@ -57,7 +57,7 @@ private:
 
 /// Where a file lies in an installation: below the directory that holds "Binaries", in which the program lies, then in
 /// `directories`, each in the one before. Relative to the working directory for a program that lies in no such
-/// directory or whose own is unknown. Nobody looks whether the file exists.
+/// directory or whose own is unknown. The file need not exist.
 [[nodiscard]] std::filesystem::path ResolveResource(const std::filesystem::path& programDirectory,
                                                     std::initializer_list<const char*> directories,
                                                     const std::filesystem::path& file);
