@@ -26,8 +26,6 @@ namespace Log = System::Log;
 namespace Text = System::Text;
 using System::Runtime::CommandLine;
 
-constexpr Log::Context s_context{Log::StreamID::SnipBench};
-
 /// The kind of permission that the option asks for; no desktop here looks at it.
 constexpr std::uint16_t s_capturePermission = 9;
 constexpr std::int64_t s_permissionDenialPause = 1'000'000'000; // nanoseconds
@@ -143,7 +141,8 @@ void Application::LoadConfiguration(const CommandLine& commandLine)
 void Application::WarnOfIgnoredConfiguration()
 {
     if (m_hasIgnoredConfiguration)
-        Log::Write(s_context, Log::MessageTypeID::Warning, "Configuration ignored: ", GetConfigCache().GetError());
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Warning,
+                   "Configuration ignored: ", GetConfigCache().GetError());
 }
 
 // Likewise: it began before everything else.
@@ -151,7 +150,7 @@ void Application::WarnOfLostTrace()
 {
     System::Time::Trace* const trace = System::Time::Trace::GetCurrent();
     if (trace != nullptr && trace->TakeFailure())
-        Log::Write(s_context, Log::MessageTypeID::Warning, "The trace can't be written: ", trace->GetPath());
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Warning, "The trace can't be written: ", trace->GetPath());
 }
 
 void Application::ReadOptions(const CommandLine& commandLine)
@@ -202,8 +201,9 @@ void Application::OnPostSystemInitialization(System::Runtime::Application& /*sen
         return;
     const auto& sinks = static_cast<const Log::Logger*>(event.system)->GetSinks();
     const auto& fileSink = static_cast<const Log::FileLogSink&>(*sinks[1]);
-    Log::Write(s_context, Log::MessageTypeID::Always, "v", VersionText, " Preview started.");
-    Log::Write(s_context, Log::MessageTypeID::Always, "Using '", Text::PathToUtf8(fileSink.GetCurrentPath()), "'.");
+    Log::Write(Log::s_snipBench, Log::MessageTypeID::Always, "v", VersionText, " Preview started.");
+    Log::Write(Log::s_snipBench, Log::MessageTypeID::Always, "Using '", Text::PathToUtf8(fileSink.GetCurrentPath()),
+               "'.");
 }
 
 void Application::OnShutdownRequested()

@@ -33,8 +33,6 @@ using System::Time::TraceScope;
 using System::Tools::ToolContext;
 using System::Tools::ToolEventType;
 
-constexpr Log::Context s_context{Log::StreamID::SnipBench};
-
 constexpr const char* s_windowName = "Orvik::Snipping";
 constexpr std::uint8_t s_leftButton = 1;
 
@@ -86,7 +84,8 @@ bool Application::ChooseDisplay()
         m_displayId = displays.GetDefaultDisplayId();
     if (displays.GetDisplay(m_displayId) != nullptr)
         return true;
-    Log::Write(s_context, Log::MessageTypeID::Error, "No valid display info for valid display id ", m_displayId, ".");
+    Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "No valid display info for valid display id ", m_displayId,
+               ".");
     return false;
 }
 
@@ -109,13 +108,13 @@ std::string_view Application::OpenWindow()
     step.Next("window");
     if (!m_window->Create())
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to create snipping window.");
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Failed to create snipping window.");
         return ReturnCodeName::CreateWindowFailed;
     }
     step.Next("renderer");
     if (!m_renderer.Initialize(m_window->GetNativeWindow(), m_window->GetWindowClassName()))
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to initialize renderer.");
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Failed to initialize renderer.");
         return ReturnCodeName::InitializeRendererFailed;
     }
     if (m_renderer.DrawsIntoMemory())

@@ -18,8 +18,6 @@ namespace Log = System::Log;
 using System::GUID;
 using Result = Graphics::Tools::SnipBench::Result;
 
-constexpr Log::Context s_context{Log::StreamID::SnipBench};
-
 std::filesystem::path MakeFilePath(const SnipFileSettings& settings, const GUID& id, std::string_view extension)
 {
     std::string name = id.ToString() + ".";
@@ -51,7 +49,7 @@ void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
         // nothing is written then
     }
     if (result == System::Text::Replacement::NotWritten || result == System::Text::Replacement::Held)
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save meta file: ", path);
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Failed to save meta file: ", path);
 }
 
 /// The rectangles of this process, and the identifier of the one picture they lie on.
@@ -76,7 +74,7 @@ bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& form
         return bitmap.SavePng(path);
     if (format == "bmp")
         return bitmap.SaveBmp(path);
-    Log::Write(s_context, Log::MessageTypeID::Error, "Failed to save image file: ", path);
+    Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Failed to save image file: ", path);
     return false;
 }
 
@@ -109,7 +107,7 @@ void SaveAnnotation(Result& result, const SnipFileSettings& settings)
         return;
     if (result.bounds == nullptr)
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Expected valid rectangle in parameter 'info'.");
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Expected valid rectangle in parameter 'info'.");
         return;
     }
 

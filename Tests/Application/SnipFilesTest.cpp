@@ -24,7 +24,7 @@ using testing::IsEmpty;
 constexpr GUID s_guid = {0x4F723C6FB0AE4AC7, 0x94A56A92D5DBD05E};
 constexpr std::int64_t s_startTime = 17'629'300'000'000'000; // 2025-11-12T06:46:40Z
 
-std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory, const std::string& extension)
+std::vector<std::filesystem::path> ListFilesOf(const std::filesystem::path& directory, const std::string& extension)
 {
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::directory_iterator(directory))
@@ -135,8 +135,8 @@ TEST(SnipJson, AnnotationsStandBesideTheImage)
 TEST_F(SnipFiles, ASnipLeavesImageAndMetaFileOfOneName)
 {
     SaveSnip(result, MakeSettings());
-    const auto images = ListFiles(directory.GetPath(), ".png");
-    const auto metas = ListFiles(directory.GetPath(), ".json");
+    const auto images = ListFilesOf(directory.GetPath(), ".png");
+    const auto metas = ListFilesOf(directory.GetPath(), ".json");
     ASSERT_EQ(images.size(), 1U);
     ASSERT_EQ(metas.size(), 1U);
     EXPECT_EQ(images[0].stem(), metas[0].stem());
@@ -158,17 +158,17 @@ TEST_F(SnipFiles, TwoSnipsHaveTwoNames)
 {
     SaveSnip(result, MakeSettings());
     SaveSnip(result, MakeSettings());
-    EXPECT_EQ(ListFiles(directory.GetPath(), ".png").size(), 2U);
-    EXPECT_EQ(ListFiles(directory.GetPath(), ".json").size(), 2U);
+    EXPECT_EQ(ListFilesOf(directory.GetPath(), ".png").size(), 2U);
+    EXPECT_EQ(ListFilesOf(directory.GetPath(), ".json").size(), 2U);
 }
 
 TEST_F(SnipFiles, BmpChangesTheImageAlone)
 {
     SaveSnip(result, MakeSettings("bmp"));
-    const auto images = ListFiles(directory.GetPath(), ".bmp");
+    const auto images = ListFilesOf(directory.GetPath(), ".bmp");
     ASSERT_EQ(images.size(), 1U);
     EXPECT_EQ(Tests::ReadText(images[0]).substr(0, 2), "BM");
-    EXPECT_EQ(ListFiles(directory.GetPath(), ".json").size(), 1U);
+    EXPECT_EQ(ListFilesOf(directory.GetPath(), ".json").size(), 1U);
 }
 
 TEST_F(SnipFiles, APolygonIsMaskedUnlessTheMaskIsKept)
@@ -184,7 +184,7 @@ TEST_F(SnipFiles, APolygonIsMaskedUnlessTheMaskIsKept)
     SaveSnip(result, settings);
     EXPECT_EQ(snip.GetPixels()[0], 200) << "inside";
     EXPECT_EQ(snip.GetPixels()[snip.GetSize() - 1], 0) << "outside, alpha included";
-    for (const auto& meta : ListFiles(directory.GetPath(), ".json"))
+    for (const auto& meta : ListFilesOf(directory.GetPath(), ".json"))
         EXPECT_NE(Tests::ReadText(meta).find("\"mask\": ["), std::string::npos) << "whether it is kept or not";
 }
 
@@ -236,8 +236,8 @@ TEST_F(SnipFiles, AnnotationsShareOneImageAndOneFile)
         bounds = {index, 0, index + 10, 20};
         SaveAnnotation(result, settings);
     }
-    const auto images = ListFiles(directory.GetPath(), ".png");
-    const auto files = ListFiles(directory.GetPath(), ".json");
+    const auto images = ListFilesOf(directory.GetPath(), ".png");
+    const auto files = ListFilesOf(directory.GetPath(), ".json");
     ASSERT_EQ(images.size(), 1U);
     ASSERT_EQ(files.size(), 1U);
     EXPECT_EQ(images[0].stem(), files[0].stem());
@@ -274,7 +274,7 @@ TEST_F(SnipFiles, AnAnnotationFileThatWillNotOpenPassesInSilence)
     const SnipFileSettings settings = MakeSettings();
     SaveAnnotation(result, settings);
     SaveAnnotation(result, settings);
-    const auto files = ListFiles(directory.GetPath(), ".json");
+    const auto files = ListFilesOf(directory.GetPath(), ".json");
     ASSERT_EQ(files.size(), 1U);
     const std::string before = Tests::ReadText(files[0]);
     const std::filesystem::path part = files[0].string() + ".part";
@@ -298,7 +298,7 @@ TEST_F(SnipFiles, AFullDiskIsLoggedAndTheRunGoesOn)
     const SnipFileSettings settings = MakeSettings();
     SaveAnnotation(result, settings);
     SaveAnnotation(result, settings);
-    const auto files = ListFiles(directory.GetPath(), ".json");
+    const auto files = ListFilesOf(directory.GetPath(), ".json");
     ASSERT_EQ(files.size(), 1U);
     const std::string before = Tests::ReadText(files[0]);
     std::filesystem::create_symlink("/dev/full", files[0].string() + ".part");

@@ -11,7 +11,7 @@ namespace
 {
 
 /// Some error of the system.
-constexpr std::uint32_t s_refusal = 5;
+constexpr std::uint32_t s_refusedCapture = 5;
 
 } // namespace
 
@@ -28,7 +28,7 @@ Desktops::Failure NullCapture::CopyScreen()
 {
     NullDesktop& desktop = NullDesktop::GetInstance();
     if (!desktop.captureSucceeds || m_pixels.empty())
-        return System::Error::FormatError(s_refusal);
+        return System::Error::FormatError(s_refusedCapture);
     desktop.captures.push_back(m_region);
     std::size_t offset = 0;
     const auto width = static_cast<std::int32_t>(m_region.GetWidth());

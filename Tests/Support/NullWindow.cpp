@@ -14,8 +14,6 @@ namespace
 
 namespace Log = System::Log;
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 void Remember(const char* call)
 {
     NullDesktop::GetInstance().windowCalls.emplace_back(call);
@@ -39,7 +37,7 @@ Desktops::NativeWindow NullWindow::Create(const Desktops::WindowDescription& /*d
     Remember("Create");
     if (!NullDesktop::GetInstance().windowCreates)
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to create window: ", "Refused (0)");
+        Log::Write(Log::s_system, Log::MessageTypeID::Error, "Failed to create window: ", "Refused (0)");
         return Desktops::NativeWindow::None;
     }
     m_owner.DeliverPlain(System::Desktop::WindowEventType::Created);

@@ -18,8 +18,6 @@ namespace
 
 using Systems::SystemCall;
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 /// What a window of some type is made with.
 struct WindowStyle
 {
@@ -138,7 +136,7 @@ NativeWindow Window::Create(const WindowDescription& description)
               : nullptr;
     if (window == nullptr)
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error,
+        System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Error,
                            "Failed to create window: ", System::Error::FormatLastError());
         return NativeWindow::None;
     }
@@ -223,7 +221,7 @@ void Window::BringToFront()
     if (!TakeForeground(ToHwnd(m_handle)))
     {
         System::Log::Write(
-            s_context, System::Log::MessageTypeID::Warning,
+            System::Log::s_system, System::Log::MessageTypeID::Warning,
             "Failed to bring the window to the foreground. Keys go to another program until the window is "
             "clicked.");
     }

@@ -23,8 +23,6 @@ using Systems::SystemCall;
 constexpr std::uint8_t s_leftButton = 1;
 constexpr std::uint8_t s_rightButton = 3;
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 /// What a desktop sends, and in which order, differs from machine to machine and is seen nowhere else: a configuration
 /// can have every message logged, without another build.
 void LogMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -64,7 +62,8 @@ bool OnKey(System::Desktop::Window& target, WPARAM wParam, LPARAM lParam)
     const KeyCode key = GetKeyCode(virtualKey);
     if (key == KeyCode::Undefined)
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Warning, "Found undefined virtual key: ", virtualKey);
+        System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Warning,
+                           "Found undefined virtual key: ", virtualKey);
         return false;
     }
     const bool isReleased = (HIWORD(lParam) & KF_UP) != 0;

@@ -11,8 +11,6 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 constexpr std::int64_t s_patience = 2'000'000'000;
 constexpr std::int64_t s_retryInterval = 10'000'000; // each try waits for the server once
 
@@ -144,8 +142,8 @@ InputClaim::Grab InputClaim::Judge(const char* device, int status, std::int64_t 
         return Grab::Held;
     if (now < m_deadline)
         return Grab::Wanted;
-    System::Log::Write(s_context, System::Log::MessageTypeID::Warning, device, " grab failed: ", GetReason(status),
-                       ".");
+    System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Warning, device,
+                       " grab failed: ", GetReason(status), ".");
     return Grab::None;
 }
 

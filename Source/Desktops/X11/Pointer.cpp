@@ -15,8 +15,6 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 bool HasTestExtension(::Display* display)
 {
     int ignored = 0;
@@ -87,7 +85,7 @@ void Pointer::Show(bool visible)
         return;
     if (!CanHidePointer(display))
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Warning,
+        System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Warning,
                            "The pointer can't be hidden: the X server has no XFIXES 4.");
         return;
     }

@@ -19,8 +19,6 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 constexpr long s_eventMask = KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask | PointerMotionMask |
                              StructureNotifyMask | ExposureMask | FocusChangeMask;
 
@@ -32,7 +30,7 @@ struct CreatedWindow
 
 NativeWindow ReportFailedCreation(const std::string& text)
 {
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to create window: ", text);
+    System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Error, "Failed to create window: ", text);
     return NativeWindow::None;
 }
 

@@ -14,8 +14,6 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 // An overlay comes back to the front when something covers it. Against somebody who does the same it gives in.
 constexpr std::uint32_t s_raiseCount = 6;
 constexpr std::int64_t s_raisePeriod = 10'000'000'000;
@@ -285,7 +283,7 @@ void Window::Native::OnKeyRelease(const XKeyEvent& event)
 
 void Window::Native::OnUndefinedKey(const XKeyEvent& event) const
 {
-    System::Log::Write(s_context, System::Log::MessageTypeID::Warning,
+    System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Warning,
                        "Found undefined virtual key: ", GetUnshiftedSymbol(event));
 }
 

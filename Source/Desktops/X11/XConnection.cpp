@@ -15,8 +15,6 @@ int RecordXError(::Display* display, XErrorEvent* error);
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 /// What the process knows of its server. Trivial to destroy: windows that outlive the connection at the end of the
 /// process still find it closed.
 struct Connection
@@ -35,7 +33,8 @@ int ReportLostServer(::Display* display)
     if (display != s_connection.display)
         return 0;
     s_connection.display = nullptr;
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "The connection to the X server is lost.");
+    System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Error,
+                       "The connection to the X server is lost.");
     if (s_connection.lossHandler != nullptr)
         s_connection.lossHandler();
     return 0;
@@ -98,7 +97,7 @@ int RecordXError(::Display* display, XErrorEvent* error)
         scope->m_errorCode = error->error_code;
         return 0;
     }
-    System::Log::Write(s_context, System::Log::MessageTypeID::Warning,
+    System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Warning,
                        "X error: ", FormatErrorOf(display, error->error_code), ", request ", int{error->request_code},
                        ".", int{error->minor_code}, ", resource ", error->resourceid, ".");
     return 0;

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include "Tests/Desktops/X11/OwnServerCase.h"
 #include "Tests/Desktops/X11/TestClient.h"
 
 #include <cstdio>
@@ -85,13 +86,6 @@ std::vector<std::string> DescribeAll(const DisplayCache& cache)
     for (const DisplayDescriptor& display : cache.GetDisplays())
         texts.push_back(Describe(display));
     return texts;
-}
-
-/// For cases with a server of their own: they run in a process of their own, for a process has one connection.
-int Fail(const std::string& what)
-{
-    std::fprintf(stderr, "%s\n", what.c_str());
-    return 1;
 }
 
 int CheckServerWithoutMonitors()

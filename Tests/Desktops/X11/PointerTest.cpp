@@ -2,6 +2,7 @@
 
 #include "Desktops/X11/XConnection.h"
 #include "Tests/Desktops/X11/OverlayFixture.h"
+#include "Tests/Desktops/X11/OwnServerCase.h"
 #include "Tests/Support/VirtualDisplay.h"
 
 #include <X11/extensions/Xfixes.h>
@@ -99,12 +100,6 @@ class CursorServerX11DeathTest : public testing::Test
 protected:
     CursorServerX11DeathTest() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
 };
-
-int Fail(const std::string& what)
-{
-    std::fprintf(stderr, "%s\n", what.c_str());
-    return 1;
-}
 
 /// Whether the log has that one line, or none for an empty one.
 int CheckLine(const Tests::LogRecorder& log, const std::string& line)

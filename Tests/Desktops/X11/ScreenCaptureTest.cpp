@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include "Tests/Desktops/X11/OwnServerCase.h"
 #include "Tests/Desktops/X11/TestClient.h"
 
 #include <array>
@@ -173,12 +174,6 @@ private:
     ::Window m_window;
     std::jthread m_thread;
 };
-
-int Fail(const std::string& what)
-{
-    std::fprintf(stderr, "%s\n", what.c_str());
-    return 1;
-}
 
 /// A server of its own, in a process of its own. The sizes are odd, so that rows of narrow pixels are padded.
 int CheckServer(std::uint32_t depth, const std::vector<std::string>& arguments)

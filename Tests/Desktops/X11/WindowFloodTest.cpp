@@ -2,6 +2,7 @@
 #include "Tests/Desktops/X11/OverlayFixture.h"
 
 #include "Desktops/X11/XConnection.h"
+#include "Tests/Desktops/X11/KeyCodes.h"
 
 namespace Orvik::System::Desktop
 {
@@ -10,7 +11,6 @@ namespace
 
 using testing::IsEmpty;
 
-constexpr unsigned int s_escape = 9;
 constexpr int s_floodLength = 300;
 
 class WindowFloodX11 : public Tests::OverlayFixture
@@ -44,7 +44,7 @@ protected:
     /// Whether Escape, typed behind all that has come, is there after an update for its press and one for its release.
     [[nodiscard]] testing::AssertionResult EscapeComesAtOnce()
     {
-        m_user.Type(s_escape);
+        m_user.Type(Tests::s_escapeKey);
         XSync(Desktops::X11::GetXDisplay(), False);
         m_window.Update();
         m_window.Update();

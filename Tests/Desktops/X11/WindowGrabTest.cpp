@@ -1,3 +1,4 @@
+#include "Tests/Desktops/X11/KeyCodes.h"
 #include "Tests/Desktops/X11/OverlayFixture.h"
 
 namespace Orvik::System::Desktop
@@ -7,8 +8,6 @@ namespace
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr unsigned int s_space = 65;
 
 class WindowGrabX11 : public Tests::OverlayFixture
 {
@@ -142,11 +141,11 @@ TEST_F(WindowGrabX11, KeyWhoseReleaseGoesElsewhereIsLetGo)
     m_user.Ungrab();
     UpdateAll();
     m_events.clear();
-    m_user.Key(s_space, true);
+    m_user.Key(Tests::s_spaceKey, true);
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) == 1; }));
     ::Window const other = m_user.MakeWindow(0, 0, 10, 10, 0);
     XSetInputFocus(m_user.GetDisplay(), other, RevertToParent, CurrentTime);
-    m_user.Key(s_space, false);
+    m_user.Key(Tests::s_spaceKey, false);
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) == 2; }));
     UpdateAll();
     const std::vector<WindowEvent> keys = Get(WindowEventType::Key);
@@ -161,7 +160,7 @@ TEST_F(WindowGrabX11, GrabbedKeyboardKeepsAHeldKeyThroughAChangeOfFocus)
     m_window.BringToFront();
     UpdateAll();
     m_events.clear();
-    m_user.Key(s_space, true);
+    m_user.Key(Tests::s_spaceKey, true);
     ::Window const other = m_user.MakeWindow(0, 0, 10, 10, 0);
     XSetInputFocus(m_user.GetDisplay(), other, RevertToParent, CurrentTime);
     XSync(m_user.GetDisplay(), False);
@@ -169,7 +168,7 @@ TEST_F(WindowGrabX11, GrabbedKeyboardKeepsAHeldKeyThroughAChangeOfFocus)
     UpdateAll();
     for (const WindowEvent& event : Get(WindowEventType::Key))
         EXPECT_EQ(event.data.key.pressed, 1);
-    m_user.Key(s_space, false);
+    m_user.Key(Tests::s_spaceKey, false);
     EXPECT_TRUE(UpdateUntil([this] { return Get(WindowEventType::Key).back().data.key.pressed == 0; }));
 }
 

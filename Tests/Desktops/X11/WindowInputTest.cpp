@@ -1,3 +1,4 @@
+#include "Tests/Desktops/X11/KeyCodes.h"
 #include "Tests/Desktops/X11/OverlayFixture.h"
 
 #include <X11/extensions/XInput2.h>
@@ -11,8 +12,6 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr unsigned int s_escape = 9;
-constexpr unsigned int s_space = 65;
 constexpr unsigned int s_numLock = 77;
 
 class WindowInputX11 : public Tests::OverlayFixture
@@ -146,9 +145,9 @@ TEST_F(WindowInputX11, HeldKeyIsRepeatedPressesAndOneRelease)
 {
     XkbSetAutoRepeatRate(m_user.GetDisplay(), XkbUseCoreKbd, 50, 10);
     XSync(m_user.GetDisplay(), False);
-    m_user.Key(s_space, true);
+    m_user.Key(Tests::s_spaceKey, true);
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) >= 5; }));
-    m_user.Key(s_space, false);
+    m_user.Key(Tests::s_spaceKey, false);
     UpdateAll();
     const std::vector<std::pair<int, int>> keys = GetKeys();
     ASSERT_GE(keys.size(), 6U);
@@ -161,11 +160,11 @@ TEST_F(WindowInputX11, RepeatsThatPileUpAreOnePress)
 {
     XkbSetAutoRepeatRate(m_user.GetDisplay(), XkbUseCoreKbd, 50, 10);
     XSync(m_user.GetDisplay(), False);
-    m_user.Key(s_space, true);
+    m_user.Key(Tests::s_spaceKey, true);
     System::Time::Sleep(500'000'000);
-    m_user.Key(s_space, false);
-    m_user.Type(s_escape);
-    m_user.Type(s_escape);
+    m_user.Key(Tests::s_spaceKey, false);
+    m_user.Type(Tests::s_escapeKey);
+    m_user.Type(Tests::s_escapeKey);
     UpdateUntil([this] { return Count(WindowEventType::Key) >= 7; });
     // The press of the person, that of the repeats, and the release. Strokes are never merged.
     EXPECT_THAT(GetKeys(), ElementsAre(std::pair(57, 1), std::pair(57, 1), std::pair(57, 0), std::pair(1, 1),
@@ -272,8 +271,8 @@ TEST_F(WindowInputX11, MotionsAreNotMergedAcrossAButton)
 
 TEST_F(WindowInputX11, EachUpdateHandlesOneEvent)
 {
-    m_user.Type(s_space);
-    m_user.Type(s_escape);
+    m_user.Type(Tests::s_spaceKey);
+    m_user.Type(Tests::s_escapeKey);
     System::Time::Sleep(20'000'000);
     // Events of other kinds may stand between the keys'.
     std::size_t handled = 0;
@@ -343,10 +342,10 @@ TEST_F(WindowInputX11, PluggedDevicesAreTold)
 
 TEST_F(WindowInputX11, KeyHeldWhileTheWindowIsHiddenIsLetGoOnce)
 {
-    m_user.Key(s_space, true);
+    m_user.Key(Tests::s_spaceKey, true);
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) == 1; }));
     m_window.Hide(m_window.Lock());
-    m_user.Key(s_space, false);
+    m_user.Key(Tests::s_spaceKey, false);
     UpdateAll();
     EXPECT_THAT(GetKeys(), ElementsAre(std::pair(57, 1), std::pair(57, 0)));
 }

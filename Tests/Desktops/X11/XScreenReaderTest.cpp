@@ -7,6 +7,7 @@
 
 #include "Desktops/X11/XConnection.h"
 #include "Desktops/X11/XScreenReader.h"
+#include "Tests/Desktops/X11/OwnServerCase.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -82,12 +83,6 @@ void DrawPixel(::Display* display, unsigned long pixel)
     XSetForeground(display, context, pixel);
     XDrawPoint(display, DefaultRootWindow(display), context, 0, 0);
     XSync(display, False);
-}
-
-int Fail(const std::string& what)
-{
-    std::fprintf(stderr, "%s\n", what.c_str());
-    return 1;
 }
 
 /// Reads a picture of 640 by 480 pixels, by shared memory or not.

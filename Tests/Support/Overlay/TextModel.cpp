@@ -11,7 +11,7 @@ namespace Orvik::Tests
 namespace
 {
 
-constexpr int s_fontSize = 96;
+constexpr int s_renderedSize = 96;
 constexpr int s_lineStep = 124; ///< 1.3 times the size; what is left of the pixel is dropped at each step
 
 /// What a range has of the unit that begins at `index`.
@@ -33,7 +33,7 @@ TextModel::TextModel(const std::string& fontFile)
         FT_Done_FreeType(library);
         throw std::runtime_error("No font: " + fontFile);
     }
-    FT_Set_Pixel_Sizes(face, 0, s_fontSize);
+    FT_Set_Pixel_Sizes(face, 0, s_renderedSize);
     for (char character = ' '; character <= '~'; ++character)
     {
         if (FT_Load_Char(face, static_cast<FT_ULong>(character), FT_LOAD_RENDER) != 0)

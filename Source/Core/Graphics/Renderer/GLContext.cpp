@@ -7,13 +7,6 @@
 
 namespace Orvik::Graphics::Renderer
 {
-namespace
-{
-
-constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
-
-} // namespace
-
 bool EntryPoints::IsComplete() const noexcept
 {
     bool isComplete = true;
@@ -91,7 +84,7 @@ void GLContext::Report(const char* failure) const
 {
     using System::Log::MessageTypeID;
     const MessageTypeID severity = m_isDemanded ? MessageTypeID::Error : MessageTypeID::Verbose;
-    System::Log::Write(s_context, severity, m_version.empty() ? "OpenGL" : m_version.c_str(), failure);
+    System::Log::Write(System::Log::s_graphics, severity, m_version.empty() ? "OpenGL" : m_version.c_str(), failure);
 }
 
 } // namespace Orvik::Graphics::Renderer

@@ -6,13 +6,6 @@
 
 namespace Orvik::Graphics::Renderer
 {
-namespace
-{
-
-constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
-
-} // namespace
-
 const RasterFont::Character* RasterFont::Find(std::size_t index, std::uint32_t maximumSize)
 {
     if (index >= m_entries.size())
@@ -25,7 +18,7 @@ const RasterFont::Character* RasterFont::Find(std::size_t index, std::uint32_t m
     std::optional<GlyphBitmap> bitmap = m_font.Render(static_cast<std::uint32_t>(character));
     if (!bitmap || bitmap->width > maximumSize || bitmap->rows > maximumSize)
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Warning,
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Warning,
                            "Failed to load freetype glyph: ", character);
         return nullptr;
     }

@@ -11,8 +11,6 @@ namespace Orvik::Graphics::Renderer
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
-
 /// Large areas are shown piece by piece: the desktop copies one while the next is painted.
 constexpr std::int64_t s_piecePixels = std::int64_t{1} << 19;
 
@@ -26,8 +24,8 @@ bool RasterPainter::Resize(System::Desktop::NativeWindow window, std::int32_t wi
                System::Math::Matrix4::Orthographic(static_cast<float>(width), static_cast<float>(height))};
     if (m_surface.Create(window, static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)))
         return true;
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "There is no memory to draw ", width, " x ",
-                       height, " pixels in.");
+    System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error, "There is no memory to draw ", width,
+                       " x ", height, " pixels in.");
     return false;
 }
 

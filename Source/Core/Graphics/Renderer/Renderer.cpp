@@ -10,8 +10,6 @@ namespace Orvik::Graphics::Renderer
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
-
 // The uniform block "Shared", as the shaders declare it.
 constexpr GLuint s_sharedBinding = 1;
 constexpr GLintptr s_projectionOffset = 0;
@@ -37,19 +35,20 @@ bool Renderer::Initialize(Desktops::NativeWindow window, const char* className)
             m_drawsIntoMemory = true;
             return InitializeForRaster();
         }
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error,
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error,
                            "Failed to initialize render context. Debug draw is disabled!");
         return false;
     }
     if (!InitializeMembers())
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error,
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error,
                            "Failed to initialize renderer. Debug draw is disabled!");
         return false;
     }
     if (!m_context.IsValid())
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Render interface is not initialized.");
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error,
+                           "Render interface is not initialized.");
         return false;
     }
     CreateSharedBuffer();
@@ -66,7 +65,7 @@ bool Renderer::InitializeForRaster()
         m_textRenderer.InitializeForRaster() && CheckProgramFiles("quad.vert", "quad.frag");
     if (!isReady)
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error,
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error,
                            "Failed to initialize renderer. Debug draw is disabled!");
         return false;
     }

@@ -18,8 +18,6 @@ namespace Orvik::Graphics::Renderer
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
-
 constexpr GLsizei s_logSize = 512; ///< a longer log is cut
 
 /// No shader comes near it; a file that does isn't one.
@@ -44,7 +42,7 @@ bool ReadShaderFile(const char* file, std::vector<char>& text)
     std::ifstream stream(nativePath, std::ios::binary);
     if (!stream.is_open())
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Can't open shader: ", path);
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error, "Can't open shader: ", path);
         return false;
     }
     // Asked after the opening, so that a file that isn't there is told as one that can't be opened.
@@ -66,14 +64,14 @@ bool CompileStage(const GLContext& context, const char* file, GLenum type, std::
 
 void ReportUncompiled(GLenum type, const char* log)
 {
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "OpenGL: Failed to compile shader type ", type,
-                       " with error ", log);
+    System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error,
+                       "OpenGL: Failed to compile shader type ", type, " with error ", log);
 }
 
 void ReportUnlinked(const char* vertexFile, const char* fragmentFile, const char* log)
 {
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "OpenGL: Failed to link program (", vertexFile,
-                       ", ", fragmentFile, ") with error ", log);
+    System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error, "OpenGL: Failed to link program (",
+                       vertexFile, ", ", fragmentFile, ") with error ", log);
 }
 
 /// What is known of a stage that no driver has seen.
@@ -169,7 +167,8 @@ bool LoadShaderFile(const char* file, std::vector<char>& text)
     }
     catch (const std::exception& exception)
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to load shader: ", exception.what());
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error,
+                           "Failed to load shader: ", exception.what());
         return false;
     }
 }

@@ -15,7 +15,7 @@ using Raster::GlyphPlace;
 using Raster::Slope;
 using System::Math::Matrix4;
 
-constexpr float s_layerSize = 128.0F;
+constexpr float s_glyphCell = 128.0F;
 
 /// From a glyph's layer, texels from its top left, to pixels of the surface.
 struct Placement
@@ -37,10 +37,10 @@ Placement MakePlacement(const Matrix4& square, const SurfaceSpace& space)
     const float halfWidth = space.width * 0.5F;
     const float halfHeight = space.height * 0.5F;
     Placement placement;
-    placement.xPerColumn = m[0] * halfWidth / s_layerSize;
-    placement.xPerRow = -m[4] * halfWidth / s_layerSize;
-    placement.yPerColumn = -m[1] * halfHeight / s_layerSize;
-    placement.yPerRow = m[5] * halfHeight / s_layerSize;
+    placement.xPerColumn = m[0] * halfWidth / s_glyphCell;
+    placement.xPerRow = -m[4] * halfWidth / s_glyphCell;
+    placement.yPerColumn = -m[1] * halfHeight / s_glyphCell;
+    placement.yPerRow = m[5] * halfHeight / s_glyphCell;
     // The layer's top left is the square's.
     placement.x = (m[12] + m[4]) * halfWidth + halfWidth;
     placement.y = halfHeight - (m[13] + m[5]) * halfHeight;

@@ -22,8 +22,6 @@ namespace
 
 using System::Math::Matrix4;
 
-constexpr System::Log::Context s_context{System::Log::StreamID::Graphics};
-
 constexpr const char* s_fontFile = "Mulish-Regular.ttf";
 constexpr std::uint32_t s_fontSize = 96; ///< pixels
 constexpr char s_firstCharacter = RasterFont::s_firstCharacter;
@@ -39,14 +37,15 @@ std::optional<FontFile> OpenFont()
     FontFile font;
     if (!font.InitializeLibrary())
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to initialize freetype library.");
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error,
+                           "Failed to initialize freetype library.");
         return std::nullopt;
     }
     std::string path;
     System::Runtime::GetTexturePath(s_fontFile, path);
     if (!font.Open(System::Text::PathFromUtf8(path), s_fontSize))
     {
-        System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to load font: ", path);
+        System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error, "Failed to load font: ", path);
         return std::nullopt;
     }
     return font;
@@ -88,7 +87,7 @@ void LoadGlyphs(const EntryPoints& gl, const FontFile& font, std::vector<Glyph>&
         const std::optional<GlyphBitmap> bitmap = font.Render(static_cast<std::uint32_t>(character));
         if (!bitmap || !FitsLayer(*bitmap))
         {
-            System::Log::Write(s_context, System::Log::MessageTypeID::Warning,
+            System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Warning,
                                "Failed to load freetype glyph: ", character);
             continue;
         }
@@ -242,7 +241,7 @@ bool TextRenderer::SetText(std::uint16_t id, const char* text, std::uint64_t len
         const std::optional<Glyph> glyph = FindGlyph(character);
         if (!glyph)
         {
-            System::Log::Write(s_context, System::Log::MessageTypeID::Warning, "Character ", character,
+            System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Warning, "Character ", character,
                                " is not supported as font glyph.");
             continue;
         }

@@ -26,8 +26,6 @@ using System::Tools::ToolEventType;
 
 namespace Log = System::Log;
 
-constexpr Log::Context s_context{Log::StreamID::Graphics};
-
 constexpr std::uint16_t s_startMagnification = 4;
 constexpr float s_minMagnification = 2.0F;
 
@@ -84,11 +82,11 @@ void SnipBench::Start(ToolContext& context, Parameters parameters, Renderer::Ren
     }
     else if (!GetDisplayCapture(context, renderer, parameters.window))
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to get display capture.");
+        Log::Write(Log::s_graphics, Log::MessageTypeID::Error, "Failed to get display capture.");
         return;
     }
     if (!Setup(context, renderer))
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to setup snipping tool.");
+        Log::Write(Log::s_graphics, Log::MessageTypeID::Error, "Failed to setup snipping tool.");
 }
 
 bool SnipBench::Setup(ToolContext& context, Renderer::Renderer& renderer)

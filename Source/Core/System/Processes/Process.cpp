@@ -11,11 +11,9 @@ namespace Orvik::System::Processes
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 void LogMissingHandle(const Process& process)
 {
-    Log::Write(s_context, Log::MessageTypeID::Error, "Failed to get process '", process.id,
+    Log::Write(Log::s_system, Log::MessageTypeID::Error, "Failed to get process '", process.id,
                "' handle: ", Error::FormatLastError());
 }
 
@@ -36,7 +34,7 @@ std::string& GetName(const Process& process, std::string& text)
         LogMissingHandle(process);
         break;
     case ProcessResult::Failed:
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to get name of process '", process.id,
+        Log::Write(Log::s_system, Log::MessageTypeID::Error, "Failed to get name of process '", process.id,
                    "': ", Error::FormatLastError());
         break;
     case ProcessResult::Interrupted: // nothing is awaited here
@@ -50,13 +48,13 @@ void Terminate(Process& process, const Termination& termination)
     switch (EndProcessPlatform(process.id, termination))
     {
     case ProcessResult::Done:
-        Log::Write(s_context, Log::MessageTypeID::Verbose, "Process '", process.id, "' terminated successfully.");
+        Log::Write(Log::s_system, Log::MessageTypeID::Verbose, "Process '", process.id, "' terminated successfully.");
         break;
     case ProcessResult::NoHandle:
         LogMissingHandle(process);
         break;
     case ProcessResult::Failed:
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to terminate process '", process.id,
+        Log::Write(Log::s_system, Log::MessageTypeID::Error, "Failed to terminate process '", process.id,
                    "': ", Error::FormatLastError());
         break;
     case ProcessResult::Interrupted:
@@ -70,7 +68,8 @@ std::uint32_t EnumerateProcesses(std::string_view name, const std::function<void
     std::vector<std::uint64_t> ids;
     if (!ListProcessIdsPlatform(ids))
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Failed to enumerate processes: ", Error::FormatLastError());
+        Log::Write(Log::s_system, Log::MessageTypeID::Error,
+                   "Failed to enumerate processes: ", Error::FormatLastError());
         return 0;
     }
     std::uint32_t count = 0;

@@ -20,7 +20,6 @@ namespace
 
 using Log::MessageTypeID;
 
-constexpr Log::Context s_context{Log::StreamID::System};
 constexpr const char* s_schemaName = "Zentrov-Configuration-2501.json";
 
 /// Opens a file for reading. Not a directory, which some platforms open and can't read.
@@ -39,7 +38,8 @@ std::unique_ptr<JsonDocument> MakeDocument()
 
 void WarnOfMissingSchema()
 {
-    Log::Write(s_context, MessageTypeID::Warning, "No configuration schema loaded, configuration might be invalid.");
+    Log::Write(Log::s_system, MessageTypeID::Warning,
+               "No configuration schema loaded, configuration might be invalid.");
 }
 
 /// The first member with exactly that name, if it is an object; null otherwise. `object` may be any value.
@@ -68,8 +68,8 @@ bool ApplicationConfigCache::Initialize(const char* executablePath)
     const std::filesystem::path path = FindExecutablePathPlatform();
     if (path.empty())
     {
-        Log::Write(s_context, MessageTypeID::Error, "Failed to retrieve module file name: '", Error::FormatLastError(),
-                   "'.");
+        Log::Write(Log::s_system, MessageTypeID::Error, "Failed to retrieve module file name: '",
+                   Error::FormatLastError(), "'.");
     }
     m_executableDirectory = path.parent_path();
     if (m_executableDirectory.empty() && executablePath != nullptr)
@@ -99,14 +99,14 @@ void ApplicationConfigCache::LoadSchema(const std::filesystem::path& path)
         std::ifstream stream = OpenFile(path);
         if (!stream.is_open())
         {
-            Log::Write(s_context, MessageTypeID::Warning, "Can't open schema file: '", pathText, "'.");
+            Log::Write(Log::s_system, MessageTypeID::Warning, "Can't open schema file: '", pathText, "'.");
             return;
         }
         rapidjson::Document document;
         const JsonParseResult result = ParseJson(stream, document);
         if (result.error != rapidjson::kParseErrorNone)
         {
-            Log::Write(s_context, MessageTypeID::Warning, "Failed to parse schema JSON at ", result.offset, ": '",
+            Log::Write(Log::s_system, MessageTypeID::Warning, "Failed to parse schema JSON at ", result.offset, ": '",
                        GetParseErrorText(result.error), "'.");
             return;
         }
@@ -118,13 +118,14 @@ void ApplicationConfigCache::LoadSchema(const std::filesystem::path& path)
     }
     catch (const std::exception&)
     {
-        Log::Write(s_context, MessageTypeID::Warning, "Failed to load configuration schema file: '", pathText, "'.");
+        Log::Write(Log::s_system, MessageTypeID::Warning, "Failed to load configuration schema file: '", pathText,
+                   "'.");
     }
 }
 
 bool ApplicationConfigCache::LoadFromString(const std::string& json)
 {
-    Log::Write(s_context, MessageTypeID::Always, "Loading configuration string '", json, "'.");
+    Log::Write(Log::s_system, MessageTypeID::Always, "Loading configuration string '", json, "'.");
     m_document = ReadDocument(json);
     return m_document != nullptr;
 }
@@ -153,7 +154,7 @@ std::unique_ptr<JsonDocument> ApplicationConfigCache::ReadDocument(const std::st
 
 bool ApplicationConfigCache::LoadFromFile(const std::filesystem::path& file)
 {
-    Log::Write(s_context, MessageTypeID::Always, "Loading configuration file from '", file, "'.");
+    Log::Write(Log::s_system, MessageTypeID::Always, "Loading configuration file from '", file, "'.");
     std::ifstream stream = OpenFile(file);
     if (!stream.is_open())
         return FailLoading(fmt::format("Failed to open configuration '{}'.", Text::PathToUtf8(file)));
@@ -181,7 +182,7 @@ bool ApplicationConfigCache::LoadFromFile(const std::filesystem::path& file)
 bool ApplicationConfigCache::FailLoading(std::string error)
 {
     m_error = std::move(error);
-    Log::Write(s_context, MessageTypeID::Error, m_error);
+    Log::Write(Log::s_system, MessageTypeID::Error, m_error);
     return false;
 }
 

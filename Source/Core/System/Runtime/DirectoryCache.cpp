@@ -8,8 +8,6 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 std::string& ResolveOwnResource(std::initializer_list<const char*> directories, const std::string& file,
                                 std::string& result)
 {
@@ -40,7 +38,7 @@ bool DirectoryCache::ReadEnvironmentEntry(const char* name, Entry& entry)
     const std::optional<std::string> value = ReadVariablePlatform(name);
     if (!value)
     {
-        Log::Write(s_context, Log::MessageTypeID::Warning,
+        Log::Write(Log::s_system, Log::MessageTypeID::Warning,
                    "Failed to retrieve the users home directory from environment.");
         return false;
     }

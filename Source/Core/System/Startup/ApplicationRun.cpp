@@ -20,8 +20,6 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 bool IsAskedToEnd()
 {
     const Application* const application = Application::FindInstance();
@@ -61,7 +59,7 @@ void Application::Main(const ApplicationParameters& parameters)
     {
         if (!DirectoryCache::GetInstance().Initialize())
         {
-            Log::Write(s_context, Log::MessageTypeID::Warning,
+            Log::Write(Log::s_system, Log::MessageTypeID::Warning,
                        "Failed to initialize DirectoryCache. Running with unresolved directories.");
         }
         if (!m_configCache.Initialize(GetExecutablePath(m_commandLine)))

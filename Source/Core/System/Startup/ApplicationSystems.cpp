@@ -19,8 +19,6 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 void EndWithoutDesktop()
 {
     if (Application* const application = Application::FindInstance())
@@ -80,7 +78,7 @@ void Application::InitializeSystems()
     }
     catch (const std::exception& exception)
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Exception: ", exception.what());
+        Log::Write(Log::s_system, Log::MessageTypeID::Error, "Exception: ", exception.what());
         Error::ErrorHandling::GetInstance().ReportStdException(exception, true);
     }
     catch (Error::Exception& exception)
@@ -89,7 +87,7 @@ void Application::InitializeSystems()
     }
     catch (...)
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Unkown exception.");
+        Log::Write(Log::s_system, Log::MessageTypeID::Error, "Unkown exception.");
     }
 }
 

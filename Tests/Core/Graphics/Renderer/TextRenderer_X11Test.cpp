@@ -17,8 +17,8 @@ using Graphics::Renderer::GlyphBitmap;
 using Graphics::Renderer::Text;
 using System::Math::Matrix4;
 
-constexpr std::int32_t s_width = 320;
-constexpr std::int32_t s_height = 200;
+constexpr std::int32_t s_textWidth = 320;
+constexpr std::int32_t s_textHeight = 200;
 
 Text& AddText(RendererScene& scene, const char* string, const Matrix4& model)
 {
@@ -62,11 +62,12 @@ struct Writing
 /// The scene shows this and nothing else.
 void ExpectText(RendererScene& scene, const Writing& writing)
 {
-    Look look(s_width, s_height, 0xFF000000U);
-    TextModel().Draw(look, writing.text, static_cast<double>(writing.x), s_height - static_cast<double>(writing.y),
+    Look look(s_textWidth, s_textHeight, 0xFF000000U);
+    TextModel().Draw(look, writing.text, static_cast<double>(writing.x), s_textHeight - static_cast<double>(writing.y),
                      writing.size / 96.0);
     static_cast<void>(scene.Draw());
-    EXPECT_EQ(DescribeDifference(look, {s_width, s_height, scene.GetWindow().Capture()}, {0, 0, s_width, s_height}),
+    EXPECT_EQ(DescribeDifference(look, {s_textWidth, s_textHeight, scene.GetWindow().Capture()},
+                                 {0, 0, s_textWidth, s_textHeight}),
               "");
 }
 
@@ -87,16 +88,16 @@ class GlyphAtFontSize : public testing::TestWithParam<char>
 
 TEST_P(GlyphAtFontSize, IsTheFontsOwnPicture)
 {
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     const char character = GetParam();
     AddText(scene, std::string(1, character).c_str(), Matrix4::Translation(100, 80, 1.0F));
     const Frame frame = scene.Draw();
     const GlyphBitmap glyph = RenderGlyph(character);
     const std::int32_t left = 100 + glyph.left;
-    const std::int32_t top = s_height - (80 + glyph.top);
-    for (std::int32_t y = 0; y < s_height; ++y)
+    const std::int32_t top = s_textHeight - (80 + glyph.top);
+    for (std::int32_t y = 0; y < s_textHeight; ++y)
     {
-        for (std::int32_t x = 0; x < s_width; ++x)
+        for (std::int32_t x = 0; x < s_textWidth; ++x)
         {
             const std::int32_t column = x - left;
             const std::int32_t row = y - top;
@@ -113,20 +114,20 @@ INSTANTIATE_TEST_SUITE_P(Characters, GlyphAtFontSize, testing::Values('A', 'g', 
 
 TEST(TextPixels, TheSecondGlyphStandsBehindTheFirstsAdvance)
 {
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     AddText(scene, "Hi", Matrix4::Translation(20, 80, 1.0F));
     const Frame frame = scene.Draw();
     const GlyphBitmap first = RenderGlyph('H');
     const GlyphBitmap second = RenderGlyph('i');
     const std::int32_t left = 20 + static_cast<std::int32_t>(first.advance >> 6U) + second.left;
     // The middle of the i's stem, a few pixels above the line.
-    EXPECT_EQ(frame.At(left + static_cast<std::int32_t>(second.width) / 2, s_height - 90), s_white);
-    EXPECT_EQ(frame.At(left - 3, s_height - 90), s_black);
+    EXPECT_EQ(frame.At(left + static_cast<std::int32_t>(second.width) / 2, s_textHeight - 90), s_white);
+    EXPECT_EQ(frame.At(left - 3, s_textHeight - 90), s_black);
 }
 
 TEST(TextPixels, ASmallGlyphKeepsItsWeightWhereverItStands)
 {
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     const float scale = Graphics::Renderer::TextRenderer::GetScale(16);
     Text& text = AddText(scene, "l", {});
     const GlyphBitmap glyph = RenderGlyph('l');
@@ -142,10 +143,11 @@ TEST(TextPixels, ASmallGlyphKeepsItsWeightWhereverItStands)
 
 TEST(TextPixels, TheColourIsScaledByTheCoverage)
 {
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     AddText(scene, "I", Matrix4::Translation(20, 80, 1.0F)).color = {1.0F, 0.5F, 0.0F, 0.5F};
     const GlyphBitmap glyph = RenderGlyph('I');
-    const Pixel stem = scene.Draw().At(20 + glyph.left + static_cast<std::int32_t>(glyph.width) / 2, s_height - 100);
+    const Pixel stem =
+        scene.Draw().At(20 + glyph.left + static_cast<std::int32_t>(glyph.width) / 2, s_textHeight - 100);
     EXPECT_NEAR(stem.red, 127.5, 1.0);
     EXPECT_NEAR(stem.green, 63.75, 1.0);
     EXPECT_EQ(stem.blue, 0);
@@ -153,22 +155,22 @@ TEST(TextPixels, TheColourIsScaledByTheCoverage)
 
 TEST(TextPixels, TextLiesOverWhatIsNearer)
 {
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     AddText(scene, "I", Matrix4::Translation(20, 80, -5.0F)).color = {0.0F, 1.0F, 0.0F, 1.0F};
     std::uint16_t quad = 0;
     scene.GetRenderer().GetQuadRenderer().Create(quad);
     scene.GetRenderer().GetQuadRenderer().Get(quad)->model =
-        Matrix4::ScaleAndTranslation(s_width, s_height, 1, 0, 0, 5.0F);
+        Matrix4::ScaleAndTranslation(s_textWidth, s_textHeight, 1, 0, 0, 5.0F);
     const GlyphBitmap glyph = RenderGlyph('I');
     const Frame frame = scene.Draw();
-    EXPECT_EQ(frame.At(20 + glyph.left + static_cast<std::int32_t>(glyph.width) / 2, s_height - 100),
+    EXPECT_EQ(frame.At(20 + glyph.left + static_cast<std::int32_t>(glyph.width) / 2, s_textHeight - 100),
               (Pixel{0, 255, 0}));
     EXPECT_EQ(frame.At(5, 5), s_white);
 }
 
 TEST(TextPixels, WhatComesAfterTextIsTestedForDepthAgain)
 {
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     AddText(scene, "I", Matrix4::Translation(20, 80, 1.0F));
     auto& quads = scene.GetRenderer().GetQuadRenderer();
     std::array<std::uint16_t, 2> ids = {};
@@ -177,8 +179,8 @@ TEST(TextPixels, WhatComesAfterTextIsTestedForDepthAgain)
     quads.Get(ids[0])->model = Matrix4::ScaleAndTranslation(50, 50, 1, 100, 0, 1.0F);
     quads.Get(ids[1])->model = Matrix4::ScaleAndTranslation(50, 50, 1, 100, 0, 0.5F);
     quads.Get(ids[1])->color = {1.0F, 0.0F, 0.0F, 1.0F};
-    EXPECT_EQ(scene.Draw().At(120, s_height - 20), s_white);
-    EXPECT_EQ(scene.Draw().At(120, s_height - 20), s_white);
+    EXPECT_EQ(scene.Draw().At(120, s_textHeight - 20), s_white);
+    EXPECT_EQ(scene.Draw().At(120, s_textHeight - 20), s_white);
 }
 
 class WrittenText : public testing::TestWithParam<Writing>
@@ -188,7 +190,7 @@ class WrittenText : public testing::TestWithParam<Writing>
 TEST_P(WrittenText, IsTheFontsOwn)
 {
     const Writing& writing = GetParam();
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     const float scale = Graphics::Renderer::TextRenderer::GetScale(writing.size);
     AddText(scene, writing.text.c_str(), Matrix4::ScaleAndTranslation(scale, scale, 0.0F, writing.x, writing.y, 1.0F));
     ExpectText(scene, writing);
@@ -211,7 +213,7 @@ INSTANTIATE_TEST_SUITE_P(AroundOneDrawsGlyphs, WrittenText,
 
 TEST(TextPixels, UnsupportedBytesLeaveNoGap)
 {
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     const LogRecorder log;
     AddText(scene, "sm\xC3\xB6\tr\x7F", Matrix4::ScaleAndTranslation(0.5F, 0.5F, 0.0F, 20, 100, 1.0F));
     ExpectText(scene, {"smr", 20, 100, 48});
@@ -224,7 +226,7 @@ TEST(TextPixels, UnsupportedBytesLeaveNoGap)
 
 TEST(TextPixels, AReplacedTextLeavesNothingOfTheOldOne)
 {
-    RendererScene scene(s_width, s_height);
+    RendererScene scene(s_textWidth, s_textHeight);
     Text& text = AddText(scene, "1234, 5678", Matrix4::ScaleAndTranslation(0.5F, 0.5F, 0.0F, 20, 100, 1.0F));
     ExpectText(scene, {"1234, 5678", 20, 100, 48});
     EXPECT_TRUE(scene.GetRenderer().GetTextRenderer().SetText(text.id, "9, 0", scene.GetRenderer()));

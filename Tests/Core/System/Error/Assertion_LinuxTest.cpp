@@ -19,9 +19,9 @@ void Ignore(const AssertionInfo& /*info*/)
 {
 }
 
-constexpr unsigned s_failureLine = __LINE__ + 5;
+constexpr unsigned s_lineOfTheDeath = __LINE__ + 5;
 
-void FailOnPurpose()
+void FailOnceMore()
 {
     const int m_value = 1;
     ORVIK_ASSERT(m_value == 2 || m_value == 3, "Value must be two or three.");
@@ -35,7 +35,7 @@ TEST(AssertionDeathTest, DefaultHandlerWritesTheReportAndAborts)
         {
             SetAssertionHandler(nullptr);
             std::signal(SIGABRT, SIG_DFL);
-            FailOnPurpose();
+            FailOnceMore();
         },
         testing::KilledBySignal(SIGABRT),
         testing::MatchesRegex("Assertion: m_value == 2 \\|\\| m_value == 3\n"
@@ -43,7 +43,7 @@ TEST(AssertionDeathTest, DefaultHandlerWritesTheReportAndAborts)
                               "\n"
                               "Callstack:\n"
                               "\t\\[0\\]: \\./Tests/Core/System/Error/Assertion_LinuxTest\\.cpp at " +
-                              std::to_string(s_failureLine) + ": FailOnPurpose\n"));
+                              std::to_string(s_lineOfTheDeath) + ": FailOnceMore\n"));
 }
 
 TEST(AssertionDeathTest, HandlerThatReturnsEndsInThePlatformsAssertion)
@@ -52,12 +52,12 @@ TEST(AssertionDeathTest, HandlerThatReturnsEndsInThePlatformsAssertion)
         {
             SetAssertionHandler(&Ignore);
             std::signal(SIGABRT, SIG_DFL);
-            FailOnPurpose();
+            FailOnceMore();
         },
         testing::KilledBySignal(SIGABRT),
         testing::MatchesRegex(
-            ".*: \\./Tests/Core/System/Error/Assertion_LinuxTest\\.cpp:" + std::to_string(s_failureLine) +
-            ": FailOnPurpose: "
+            ".*: \\./Tests/Core/System/Error/Assertion_LinuxTest\\.cpp:" + std::to_string(s_lineOfTheDeath) +
+            ": FailOnceMore: "
             "Assertion `\\(m_value == 2 \\|\\| m_value == 3\\)' failed\\.\n"));
 }
 
@@ -73,14 +73,14 @@ TEST(AssertionReport, OfAnExceptionsHandlerSaysNothingOfTheException)
             }
             catch (const std::exception&)
             {
-                FailOnPurpose();
+                FailOnceMore();
             }
             return 0;
         });
     EXPECT_EQ(result.signal, SIGABRT);
     EXPECT_EQ(Tests::Normalize(result.error),
               "Assertion: m_value == 2 || m_value == 3\n\tMessage: Value must be two or three.\n\nCallstack:\n"
-              "\t[0]: ./Tests/Core/System/Error/Assertion_LinuxTest.cpp at 12: FailOnPurpose\n");
+              "\t[0]: ./Tests/Core/System/Error/Assertion_LinuxTest.cpp at 12: FailOnceMore\n");
 }
 
 } // namespace

@@ -22,8 +22,8 @@ namespace Orvik::System::Log
 namespace
 {
 
-constexpr std::uint64_t s_manyBytes = 1'000'000;
-constexpr std::uint32_t s_tenDays = 10;
+constexpr std::uint64_t s_roomForAll = 1'000'000;
+constexpr std::uint32_t s_keptDays = 10;
 
 TEST(FileLogSink, AFullDiskLosesLinesAndNothingElse)
 {
@@ -33,7 +33,7 @@ TEST(FileLogSink, AFullDiskLosesLinesAndNothingElse)
         [&directory]
         {
             std::signal(SIGXFSZ, SIG_IGN);
-            FileLogSink sink(directory, "Name", s_manyBytes, s_tenDays);
+            FileLogSink sink(directory, "Name", s_roomForAll, s_keptDays);
             if (!sink.Open())
                 return 2;
             rlimit limit = {};
@@ -56,7 +56,7 @@ TEST(FileLogSink, AFileWhoseKindIsNotToldIsThrown)
     const Tests::TemporaryDirectory directory;
     const std::filesystem::path loop = directory.GetPath() / "Name_2.log";
     std::filesystem::create_symlink(loop, loop);
-    FileLogSink sink(directory.GetPath(), "Name", s_manyBytes, s_tenDays);
+    FileLogSink sink(directory.GetPath(), "Name", s_roomForAll, s_keptDays);
     try
     {
         (void)sink.Open();
@@ -80,7 +80,7 @@ TEST(FileLogSink, AnExpiredFileThatCannotBeRemovedIsThrown)
             std::ofstream(file).flush();
             std::filesystem::last_write_time(file,
                                              std::filesystem::file_time_type::clock::now() - std::chrono::days(3));
-            FileLogSink sink(folder, "Name", s_manyBytes, 1);
+            FileLogSink sink(folder, "Name", s_roomForAll, 1);
             Tests::RefuseSystemCall(SYS_unlink, EROFS);
             Tests::RefuseSystemCall(SYS_unlinkat, EROFS);
             try
@@ -111,7 +111,7 @@ TEST(FileLogSink, RunsThatBeginAtOnceRemoveTheSameExpiredFiles)
         std::cout << "ready" << std::endl;
         while (!std::filesystem::exists(start))
             std::this_thread::yield();
-        FileLogSink sink(directory.GetPath(), "Name", s_manyBytes, s_tenDays);
+        FileLogSink sink(directory.GetPath(), "Name", s_roomForAll, s_keptDays);
         const bool isOpen = sink.Open();
         sink.Write("a line of each\n");
         return isOpen ? 0 : 1;

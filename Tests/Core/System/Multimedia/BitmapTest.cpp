@@ -1,6 +1,7 @@
 #include "Core/System/Multimedia/Bitmap.h"
 
 #include "Core/System/Error/Assertion.h"
+#include "Tests/Core/System/Multimedia/BitmapBytes.h"
 #include "Tests/Support/AssertionTrap.h"
 
 #include <gtest/gtest.h>
@@ -24,11 +25,6 @@ static_assert(!std::is_copy_constructible_v<Bitmap>);
 static_assert(!std::is_copy_assignable_v<Bitmap>);
 static_assert(std::is_nothrow_move_constructible_v<Bitmap>);
 static_assert(!std::is_polymorphic_v<Bitmap>);
-
-Bytes GetBytes(const Bitmap& bitmap)
-{
-    return {bitmap.GetPixels(), bitmap.GetPixels() + bitmap.GetSize()};
-}
 
 // Bytes 1, 2, 3 and so on.
 Bitmap MakeCounting(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel)

@@ -1,5 +1,6 @@
 #include "Core/System/Multimedia/Bitmap.h"
 
+#include "Tests/Core/System/Multimedia/BitmapBytes.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -43,11 +44,6 @@ Bytes MakeBmp(const BmpHeader& header, const Bytes& rows)
     bytes.push_back(static_cast<std::uint8_t>(header.bitsPerPixel >> 8));
     AppendUInt32(bytes, header.compression);
     return Tests::Concatenate({bytes, Bytes(20, 0xAB), rows});
-}
-
-Bytes GetBytes(const Bitmap& bitmap)
-{
-    return {bitmap.GetPixels(), bitmap.GetPixels() + bitmap.GetSize()};
 }
 
 class BmpFile : public testing::Test

@@ -1,5 +1,6 @@
 #include "Core/System/Multimedia/Bitmap.h"
 
+#include "Tests/Core/System/Multimedia/BitmapBytes.h"
 #include "Tests/Support/PngBuilder.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -23,11 +24,6 @@ constexpr std::uint8_t s_rgb = 2;
 constexpr std::uint8_t s_palette = 3;
 constexpr std::uint8_t s_grayAlpha = 4;
 constexpr std::uint8_t s_rgba = 6;
-
-Bytes GetBytes(const Bitmap& bitmap)
-{
-    return {bitmap.GetPixels(), bitmap.GetPixels() + bitmap.GetSize()};
-}
 
 class PngFile : public testing::Test
 {

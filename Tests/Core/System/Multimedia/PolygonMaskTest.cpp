@@ -1,6 +1,7 @@
 #include "Core/System/Multimedia/PolygonMask.h"
 
 #include "Core/System/Multimedia/Bitmap.h"
+#include "Tests/Core/System/Multimedia/BitmapBytes.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -16,8 +17,8 @@ namespace
 using Math::Point;
 using Picture = std::vector<std::string>;
 
-constexpr std::int32_t s_lowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t s_highest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t s_lowestCoordinate = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t s_highestCoordinate = std::numeric_limits<std::int32_t>::max();
 
 // What is covered, one text to the row.
 Picture Draw(std::uint16_t width, std::uint16_t height, const std::vector<Point>& polygon)
@@ -110,13 +111,18 @@ TEST(PolygonMask, CrossingsRightOfTheImageAreLimitedToItsLastColumn)
 
 TEST(PolygonMask, TheFarthestPointsStayWithinTheMask)
 {
-    const std::vector<Point> everything = {
-        {s_lowest, s_lowest}, {s_highest, s_lowest}, {s_highest, s_highest}, {s_lowest, s_highest}};
+    const std::vector<Point> everything = {{s_lowestCoordinate, s_lowestCoordinate},
+                                           {s_highestCoordinate, s_lowestCoordinate},
+                                           {s_highestCoordinate, s_highestCoordinate},
+                                           {s_lowestCoordinate, s_highestCoordinate}};
     EXPECT_EQ(Draw(3, 3, everything), Picture(3, "###"));
     // The diagonal from the farthest corner to the other passes close to the origin.
-    EXPECT_EQ(Draw(3, 3, {{s_lowest, s_lowest}, {s_highest, s_highest}, {s_lowest, s_highest}}),
+    EXPECT_EQ(Draw(3, 3,
+                   {{s_lowestCoordinate, s_lowestCoordinate},
+                    {s_highestCoordinate, s_highestCoordinate},
+                    {s_lowestCoordinate, s_highestCoordinate}}),
               (Picture{"#..", "##.", "###"}));
-    EXPECT_EQ(Draw(3, 3, {{s_lowest, 0}, {s_highest, 0}}), (Picture{"###", "...", "..."}));
+    EXPECT_EQ(Draw(3, 3, {{s_lowestCoordinate, 0}, {s_highestCoordinate, 0}}), (Picture{"###", "...", "..."}));
 }
 
 TEST(PolygonMask, WithoutAnAreaNothingBelowRowZeroIsCovered)
@@ -153,11 +159,6 @@ Bitmap MakeFilled(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPe
     Bitmap bitmap(width, height, bitsPerPixel);
     std::fill_n(bitmap.GetPixels(), bitmap.GetSize(), std::uint8_t{7});
     return bitmap;
-}
-
-std::vector<std::uint8_t> GetBytes(const Bitmap& bitmap)
-{
-    return {bitmap.GetPixels(), bitmap.GetPixels() + bitmap.GetSize()};
 }
 
 const std::vector<Point> s_leftColumn = {{0, 0}, {0, 1}, {0, 0}};

@@ -12,7 +12,7 @@ namespace Orvik::System::Threads
 namespace
 {
 
-class OpenManager : public ThreadManager
+class ManagerWithOpenSlots : public ThreadManager
 {
 public:
     using ThreadManager::m_slots;
@@ -36,7 +36,7 @@ std::string Report(const std::string& condition, const std::string& message, con
 
 void EndWithSlotIn(std::uint64_t state)
 {
-    auto manager = std::make_unique<OpenManager>();
+    auto manager = std::make_unique<ManagerWithOpenSlots>();
     manager->m_slots[14].SetState(state);
     manager.reset();
 }

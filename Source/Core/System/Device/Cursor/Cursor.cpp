@@ -11,13 +11,11 @@ namespace Orvik::System::Device::Cursor
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 bool Report(std::string_view operation, const Desktops::Failure& failure)
 {
     if (!failure)
         return true;
-    Log::Write(s_context, Log::MessageTypeID::Error, operation, " failed: ", *failure, ".");
+    Log::Write(Log::s_system, Log::MessageTypeID::Error, operation, " failed: ", *failure, ".");
     return false;
 }
 

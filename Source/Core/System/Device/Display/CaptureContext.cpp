@@ -15,8 +15,6 @@ namespace Orvik::System::Device::Display
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 /// The callback gets the sides in 16 bits: a longer one could only lie to it.
 bool IsCapturable(const Math::Rectangle& region)
 {
@@ -62,7 +60,7 @@ bool CaptureContext::Initialize(std::uint16_t displayId, const Math::Rectangle& 
 
 bool CaptureContext::Capture(const Callback& callback, FourthByte fourthByte)
 {
-    Log::Write(s_context, Log::MessageTypeID::Verbose, "Called: Capture");
+    Log::Write(Log::s_system, Log::MessageTypeID::Verbose, "Called: Capture");
     if (m_window == nullptr)
         return CopyScreen(callback, fourthByte);
     const Desktop::Window::ScopedLock lock = m_window->Lock();
@@ -79,7 +77,7 @@ bool CaptureContext::CopyScreen(const Callback& callback, FourthByte fourthByte)
 {
     if (const Desktops::Failure failure = m_platformContext->CopyScreen())
     {
-        Log::Write(s_context, Log::MessageTypeID::Error, "Capture failed: ", *failure, ".");
+        Log::Write(Log::s_system, Log::MessageTypeID::Error, "Capture failed: ", *failure, ".");
         return false;
     }
     const Types::Buffer<const unsigned char> pixels = m_platformContext->GetPixels();

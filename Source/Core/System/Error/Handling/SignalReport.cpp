@@ -14,8 +14,6 @@ namespace Orvik::System::Error
 namespace
 {
 
-constexpr Log::Context s_context{Log::StreamID::System};
-
 /// How often a run that is asked to end is looked at, and how long each time: about two seconds, which begin anew when
 /// a part of a file is written meanwhile.
 constexpr int s_shutdownPolls = 64;
@@ -27,7 +25,7 @@ constexpr std::int64_t s_shutdownPollPeriod = 32'000'000; // nanoseconds
 void ReportError(const char* text)
 {
     std::cerr << text << std::endl;
-    Log::Write(s_context, Log::MessageTypeID::Error, text);
+    Log::Write(Log::s_system, Log::MessageTypeID::Error, text);
 }
 
 } // namespace
@@ -62,7 +60,7 @@ void ErrorHandling::ReportSignal(int signal)
     switch (signal)
     {
     case SIGINT:
-        Log::Write(s_context, Warning,
+        Log::Write(Log::s_system, Warning,
                    "Signal 'SIGINT' was raised (most likely by an user, script, etc.) to initiate an interruption of "
                    "program execution.");
         return WaitForShutdown();
@@ -70,7 +68,7 @@ void ErrorHandling::ReportSignal(int signal)
         if (m_unhandledException)
             ReportError("Signal 'SIGTERM' was raised to terminate the program due to an unhandled exception.");
         else
-            Log::Write(s_context, Warning,
+            Log::Write(Log::s_system, Warning,
                        "Signal 'SIGTERM' was raised to terminate the program due to an unknown reason.");
         return WaitForShutdown();
     case SIGILL:
@@ -82,7 +80,7 @@ void ErrorHandling::ReportSignal(int signal)
         return ReportError("Signal 'SIGSEGV' was raised due to an invalid memory access (segmentation fault).");
     case SIGABRT:
         if (m_terminating)
-            return Log::Write(s_context, Info, "Shutting down due to a forced abortion or error.");
+            return Log::Write(Log::s_system, Info, "Shutting down due to a forced abortion or error.");
         return ReportError(m_unhandledException
                                ? "Signal 'SIGABRT' was raised due to an abnormal condition like an unhandled exception."
                                : "Signal 'SIGABRT' was raised due to an unknown abnormal condition.");

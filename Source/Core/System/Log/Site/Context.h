@@ -6,12 +6,16 @@ namespace Orvik::System::Log
 {
 
 /// What a source file's messages have in common: their stream, and the least severity that passes.
-/// A file that logs keeps one as a constant.
 struct Context
 {
     std::uint32_t stream = Default;
     std::uint32_t severity = static_cast<std::uint32_t>(MessageTypeID::Info);
 };
+
+// Of the program's own messages: what they say from `Info` on passes, whatever the configuration says.
+inline constexpr Context s_system{StreamID::System};
+inline constexpr Context s_graphics{StreamID::Graphics};
+inline constexpr Context s_snipBench{StreamID::SnipBench};
 
 /// The severity gate: `Always` passes, anything else if it isn't below the context's threshold.
 [[nodiscard]] constexpr bool IsEnabled(const Context& context, MessageTypeID severity) noexcept
