@@ -5,10 +5,10 @@
 // and of the capture of the display also the ratio to one copy of its bytes in memory.
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Tools/SnipBench.h"
+#include "Core/System/Desktop/CaptureContext.h"
+#include "Core/System/Desktop/DisplayCache.h"
 #include "Core/System/Desktop/KeyCode.h"
 #include "Core/System/Desktop/Window.h"
-#include "Core/System/Device/Display/CaptureContext.h"
-#include "Core/System/Device/Display/DisplayCache.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/DesktopChoice.h"

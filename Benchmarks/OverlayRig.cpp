@@ -1,8 +1,8 @@
 #include "Benchmarks/OverlayRig.h"
 
 #include "Core/Graphics/Renderer/RenderItems.h"
+#include "Core/System/Desktop/DisplayCache.h"
 #include "Core/System/Desktop/KeyCode.h"
-#include "Core/System/Device/Display/DisplayCache.h"
 #include "Tests/Support/NullDesktop.h"
 
 #include <cstring>

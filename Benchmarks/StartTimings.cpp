@@ -6,8 +6,8 @@
 // A run is a child process of its own, so that every run starts cold in the way a new process does.
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Tools/SnipBench.h"
+#include "Core/System/Desktop/DisplayCache.h"
 #include "Core/System/Desktop/Window.h"
-#include "Core/System/Device/Display/DisplayCache.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/DesktopChoice.h"

@@ -5,8 +5,8 @@
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Time/Trace.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
 #include "Systems/Windows/ParentConsole.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <optional>
 #include <utility>

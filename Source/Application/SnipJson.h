@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Core/System/Constexpr/Guid.h"
-#include "Core/System/Math/Point.h"
-#include "Core/System/Math/Rectangle.h"
+#include "Core/System/Text/Guid.h"
+#include "Core/System/Types/Point.h"
+#include "Core/System/Types/Rectangle.h"
 
 #include <cstdint>
 #include <span>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/System/Device/DisplayDescriptor.h"
-#include "Core/System/Math/Rectangle.h"
+#include "Core/System/Types/Rectangle.h"
+#include "Desktops/DisplayDescriptor.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/System/Math/Rectangle.h"
 #include "Core/System/Types/Buffer.h"
+#include "Core/System/Types/Rectangle.h"
 #include "Desktops/Failure.h"
 
 namespace Orvik::Desktops

@@ -2,7 +2,7 @@
 #include "Application/Application.h"
 
 #include "Core/System/Runtime/CommandLine.h"
-#include "Tests/Desktops/X11/XUser.h"
+#include "Tests/Support/Desktop/XClient.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -30,9 +30,9 @@ class ApplicationX11 : public testing::Test
 protected:
     /// Runs the program, with somebody at the desktop on a thread of his own, after whom the run is asked to end. What
     /// fails there is told here: the program's output is caught meanwhile.
-    std::int32_t RunWith(const std::function<void(Tests::XUser&)>& user)
+    std::int32_t RunWith(const std::function<void(Tests::XClient&)>& user)
     {
-        Tests::XUser desktop; // before the program, so that a server that doesn't answer fails the test
+        Tests::XClient desktop; // before the program, so that a server that doesn't answer fails the test
         System::Runtime::CommandLine commandLine;
         commandLine.arguments = {"SnipBench", "-o", m_output.GetPath().string()};
         System::Runtime::ApplicationParameters parameters;
@@ -53,7 +53,7 @@ protected:
     }
 
     /// The overlay, or `None`: it is one pixel taller than the screen.
-    [[nodiscard]] static ::Window FindOverlay(Tests::XUser& user)
+    [[nodiscard]] static ::Window FindOverlay(Tests::XClient& user)
     {
         ::Window found = None;
         XWindowAttributes root = {};
@@ -89,7 +89,7 @@ TEST_F(ApplicationX11, ARunWhoseWindowTheSystemHasClosedAsksForNoMemory)
     std::size_t before = 0;
     std::size_t after = 0;
     const std::int32_t code = RunWith(
-        [&](Tests::XUser& user)
+        [&](Tests::XClient& user)
         {
             if (!WaitUntil([&] { return FindOverlay(user) != None; }))
                 return;

@@ -1,6 +1,6 @@
 #include "Application/SnipFiles.h"
 
-#include "Systems/Windows/Headers/WindowsHandle.h"
+#include "Systems/Windows/WindowsHandle.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/TemporaryDirectory.h"

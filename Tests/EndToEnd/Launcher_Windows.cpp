@@ -14,7 +14,7 @@
 // Those with and without a console tell the whole exit code, whether the program was on the console at any time, what
 // stands on it in the end, and the console's output page if it isn't what it was. A file `interrupt` in the home
 // directory is a Ctrl+C on the console.
-#include "Systems/Windows/Headers/WindowsHandle.h"
+#include "Systems/Windows/WindowsHandle.h"
 
 #include <algorithm>
 #include <array>

@@ -7,10 +7,13 @@ Stand-ins are there only for what needs a desktop that isn't here: GNOME's setti
 """
 import importlib.util
 import json
+import os
+import pwd
 import re
 import shutil
 import subprocess
 import sys
+import tempfile
 import time
 import unittest
 import xml.etree.ElementTree as xml
@@ -243,20 +246,29 @@ class RecipesWithTools(Pages):
         code, output, _ = self.run_bash(block, drag(*WORDS))
         self.assertEqual((code, output.strip()), (0, "Deliver on Saturday"))
 
-    def check_configuration(self, manager):
+    def check_configuration(self, manager, run=(), environment=None):
         text = self.block("Bind it to a key", manager)
         self.need(manager)
         configuration = self.installed.folder / "config"
         configuration.write_text(("# i3 config file (v4)\n" if manager == "i3" else "") + text, encoding="utf-8")
-        result = subprocess.run([manager, "-C", "-c", configuration], capture_output=True, text=True, check=False,
-                                env=self.installed.environment, timeout=LIMIT)
+        result = subprocess.run([*run, manager, "-C", "-c", configuration], capture_output=True, text=True, check=False,
+                                env={**self.installed.environment, **(environment or {})}, timeout=LIMIT)
         self.assertEqual(result.returncode, 0, result.stderr)
 
     def test_i3(self):
         self.check_configuration("i3")
 
     def test_sway(self):
-        self.check_configuration("sway")
+        """It starts its own display to look at a configuration, and never as root."""
+        with tempfile.TemporaryDirectory() as runtime:
+            run = ()
+            if os.geteuid() == 0:
+                other = pwd.getpwnam("nobody")
+                for path in (runtime, self.installed.folder):
+                    os.chown(path, other.pw_uid, other.pw_gid)
+                run = ("setpriv", f"--reuid={other.pw_uid}", f"--regid={other.pw_gid}", "--clear-groups")
+            self.check_configuration("sway", run, {"XDG_RUNTIME_DIR": runtime, "WLR_BACKENDS": "headless",
+                                                   "WLR_RENDERER": "pixman", "LIBSEAT_BACKEND": "noop"})
 
     def test_powershell(self):
         blocks = [self.block("Bind it to a key", "powershell"),

@@ -1,5 +1,5 @@
 #include "Core/System/Text/Unicode.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 #include "Tests/Support/EnvironmentVariable.h"
 
 #include <cstdlib>

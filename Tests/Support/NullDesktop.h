@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Core/System/Device/DisplayDescriptor.h"
-#include "Core/System/Math/Point.h"
-#include "Core/System/Math/Rectangle.h"
+#include "Core/System/Types/Point.h"
+#include "Core/System/Types/Rectangle.h"
 #include "Desktops/Desktop.h"
+#include "Desktops/DisplayDescriptor.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "Tests/Support/OwnProgram.h"
 
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Systems/Windows/Headers/SystemCall.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/SystemCall.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <utility>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Device/Display/DisplayCache.h"
+#include "Core/System/Desktop/DisplayCache.h"
 #include "Core/System/Runtime/Application.h"
 
 namespace Orvik::Tests

@@ -1,11 +1,11 @@
 #include "Desktops/Windows/WindowsDesktop.h"
 
-#include "Core/System/Device/Display/DisplayMode.h"
+#include "Core/System/Desktop/DisplayMode.h"
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Text/Unicode.h"
-#include "Systems/Windows/Headers/SystemCall.h"
+#include "Systems/Windows/SystemCall.h"
 
 #include <cwchar>
 #include <optional>

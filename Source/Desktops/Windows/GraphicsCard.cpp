@@ -1,6 +1,6 @@
 #include "Desktops/Windows/GraphicsCard.h"
 
-#include "Systems/Windows/Headers/SystemCall.h"
+#include "Systems/Windows/SystemCall.h"
 
 #include <string_view>
 

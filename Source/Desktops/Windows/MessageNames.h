@@ -2,7 +2,7 @@
 
 // Windows' own.
 
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 namespace Orvik::Desktops::Windows
 {

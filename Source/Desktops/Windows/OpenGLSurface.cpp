@@ -2,8 +2,8 @@
 
 #include "Core/System/Text/Unicode.h"
 #include "Desktops/OpenGL.h"
-#include "Systems/Windows/Headers/SystemCall.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/SystemCall.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <GL/wglext.h>
 #include <array>

@@ -1,6 +1,6 @@
 #include "Desktops/Windows/PixelSurface.h"
 
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 namespace Orvik::Desktops::Windows
 {

@@ -1,8 +1,8 @@
 #include "Desktops/Windows/Pointer.h"
 
 #include "Core/System/Error/SystemError.h"
-#include "Systems/Windows/Headers/SystemCall.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/SystemCall.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <algorithm>
 #include <cstdint>

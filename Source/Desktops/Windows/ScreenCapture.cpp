@@ -2,7 +2,7 @@
 
 #include "Core/System/Error/SystemError.h"
 #include "Desktops/Windows/UncoveredScreen.h"
-#include "Systems/Windows/Headers/SystemCall.h"
+#include "Systems/Windows/SystemCall.h"
 
 #include <cstddef>
 #include <limits>

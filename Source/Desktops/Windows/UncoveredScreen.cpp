@@ -1,7 +1,7 @@
 #include "Desktops/Windows/UncoveredScreen.h"
 
 #include "Core/System/Time/MonotonicClock.h"
-#include "Systems/Windows/Headers/SystemCall.h"
+#include "Systems/Windows/SystemCall.h"
 
 #include <dwmapi.h>
 

@@ -5,7 +5,7 @@
 #include "Core/System/Text/Unicode.h"
 #include "Core/System/Time/Milliseconds.h"
 #include "Desktops/Windows/WindowProcedure.h"
-#include "Systems/Windows/Headers/SystemCall.h"
+#include "Systems/Windows/SystemCall.h"
 
 #include <dwmapi.h>
 #include <limits>

@@ -1,12 +1,12 @@
 #include "Desktops/Windows/WindowProcedure.h"
 
+#include "Core/System/Desktop/PointerEvent.h"
 #include "Core/System/Desktop/Window.h"
-#include "Core/System/Device/Cursor/PointerEvent.h"
 #include "Core/System/Log/Log.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Desktops/Windows/KeyMap.h"
 #include "Desktops/Windows/MessageNames.h"
-#include "Systems/Windows/Headers/SystemCall.h"
+#include "Systems/Windows/SystemCall.h"
 
 #include <csignal>
 #include <dbt.h>

@@ -1,6 +1,6 @@
 #include "Desktops/X11/X11Desktop.h"
 
-#include "Core/System/Device/Display/DisplayMode.h"
+#include "Core/System/Desktop/DisplayMode.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Desktops/X11/XConnection.h"
 #include "Desktops/X11/XHandle.h"

@@ -1,6 +1,6 @@
 #include "Desktops/X11/Pointer.h"
 
-#include "Core/System/Device/Cursor/PointerEvent.h"
+#include "Core/System/Desktop/PointerEvent.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Desktops/X11/XConnection.h"
 

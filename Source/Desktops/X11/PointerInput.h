@@ -2,7 +2,7 @@
 
 // X11's own.
 
-#include "Core/System/Math/Point.h"
+#include "Core/System/Types/Point.h"
 #include "Desktops/ScrollAxes.h"
 #include "Desktops/X11/EventData.h"
 #include "Desktops/X11/X11Headers.h"

@@ -1,8 +1,8 @@
 #include "Desktops/X11/ScreenCapture.h"
 
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Math/Rectangle.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Core/System/Types/Rectangle.h"
 #include "Desktops/PixelConverter.h"
 #include "Desktops/X11/XConnection.h"
 #include "Desktops/X11/XScreenReader.h"

@@ -1,4 +1,4 @@
-#include "Core/System/Device/Cursor/PointerEvent.h"
+#include "Core/System/Desktop/PointerEvent.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Desktops/X11/KeyMap.h"
 #include "Desktops/X11/WindowHints.h"

@@ -3,7 +3,7 @@
 // X11's own.
 
 #include "Core/System/Desktop/PressedKeys.h"
-#include "Core/System/Math/Point.h"
+#include "Core/System/Types/Point.h"
 #include "Desktops/RateLimit.h"
 #include "Desktops/X11/InputClaim.h"
 #include "Desktops/X11/PointerInput.h"

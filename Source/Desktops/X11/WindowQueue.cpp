@@ -1,5 +1,5 @@
 // The queue of events: what of it is a window's next message.
-#include "Core/System/Device/Cursor/PointerEvent.h"
+#include "Core/System/Desktop/PointerEvent.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/X11/WindowNative.h"
 #include "Desktops/X11/WindowStack.h"

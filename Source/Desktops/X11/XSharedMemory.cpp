@@ -2,7 +2,7 @@
 
 #include "Desktops/X11/XConnection.h"
 #include "Desktops/X11/XHandle.h"
-#include "Systems/Linux/Headers/FileDescriptor.h"
+#include "Systems/Linux/FileDescriptor.h"
 
 #include <X11/Xlib-xcb.h>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "Core/System/Processes/ProcessPlatform.h"
 
 #include "Core/System/Time/MonotonicClock.h"
-#include "Systems/Linux/Headers/FileDescriptor.h"
+#include "Systems/Linux/FileDescriptor.h"
 
 #include <algorithm>
 #include <array>

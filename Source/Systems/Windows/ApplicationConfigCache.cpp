@@ -1,5 +1,5 @@
 #include "Core/System/Runtime/ApplicationConfigCache.h"
-#include "Systems/Windows/Headers/SystemCall.h"
+#include "Systems/Windows/SystemCall.h"
 
 #include <array>
 #include <string>

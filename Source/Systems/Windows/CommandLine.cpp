@@ -1,6 +1,6 @@
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Text/Unicode.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <shellapi.h>
 

@@ -1,7 +1,7 @@
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Text/Unicode.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <initializer_list>
 

@@ -1,6 +1,6 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Error/Handling/ConsoleEvents.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <array>
 #include <csignal>

@@ -1,7 +1,7 @@
 #include "Core/System/Text/Files.h"
 
 #include "Core/System/Text/Unicode.h"
-#include "Systems/Windows/Headers/WindowsHandle.h"
+#include "Systems/Windows/WindowsHandle.h"
 
 #include <cstdint>
 #include <cwchar>

@@ -1,5 +1,5 @@
 #include "Core/System/Time/MonotonicClock.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 namespace Orvik::System::Time
 {

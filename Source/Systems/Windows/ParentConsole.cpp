@@ -1,7 +1,7 @@
 #include "Systems/Windows/ParentConsole.h"
 
 #include "Core/System/Error/Handling/ConsoleEvents.h"
-#include "Systems/Windows/Headers/SystemCall.h"
+#include "Systems/Windows/SystemCall.h"
 
 #include <cstddef>
 #include <cstdio>

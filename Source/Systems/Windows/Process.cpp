@@ -1,8 +1,8 @@
 #include "Core/System/Processes/ProcessPlatform.h"
 
 #include "Core/System/Text/Unicode.h"
-#include "Systems/Windows/Headers/SystemCall.h"
-#include "Systems/Windows/Headers/WindowsHandle.h"
+#include "Systems/Windows/SystemCall.h"
+#include "Systems/Windows/WindowsHandle.h"
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Text/Unicode.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <memory>
 

@@ -1,5 +1,5 @@
 #include "Core/System/Time/Trace.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "Core/System/Threads/WakeSignal.h"
 
 #include "Core/System/Time/Milliseconds.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 namespace Orvik::System::Threads
 {

@@ -1,6 +1,6 @@
 // Captures of the real screen, with the system's own functions.
+#include "Core/System/Desktop/CaptureContext.h"
 #include "Core/System/Desktop/Window.h"
-#include "Core/System/Device/Display/CaptureContext.h"
 
 #include "Tests/Support/ReplacedCalls_Windows.h"
 

@@ -1,6 +1,6 @@
 // This program as what CaptureUnderWine starts: it captures what it is told to and tests nothing.
-#include "Core/System/Device/Display/CaptureContext.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Core/System/Desktop/CaptureContext.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <cstdlib>
 #include <fstream>

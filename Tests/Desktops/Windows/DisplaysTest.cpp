@@ -1,4 +1,4 @@
-#include "Core/System/Device/Display/DisplayCache.h"
+#include "Core/System/Desktop/DisplayCache.h"
 
 #include "Core/System/Log/Log.h"
 #include "Tests/Support/AssertionTrap.h"

@@ -1,6 +1,6 @@
-#include "Core/System/Device/Cursor/Cursor.h"
+#include "Core/System/Desktop/Cursor.h"
 
-#include "Core/System/Device/Cursor/PointerEvent.h"
+#include "Core/System/Desktop/PointerEvent.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/ReplacedCalls_Windows.h"
 #include "Tests/Support/Texts.h"

@@ -1,4 +1,4 @@
-#include "Core/System/Device/Display/CaptureContext.h"
+#include "Core/System/Desktop/CaptureContext.h"
 
 #include "Core/System/Desktop/Window.h"
 #include "Tests/Support/LogRecorder.h"

@@ -3,7 +3,7 @@
 // For tests on the desktop of Windows: a window, and what it receives.
 
 #include "Core/System/Desktop/Window.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 
 #include <gtest/gtest.h>
 #include <vector>

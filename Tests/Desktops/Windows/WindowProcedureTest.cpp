@@ -1,5 +1,5 @@
 #include "Desktops/Windows/WindowProcedure.h"
-#include "Core/System/Device/Cursor/Cursor.h"
+#include "Core/System/Desktop/Cursor.h"
 #include "Desktops/Windows/KeyMap.h"
 #include "Tests/Desktops/Windows/WindowFixture.h"
 #include "Tests/Support/LogRecorder.h"

@@ -1,4 +1,4 @@
-#include "Core/System/Device/Display/DisplayCache.h"
+#include "Core/System/Desktop/DisplayCache.h"
 
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/LogRecorder.h"
@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "Tests/Desktops/X11/OwnServerCase.h"
-#include "Tests/Desktops/X11/TestClient.h"
+#include "Tests/Support/Desktop/XClient.h"
 
 #include <cstdio>
 #include <dlfcn.h>
@@ -58,7 +58,7 @@ protected:
         return display == nullptr ? "none" : display->name;
     }
 
-    Tests::TestClient m_client;
+    Tests::XClient m_client;
 };
 
 /// Lets the server tell something else of its monitors, for as long as it lives.

@@ -1,7 +1,8 @@
 // The keys of real layouts, against what Windows gives in the layouts of the same languages.
 #include "Desktops/X11/KeyMap.h"
-#include "Tests/Desktops/X11/XUser.h"
+#include "Tests/Support/Desktop/XClient.h"
 
+#include <X11/XKBlib.h>
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -87,7 +88,7 @@ private:
     }
 
     bool m_isSet;
-    Tests::XUser m_user;
+    Tests::XClient m_user;
 };
 
 /// What Windows gives: the keys of W, A, S and D, of the two signs that zoom and of the codes of the brackets. A key
@@ -164,7 +165,7 @@ TEST(KeyLayoutsOfTwoGroupsX11, EachGroupHasItsOwnPlus)
 {
     LayoutInForce layout("us,de");
     ASSERT_TRUE(layout.IsSet());
-    const Tests::XUser user;
+    const Tests::XClient user;
     XKeyEvent event = {};
     event.display = user.GetDisplay();
     event.keycode = s_rightBracket;

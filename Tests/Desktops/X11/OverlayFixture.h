@@ -4,7 +4,7 @@
 
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Time/MonotonicClock.h"
-#include "Tests/Desktops/X11/XUser.h"
+#include "Tests/Support/Desktop/XClient.h"
 #include "Tests/Support/LogRecorder.h"
 
 #include <algorithm>
@@ -83,7 +83,7 @@ protected:
     }
 
     LogRecorder m_log;
-    XUser m_user;
+    XClient m_user;
     std::vector<System::Desktop::WindowEvent> m_events;
     System::Desktop::Window m_window{nullptr, "Orvik::Test", s_position, s_size, System::Desktop::WindowType::Overlay};
 };

@@ -1,4 +1,4 @@
-#include "Core/System/Device/Cursor/Cursor.h"
+#include "Core/System/Desktop/Cursor.h"
 
 #include "Desktops/X11/XConnection.h"
 #include "Tests/Desktops/X11/OverlayFixture.h"
@@ -37,7 +37,7 @@ protected:
 
 TEST_F(CursorX11, PositionIsThatOfTheScreen)
 {
-    m_user.MovePointer(321, 654);
+    m_user.MoveTo({321, 654});
     Math::Point position;
     EXPECT_TRUE(GetCurrentPosition(position));
     EXPECT_EQ(position, (Math::Point{321, 654}));
@@ -66,7 +66,7 @@ TEST_F(CursorX11, TargetsOffTheScreenEndOnItsEdge)
 
 TEST_F(CursorX11, MovingThePointerGivesTheWindowAMotion)
 {
-    m_user.MovePointer(0, 0);
+    m_user.MoveTo({0, 0});
     CreateAndShow();
     UpdateAll();
     m_events.clear();

@@ -1,4 +1,4 @@
-#include "Core/System/Device/Display/CaptureContext.h"
+#include "Core/System/Desktop/CaptureContext.h"
 
 #include "Core/System/Desktop/Window.h"
 #include "Tests/Support/Desktop/CompositingManager.h"
@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "Tests/Desktops/X11/OwnServerCase.h"
-#include "Tests/Desktops/X11/TestClient.h"
+#include "Tests/Support/Desktop/XClient.h"
 
 #include <array>
 #include <chrono>
@@ -27,7 +27,7 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Tests::Place;
-using Tests::TestClient;
+using Tests::XClient;
 
 constexpr int s_cell = 37;
 constexpr std::uint32_t s_black = 0x000000;
@@ -45,7 +45,7 @@ std::uint32_t GetRootColor(int x, int y)
     return s_palette[static_cast<std::size_t>(x / s_cell + 3 * (y / s_cell)) % s_palette.size()];
 }
 
-void DrawRoot(const TestClient& client, int width, int height)
+void DrawRoot(const XClient& client, int width, int height)
 {
     for (int y = 0; y < height; y += s_cell)
         for (int x = 0; x < width; x += s_cell)
@@ -135,7 +135,7 @@ protected:
         return FindDifference(picture, region, 1280, 720);
     }
 
-    TestClient m_client;
+    XClient m_client;
     ::Window m_window;
 };
 
@@ -170,7 +170,7 @@ private:
         }
     }
 
-    TestClient m_client;
+    XClient m_client;
     ::Window m_window;
     std::jthread m_thread;
 };
@@ -180,7 +180,7 @@ int CheckServer(std::uint32_t depth, const std::vector<std::string>& arguments)
 {
     const Tests::VirtualDisplay server(641, 479, depth, arguments);
     setenv("DISPLAY", server.GetName().c_str(), 1);
-    TestClient client;
+    XClient client;
     if (DefaultDepth(client.GetDisplay(), DefaultScreen(client.GetDisplay())) != static_cast<int>(depth))
         return Fail("another depth");
     DrawRoot(client, 641, 479);

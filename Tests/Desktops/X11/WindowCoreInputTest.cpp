@@ -71,10 +71,10 @@ private:
 int CheckCoreEvents()
 {
     s_hasInputExtension = false;
-    Tests::XUser user;
-    user.MovePointer(700, 600);
+    Tests::XClient user;
+    user.MoveTo({700, 600});
     Listener listener;
-    user.MovePointer(163, 79);
+    user.MoveTo({163, 79});
     if (!listener.Hears("move 63 29\n"))
         return 1;
     user.Click(1);
@@ -86,7 +86,7 @@ int CheckCoreEvents()
     if (!listener.Hears("wheel up\nwheel down\n"))
         return 3;
     user.Click(2);
-    user.MovePointer(164, 80);
+    user.MoveTo({164, 80});
     return listener.Hears("move 64 30\n") ? 0 : 4;
 }
 

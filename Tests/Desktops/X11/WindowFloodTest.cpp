@@ -2,7 +2,6 @@
 #include "Tests/Desktops/X11/OverlayFixture.h"
 
 #include "Desktops/X11/XConnection.h"
-#include "Tests/Desktops/X11/KeyCodes.h"
 
 namespace Orvik::System::Desktop
 {
@@ -18,7 +17,7 @@ class WindowFloodX11 : public Tests::OverlayFixture
 protected:
     void SetUp() override
     {
-        m_user.MovePointer(150, 100);
+        m_user.MoveTo({150, 100});
         CreateAndShow();
         m_window.BringToFront();
         UpdateAll();
@@ -37,14 +36,14 @@ protected:
     {
         std::vector<::Window> windows;
         for (int index = 0; index < count; ++index)
-            windows.push_back(m_user.MakeWindow(600, 500, 20, 20, 0));
+            windows.push_back(m_user.AddUnmanagedWindow({600, 500, 20, 20}, 0));
         return windows;
     }
 
     /// Whether Escape, typed behind all that has come, is there after an update for its press and one for its release.
     [[nodiscard]] testing::AssertionResult EscapeComesAtOnce()
     {
-        m_user.Type(Tests::s_escapeKey);
+        m_user.TapKey("Escape");
         XSync(Desktops::X11::GetXDisplay(), False);
         m_window.Update();
         m_window.Update();
@@ -63,7 +62,7 @@ private:
 
 TEST_F(WindowFloodX11, AWindowThatMovesTakesNoTurn)
 {
-    ::Window const other = m_user.MakeWindow(600, 500, 50, 50, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({600, 500, 50, 50}, 0);
     MoveBackAndForth(other, s_floodLength);
     EXPECT_TRUE(EscapeComesAtOnce());
 }
@@ -71,7 +70,7 @@ TEST_F(WindowFloodX11, AWindowThatMovesTakesNoTurn)
 TEST_F(WindowFloodX11, WindowsThatComeAndGoTakeNoTurn)
 {
     for (int index = 0; index < s_floodLength / 3; ++index)
-        XDestroyWindow(m_user.GetDisplay(), m_user.MakeWindow(600, 500, 50, 50, 0));
+        XDestroyWindow(m_user.GetDisplay(), m_user.AddUnmanagedWindow({600, 500, 50, 50}, 0));
     XSync(m_user.GetDisplay(), False);
     EXPECT_TRUE(EscapeComesAtOnce());
 }
@@ -79,7 +78,7 @@ TEST_F(WindowFloodX11, WindowsThatComeAndGoTakeNoTurn)
 TEST_F(WindowFloodX11, WhatMovesAboveTheOverlayIsPaintedOnceAndTakesNoTurn)
 {
     // It stays above: the overlay has given in to it.
-    ::Window const other = m_user.MakeWindow(200, 100, 50, 50, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({200, 100, 50, 50}, 0);
     for (int round = 0; round < 20; ++round)
     {
         XRaiseWindow(m_user.GetDisplay(), other);
@@ -116,17 +115,17 @@ TEST_F(WindowFloodX11, MessagesOfOtherClientsTakeNoTurn)
 TEST_F(WindowFloodX11, AWindowThatComesAndGoesUnderThePointerTakesNoTurn)
 {
     for (int index = 0; index < s_floodLength / 10; ++index)
-        XDestroyWindow(m_user.GetDisplay(), m_user.MakeWindow(100, 50, 400, 300, 0));
+        XDestroyWindow(m_user.GetDisplay(), m_user.AddUnmanagedWindow({100, 50, 400, 300}, 0));
     XSync(m_user.GetDisplay(), False);
     EXPECT_TRUE(EscapeComesAtOnce());
 }
 
 TEST_F(WindowFloodX11, MotionsBetweenTheMovesOfAWindowAreOne)
 {
-    ::Window const other = m_user.MakeWindow(600, 500, 50, 50, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({600, 500, 50, 50}, 0);
     for (int index = 0; index < s_floodLength / 3; ++index)
     {
-        m_user.MovePointer(101 + index, 60);
+        m_user.MoveTo({101 + index, 60});
         MoveBackAndForth(other, 1);
     }
     XSync(Desktops::X11::GetXDisplay(), False);
@@ -140,15 +139,15 @@ TEST_F(WindowFloodX11, MotionsBetweenTheMovesOfAWindowAreOne)
 TEST_F(WindowFloodX11, RepeatsBetweenTheMovesOfAWindowAreOne)
 {
     constexpr unsigned int space = 65;
-    ::Window const other = m_user.MakeWindow(600, 500, 50, 50, 0);
-    m_user.Key(space, true);
+    ::Window const other = m_user.AddUnmanagedWindow({600, 500, 50, 50}, 0);
+    m_user.PressKey(space);
     ASSERT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) > 1; })) << "the server repeats";
     for (int index = 0; index < 30; ++index)
     {
         MoveBackAndForth(other, 1);
         Time::Sleep(10'000'000);
     }
-    m_user.Key(space, false);
+    m_user.ReleaseKey(space);
     m_events.clear();
     XSync(Desktops::X11::GetXDisplay(), False);
     m_window.Update();
@@ -192,7 +191,7 @@ TEST_F(WindowFloodX11, TheLastOfManyChangesIsStillSeen)
 
 TEST_F(WindowFloodX11, AnOverlayThatHasGivenInAsksForNothing)
 {
-    ::Window const other = m_user.MakeWindow(200, 100, 50, 50, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({200, 100, 50, 50}, 0);
     for (int round = 0; round < 20; ++round)
     {
         XRaiseWindow(m_user.GetDisplay(), other);

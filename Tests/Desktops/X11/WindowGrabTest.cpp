@@ -1,4 +1,3 @@
-#include "Tests/Desktops/X11/KeyCodes.h"
 #include "Tests/Desktops/X11/OverlayFixture.h"
 
 namespace Orvik::System::Desktop
@@ -141,11 +140,11 @@ TEST_F(WindowGrabX11, KeyWhoseReleaseGoesElsewhereIsLetGo)
     m_user.Ungrab();
     UpdateAll();
     m_events.clear();
-    m_user.Key(Tests::s_spaceKey, true);
+    m_user.PressKey("space");
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) == 1; }));
-    ::Window const other = m_user.MakeWindow(0, 0, 10, 10, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({0, 0, 10, 10}, 0);
     XSetInputFocus(m_user.GetDisplay(), other, RevertToParent, CurrentTime);
-    m_user.Key(Tests::s_spaceKey, false);
+    m_user.ReleaseKey("space");
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) == 2; }));
     UpdateAll();
     const std::vector<WindowEvent> keys = Get(WindowEventType::Key);
@@ -160,15 +159,15 @@ TEST_F(WindowGrabX11, GrabbedKeyboardKeepsAHeldKeyThroughAChangeOfFocus)
     m_window.BringToFront();
     UpdateAll();
     m_events.clear();
-    m_user.Key(Tests::s_spaceKey, true);
-    ::Window const other = m_user.MakeWindow(0, 0, 10, 10, 0);
+    m_user.PressKey("space");
+    ::Window const other = m_user.AddUnmanagedWindow({0, 0, 10, 10}, 0);
     XSetInputFocus(m_user.GetDisplay(), other, RevertToParent, CurrentTime);
     XSync(m_user.GetDisplay(), False);
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) >= 1; }));
     UpdateAll();
     for (const WindowEvent& event : Get(WindowEventType::Key))
         EXPECT_EQ(event.data.key.pressed, 1);
-    m_user.Key(Tests::s_spaceKey, false);
+    m_user.ReleaseKey("space");
     EXPECT_TRUE(UpdateUntil([this] { return Get(WindowEventType::Key).back().data.key.pressed == 0; }));
 }
 

@@ -1,7 +1,8 @@
-#include "Tests/Desktops/X11/KeyCodes.h"
 #include "Tests/Desktops/X11/OverlayFixture.h"
 
+#include <X11/XKBlib.h>
 #include <X11/extensions/XInput2.h>
+#include <X11/extensions/XTest.h>
 #include <utility>
 
 namespace Orvik::System::Desktop
@@ -20,7 +21,7 @@ protected:
     void SetUp() override
     {
         // Away from the window, so that the first motion is one.
-        m_user.MovePointer(700, 600);
+        m_user.MoveTo({700, 600});
         CreateAndShow();
         m_window.BringToFront();
         UpdateAll();
@@ -40,7 +41,7 @@ protected:
     int TypeAndGetCode(unsigned int keycode)
     {
         m_events.clear();
-        m_user.Type(keycode);
+        m_user.TapKey(keycode);
         UpdateUntil([this] { return Count(WindowEventType::Key) >= 2; });
         const std::vector<std::pair<int, int>> keys = GetKeys();
         if (keys.size() != 2 || keys[0].first != keys[1].first || keys[0].second != 1 || keys[1].second != 0)
@@ -91,9 +92,9 @@ TEST_F(WindowInputX11, KeypadGivesItsKeysWithBothStatesOfNumLock)
 
 TEST_F(WindowInputX11, ShiftedKeysKeepTheirCodes)
 {
-    m_user.Key(50, true);
-    m_user.Type(24);
-    m_user.Key(50, false);
+    m_user.PressKey(50);
+    m_user.TapKey(24);
+    m_user.ReleaseKey(50);
     UpdateAll();
     EXPECT_THAT(GetKeys(), ElementsAre(std::pair(42, 1), std::pair(16, 1), std::pair(16, 0), std::pair(42, 0)));
 }
@@ -106,7 +107,7 @@ TEST_F(WindowInputX11, KeyOutsideTheTableIsLoggedAndMakesNoEvent)
     XChangeKeyboardMapping(m_user.GetDisplay(), keycode, 1, &symbol, 1);
     XSync(m_user.GetDisplay(), False);
     UpdateAll();
-    m_user.Type(keycode);
+    m_user.TapKey(keycode);
     EXPECT_TRUE(UpdateUntil([this] { return m_log.GetLines().size() >= 2; }));
     UpdateAll();
     EXPECT_THAT(GetKeys(), IsEmpty());
@@ -145,9 +146,9 @@ TEST_F(WindowInputX11, HeldKeyIsRepeatedPressesAndOneRelease)
 {
     XkbSetAutoRepeatRate(m_user.GetDisplay(), XkbUseCoreKbd, 50, 10);
     XSync(m_user.GetDisplay(), False);
-    m_user.Key(Tests::s_spaceKey, true);
+    m_user.PressKey("space");
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) >= 5; }));
-    m_user.Key(Tests::s_spaceKey, false);
+    m_user.ReleaseKey("space");
     UpdateAll();
     const std::vector<std::pair<int, int>> keys = GetKeys();
     ASSERT_GE(keys.size(), 6U);
@@ -160,11 +161,11 @@ TEST_F(WindowInputX11, RepeatsThatPileUpAreOnePress)
 {
     XkbSetAutoRepeatRate(m_user.GetDisplay(), XkbUseCoreKbd, 50, 10);
     XSync(m_user.GetDisplay(), False);
-    m_user.Key(Tests::s_spaceKey, true);
+    m_user.PressKey("space");
     System::Time::Sleep(500'000'000);
-    m_user.Key(Tests::s_spaceKey, false);
-    m_user.Type(Tests::s_escapeKey);
-    m_user.Type(Tests::s_escapeKey);
+    m_user.ReleaseKey("space");
+    m_user.TapKey("Escape");
+    m_user.TapKey("Escape");
     UpdateUntil([this] { return Count(WindowEventType::Key) >= 7; });
     // The press of the person, that of the repeats, and the release. Strokes are never merged.
     EXPECT_THAT(GetKeys(), ElementsAre(std::pair(57, 1), std::pair(57, 1), std::pair(57, 0), std::pair(1, 1),
@@ -173,7 +174,7 @@ TEST_F(WindowInputX11, RepeatsThatPileUpAreOnePress)
 
 TEST_F(WindowInputX11, ButtonsLeftAndRightAreTold)
 {
-    m_user.MovePointer(200, 100);
+    m_user.MoveTo({200, 100});
     m_user.Click(1);
     m_user.Click(3);
     UpdateAll();
@@ -191,7 +192,7 @@ TEST_F(WindowInputX11, ButtonsLeftAndRightAreTold)
 
 TEST_F(WindowInputX11, OtherButtonsMakeNoEvent)
 {
-    m_user.MovePointer(200, 100);
+    m_user.MoveTo({200, 100});
     UpdateAll();
     m_events.clear();
     for (const unsigned int button : {2U, 6U, 7U, 8U, 9U})
@@ -203,7 +204,7 @@ TEST_F(WindowInputX11, OtherButtonsMakeNoEvent)
 
 TEST_F(WindowInputX11, WheelTurnsAreNotches)
 {
-    m_user.MovePointer(200, 100);
+    m_user.MoveTo({200, 100});
     m_user.Click(4);
     m_user.Click(5);
     m_user.Click(5);
@@ -217,9 +218,9 @@ TEST_F(WindowInputX11, WheelTurnsAreNotches)
 
 TEST_F(WindowInputX11, MotionsCarryWindowCoordinates)
 {
-    m_user.MovePointer(100, 50);
+    m_user.MoveTo({100, 50});
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::MouseMove) == 1; }));
-    m_user.MovePointer(163, 79);
+    m_user.MoveTo({163, 79});
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::MouseMove) == 2; }));
     const std::vector<WindowEvent> moves = Get(WindowEventType::MouseMove);
     EXPECT_EQ(moves[0].data.mouseMove.x, 0);
@@ -230,7 +231,7 @@ TEST_F(WindowInputX11, MotionsCarryWindowCoordinates)
 
 TEST_F(WindowInputX11, GrabbedPointerIsFollowedOutsideTheWindow)
 {
-    m_user.MovePointer(90, 30);
+    m_user.MoveTo({90, 30});
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::MouseMove) == 1; }));
     const std::vector<WindowEvent> moves = Get(WindowEventType::MouseMove);
     EXPECT_EQ(moves[0].data.mouseMove.x, -10);
@@ -240,7 +241,7 @@ TEST_F(WindowInputX11, GrabbedPointerIsFollowedOutsideTheWindow)
 TEST_F(WindowInputX11, TenThousandMotionsDoNotRunBehind)
 {
     FloodWithMotions(10'000);
-    m_user.MovePointer(321, 123);
+    m_user.MoveTo({321, 123});
     int updates = 0;
     for (; updates < 100; ++updates)
     {
@@ -254,13 +255,13 @@ TEST_F(WindowInputX11, TenThousandMotionsDoNotRunBehind)
 
 TEST_F(WindowInputX11, MotionsAreNotMergedAcrossAButton)
 {
-    m_user.MovePointer(110, 60);
-    m_user.MovePointer(120, 60);
-    m_user.Button(1, true);
-    m_user.MovePointer(130, 60);
-    m_user.MovePointer(140, 60);
-    m_user.Button(1, false);
-    m_user.MovePointer(150, 60);
+    m_user.MoveTo({110, 60});
+    m_user.MoveTo({120, 60});
+    m_user.PressButton(1);
+    m_user.MoveTo({130, 60});
+    m_user.MoveTo({140, 60});
+    m_user.ReleaseButton(1);
+    m_user.MoveTo({150, 60});
     UpdateAll();
     std::vector<int> story; // positions, and 1 or 0 for the button
     for (const WindowEvent& event : m_events)
@@ -271,8 +272,8 @@ TEST_F(WindowInputX11, MotionsAreNotMergedAcrossAButton)
 
 TEST_F(WindowInputX11, EachUpdateHandlesOneEvent)
 {
-    m_user.Type(Tests::s_spaceKey);
-    m_user.Type(Tests::s_escapeKey);
+    m_user.TapKey("space");
+    m_user.TapKey("Escape");
     System::Time::Sleep(20'000'000);
     // Events of other kinds may stand between the keys'.
     std::size_t handled = 0;
@@ -297,7 +298,7 @@ TEST_F(WindowInputX11, EventsOfAllWindowsOfTheThreadComeThroughEachPump)
         });
     ASSERT_TRUE(other.Create());
     other.Show(other.Lock());
-    m_user.MovePointer(650, 450);
+    m_user.MoveTo({650, 450});
     m_user.Click(1);
     EXPECT_TRUE(UpdateUntil([&clicks] { return clicks == 2; }));
     EXPECT_EQ(Count(WindowEventType::MouseButton), 0U);
@@ -305,20 +306,20 @@ TEST_F(WindowInputX11, EventsOfAllWindowsOfTheThreadComeThroughEachPump)
 
 TEST_F(WindowInputX11, ClickThroughLetsThePointerPassAndEndsWithFalse)
 {
-    ::Window const below = m_user.MakeWindow(100, 50, 400, 300, 0x123456);
+    ::Window const below = m_user.AddUnmanagedWindow({100, 50, 400, 300}, 0x123456);
     XSelectInput(m_user.GetDisplay(), below, ButtonPressMask | ButtonReleaseMask);
     m_window.BringToFront();
     UpdateAll();
     m_window.SetClickThrough(true);
     XSync(m_user.GetDisplay(), False);
-    m_user.MovePointer(200, 100);
+    m_user.MoveTo({200, 100});
     m_user.Click(1);
     UpdateAll();
     EXPECT_EQ(Count(WindowEventType::MouseButton), 0U);
     EXPECT_GE(XPending(m_user.GetDisplay()), 2);
 
     m_window.SetClickThrough(false);
-    m_user.MovePointer(210, 110);
+    m_user.MoveTo({210, 110});
     UpdateAll();
     m_user.Click(1);
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::MouseButton) == 2; }));
@@ -342,10 +343,10 @@ TEST_F(WindowInputX11, PluggedDevicesAreTold)
 
 TEST_F(WindowInputX11, KeyHeldWhileTheWindowIsHiddenIsLetGoOnce)
 {
-    m_user.Key(Tests::s_spaceKey, true);
+    m_user.PressKey("space");
     EXPECT_TRUE(UpdateUntil([this] { return Count(WindowEventType::Key) == 1; }));
     m_window.Hide(m_window.Lock());
-    m_user.Key(Tests::s_spaceKey, false);
+    m_user.ReleaseKey("space");
     UpdateAll();
     EXPECT_THAT(GetKeys(), ElementsAre(std::pair(57, 1), std::pair(57, 0)));
 }

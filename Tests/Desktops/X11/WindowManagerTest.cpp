@@ -112,7 +112,7 @@ protected:
 
 TEST_F(WindowManagerX11, OverlayIsShownAtItsPlaceAndLeavesThePicture)
 {
-    static_cast<void>(m_user.MakeWindow(150, 100, 200, 150, 0xAA5533));
+    static_cast<void>(m_user.AddUnmanagedWindow({150, 100, 200, 150}, 0xAA5533));
     const std::vector<std::uint32_t> before = m_user.ReadScreen();
     CreateAndShow();
     UpdateAll();
@@ -131,8 +131,8 @@ TEST_F(WindowManagerX11, OverlayInFrontGetsKeysAndButtons)
     m_window.BringToFront();
     UpdateAll();
     m_events.clear();
-    m_user.Type(9);
-    m_user.MovePointer(200, 200);
+    m_user.TapKey(9);
+    m_user.MoveTo({200, 200});
     m_user.Click(3);
     EXPECT_TRUE(
         UpdateUntil([this] { return Count(WindowEventType::Key) == 2 && Count(WindowEventType::MouseButton) == 2; }));

@@ -82,8 +82,8 @@ TEST_F(WindowX11, ShowMapsTheOverlayAtOnceAndHideTakesItAway)
 
 TEST_F(WindowX11, ShownOverlayLeavesThePictureOfTheScreenAsItIs)
 {
-    static_cast<void>(m_user.MakeWindow(150, 100, 200, 150, 0xAA5533));
-    static_cast<void>(m_user.MakeWindow(300, 200, 400, 300, 0x11CC77));
+    static_cast<void>(m_user.AddUnmanagedWindow({150, 100, 200, 150}, 0xAA5533));
+    static_cast<void>(m_user.AddUnmanagedWindow({300, 200, 400, 300}, 0x11CC77));
     const std::vector<std::uint32_t> before = m_user.ReadScreen();
     EXPECT_THAT(before, Contains(0xAA5533U));
     CreateAndShow();
@@ -96,7 +96,7 @@ TEST_F(WindowX11, ShownOverlayLeavesThePictureOfTheScreenAsItIs)
 
 TEST_F(WindowX11, ShowDoesNotTakeTheKeyboardAndBringToFrontDoes)
 {
-    ::Window const other = m_user.MakeWindow(0, 0, 50, 50, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({0, 0, 50, 50}, 0);
     XSetInputFocus(m_user.GetDisplay(), other, RevertToParent, CurrentTime);
     XSync(m_user.GetDisplay(), False);
     CreateAndShow();
@@ -125,7 +125,7 @@ TEST_F(WindowX11, CoveredOverlayComesBackToTheFront)
 {
     CreateAndShow();
     UpdateAll();
-    ::Window const other = m_user.MakeWindow(0, 0, 1280, 720, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({0, 0, 1280, 720}, 0);
     EXPECT_EQ(m_user.GetTopWindows().back(), other);
     EXPECT_TRUE(UpdateUntil([this] { return m_user.GetTopWindows().back() == GetId(); }));
 }
@@ -136,7 +136,7 @@ TEST_F(WindowX11, PartlyCoveredOverlayThatReachesBeyondTheScreenComesBackToTheFr
     ASSERT_TRUE(overlay.Create());
     overlay.Show(overlay.Lock());
     const auto id = static_cast<::Window>(overlay.GetNativeWindow());
-    ::Window const popup = m_user.MakeWindow(300, 300, 50, 50, 0);
+    ::Window const popup = m_user.AddUnmanagedWindow({300, 300, 50, 50}, 0);
     EXPECT_EQ(m_user.GetTopWindows().back(), popup);
     for (int round = 0; round < 1000 && m_user.GetTopWindows().back() != id; ++round)
         overlay.Update();
@@ -147,7 +147,7 @@ TEST_F(WindowX11, OverlayLeavesAWindowBesideItAlone)
 {
     CreateAndShow();
     UpdateAll();
-    ::Window const other = m_user.MakeWindow(600, 500, 50, 50, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({600, 500, 50, 50}, 0);
     UpdateAll();
     EXPECT_EQ(m_user.GetTopWindows().back(), other);
 }
@@ -155,7 +155,7 @@ TEST_F(WindowX11, OverlayLeavesAWindowBesideItAlone)
 TEST_F(WindowX11, OverlayGivesInToSomebodyWhoRaisesWithoutEnd)
 {
     CreateAndShow();
-    ::Window const other = m_user.MakeWindow(0, 0, 1280, 720, 0);
+    ::Window const other = m_user.AddUnmanagedWindow({0, 0, 1280, 720}, 0);
     int raises = 0;
     for (; raises < 20; ++raises)
     {

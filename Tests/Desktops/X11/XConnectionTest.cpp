@@ -1,7 +1,7 @@
 #include "Desktops/X11/XConnection.h"
 
+#include "Core/System/Desktop/Cursor.h"
 #include "Core/System/Desktop/Window.h"
-#include "Core/System/Device/Cursor/Cursor.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/VirtualDisplay.h"

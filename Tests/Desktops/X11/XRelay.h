@@ -2,7 +2,7 @@
 
 // For tests: what stands between a client and its X server and hands on bytes alone, as relays between containers do.
 
-#include "Systems/Linux/Headers/FileDescriptor.h"
+#include "Systems/Linux/FileDescriptor.h"
 
 #include <array>
 #include <cstddef>

@@ -16,6 +16,7 @@ class XSession;
 class InputDriver
 {
 public:
+    /// An empty name is that of the display that `DISPLAY` names.
     explicit InputDriver(const std::string& displayName);
     ~InputDriver();
     InputDriver(const InputDriver&) = delete;
@@ -31,6 +32,10 @@ public:
     void PressKey(const std::string& name);
     void ReleaseKey(const std::string& name);
     void TapKey(const std::string& name);
+    /// Keys by the server's key codes, whatever the layout makes of them.
+    void PressKey(unsigned code);
+    void ReleaseKey(unsigned code);
+    void TapKey(unsigned code);
     /// How a held key repeats.
     void SetKeyRepeat(unsigned delayMilliseconds, unsigned intervalMilliseconds);
 
@@ -44,8 +49,12 @@ public:
     /// holds for instance, counts as one where they aren't; the object is of no use any more then.
     [[nodiscard]] bool CanGrab(std::chrono::milliseconds limit = std::chrono::seconds(30));
 
+protected:
+    [[nodiscard]] const XSession& GetSession() const { return *m_session; }
+
 private:
-    void SendKey(const std::string& name, bool isPressed);
+    [[nodiscard]] unsigned FindCode(const std::string& name) const;
+    void SendKey(unsigned code, bool isPressed);
 
     std::unique_ptr<XSession> m_session;
 };

@@ -42,18 +42,33 @@ void InputDriver::Click(unsigned button)
 
 void InputDriver::PressKey(const std::string& name)
 {
-    SendKey(name, true);
+    PressKey(FindCode(name));
 }
 
 void InputDriver::ReleaseKey(const std::string& name)
 {
-    SendKey(name, false);
+    ReleaseKey(FindCode(name));
 }
 
 void InputDriver::TapKey(const std::string& name)
 {
-    PressKey(name);
-    ReleaseKey(name);
+    TapKey(FindCode(name));
+}
+
+void InputDriver::PressKey(unsigned code)
+{
+    SendKey(code, true);
+}
+
+void InputDriver::ReleaseKey(unsigned code)
+{
+    SendKey(code, false);
+}
+
+void InputDriver::TapKey(unsigned code)
+{
+    PressKey(code);
+    ReleaseKey(code);
 }
 
 void InputDriver::SetKeyRepeat(unsigned delayMilliseconds, unsigned intervalMilliseconds)
@@ -102,11 +117,16 @@ bool InputDriver::CanGrab(std::chrono::milliseconds limit)
     return isFree && !answerLimit.HasPassed();
 }
 
-void InputDriver::SendKey(const std::string& name, bool isPressed)
+unsigned InputDriver::FindCode(const std::string& name) const
 {
     const KeyCode code = XKeysymToKeycode(m_session->GetDisplay(), XStringToKeysym(name.c_str()));
     if (code == 0)
         throw std::runtime_error("No key is called " + name + ".");
+    return code;
+}
+
+void InputDriver::SendKey(unsigned code, bool isPressed)
+{
     XTestFakeKeyEvent(m_session->GetDisplay(), code, isPressed ? True : False, CurrentTime);
     m_session->Synchronize();
 }

@@ -5,7 +5,8 @@
 namespace Orvik::Tests
 {
 
-XSession::XSession(const std::string& displayName) : m_display(XOpenDisplay(displayName.c_str()))
+XSession::XSession(const std::string& displayName)
+    : m_display(XOpenDisplay(displayName.empty() ? nullptr : displayName.c_str()))
 {
     if (m_display == nullptr)
         throw std::runtime_error("No X server at " + displayName + ".");

@@ -4,7 +4,7 @@
 #include "Core/Graphics/Raster/Glyph.h"
 #include "Core/Graphics/Raster/Image.h"
 #include "Core/Graphics/Raster/PixelArea.h"
-#include "Core/System/Math/Matrix4.h"
+#include "Core/System/Types/Matrix4.h"
 
 #include <array>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "Core/Graphics/Renderer/FrameState.h"
 #include "Core/Graphics/Renderer/ObjectStore.h"
-#include "Core/System/Math/Matrix4.h"
+#include "Core/System/Types/Matrix4.h"
 #include "Desktops/OpenGL.h"
 
 #include <cstdint>

@@ -9,7 +9,7 @@
 #include "Core/Graphics/Renderer/RasterPainter.h"
 #include "Core/Graphics/Renderer/TextRenderer.h"
 #include "Core/Graphics/Renderer/TextureRenderer.h"
-#include "Core/System/Math/Matrix4.h"
+#include "Core/System/Types/Matrix4.h"
 #include "Desktops/NativeWindow.h"
 
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "Core/Graphics/Tools/SnipBenchInput.h"
 #include "Core/Graphics/Tools/Truncate.h"
-#include "Core/System/Device/Cursor/Cursor.h"
+#include "Core/System/Desktop/Cursor.h"
 #include "Core/System/Error/Assertion.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Time/Timestamp.h"

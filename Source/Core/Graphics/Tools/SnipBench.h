@@ -6,9 +6,9 @@
 #include "Core/Graphics/Tools/SelectionOutline.h"
 #include "Core/Graphics/Tools/ShownCapture.h"
 #include "Core/Graphics/Tools/SnipGeometry.h"
-#include "Core/System/Device/DisplayDescriptor.h"
+#include "Core/Graphics/Tools/ToolContext.h"
 #include "Core/System/Multimedia/Bitmap.h"
-#include "Core/System/Tools/ToolContext.h"
+#include "Desktops/DisplayDescriptor.h"
 
 #include <cstdint>
 #include <functional>

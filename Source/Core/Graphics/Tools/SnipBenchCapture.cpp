@@ -1,5 +1,5 @@
 #include "Core/Graphics/Tools/SnipBench.h"
-#include "Core/System/Device/Display/CaptureContext.h"
+#include "Core/System/Desktop/CaptureContext.h"
 #include "Core/System/Time/Trace.h"
 
 #include <cstddef>

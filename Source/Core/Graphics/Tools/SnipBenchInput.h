@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Core/Graphics/Tools/ToolContext.h"
 #include "Core/System/Desktop/KeyCode.h"
-#include "Core/System/Tools/ToolContext.h"
 
 #include <cstdint>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Core/System/Math/Matrix4.h"
-#include "Core/System/Math/Point.h"
-#include "Core/System/Math/Rectangle.h"
+#include "Core/System/Types/Matrix4.h"
+#include "Core/System/Types/Point.h"
+#include "Core/System/Types/Rectangle.h"
 
 #include <array>
 #include <cstdint>

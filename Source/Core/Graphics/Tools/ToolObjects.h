@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Graphics/Renderer/LineRenderer.h"
-#include "Core/System/Math/Matrix4.h"
+#include "Core/System/Types/Matrix4.h"
 
 #include <cstdint>
 #include <vector>

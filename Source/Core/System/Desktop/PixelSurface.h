@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Math/Rectangle.h"
+#include "Core/System/Types/Rectangle.h"
 #include "Desktops/NativeWindow.h"
 
 #include <cstddef>

@@ -2,8 +2,8 @@
 
 #include "Core/System/Desktop/WindowEvent.h"
 #include "Core/System/Desktop/WindowMutex.h"
-#include "Core/System/Math/Point.h"
 #include "Core/System/Threads/WakeSignal.h"
+#include "Core/System/Types/Point.h"
 #include "Desktops/NativeWindow.h"
 #include "Desktops/WindowDescription.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/System/Math/Point.h"
-#include "Core/System/Utilities/Image.h"
+#include "Core/System/Multimedia/Image.h"
+#include "Core/System/Types/Point.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Math/Point.h"
+#include "Core/System/Types/Point.h"
 
 #include <cstddef>
 #include <cstdint>

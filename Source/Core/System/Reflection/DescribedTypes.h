@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/System/Reflection/TypeDescription.h"
-#include "Core/System/Runtime/Execution/ValueTypes.h"
+#include "Core/System/Runtime/ValueTypes.h"
 
 namespace Orvik::System::Reflection
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Constexpr/Guid.h"
+#include "Core/System/Text/Guid.h"
 
 #include <cstdint>
 #include <string>

@@ -4,9 +4,9 @@
 #include "Core/System/Log/Site/Context.h"
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
+#include "Core/System/Runtime/CapabilityListeners.h"
+#include "Core/System/Runtime/CommandRegistry.h"
 #include "Core/System/Runtime/CurrentThread.h"
-#include "Core/System/Runtime/Execution/CapabilityListeners.h"
-#include "Core/System/Runtime/Execution/CommandRegistry.h"
 #include "Core/System/Runtime/System.h"
 
 #include <atomic>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/System/Constexpr/CharacterArray.h"
-#include "Core/System/Constexpr/Guid.h"
+#include "Core/System/Text/CharacterArray.h"
+#include "Core/System/Text/Guid.h"
 
 #include <cstdint>
 #include <rapidjson/fwd.h>

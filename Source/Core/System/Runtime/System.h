@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Core/System/Constexpr/CharacterArray.h"
-#include "Core/System/Constexpr/Guid.h"
 #include "Core/System/Runtime/Config.h"
 #include "Core/System/Runtime/SystemEvent.h"
+#include "Core/System/Text/CharacterArray.h"
+#include "Core/System/Text/Guid.h"
 
 #include <atomic>
 #include <concepts>

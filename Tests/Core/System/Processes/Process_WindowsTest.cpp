@@ -1,6 +1,6 @@
 #include "Core/System/Processes/Process.h"
 
-#include "Systems/Windows/Headers/WindowsHandle.h"
+#include "Systems/Windows/WindowsHandle.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/OwnProgram.h"
 #include "Tests/Support/TemporaryDirectory.h"

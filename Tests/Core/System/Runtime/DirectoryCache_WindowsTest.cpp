@@ -1,7 +1,7 @@
 #include "Core/System/Runtime/DirectoryCache.h"
 
 #include "Core/System/Text/Paths.h"
-#include "Systems/Windows/Headers/WindowsHeaders.h"
+#include "Systems/Windows/WindowsHeaders.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/LogRecorder.h"
 

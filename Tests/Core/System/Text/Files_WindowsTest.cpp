@@ -1,6 +1,6 @@
 #include "Core/System/Text/Files.h"
 
-#include "Systems/Windows/Headers/WindowsHandle.h"
+#include "Systems/Windows/WindowsHandle.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/TemporaryDirectory.h"
 

@@ -1,7 +1,7 @@
 #include "Core/System/Error/Handling/ErrorHandling.h"
 
 #include "Core/System/Error/Exception.h"
-#include "Systems/Windows/Headers/WindowsHandle.h"
+#include "Systems/Windows/WindowsHandle.h"
 #include "Tests/Core/System/Error/Handling/ReportText.h"
 #include "Tests/Core/System/Error/Handling/SignalledProgram.h"
 #include "Tests/Core/System/Error/Handling/StaticFailure.h"

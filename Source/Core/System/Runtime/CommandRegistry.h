@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Core/System/Runtime/Capability.h"
+#include "Core/System/Types/Hash.h"
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace Orvik::System::Runtime::Execution
+{
+
+/// The commands of all capabilities, to be found by name and by capability. It only grows. It has no lock: commands
+/// are registered while the application starts, on the main thread.
+class CommandRegistry
+{
+public:
+    using CommandList = std::vector<const CommandDescription*>;
+    using CommandMap = std::unordered_map<std::string, const CommandDescription*, Types::StringHash>;
+    using CapabilityMap = std::unordered_map<std::string, CommandList, Types::StringHash>;
+
+    /// Enters a command. A name that exists already stands for the new command from then on. The description is kept
+    /// by pointer and has to outlive the registry. One without a command is an assertion failure. Always true.
+    bool Register(const CapabilityBase& capability, const CommandDescription& commandDescription);
+
+    /// In the order of registration.
+    [[nodiscard]] const CommandList& GetCommands() const { return m_commands; }
+    [[nodiscard]] const CommandMap& GetCommandsByName() const { return m_commandsByName; }
+    /// By the name of the capability's class.
+    [[nodiscard]] const CapabilityMap& GetCommandsByCapability() const { return m_commandsByCapability; }
+
+private:
+    static constexpr std::size_t s_initialBuckets = 8;
+
+    CommandList m_commands;
+    CommandMap m_commandsByName{s_initialBuckets};
+    CapabilityMap m_commandsByCapability{s_initialBuckets};
+};
+
+} // namespace Orvik::System::Runtime::Execution
