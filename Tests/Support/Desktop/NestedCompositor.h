@@ -74,6 +74,8 @@ public:
     /// throws `std::runtime_error` after a minute. Returns what the whole screen shows then: GNOME has a bar above it.
     /// Not for Weston. The screen of one without an X server below isn't looked at, nor waited for.
     Picture ShowGround(const Picture& picture);
+    /// What the screen has shown then; empty before.
+    [[nodiscard]] const Picture& GetShown() const { return m_shown; }
 
 private:
     struct Launch;
@@ -102,6 +104,7 @@ private:
     std::optional<ProcessFamily> m_compositor;
     std::optional<ProcessFamily> m_ground; ///< the client that shows the picture
     int m_groundCount = 0;
+    Picture m_shown;
 };
 
 } // namespace Orvik::Tests

@@ -279,8 +279,9 @@ Picture NestedCompositor::ShowGround(const Picture& picture)
     SavePng(picture, file);
     std::filesystem::permissions(file, static_cast<std::filesystem::perms>(0644));
     SetGround(file);
+    m_shown = picture;
     if (!m_display)
-        return picture;
+        return m_shown;
     const bool isGnome = m_options.kind == CompositorKind::Gnome;
     const Screen screen(m_display->GetName());
     InputDriver input(m_display->GetName());
@@ -294,7 +295,8 @@ Picture NestedCompositor::ShowGround(const Picture& picture)
             input.TapKey("Escape");
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-    return screen.CaptureAll();
+    m_shown = screen.CaptureAll();
+    return m_shown;
 }
 
 void NestedCompositor::AddDesktopEntry(const std::string& name, const std::string& text) const
