@@ -7,6 +7,7 @@
 #   Scripts/setup-linux.sh --demo       and what the demo on a virtual display needs
 #   Scripts/setup-linux.sh --benchmark  and what the benchmarks need beside that
 #   Scripts/setup-linux.sh --test       and what the tests need
+#   Scripts/setup-linux.sh --wayland    and GNOME beside the other compositors that they run on
 #   Scripts/setup-linux.sh --coverage   and what counting the lines they run needs
 #   Scripts/setup-linux.sh --package    what building and packing the program needs
 set -euo pipefail
@@ -28,6 +29,9 @@ packages=(
 demo_packages=(xvfb)
 benchmark_packages=(libbenchmark-dev valgrind python3)
 test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
+# Compositors, which are needed by tests alone; they skip what isn't there.
+compositor_packages=(sway swaybg kwin-wayland dbus-daemon)
+gnome_packages=(gnome-shell xdg-desktop-portal-gnome libglib2.0-bin)
 coverage_packages=(gcovr)
 # What the tests of packages, documents and recipes ask: they skip what isn't there.
 installed_packages=(
@@ -53,10 +57,13 @@ case "${1:-}" in
     "") ;;
     --demo) packages+=("${demo_packages[@]}") ;;
     --benchmark) packages+=("${demo_packages[@]}" "${benchmark_packages[@]}") ;;
-    --test) packages+=("${test_packages[@]}" "${package_packages[@]}" "${installed_packages[@]}") ;;
+    --test | --wayland)
+        packages+=("${test_packages[@]}" "${package_packages[@]}" "${installed_packages[@]}" "${compositor_packages[@]}")
+        [ "$1" = --test ] || packages+=("${gnome_packages[@]}")
+        ;;
     --coverage) packages+=("${test_packages[@]}" "${coverage_packages[@]}") ;;
     --package) packages+=("${package_packages[@]}") ;;
-    *) echo "usage: $0 [--demo | --benchmark | --test | --coverage | --package]" >&2; exit 2 ;;
+    *) echo "usage: $0 [--demo | --benchmark | --test | --wayland | --coverage | --package]" >&2; exit 2 ;;
 esac
 
 has_font()

@@ -132,13 +132,13 @@ protected:
     /// As the user's answer to the portal's question is kept.
     void AnswerThePortal(const std::string& answer) const
     {
-        const std::string command =
-            "busctl --address=" + m_compositor->GetEnvironment().at("DBUS_SESSION_BUS_ADDRESS") +
-            " call org.freedesktop.impl.portal.PermissionStore"
-            " /org/freedesktop/impl/portal/PermissionStore"
-            " org.freedesktop.impl.portal.PermissionStore SetPermission sbssas"
-            " screenshot true screenshot '' 1 " +
-            answer;
+        const std::string command = "gdbus call --address " +
+                                    m_compositor->GetEnvironment().at("DBUS_SESSION_BUS_ADDRESS") +
+                                    " --dest org.freedesktop.impl.portal.PermissionStore"
+                                    " --object-path /org/freedesktop/impl/portal/PermissionStore"
+                                    " --method org.freedesktop.impl.portal.PermissionStore.SetPermission"
+                                    " screenshot true screenshot '' \"['" +
+                                    answer + "']\" > /dev/null";
         ASSERT_EQ(std::system(command.c_str()), 0);
     }
 
