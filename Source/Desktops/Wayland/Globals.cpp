@@ -45,6 +45,8 @@ Globals::Globals(WaylandConnection& connection) : m_registry(wl_display_get_regi
         output->AskForPlace(outputManager);
     // What isn't told in time isn't known; the loss of the compositor has been reported.
     [[maybe_unused]] const bool isTold = connection.Roundtrip();
+    if (m_seat.version != 0)
+        Take({m_seat.name, wl_seat_interface.name, m_seat.version}, wl_seat_interface, 8, seat);
 }
 
 Globals::~Globals()
@@ -89,8 +91,12 @@ bool Globals::TakeWindowGlobals(const Announced& global)
 
 bool Globals::TakeInputGlobals(const Announced& global)
 {
-    return Take(global, wl_seat_interface, 8, seat) ||
-           Take(global, zwp_pointer_constraints_v1_interface, 1, pointerConstraints) ||
+    if (global.interface == wl_seat_interface.name)
+    {
+        m_seat = m_seat.version == 0 ? global : m_seat;
+        return true;
+    }
+    return Take(global, zwp_pointer_constraints_v1_interface, 1, pointerConstraints) ||
            Take(global, zwp_relative_pointer_manager_v1_interface, 1, relativePointer) ||
            Take(global, zwp_keyboard_shortcuts_inhibit_manager_v1_interface, 1, shortcutsInhibit);
 }

@@ -51,7 +51,7 @@ public:
 
     wl_compositor* compositor = nullptr;
     wl_shm* shm = nullptr;
-    wl_seat* seat = nullptr; ///< the first one
+    wl_seat* seat = nullptr; ///< the first one; whoever listens to it first hears all that it says
     wp_viewporter* viewporter = nullptr;
     wp_fractional_scale_manager_v1* fractionalScale = nullptr;
     xdg_wm_base* shell = nullptr;
@@ -86,6 +86,7 @@ private:
 
     wl_registry* m_registry;
     std::vector<wl_proxy*> m_bound;
+    Announced m_seat = {0, {}, 0}; ///< version 0 for none
     std::vector<std::unique_ptr<Output>> m_outputs;
 };
 
