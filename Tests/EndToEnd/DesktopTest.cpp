@@ -85,6 +85,22 @@ Position DesktopTest::GetCursor() const
     return m_compositor == nullptr ? m_input->GetPointer() : m_overlay->FindCrosshair().value_or(Position{-1, -1});
 }
 
+Position DesktopTest::GetRestingCursor() const
+{
+    // On X11 the pointer's place is known ahead of its picture. Else that comes with a frame.
+    constexpr std::chrono::milliseconds pause(400);
+    Position cursor = GetCursor();
+    while (m_compositor != nullptr)
+    {
+        std::this_thread::sleep_for(pause);
+        const Position next = GetCursor();
+        if (next == cursor)
+            break;
+        cursor = next;
+    }
+    return cursor;
+}
+
 bool DesktopTest::WaitForDelay(const ChildProcess& process) const
 {
     if (m_compositor == nullptr)

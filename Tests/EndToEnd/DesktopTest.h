@@ -35,8 +35,10 @@ protected:
     /// Makes the picture what the screen shows below all windows. Returns what that is all in all: a compositor may
     /// have a bar of its own.
     Picture ShowGround(const Picture& picture);
-    /// Where the program has its cursor.
+    /// Where the program has its cursor, as far as it is shown.
     [[nodiscard]] Position GetCursor() const;
+    /// The same once all is shown that it has made of its input.
+    [[nodiscard]] Position GetRestingCursor() const;
     /// Returns when the program waits, hidden, for its delay to be over. False if it doesn't come to that in time.
     [[nodiscard]] bool WaitForDelay(const ChildProcess& process) const;
     /// Starts the program and waits for its first frame. `cursor` is where its crosshair then is.

@@ -85,11 +85,11 @@ TEST_F(Keyboard, AHeldLetterMovesThePointerAndTheToolFollows)
     ChildProcess process = StartOnPicture();
     m_input->SetKeyRepeat(100, 25);
     HoldUntil(process, "d", [this] { return GetCursor().x >= 400 + 10; });
-    const int x = GetCursor().x;
-    EXPECT_EQ(GetCursor().y, 300);
+    const int x = GetRestingCursor().x;
+    EXPECT_EQ(GetRestingCursor().y, 300);
     HoldUntil(process, "s", [this] { return GetCursor().y >= 300 + 10; });
-    EXPECT_EQ(GetCursor().x, x);
-    EXPECT_TRUE(m_overlay->WaitForCrosshair(GetCursor()));
+    EXPECT_EQ(GetRestingCursor().x, x);
+    EXPECT_TRUE(m_overlay->WaitForCrosshair(GetRestingCursor()));
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
@@ -99,9 +99,9 @@ TEST_F(Keyboard, AHeldLetterStaysAtTheEdge)
     m_input->SetKeyRepeat(100, 25);
     MoveTo({4, 3});
     HoldUntil(process, "a", [this] { return GetCursor().x == 0; });
-    EXPECT_EQ(GetCursor(), (Position{0, 3}));
+    EXPECT_EQ(GetRestingCursor(), (Position{0, 3}));
     HoldUntil(process, "w", [this] { return GetCursor().y == 0; });
-    EXPECT_EQ(GetCursor(), (Position{0, 0}));
+    EXPECT_EQ(GetRestingCursor(), (Position{0, 0}));
     EXPECT_TRUE(m_overlay->WaitForCrosshair({0, 0}));
     // None of the repeats at the edge is still to come.
     TapArrow("d", {1, 0});
@@ -114,7 +114,7 @@ TEST_F(Keyboard, AHeldArrowMovesOnWithItsRepeats)
     m_input->SetKeyRepeat(100, 50);
     m_input->TapKey("space");
     HoldUntil(process, "Right", [this] { return GetCursor().x >= 400 + 10; });
-    const int width = GetCursor().x - 400;
+    const int width = GetRestingCursor().x - 400;
     TapArrow("Down", {400 + width, 301});
     m_input->TapKey("space");
     ExpectSnip(process, {400, 300, width, 1});

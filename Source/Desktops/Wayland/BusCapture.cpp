@@ -53,6 +53,11 @@ BusCapture::BusCapture(const Session& session, const SessionBus::Interrupt& inte
     m_ways.push_back(std::make_unique<PortalCapture>(interrupt));
 }
 
+bool BusCapture::IsOffered()
+{
+    return std::any_of(m_ways.begin(), m_ways.end(), [](const auto& way) { return way->IsOffered(); });
+}
+
 Failure BusCapture::Read(const Output& output, CaptureTarget& target)
 {
     const OutputDescription& description = output.GetDescription();

@@ -23,7 +23,7 @@ public:
     BusCapture(const Session& session, const SessionBus::Interrupt& interrupt);
 
     [[nodiscard]] const char* GetName() const override { return "the session's message bus"; }
-    [[nodiscard]] bool IsOffered() override { return true; }
+    [[nodiscard]] bool IsOffered() override;
     [[nodiscard]] Failure Read(const Output& output, CaptureTarget& target) override;
 
 private:

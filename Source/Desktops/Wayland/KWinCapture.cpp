@@ -108,6 +108,21 @@ CaptureAnswer JudgeError(const BusReply& reply)
 
 } // namespace
 
+bool KWinCapture::IsOffered()
+{
+    // A start has to be over within two seconds, whatever doesn't answer.
+    constexpr std::int64_t limit = 500'000'000;
+    std::string ignored;
+    const std::unique_ptr<SessionBus> bus = SessionBus::Open(m_interrupt, ignored);
+    if (bus == nullptr)
+        return false;
+    const BusMessage call = bus->MakeCall(s_service, s_path, "org.freedesktop.DBus.Properties", "Get");
+    if (call == nullptr || sd_bus_message_set_auto_start(call.get(), 0) < 0 ||
+        sd_bus_message_append(call.get(), "ss", s_interface, "Version") < 0)
+        return false;
+    return bus->Call(call, limit).message != nullptr;
+}
+
 CaptureAnswer KWinCapture::Capture(const CapturedOutput& output, unsigned char* target)
 {
     CaptureAnswer answer;

@@ -19,6 +19,7 @@ public:
     {
     }
 
+    [[nodiscard]] bool IsOffered() override;
     [[nodiscard]] CaptureAnswer Capture(const CapturedOutput& output, unsigned char* target) override;
 
 private:

@@ -41,6 +41,9 @@ public:
     OutputCapture& operator=(const OutputCapture&) = delete;
     virtual ~OutputCapture() = default;
 
+    /// Whether the session has this way at all. It may still refuse to go it.
+    [[nodiscard]] virtual bool IsOffered() = 0;
+
     /// Takes what the output shows now: its physical pixels, rows from the top, tightly packed, blue, green, red and a
     /// byte without meaning. `target` has room for 4 times width times height bytes; where the picture wasn't taken
     /// they hold anything.

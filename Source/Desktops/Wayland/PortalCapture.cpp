@@ -163,6 +163,13 @@ CaptureAnswer TakeFile(const std::filesystem::path& file, const CapturedOutput& 
 
 } // namespace
 
+bool PortalCapture::IsOffered()
+{
+    std::string ignored;
+    const std::unique_ptr<SessionBus> bus = SessionBus::Open(m_interrupt, ignored);
+    return bus != nullptr && bus->HasService(s_service);
+}
+
 CaptureAnswer PortalCapture::Capture(const CapturedOutput& output, unsigned char* target)
 {
     CaptureAnswer answer;

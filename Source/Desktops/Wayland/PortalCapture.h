@@ -14,6 +14,7 @@ public:
     /// `interrupt` ends what is awaited.
     explicit PortalCapture(SessionBus::Interrupt interrupt) : m_interrupt(std::move(interrupt)) {}
 
+    [[nodiscard]] bool IsOffered() override;
     [[nodiscard]] CaptureAnswer Capture(const CapturedOutput& output, unsigned char* target) override;
 
 private:

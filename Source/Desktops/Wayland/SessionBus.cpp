@@ -18,8 +18,8 @@ namespace
 /// How often an interrupted wait is looked for.
 constexpr std::int64_t s_interruptPeriod = 50'000'000;
 
-/// How long the bus gets to take a client in.
-constexpr std::int64_t s_welcomeLimit = 2'000'000'000;
+/// How long the bus gets to take a client in, and for answers of its own.
+constexpr std::int64_t s_welcomeLimit = 1'000'000'000;
 
 constexpr std::int64_t s_nanosecondsPerMicrosecond = 1000;
 
@@ -112,6 +112,21 @@ BusMessage SessionBus::MakeCall(const char* service, const char* path, const cha
     if (m_isLost || sd_bus_message_new_method_call(m_bus, &message, service, path, interface, member) < 0)
         return nullptr;
     return BusMessage(message);
+}
+
+bool SessionBus::HasService(const std::string& name)
+{
+    for (const char* list : {"ListNames", "ListActivatableNames"})
+    {
+        const BusReply reply = Call(
+            MakeCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", list), s_welcomeLimit);
+        if (reply.message == nullptr || sd_bus_message_enter_container(reply.message.get(), 'a', "s") <= 0)
+            return false;
+        for (const char* each = nullptr; sd_bus_message_read(reply.message.get(), "s", &each) > 0;)
+            if (name == each)
+                return true;
+    }
+    return false;
 }
 
 BusReply SessionBus::Call(const BusMessage& call, std::int64_t nanoseconds)

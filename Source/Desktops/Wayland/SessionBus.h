@@ -64,6 +64,9 @@ public:
     /// The beginning of a call, without arguments yet. Null if the bus is gone.
     [[nodiscard]] BusMessage MakeCall(const char* service, const char* path, const char* interface, const char* member);
 
+    /// Whether a service of that name is there or can be started.
+    [[nodiscard]] bool HasService(const std::string& name);
+
     /// Sends the call and waits for its answer, that many nanoseconds at the most.
     [[nodiscard]] BusReply Call(const BusMessage& call, std::int64_t nanoseconds);
 

@@ -62,6 +62,7 @@ protected:
     std::atomic<bool> m_isInterrupted = false;
     std::mutex m_mutex;
     std::string m_asked; ///< for which output, and with which options
+    std::optional<FakeService> m_service;
 
 private:
     void Answer(sd_bus_message* call, const Offer& offer)
@@ -90,7 +91,6 @@ private:
             close(writer);
     }
 
-    std::optional<FakeService> m_service;
     int m_kept = -1; ///< goes with the process
 };
 
@@ -134,6 +134,18 @@ TEST_F(KWin, MayWriteMoreThanAPipeHolds)
     Serve({.width = 500, .height = 400, .stride = 2000, .bytes = bytes});
     EXPECT_EQ(Capture().outcome, CaptureOutcome::Taken);
     EXPECT_EQ(GetPixels(), bytes);
+}
+
+TEST_F(KWin, IsOfferedWhereItHasTheInterface)
+{
+    EXPECT_FALSE(KWinCapture(nullptr).IsOffered());
+    ServeError(SD_BUS_ERROR_UNKNOWN_OBJECT, "No such object path");
+    EXPECT_FALSE(KWinCapture(nullptr).IsOffered());
+    m_service.emplace(m_bus.GetAddress(), s_name, s_path,
+                      [](sd_bus* /*bus*/, sd_bus_message* call) { sd_bus_reply_method_return(call, "v", "u", 4U); });
+    EXPECT_TRUE(KWinCapture(nullptr).IsOffered());
+    m_service.emplace(m_bus.GetAddress(), s_name, s_path, [](sd_bus* /*bus*/, sd_bus_message* /*call*/) {});
+    EXPECT_FALSE(KWinCapture(nullptr).IsOffered()) << "it says nothing";
 }
 
 TEST_F(KWin, ThatIsNotThereIsNotOffered)

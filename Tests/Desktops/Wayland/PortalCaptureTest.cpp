@@ -208,6 +208,13 @@ TEST_F(Portal, WithAPictureOfSomethingElseTakesNone)
     EXPECT_FALSE(std::filesystem::exists(m_file));
 }
 
+TEST_F(Portal, IsOfferedWhereThereIsOne)
+{
+    EXPECT_FALSE(PortalCapture(nullptr).IsOffered());
+    ServeResponse(0, "");
+    EXPECT_TRUE(PortalCapture(nullptr).IsOffered());
+}
+
 TEST_F(Portal, ThatIsNotThereIsNotOffered)
 {
     const CaptureAnswer answer = Capture();

@@ -92,6 +92,14 @@ TEST_F(Bus, BringsAnAnswer)
     EXPECT_FALSE(reply.IsMissing());
 }
 
+TEST_F(Bus, KnowsItsServices)
+{
+    EXPECT_FALSE(m_bus->HasService("org.example.Service"));
+    const FakeService service(m_session.GetAddress(), "org.example.Service", "/there", nullptr);
+    EXPECT_TRUE(m_bus->HasService("org.example.Service"));
+    EXPECT_FALSE(m_bus->HasService("org.example"));
+}
+
 TEST_F(Bus, ThatEndsIsLost)
 {
     m_session.End();
@@ -142,6 +150,7 @@ class FakeWay final : public OutputCapture
 public:
     FakeWay(CaptureAnswer answer, int& count) : m_answer(std::move(answer)), m_count(count) {}
 
+    [[nodiscard]] bool IsOffered() override { return true; }
     [[nodiscard]] CaptureAnswer Capture(const CapturedOutput& /*output*/, unsigned char* /*target*/) override
     {
         ++m_count;
