@@ -129,19 +129,6 @@ protected:
         m_shown = m_compositor->ShowGround(Tests::MakeTestPicture(s_width, s_height));
     }
 
-    /// As the user's answer to the portal's question is kept.
-    void AnswerThePortal(const std::string& answer) const
-    {
-        const std::string command = "gdbus call --address " +
-                                    m_compositor->GetEnvironment().at("DBUS_SESSION_BUS_ADDRESS") +
-                                    " --dest org.freedesktop.impl.portal.PermissionStore"
-                                    " --object-path /org/freedesktop/impl/portal/PermissionStore"
-                                    " --method org.freedesktop.impl.portal.PermissionStore.SetPermission"
-                                    " screenshot true screenshot '' \"['" +
-                                    answer + "']\" > /dev/null";
-        ASSERT_EQ(std::system(command.c_str()), 0);
-    }
-
     /// What the portal has left in the user's folders.
     [[nodiscard]] std::size_t CountPictures() const
     {
@@ -157,7 +144,7 @@ protected:
 
 TEST_F(GnomeSession, GivesEveryPixelWhereTheUserHasAllowedItAndNoFileStays)
 {
-    AnswerThePortal("yes");
+    m_compositor->AnswerPortal("yes");
     // The bar has a clock, and the screen the desktop's pointer, in its corner.
     const Tests::Area below{0, s_barHeight, s_width, s_height - s_barHeight};
     EXPECT_EQ(TakePicturesIn(*m_compositor,
@@ -168,7 +155,7 @@ TEST_F(GnomeSession, GivesEveryPixelWhereTheUserHasAllowedItAndNoFileStays)
 
 TEST_F(GnomeSession, GivesNothingWhereTheUserHasRefusedIt)
 {
-    AnswerThePortal("no");
+    m_compositor->AnswerPortal("no");
     const std::string answer = TakePicturesIn(*m_compositor, [](const Picture&) { return true; });
     EXPECT_NE(answer.find("the desktop's portal"), std::string::npos) << answer;
 }

@@ -70,6 +70,9 @@ public:
     /// Adds an application's desktop entry, a file of that name, to those that the session's user has.
     void AddDesktopEntry(const std::string& name, const std::string& text) const;
 
+    /// Keeps an answer to the question of the session's portal whether programs may take pictures: "yes" or "no".
+    void AnswerPortal(const std::string& answer) const;
+
     /// Makes a picture of the output's size the desktop's, below all windows, and returns once it is on the screen, or
     /// throws `std::runtime_error` after a minute. Returns what the whole screen shows then: GNOME has a bar above it.
     /// Not for Weston. The screen of one without an X server below isn't looked at, nor waited for.
@@ -85,7 +88,9 @@ private:
     void StartCompositor();
     void SetGround(const std::filesystem::path& file);
     /// Sets GNOME's settings: of each a schema, a key and a value, as a shell takes them.
-    void Configure(const std::vector<std::array<std::string, 3>>& settings);
+    void Configure(const std::vector<std::array<std::string, 3>>& settings) const;
+    /// Runs a shell's script in the session to its end.
+    void RunScript(const std::string& script) const;
     [[nodiscard]] std::filesystem::path GetRuntime() const { return m_directory.GetPath() / "run"; }
     /// What the compositor and its helpers are started with, NAME=value.
     [[nodiscard]] std::vector<std::string> MakeEnvironment(const std::vector<std::string>& more = {}) const;

@@ -261,11 +261,25 @@ void NestedCompositor::SetGround(const std::filesystem::path& file)
                {"org.gnome.desktop.background", "picture-uri-dark", uri}});
 }
 
-void NestedCompositor::Configure(const std::vector<std::array<std::string, 3>>& settings)
+void NestedCompositor::Configure(const std::vector<std::array<std::string, 3>>& settings) const
 {
     std::string script;
     for (const auto& [schema, key, value] : settings)
         script += "gsettings set " + schema + " " + key + " " + value + ";";
+    RunScript(script);
+}
+
+void NestedCompositor::AnswerPortal(const std::string& answer) const
+{
+    RunScript("gdbus call --session --dest org.freedesktop.impl.portal.PermissionStore"
+              " --object-path /org/freedesktop/impl/portal/PermissionStore"
+              " --method org.freedesktop.impl.portal.PermissionStore.SetPermission"
+              " screenshot true screenshot '' \"['" +
+              answer + "']\"");
+}
+
+void NestedCompositor::RunScript(const std::string& script) const
+{
     ProcessFamily family(ChildOptions{"sh", {"-c", script}, MakeEnvironment(), "/"}, m_directory.GetPath() / "log",
                          m_user);
     const auto end = std::chrono::steady_clock::now() + s_limit;
