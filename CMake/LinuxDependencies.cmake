@@ -11,4 +11,5 @@ find_package(OpenGL REQUIRED COMPONENTS OpenGL EGL)
 find_library(WAYLAND_CLIENT_LIBRARY wayland-client REQUIRED)
 find_library(WAYLAND_EGL_LIBRARY wayland-egl REQUIRED)
 find_library(XKBCOMMON_LIBRARY xkbcommon REQUIRED)
+find_library(SYSTEMD_LIBRARY systemd REQUIRED) # its client of the message bus
 find_package(Threads REQUIRED)

@@ -7,6 +7,7 @@
 #   Scripts/setup-linux.sh --demo       and what the demo on a virtual display needs
 #   Scripts/setup-linux.sh --benchmark  and what the benchmarks need beside that
 #   Scripts/setup-linux.sh --test       and what the tests need
+#   Scripts/setup-linux.sh --wayland    and GNOME beside the other compositors that they run on
 #   Scripts/setup-linux.sh --coverage   and what counting the lines they run needs
 #   Scripts/setup-linux.sh --package    what building and packing the program needs
 set -euo pipefail
@@ -21,13 +22,16 @@ packages=(
     cmake ninja-build g++ libc6-dev
     libfmt-dev rapidjson-dev libpng-dev zlib1g-dev libdeflate-dev libfreetype-dev
     libx11-dev libx11-xcb-dev libxcb1-dev libxcb-shm0-dev libxext-dev libxtst-dev libxrandr-dev libxfixes-dev libxi-dev
-    libwayland-dev wayland-protocols libxkbcommon-dev
+    libwayland-dev wayland-protocols libxkbcommon-dev libsystemd-dev
     libegl-dev libgl-dev libopengl-dev
     libegl1 libopengl0 libgl1-mesa-dri
 )
 demo_packages=(xvfb)
 benchmark_packages=(libbenchmark-dev valgrind python3)
 test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
+# Compositors, which are needed by tests alone; they skip what isn't there.
+compositor_packages=(sway swaybg kwin-wayland dbus-daemon)
+gnome_packages=(gnome-shell xdg-desktop-portal-gnome libglib2.0-bin)
 coverage_packages=(gcovr)
 # What the tests of packages, documents and recipes ask: they skip what isn't there.
 installed_packages=(
@@ -53,10 +57,13 @@ case "${1:-}" in
     "") ;;
     --demo) packages+=("${demo_packages[@]}") ;;
     --benchmark) packages+=("${demo_packages[@]}" "${benchmark_packages[@]}") ;;
-    --test) packages+=("${test_packages[@]}" "${package_packages[@]}" "${installed_packages[@]}") ;;
+    --test | --wayland)
+        packages+=("${test_packages[@]}" "${package_packages[@]}" "${installed_packages[@]}" "${compositor_packages[@]}")
+        [ "$1" = --test ] || packages+=("${gnome_packages[@]}")
+        ;;
     --coverage) packages+=("${test_packages[@]}" "${coverage_packages[@]}") ;;
     --package) packages+=("${package_packages[@]}") ;;
-    *) echo "usage: $0 [--demo | --benchmark | --test | --coverage | --package]" >&2; exit 2 ;;
+    *) echo "usage: $0 [--demo | --benchmark | --test | --wayland | --coverage | --package]" >&2; exit 2 ;;
 esac
 
 has_font()

@@ -1,7 +1,9 @@
 #include "Desktops/Wayland/CaptureContext.h"
 
 #include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Desktops/Wayland/BusCapture.h"
 #include "Desktops/Wayland/ImageCopyCapture.h"
 #include "Desktops/Wayland/Session.h"
 #include "Desktops/Wayland/WlrScreenCapture.h"
@@ -56,6 +58,15 @@ std::vector<std::unique_ptr<ScreenCapture>> MakeScreenCaptures(Session& session)
     std::vector<std::unique_ptr<ScreenCapture>> ways;
     ways.push_back(std::make_unique<ImageCopyCapture>(session));
     ways.push_back(std::make_unique<WlrScreenCapture>(session));
+    // A run that is asked to end doesn't wait for the user's answer, nor does one without a compositor.
+    ways.push_back(std::make_unique<BusCapture>(session,
+                                                [&session]
+                                                {
+                                                    const auto* const run =
+                                                        System::Runtime::Application::FindInstance();
+                                                    return !session.connection->Dispatch(0) ||
+                                                           (run != nullptr && run->IsShutdownRequested());
+                                                }));
     return ways;
 }
 

@@ -113,7 +113,7 @@ Failure WaylandDesktop::CheckCapture()
     if (isOffered)
         return std::nullopt;
     return "The compositor offers no way to take a picture of a display: it has neither ext-image-copy-capture nor "
-           "wlr-screencopy";
+           "wlr-screencopy, and the session has neither KWin's ScreenShot2 nor a portal for screenshots";
 }
 
 GraphicsCard WaylandDesktop::FindGraphicsCard()
