@@ -2,8 +2,6 @@
 
 // Wayland's own.
 
-#include "Desktops/Wayland/InputEvent.h"
-
 struct zwp_confined_pointer_v1;
 struct zwp_keyboard_shortcuts_inhibitor_v1;
 
@@ -34,12 +32,8 @@ public:
     /// Whether it holds on.
     [[nodiscard]] bool IsHeld() const { return m_isHeld; }
 
-    /// Asks the compositor to put the pointer at a place of the surface, if it is on it.
-    void PutPointer(const SurfaceVector& place);
-
 private:
     void Confine();
-    void Release();
     void InhibitShortcuts();
 
     WindowSurface& m_surface;

@@ -40,8 +40,7 @@ Failure Pointer::Move(const System::Math::Point& position)
     if (overlay == nullptr)
         return s_noOverlay;
     const System::Math::Point& origin = overlay->GetOrigin();
-    const SurfaceVector place = overlay->GetPointer().Place({position.x - origin.x, position.y - origin.y});
-    overlay->GetClaim().PutPointer(place);
+    overlay->GetPointer().Place({position.x - origin.x, position.y - origin.y});
     System::Device::Cursor::AnnounceOwnMotion();
     return std::nullopt;
 }

@@ -9,8 +9,8 @@ namespace Orvik::Desktops::Wayland
 
 struct Session;
 
-/// The program's own pointer on its overlay. The compositor's is told only over our surfaces; it is asked to come
-/// along, and may stay.
+/// The program's own pointer on its overlay. The compositor's is told only over our surfaces, and stays where it is
+/// when the own one is moved.
 class Pointer final : public DesktopPointer
 {
 public:

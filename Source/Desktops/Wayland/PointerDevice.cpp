@@ -189,7 +189,8 @@ void PointerDevice::OnFrame()
         m_queue.push_back({.kind = frame.isEntry ? InputKind::Entry : InputKind::Motion,
                            .surface = m_focus,
                            .place = *frame.place,
-                           .relative = frame.relative});
+                           .relative = frame.relative,
+                           .isPointing = m_hasFrames && m_relative != nullptr && !frame.relative});
     }
     // A wheel that counts its notches tells the distance as well.
     const float notches = frame.notches != 0.0F ? frame.notches : static_cast<float>(-frame.distance / s_notchDistance);

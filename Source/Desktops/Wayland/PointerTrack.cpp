@@ -8,131 +8,109 @@ namespace Orvik::Desktops::Wayland
 namespace
 {
 
-/// How exactly the protocol tells places.
-constexpr double s_unit = 1.0 / 256.0;
+/// How exactly the protocol tells places, units.
+constexpr double s_grain = 1.0 / 256.0;
 
-double GetDistance(const SurfaceVector& first, const SurfaceVector& second)
-{
-    return std::hypot(first.x - second.x, first.y - second.y);
-}
-
-/// What was asked for beyond what was done: where an edge stops the compositor's pointer.
+/// How far a device wanted to go beyond where it went.
 double GetExcess(double wanted, double done)
 {
-    constexpr double tolerance = 4.0 * s_unit;
-    const bool isHeldUp = std::abs(wanted) > std::abs(done) + tolerance && wanted * done >= 0.0;
+    const bool isHeldUp = std::abs(wanted) > std::abs(done) + 4.0 * s_grain && wanted * done >= 0.0;
     return isHeldUp ? wanted - done : 0.0;
-}
-
-double ClampToSide(double coordinate, std::uint32_t side)
-{
-    constexpr double lastPixel = 0.5;
-    return std::clamp(coordinate, 0.0, std::max(static_cast<double>(side) - lastPixel, 0.0));
-}
-
-std::int32_t ToPixel(double coordinate, double scale, std::uint32_t side)
-{
-    // The protocol rounds places, and what is rounded down would be the pixel before.
-    const auto pixel = static_cast<std::int32_t>(std::floor(coordinate + scale * s_unit));
-    return std::clamp(pixel, 0, std::max(static_cast<std::int32_t>(side) - 1, 0));
 }
 
 } // namespace
 
-void PointerTrack::SetSpace(const WindowSize& size, const SurfaceVector& units)
+void PointerAxis::SetSpace(std::uint32_t pixels, double units)
 {
-    m_size = size;
-    m_scale = {static_cast<double>(size.width) / std::max(units.x, 1.0),
-               static_cast<double>(size.height) / std::max(units.y, 1.0)};
-    if (!HasEntered())
-        m_own = {static_cast<double>(size.width / 2), static_cast<double>(size.height / 2)};
+    m_pixels = std::max(pixels, 1U);
+    m_units = std::max(units, 1.0);
+    m_scale = m_pixels / m_units;
+    m_own = Clamp(m_own);
 }
 
-SurfaceVector PointerTrack::ToPixels(const SurfaceVector& place) const
+double PointerAxis::Clamp(double coordinate) const
 {
-    return {place.x * m_scale.x, place.y * m_scale.y};
+    return std::clamp(coordinate, 0.0, m_pixels - 0.5);
+}
+
+bool PointerAxis::IsAtEdge(double place) const
+{
+    return place <= 0.0 || place >= m_units - 1.0;
+}
+
+void PointerAxis::Enter(double place)
+{
+    m_place = place;
+    m_offset = 0.0;
+    m_excess = 0.0;
+    m_own = Clamp(place * m_scale);
+}
+
+void PointerAxis::Move(double place, const std::optional<double>& relative)
+{
+    const double way = place - m_place;
+    const double excess = relative ? GetExcess(*relative, way) * m_scale : 0.0;
+    if (excess != 0.0)
+        m_excess += excess;
+    else
+    {
+        // Less than a unit is the rest of the edge itself. More brings the two closer, and they stay so.
+        if (way != 0.0 && std::abs(m_excess) > m_scale)
+            m_offset += m_excess;
+        m_excess = way != 0.0 ? 0.0 : m_excess;
+    }
+    // Where nothing is told of a device at the edge, the edge is reached all the same.
+    if (!relative && IsAtEdge(place))
+        m_offset = 0.0;
+    m_place = place;
+    const double beside = Clamp(place * m_scale + m_offset);
+    m_offset = beside - place * m_scale;
+    m_own = Clamp(beside + m_excess);
+    m_excess = m_own - beside;
+}
+
+void PointerAxis::Place(std::int32_t pixel)
+{
+    m_own = std::clamp(pixel, 0, static_cast<std::int32_t>(m_pixels) - 1) + 0.5;
+    m_excess = 0.0;
+    m_offset = m_own - m_place * m_scale;
+}
+
+std::int32_t PointerAxis::GetPixel() const
+{
+    // The protocol rounds places, and what is rounded down would be the pixel before.
+    const auto pixel = static_cast<std::int32_t>(std::floor(m_own + m_scale * s_grain));
+    return std::clamp(pixel, 0, static_cast<std::int32_t>(m_pixels) - 1);
+}
+
+void PointerTrack::SetSpace(const WindowSize& size, const SurfaceVector& units)
+{
+    m_x.SetSpace(size.width, units.x);
+    m_y.SetSpace(size.height, units.y);
+    if (m_isKnown)
+        return;
+    m_x.Enter(units.x / 2.0);
+    m_y.Enter(units.y / 2.0);
 }
 
 void PointerTrack::Enter(const SurfaceVector& place)
 {
-    m_places = {place};
-    m_offset = {};
-    Follow({});
-}
-
-void PointerTrack::Follow(const SurfaceVector& excess)
-{
-    const SurfaceVector place = ToPixels(m_places.front());
-    const SurfaceVector beside = {ClampToSide(place.x + m_offset.x, m_size.width),
-                                  ClampToSide(place.y + m_offset.y, m_size.height)};
-    // At the edge the two come together again, as far as the edge is both's.
-    m_offset = {beside.x - place.x, beside.y - place.y};
-    const SurfaceVector beyond = ToPixels(excess);
-    m_own = {ClampToSide(beside.x + beyond.x, m_size.width), ClampToSide(beside.y + beyond.y, m_size.height)};
+    m_x.Enter(place.x);
+    m_y.Enter(place.y);
+    m_isKnown = true;
 }
 
 void PointerTrack::Move(const SurfaceVector& place, const std::optional<SurfaceVector>& relative)
 {
-    if (!HasEntered())
-    {
-        Enter(place);
-        return;
-    }
-    // Places are asked for by their middles, and a compositor may have whole units alone.
-    constexpr double nearness = 0.75;
-    const SurfaceVector before = relative ? SurfaceVector{place.x - relative->x, place.y - relative->y} : place;
-    auto origin = FindNearest(before);
-    const bool isEcho = !relative && origin != m_places.begin() && GetDistance(*origin, place) < nearness;
-    if (!relative && !isEcho)
-        origin = m_places.begin();
-    if (origin != m_places.begin() || isEcho)
-        SetOffset(isEcho ? place : *origin);
-    const SurfaceVector way = {place.x - origin->x, place.y - origin->y};
-    const SurfaceVector wanted = relative.value_or(way);
-    // Where it was asked to go later it may still go.
-    m_places.erase(m_places.begin(), relative || isEcho ? origin + 1 : m_places.end());
-    m_places.insert(m_places.begin(), place);
-    if (!isEcho)
-        Follow({GetExcess(wanted.x, way.x), GetExcess(wanted.y, way.y)});
+    m_x.Move(place.x, relative ? std::optional(relative->x) : std::nullopt);
+    m_y.Move(place.y, relative ? std::optional(relative->y) : std::nullopt);
 }
 
-std::vector<SurfaceVector>::iterator PointerTrack::FindNearest(const SurfaceVector& place)
+void PointerTrack::Place(const System::Math::Point& pixel)
 {
-    return std::min_element(m_places.begin(), m_places.end(),
-                            [&place](const SurfaceVector& first, const SurfaceVector& second)
-                            { return GetDistance(first, place) < GetDistance(second, place); });
-}
-
-void PointerTrack::SetOffset(const SurfaceVector& place)
-{
-    const SurfaceVector pixels = ToPixels(place);
-    // What is the same but for the protocol's rounding is the same.
-    const auto subtract = [](double own, double other, double scale)
-    { return std::abs(own - other) < 2.0 * s_unit * scale ? 0.0 : own - other; };
-    m_offset = {subtract(m_own.x, pixels.x, m_scale.x), subtract(m_own.y, pixels.y, m_scale.y)};
-}
-
-SurfaceVector PointerTrack::Place(const System::Math::Point& pixel)
-{
-    constexpr double middle = 0.5;
-    const auto clamp = [](std::int32_t coordinate, std::uint32_t side)
-    { return std::clamp(coordinate, 0, std::max(static_cast<std::int32_t>(side) - 1, 0)) + middle; };
-    m_own = {clamp(pixel.x, m_size.width), clamp(pixel.y, m_size.height)};
-    const SurfaceVector target = {m_own.x / m_scale.x, m_own.y / m_scale.y};
-    if (!HasEntered())
-        return target;
-    SetOffset(m_places.front());
-    // One that never goes where it is asked to would be asked without end.
-    constexpr std::size_t mostPlaces = 16;
-    if (m_places.size() == mostPlaces)
-        m_places.erase(m_places.begin() + 1);
-    m_places.push_back(target);
-    return target;
-}
-
-System::Math::Point PointerTrack::GetPixel() const
-{
-    return {ToPixel(m_own.x, m_scale.x, m_size.width), ToPixel(m_own.y, m_scale.y, m_size.height)};
+    m_x.Place(pixel.x);
+    m_y.Place(pixel.y);
+    m_isKnown = true;
 }
 
 } // namespace Orvik::Desktops::Wayland

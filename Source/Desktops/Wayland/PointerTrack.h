@@ -6,14 +6,43 @@
 #include "Desktops/Wayland/InputEvent.h"
 #include "Desktops/WindowDescription.h"
 
-#include <vector>
+#include <optional>
 
 namespace Orvik::Desktops::Wayland
 {
 
-/// The program's own pointer on a surface, in pixels. It follows the compositor's, which is told in units of the
-/// surface, and steps aside from it where the program moves it: the compositor may take such a step over or not, and
-/// doesn't say which. What it did is seen by the next motion.
+/// One coordinate of the program's own pointer. It follows the compositor's at the distance that the program has
+/// brought between the two, and goes on where an edge holds the other up.
+class PointerAxis
+{
+public:
+    /// The side has so many pixels on so many units of the surface.
+    void SetSpace(std::uint32_t pixels, double units);
+
+    /// Puts it where the compositor's is.
+    void Enter(double place);
+    /// The compositor's is at a place now; `relative` says how far its device wanted it to go, where that is known.
+    void Move(double place, const std::optional<double>& relative);
+    /// Puts it on a pixel, at most at the edge, and the compositor's stays where it is.
+    void Place(std::int32_t pixel);
+
+    [[nodiscard]] std::int32_t GetPixel() const;
+
+private:
+    [[nodiscard]] double Clamp(double coordinate) const;
+    [[nodiscard]] bool IsAtEdge(double place) const;
+
+    std::uint32_t m_pixels = 1;
+    double m_units = 1.0;
+    double m_scale = 1.0;  ///< pixels to a unit
+    double m_place = 0.0;  ///< the compositor's, units
+    double m_own = 0.0;    ///< pixels
+    double m_offset = 0.0; ///< from the compositor's to the own one, pixels
+    double m_excess = 0.0; ///< how far it has gone on while the compositor's was held up, pixels
+};
+
+/// The program's own pointer on a surface, in pixels; the compositor's is told in units of the surface, to fractions.
+/// The compositor's can't be moved by a program, and arrow keys move the own one by pixels.
 class PointerTrack
 {
 public:
@@ -24,31 +53,19 @@ public:
     void Enter(const SurfaceVector& place);
 
     /// The compositor's pointer is at a place now; `relative` says how far its device wanted it to go, where that is
-    /// known. The own one goes as far, also where an edge held the other up.
+    /// known.
     void Move(const SurfaceVector& place, const std::optional<SurfaceVector>& relative);
 
-    /// Moves the own pointer to a pixel, at most to the surface's edge. Returns the middle of that pixel, where the
-    /// compositor's may be asked to go.
-    SurfaceVector Place(const System::Math::Point& pixel);
+    /// Moves the own pointer to a pixel, at most to the surface's edge.
+    void Place(const System::Math::Point& pixel);
 
-    /// The pixel that the own pointer is on. At first the one in the middle.
-    [[nodiscard]] System::Math::Point GetPixel() const;
-
-    [[nodiscard]] bool HasEntered() const { return !m_places.empty(); }
+    /// The pixel that the own pointer is on. Before there is a pointer it is the one in the middle.
+    [[nodiscard]] System::Math::Point GetPixel() const { return {m_x.GetPixel(), m_y.GetPixel()}; }
 
 private:
-    [[nodiscard]] SurfaceVector ToPixels(const SurfaceVector& place) const;
-    [[nodiscard]] std::vector<SurfaceVector>::iterator FindNearest(const SurfaceVector& place);
-    /// The own one is beside the compositor's from here on, if that is at this place.
-    void SetOffset(const SurfaceVector& place);
-    /// Puts the own one beside the compositor's; `excess` is how far an edge held the latter up, in units.
-    void Follow(const SurfaceVector& excess);
-
-    WindowSize m_size = {1, 1};
-    SurfaceVector m_scale = {1.0, 1.0};  ///< pixels to a unit
-    SurfaceVector m_own;                 ///< pixels
-    SurfaceVector m_offset;              ///< how far the own one is from the compositor's, pixels
-    std::vector<SurfaceVector> m_places; ///< where the compositor's was last, and where it was asked to go since
+    PointerAxis m_x;
+    PointerAxis m_y;
+    bool m_isKnown = false; ///< where it is: it has entered, or the program has placed it
 };
 
 } // namespace Orvik::Desktops::Wayland

@@ -191,7 +191,11 @@ void Window::Native::FollowMotion(const InputEvent& event)
             surface.GetClaim().Hold(); // of a pointer that wasn't there before
         return;
     }
-    surface.GetPointer().Move(event.place, event.relative);
+    // What the user points at is meant, wherever the own pointer was moved before.
+    if (event.isPointing)
+        surface.GetPointer().Enter(event.place);
+    else
+        surface.GetPointer().Move(event.place, event.relative);
 }
 
 void Window::Native::TellMotion()

@@ -26,7 +26,7 @@ public:
 private:
     Pointer m_pointer;
     bool m_hasXwaylandMonitor = false; ///< as far as displays were listed
-    LentMemory m_lentMemory; ///< of the surface that is drawn in next
+    LentMemory m_lentMemory;           ///< of the surface that is drawn in next
 };
 
 } // namespace Orvik::Desktops::X11
