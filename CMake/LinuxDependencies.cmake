@@ -8,4 +8,8 @@ find_package(Freetype REQUIRED)
 find_package(X11 REQUIRED COMPONENTS Xext Xtst Xrandr Xfixes Xi X11_xcb xcb)
 find_library(XCB_SHM_LIBRARY xcb-shm REQUIRED) # the module of CMake doesn't know it
 find_package(OpenGL REQUIRED COMPONENTS OpenGL EGL)
+find_library(WAYLAND_CLIENT_LIBRARY wayland-client REQUIRED)
+find_library(WAYLAND_EGL_LIBRARY wayland-egl REQUIRED)
+find_library(XKBCOMMON_LIBRARY xkbcommon REQUIRED)
+find_library(SYSTEMD_LIBRARY systemd REQUIRED) # its client of the message bus
 find_package(Threads REQUIRED)

@@ -69,6 +69,8 @@ TEXT
 
 rm -rf "$work"
 Scripts/stage-linux.sh "$stage/usr"
+# It names the program by its path, and of this package that is known.
+install -m 644 Packaging/Linux/snipbench-kwin.desktop "$stage/usr/share/applications/snipbench-kwin.desktop"
 write_changelog
 write_control
 dpkg-deb --root-owner-group -Zxz --build "$stage" "$file" >/dev/null

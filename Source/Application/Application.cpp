@@ -121,6 +121,8 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
     }
     WarnOfIgnoredConfiguration();
     WarnOfLostTrace();
+    if (m_inputFile.empty() && !CanCapture())
+        return ReturnCodeName::InitializeSystemsFailed;
     PrepareOutputDirectory();
     return RunOverlay(std::move(toolParameters));
 }

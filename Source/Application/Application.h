@@ -57,6 +57,7 @@ private:
     static void WarnOfLostTrace();
     void PrepareOutputDirectory();
     [[nodiscard]] std::string_view RunOverlay(Graphics::Tools::SnipBench::Parameters parameters);
+    [[nodiscard]] bool CanCapture();
     [[nodiscard]] bool ChooseDisplay();
     [[nodiscard]] std::string_view OpenWindow();
     void WaitForDelay(const System::Desktop::Window::ScopedLock& lock);

@@ -11,6 +11,7 @@
 #include "Core/System/Time/MonotonicClock.h"
 #include "Core/System/Time/Trace.h"
 #include "Core/System/Time/Wait.h"
+#include "Desktops/Desktop.h"
 
 #include <algorithm>
 #include <chrono>
@@ -73,6 +74,14 @@ std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters 
     // Only now: the lock is the window's own.
     m_window.reset();
     return ReturnCodeName::Success;
+}
+
+bool Application::CanCapture()
+{
+    const Desktops::Failure failure = Desktops::GetDesktop().CheckCapture();
+    if (failure)
+        Log::Write(s_context, Log::MessageTypeID::Error, *failure, ".");
+    return !failure;
 }
 
 bool Application::ChooseDisplay()

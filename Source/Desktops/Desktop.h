@@ -4,6 +4,7 @@
 #include "Desktops/DesktopPointer.h"
 #include "Desktops/DesktopWindow.h"
 #include "Desktops/DisplayList.h"
+#include "Desktops/Failure.h"
 #include "Desktops/GraphicsCard.h"
 #include "Desktops/OpenGLSurface.h"
 #include "Desktops/PixelMemory.h"
@@ -36,6 +37,10 @@ public:
     [[nodiscard]] virtual bool PrepareDisplays(const System::Log::Context& log) = 0;
     /// After `PrepareDisplays`. A display whose numbers don't fit their fields is an assertion failure.
     [[nodiscard]] virtual DisplayList ListDisplays() = 0;
+
+    /// After `PrepareDisplays`: nothing if displays can be captured, as far as that is known before it is tried; else
+    /// why not, a sentence without its full stop.
+    [[nodiscard]] virtual Failure CheckCapture() = 0;
 
     [[nodiscard]] virtual DesktopPointer& GetPointer() = 0;
 

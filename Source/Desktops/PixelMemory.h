@@ -26,6 +26,7 @@ public:
     [[nodiscard]] virtual std::size_t GetStride() const noexcept = 0;
     [[nodiscard]] virtual bool BeginFrame() = 0;
     virtual void Present(std::span<const System::Math::Rectangle> areas) = 0;
+    virtual void EndFrame() = 0;
 };
 
 } // namespace Orvik::Desktops

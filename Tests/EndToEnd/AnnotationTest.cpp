@@ -64,8 +64,7 @@ TEST_F(Annotation, OneShotGivesOneEntryBesideABmpAndEnds)
 
 TEST_F(Annotation, OfTheScreenIsTheWholeCaptureWithTheMaskKept)
 {
-    const Picture picture = MakeTestPicture(s_width, s_height, 3);
-    m_screen->ShowOnRoot(picture);
+    const Picture picture = ShowGround(MakeTestPicture(s_width, s_height, 3));
     ChildProcess process = StartOverlay({"-a", "true", "-s", "true", "-k", "true", "-o", GetOutput().string()});
     Drag({10, 20}, {110, 70});
     ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);

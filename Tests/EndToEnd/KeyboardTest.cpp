@@ -84,12 +84,12 @@ TEST_F(Keyboard, AHeldLetterMovesThePointerAndTheToolFollows)
 {
     ChildProcess process = StartOnPicture();
     m_input->SetKeyRepeat(100, 25);
-    HoldUntil(process, "d", [this] { return m_input->GetPointer().x >= 400 + 10; });
-    const int x = m_input->GetPointer().x;
-    EXPECT_EQ(m_input->GetPointer().y, 300);
-    HoldUntil(process, "s", [this] { return m_input->GetPointer().y >= 300 + 10; });
-    EXPECT_EQ(m_input->GetPointer().x, x);
-    EXPECT_TRUE(m_overlay->WaitForCrosshair(m_input->GetPointer()));
+    HoldUntil(process, "d", [this] { return GetCursor().x >= 400 + 10; });
+    const int x = GetRestingCursor().x;
+    EXPECT_EQ(GetRestingCursor().y, 300);
+    HoldUntil(process, "s", [this] { return GetCursor().y >= 300 + 10; });
+    EXPECT_EQ(GetRestingCursor().x, x);
+    EXPECT_TRUE(m_overlay->WaitForCrosshair(GetRestingCursor()));
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
@@ -98,10 +98,10 @@ TEST_F(Keyboard, AHeldLetterStaysAtTheEdge)
     ChildProcess process = StartOnPicture();
     m_input->SetKeyRepeat(100, 25);
     MoveTo({4, 3});
-    HoldUntil(process, "a", [this] { return m_input->GetPointer().x == 0; });
-    EXPECT_EQ(m_input->GetPointer(), (Position{0, 3}));
-    HoldUntil(process, "w", [this] { return m_input->GetPointer().y == 0; });
-    EXPECT_EQ(m_input->GetPointer(), (Position{0, 0}));
+    HoldUntil(process, "a", [this] { return GetCursor().x == 0; });
+    EXPECT_EQ(GetRestingCursor(), (Position{0, 3}));
+    HoldUntil(process, "w", [this] { return GetCursor().y == 0; });
+    EXPECT_EQ(GetRestingCursor(), (Position{0, 0}));
     EXPECT_TRUE(m_overlay->WaitForCrosshair({0, 0}));
     // None of the repeats at the edge is still to come.
     TapArrow("d", {1, 0});
@@ -113,8 +113,8 @@ TEST_F(Keyboard, AHeldArrowMovesOnWithItsRepeats)
     ChildProcess process = StartOnPicture();
     m_input->SetKeyRepeat(100, 50);
     m_input->TapKey("space");
-    HoldUntil(process, "Right", [this] { return m_input->GetPointer().x >= 400 + 10; });
-    const int width = m_input->GetPointer().x - 400;
+    HoldUntil(process, "Right", [this] { return GetCursor().x >= 400 + 10; });
+    const int width = GetRestingCursor().x - 400;
     TapArrow("Down", {400 + width, 301});
     m_input->TapKey("space");
     ExpectSnip(process, {400, 300, width, 1});

@@ -133,12 +133,11 @@ TEST_F(Output, ADirectoryThatTakesNoFilesLosesTheSnipAndTheRunGoesOn)
 
 TEST_F(Output, ADelayPutsTheCaptureOff)
 {
-    m_screen->ShowOnRoot(MakeTestPicture(s_width, s_height, 1));
+    ShowGround(MakeTestPicture(s_width, s_height, 1));
     const auto start = std::chrono::steady_clock::now();
     ChildProcess process = Start({"-s", "true", "-d", "2000", "-o", "out"});
-    ASSERT_TRUE(m_overlay->WaitFor(OverlayWatcher::State::Hidden));
-    const Picture later = MakeTestPicture(s_width, s_height, 2);
-    m_screen->ShowOnRoot(later);
+    ASSERT_TRUE(WaitForDelay(process));
+    const Picture later = ShowGround(MakeTestPicture(s_width, s_height, 2));
     ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << "This machine is too slow.";
     ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));

@@ -46,8 +46,7 @@ protected:
     /// Snips noise that fills the screen.
     [[nodiscard]] ChildProcess StartOnScreen(Position cursor)
     {
-        m_picture = MakeNoise(m_width, m_height);
-        m_screen->ShowOnRoot(m_picture);
+        m_picture = ShowGround(MakeNoise(m_width, m_height));
         return StartAt(cursor, {});
     }
 

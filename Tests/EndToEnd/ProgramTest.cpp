@@ -66,6 +66,13 @@ ChildProcess ProgramTest::StartWith(ChildOptions options) const
 {
     for (const auto& [name, value] : m_environment)
         options.environment.push_back(name + "=" + value);
+    if (m_user)
+    {
+        options.arguments.insert(options.arguments.begin(),
+                                 {"--reuid=" + std::to_string(m_user->user), "--regid=" + std::to_string(m_user->group),
+                                  "--clear-groups", "--pdeathsig=KILL", options.program.string()});
+        options.program = "setpriv";
+    }
     return ChildProcess(options);
 }
 

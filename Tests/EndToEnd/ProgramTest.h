@@ -4,10 +4,12 @@
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/Desktop/ChildProcess.h"
 #include "Tests/Support/Desktop/DirectoryList.h"
+#include "Tests/Support/Desktop/ProcessFamily.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,6 +47,7 @@ protected:
 
     Installation m_installation;
     std::map<std::string, std::string> m_environment;
+    std::optional<UserNumbers> m_user; ///< whom the program is started for, where that isn't this process's user
 };
 
 /// The run ended by itself with this exit code, and the object is the last thing on its standard output; before it

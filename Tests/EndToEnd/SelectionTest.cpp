@@ -32,8 +32,7 @@ protected:
     /// Selects once in what the screen shows.
     void ExpectSnipOfScreen(Position from, Position to, const Area& expected)
     {
-        const Picture picture = MakeTestPicture(s_width, s_height, 5);
-        m_screen->ShowOnRoot(picture);
+        const Picture picture = ShowGround(MakeTestPicture(s_width, s_height, 5));
         ChildProcess process = StartOverlay({"-s", "true", "-o", GetOutput().string()});
         Drag(from, to);
         ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);

@@ -80,6 +80,15 @@ class Package(unittest.TestCase):
     def test_desktop_entry(self):
         self.check("desktop-file-validate", self.root / "usr/share/applications/snipbench.desktop")
 
+    # KWin looks for the entry whose whole "Exec" is the path of the program that asks.
+    def test_desktop_entry_for_kwin(self):
+        entry = self.root / "usr/share/applications/snipbench-kwin.desktop"
+        values = dict(line.split("=", 1) for line in entry.read_text(encoding="utf-8").splitlines() if "=" in line)
+        self.assertEqual(values["X-KDE-DBUS-Restricted-Interfaces"], "org.kde.KWin.ScreenShot2")
+        self.assertEqual(values["NoDisplay"], "true")
+        self.assertTrue(os.access(self.root / values["Exec"].removeprefix("/"), os.X_OK), values["Exec"])
+        self.check("desktop-file-validate", entry)
+
     def check_metadata(self, file, homepage):
         text = file.read_text(encoding="utf-8")
         self.assertIn(f'<url type="homepage">{homepage}</url>', text)

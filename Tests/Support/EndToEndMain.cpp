@@ -1,11 +1,21 @@
 // The main function of tests that drive the built program: they run none of it themselves.
+#include "Tests/EndToEnd/TestCompositor.h"
 #include "Tests/Support/EnvironmentLocale.h"
 
+#include <cstdio>
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv)
 {
+    using namespace Orvik::Tests;
     testing::InitGoogleTest(&argc, argv);
-    Orvik::Tests::UseEnvironmentLocale();
+    UseEnvironmentLocale();
+    const auto kind = GetTestCompositorKind();
+    if (const auto program = kind ? FindMissingProgram(*kind) : std::nullopt)
+    {
+        constexpr int skipped = 77;
+        std::printf("%s isn't installed.\n", program->c_str());
+        return skipped;
+    }
     return RUN_ALL_TESTS();
 }

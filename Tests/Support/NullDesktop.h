@@ -29,6 +29,7 @@ struct NullDesktopValues
     bool cursorVisible = true;
 
     // Captures.
+    Desktops::Failure captureObstacle; ///< known before it is tried
     bool captureInitializes = true;
     bool captureSucceeds = true;
     /// The pixel at a screen position, as blue | green << 8 | red << 16 | fourth byte << 24.
@@ -40,6 +41,7 @@ struct NullDesktopValues
     bool surfacesCreate = true;
     std::vector<std::vector<System::Math::Rectangle>> presentations; ///< what each frame showed anew
     std::uint64_t frames = 0;                                        ///< begun in memory
+    std::uint64_t finishedFrames = 0;                                ///< ended in memory
 
     // Windows.
     bool windowRegisters = true;
@@ -71,6 +73,7 @@ public:
     void SetLossHandler(void (*handler)()) override { lossHandler = handler; }
     [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
     [[nodiscard]] Desktops::DisplayList ListDisplays() override;
+    [[nodiscard]] Desktops::Failure CheckCapture() override { return captureObstacle; }
     [[nodiscard]] Desktops::DesktopPointer& GetPointer() override { return *this; }
     [[nodiscard]] Desktops::GraphicsCard FindGraphicsCard() override;
     [[nodiscard]] std::unique_ptr<Desktops::DesktopWindow> MakeWindow(System::Desktop::Window& owner) override;

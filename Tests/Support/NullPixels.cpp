@@ -31,4 +31,9 @@ void NullPixels::Present(std::span<const System::Math::Rectangle> areas)
     NullDesktop::GetInstance().presentations.emplace_back(areas.begin(), areas.end());
 }
 
+void NullPixels::EndFrame()
+{
+    ++NullDesktop::GetInstance().finishedFrames;
+}
+
 } // namespace Orvik::Tests

@@ -17,6 +17,7 @@ public:
     [[nodiscard]] std::size_t GetStride() const noexcept override { return m_pixels.empty() ? 0 : m_width; }
     [[nodiscard]] bool BeginFrame() override;
     void Present(std::span<const System::Math::Rectangle> areas) override;
+    void EndFrame() override;
 
 private:
     std::size_t m_width = 0;

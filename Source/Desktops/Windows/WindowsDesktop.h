@@ -14,6 +14,7 @@ public:
     void SetLossHandler(void (* /*handler*/)()) override {} ///< it ends with the session, by a message
     [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
     [[nodiscard]] DisplayList ListDisplays() override;
+    [[nodiscard]] Failure CheckCapture() override { return std::nullopt; }
     [[nodiscard]] DesktopPointer& GetPointer() override { return m_pointer; }
     [[nodiscard]] GraphicsCard FindGraphicsCard() override;
     [[nodiscard]] std::unique_ptr<DesktopWindow> MakeWindow(System::Desktop::Window& owner) override;

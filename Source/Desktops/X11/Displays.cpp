@@ -123,6 +123,21 @@ DisplayMode DescribeScreen(::Display* display)
     return mode;
 }
 
+/// How the newer ones say what they are.
+bool HasXwaylandExtension(::Display* display)
+{
+    int opcode = 0;
+    int event = 0;
+    int error = 0;
+    return XQueryExtension(display, "XWAYLAND", &opcode, &event, &error) != False;
+}
+
+/// And the older ones.
+bool IsXwaylandMonitor(const DisplayMode& mode)
+{
+    return mode.name.starts_with("XWAYLAND");
+}
+
 bool IsViewableWindow(::Display* display, ::Window window)
 {
     XWindowAttributes attributes = {};
@@ -210,12 +225,23 @@ bool X11Desktop::PrepareDisplays(const System::Log::Context& log)
     return false;
 }
 
+// The windows of a Wayland session aren't on the X server that it runs beside the compositor: a picture of it is black.
+Failure X11Desktop::CheckCapture()
+{
+    ::Display* const display = GetXDisplay();
+    if (display == nullptr || (!m_hasXwaylandMonitor && !HasXwaylandExtension(display)))
+        return std::nullopt;
+    return "This X server is the one of a Wayland session (Xwayland): the screen isn't on it. Start SnipBench with "
+           "WAYLAND_DISPLAY set";
+}
+
 DisplayList X11Desktop::ListDisplays()
 {
     ::Display* const display = GetXDisplay();
     std::vector<DisplayMode> modes = ListMonitors(display);
     if (modes.empty())
         modes.push_back(DescribeScreen(display));
+    m_hasXwaylandMonitor = std::any_of(modes.begin(), modes.end(), &IsXwaylandMonitor);
     DisplayList list;
     for (const DisplayMode& mode : modes)
         ApplyMode(mode, list.displays.emplace_back());

@@ -1,10 +1,10 @@
 #include "Desktops/X11/EglDisplay.h"
 
+#include "Desktops/Egl/EglConfigs.h"
 #include "Desktops/X11/XConnection.h"
 
 #include <EGL/eglext.h>
 #include <array>
-#include <vector>
 
 namespace Orvik::Desktops::X11
 {
@@ -13,58 +13,11 @@ namespace
 
 constexpr int s_alphaVisualDepth = 32;
 
-EGLint GetAttribute(EGLDisplay display, EGLConfig config, EGLint attribute)
-{
-    EGLint value = 0;
-    eglGetConfigAttrib(display, config, attribute, &value);
-    return value;
-}
-
-/// `eglChooseConfig` takes more bits for as good; a picture of 10 bits to the colour isn't.
-bool HasBits(EGLDisplay display, EGLConfig config, EGLint alphaBits)
-{
-    constexpr std::array<EGLint, 3> channels = {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE};
-    for (const EGLint channel : channels)
-    {
-        if (GetAttribute(display, config, channel) != 8)
-            return false;
-    }
-    return GetAttribute(display, config, EGL_ALPHA_SIZE) == alphaBits;
-}
-
-std::vector<EGLConfig> ChooseConfigs(EGLDisplay display, EGLint alphaBits)
-{
-    // clang-format off
-    const std::array<EGLint, 21> attributes = {
-        EGL_SURFACE_TYPE, EGL_WINDOW_BIT,
-        EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
-        EGL_RED_SIZE, 8,
-        EGL_GREEN_SIZE, 8,
-        EGL_BLUE_SIZE, 8,
-        EGL_ALPHA_SIZE, alphaBits,
-        EGL_DEPTH_SIZE, 24,
-        EGL_STENCIL_SIZE, 8,
-        EGL_SAMPLE_BUFFERS, 1,
-        EGL_SAMPLES, 4,
-        EGL_NONE,
-    };
-    // clang-format on
-    EGLint count = 0;
-    if (eglChooseConfig(display, attributes.data(), nullptr, 0, &count) == EGL_FALSE || count <= 0)
-        return {};
-    std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
-    if (eglChooseConfig(display, attributes.data(), configs.data(), count, &count) == EGL_FALSE)
-        return {};
-    configs.resize(static_cast<std::size_t>(count));
-    std::erase_if(configs, [&](EGLConfig config) { return !HasBits(display, config, alphaBits); });
-    return configs;
-}
-
 /// The visual of a configuration, if windows can have it. A DirectColor visual would want a palette.
 std::optional<XVisualInfo> FindVisual(::Display* connection, EGLDisplay display, EGLConfig config)
 {
     XVisualInfo wanted = {};
-    wanted.visualid = static_cast<VisualID>(GetAttribute(display, config, EGL_NATIVE_VISUAL_ID));
+    wanted.visualid = static_cast<VisualID>(Egl::GetAttribute(display, config, EGL_NATIVE_VISUAL_ID));
     wanted.screen = DefaultScreen(connection);
     int count = 0;
     XVisualInfo* const found = XGetVisualInfo(connection, VisualIDMask | VisualScreenMask, &wanted, &count);
@@ -81,7 +34,7 @@ std::optional<XVisualInfo> FindVisual(::Display* connection, EGLDisplay display,
 std::optional<EglConfiguration> FindConfiguration(::Display* connection, EGLDisplay display, EGLint alphaBits)
 {
     std::optional<EglConfiguration> result;
-    for (EGLConfig const config : ChooseConfigs(display, alphaBits))
+    for (EGLConfig const config : Egl::ChooseConfigs(display, alphaBits))
     {
         const std::optional<XVisualInfo> visual = FindVisual(connection, display, config);
         if (!visual)
@@ -101,9 +54,7 @@ std::optional<EglConfiguration> OpenConfiguration()
         return std::nullopt;
     // The plain eglGetDisplay would guess what kind of display this is.
     EGLDisplay const display = eglGetPlatformDisplay(EGL_PLATFORM_X11_KHR, connection, nullptr);
-    if (display == EGL_NO_DISPLAY || eglInitialize(display, nullptr, nullptr) == EGL_FALSE)
-        return std::nullopt;
-    if (eglBindAPI(EGL_OPENGL_API) == EGL_FALSE)
+    if (!Egl::InitializeDisplay(display))
         return std::nullopt;
     // On a screen of 16 or 30 bits a server may have 8 bits for the colours only without alpha. Nothing that is drawn
     // here reads the alpha of what lies below.

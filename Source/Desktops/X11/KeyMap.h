@@ -13,10 +13,7 @@ using System::Desktop::KeyCode;
 /// The key of a keysym of the unshifted level, or `Undefined`. Both levels of the keypad give the keypad's keys.
 [[nodiscard]] KeyCode FindKey(KeySym symbol);
 
-/// The key of a key event, as Windows gives it in the same layout: by the unshifted keysym, or by the key's place where
-/// no key is named after that keysym. A key of the digits' row is a digit unless it bears a letter, and the keys right
-/// of both rows that bear no sign of ours are numbered one after the other where the layout moves plus or minus.
-/// `Undefined` if neither keysym nor place gives one.
+/// The key of a key event, as Windows gives it in the layout that was in force at the event.
 [[nodiscard]] KeyCode TranslateKey(const XKeyEvent& event);
 
 /// The keysym of a key event at the unshifted level of the event's layout.

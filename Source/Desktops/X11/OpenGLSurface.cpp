@@ -1,13 +1,9 @@
 #include "Desktops/X11/OpenGLSurface.h"
 
-#include "Desktops/OpenGL.h"
 #include "Desktops/X11/EglDisplay.h"
 #include "Desktops/X11/ServerWatch.h"
 #include "Desktops/X11/WindowHints.h"
 #include "Desktops/X11/XConnection.h"
-
-#include <array>
-#include <utility>
 
 namespace Orvik::Desktops::X11
 {
@@ -39,28 +35,6 @@ bool CanDrawOn(::Display* display, const EglConfiguration& configuration, Native
            XVisualIDFromVisual(attributes.visual) == configuration.visual.visualid;
 }
 
-EGLContext CreateCoreContext(const EglConfiguration& configuration)
-{
-    // clang-format off
-    constexpr std::array<EGLint, 7> attributes = {
-        EGL_CONTEXT_MAJOR_VERSION, 3,
-        EGL_CONTEXT_MINOR_VERSION, 3,
-        EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
-        EGL_NONE,
-    };
-    // clang-format on
-    // The current interface is a thread's own, and OpenGL ES at first.
-    if (eglBindAPI(EGL_OPENGL_API) == EGL_FALSE)
-        return EGL_NO_CONTEXT;
-    return eglCreateContext(configuration.display, configuration.config, EGL_NO_CONTEXT, attributes.data());
-}
-
-const char* GetVersionText()
-{
-    const GLubyte* const version = glGetString(GL_VERSION);
-    return version != nullptr ? reinterpret_cast<const char*>(version) : "";
-}
-
 } // namespace
 
 OpenGLCreation OpenGLSurface::Create(NativeWindow window, const char* /*className*/)
@@ -69,24 +43,13 @@ OpenGLCreation OpenGLSurface::Create(NativeWindow window, const char* /*classNam
     ::Display* const display = FindServer();
     if (!configuration || display == nullptr)
         return {": Missing an EGL configuration for OpenGL with 4 samples.", {}};
+    EGLSurface surface = EGL_NO_SURFACE;
     if (CanDrawOn(display, *configuration, window))
-        m_surface = eglCreateWindowSurface(configuration->display, configuration->config, ToXWindow(window), nullptr);
-    if (m_surface == EGL_NO_SURFACE)
-        return {": Call to eglCreateWindowSurface failed.", {}};
-
-    m_context = CreateCoreContext(*configuration);
-    if (m_context == EGL_NO_CONTEXT ||
-        eglMakeCurrent(configuration->display, m_surface, m_surface, m_context) != EGL_TRUE)
-    {
-        Destroy(window);
-        return {": Failed to bind all required OpenGL methods.", {}};
-    }
-    // A driver that can't wait for the screen draws without.
-    eglSwapInterval(configuration->display, 1);
-    std::string version = GetVersionText();
-    if (!version.empty())
-        SetWindowTitle(display, ToXWindow(window), version);
-    return {nullptr, std::move(version)};
+        surface = eglCreateWindowSurface(configuration->display, configuration->config, ToXWindow(window), nullptr);
+    OpenGLCreation creation = m_context.Create(configuration->display, configuration->config, surface, 1);
+    if (creation.failure == nullptr && !creation.version.empty())
+        SetWindowTitle(display, ToXWindow(window), creation.version);
+    return creation;
 }
 
 void OpenGLSurface::Destroy(NativeWindow /*window*/)
@@ -95,12 +58,8 @@ void OpenGLSurface::Destroy(NativeWindow /*window*/)
     ::Display* const connection = FindServer();
     if (connection == nullptr)
         return;
-    EGLDisplay const display = GetEglConfiguration()->display;
     const XErrorScope errors(connection);
-    eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    if (m_context != EGL_NO_CONTEXT)
-        eglDestroyContext(display, m_context);
-    eglDestroySurface(display, m_surface);
+    m_context.Destroy();
 }
 
 void OpenGLSurface::SwapBuffers(NativeWindow /*window*/)
@@ -108,13 +67,12 @@ void OpenGLSurface::SwapBuffers(NativeWindow /*window*/)
     if (FindServer() == nullptr)
         return;
     const DriverCallScope scope;
-    eglSwapBuffers(GetEglConfiguration()->display, m_surface);
+    m_context.SwapBuffers();
 }
 
 OpenGLFunction OpenGLSurface::FindFunction(const char* name) const
 {
-    OpenGLFunction const function = FindLibraryFunction(name);
-    return function != nullptr ? function : eglGetProcAddress(name);
+    return Egl::EglContext::FindFunction(name);
 }
 
 } // namespace Orvik::Desktops::X11

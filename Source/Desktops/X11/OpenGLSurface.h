@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Desktops/Egl/EglContext.h"
 #include "Desktops/OpenGLSurface.h"
 
 namespace Orvik::Desktops::X11
@@ -15,8 +16,7 @@ public:
     [[nodiscard]] OpenGLFunction FindFunction(const char* name) const override;
 
 private:
-    void* m_context = nullptr; ///< EGL's
-    void* m_surface = nullptr; ///< EGL's, on the window
+    Egl::EglContext m_context;
 };
 
 } // namespace Orvik::Desktops::X11

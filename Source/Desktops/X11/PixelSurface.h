@@ -22,6 +22,7 @@ public:
     [[nodiscard]] std::size_t GetStride() const noexcept override;
     [[nodiscard]] bool BeginFrame() override;
     void Present(std::span<const System::Math::Rectangle> areas) override;
+    void EndFrame() override {} // what is presented is on its way
 
 private:
     struct Native;

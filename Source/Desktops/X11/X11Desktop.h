@@ -15,6 +15,7 @@ public:
     void SetLossHandler(void (*handler)()) override;
     [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
     [[nodiscard]] DisplayList ListDisplays() override;
+    [[nodiscard]] Failure CheckCapture() override;
     [[nodiscard]] DesktopPointer& GetPointer() override { return m_pointer; }
     [[nodiscard]] GraphicsCard FindGraphicsCard() override;
     [[nodiscard]] std::unique_ptr<DesktopWindow> MakeWindow(System::Desktop::Window& owner) override;
@@ -24,7 +25,8 @@ public:
 
 private:
     Pointer m_pointer;
-    LentMemory m_lentMemory; ///< of the surface that is drawn in next
+    bool m_hasXwaylandMonitor = false; ///< as far as displays were listed
+    LentMemory m_lentMemory;           ///< of the surface that is drawn in next
 };
 
 } // namespace Orvik::Desktops::X11

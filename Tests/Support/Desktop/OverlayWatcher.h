@@ -5,7 +5,9 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace Orvik::Tests
 {
@@ -27,13 +29,17 @@ public:
 
     /// Looks at the whole screen.
     explicit OverlayWatcher(const std::string& displayName);
+    /// Looks at the whole screen below a nested compositor, whose windows the X server doesn't know: the overlay is
+    /// there while the screen isn't as it was, which is `ground`.
+    OverlayWatcher(const std::string& displayName, Picture ground);
     /// Looks at that part of the screen: one monitor of several, which may reach beyond the screen.
     OverlayWatcher(const std::string& displayName, const Area& monitor);
     ~OverlayWatcher();
     OverlayWatcher(const OverlayWatcher&) = delete;
     OverlayWatcher& operator=(const OverlayWatcher&) = delete;
 
-    /// The overlay is told by its place among the root's own windows: one pixel above its monitor and one taller.
+    /// The overlay is told by its place among the root's own windows: one pixel above its monitor and one taller. On a
+    /// nested compositor it is visible or missing.
     [[nodiscard]] State GetState() const;
     /// False if the overlay doesn't come into that state in time.
     [[nodiscard]] bool WaitFor(State state, std::chrono::milliseconds limit = DefaultLimit) const;
@@ -42,6 +48,12 @@ public:
     /// Waits for the frame whose crosshair is at `cursor`: the pixel column to its right and the row below it are
     /// white. Lines that would lie outside the screen aren't looked for. False if it doesn't come in time.
     [[nodiscard]] bool WaitForCrosshair(Position cursor, std::chrono::milliseconds limit = DefaultLimit) const;
+
+    /// The place of the crosshair, if there is one and it leaves the last column and row out.
+    [[nodiscard]] std::optional<Position> FindCrosshair() const;
+
+    /// What the screen of a nested compositor shows without the overlay from now on.
+    void SetGround(Picture ground) { m_ground = std::move(ground); }
 
     /// Asks the overlay to close, as a window manager does.
     void AskToClose() const;
@@ -56,6 +68,7 @@ private:
     std::unique_ptr<XSession> m_session;
     Screen m_screen;
     Area m_monitor;
+    std::optional<Picture> m_ground; ///< of a nested compositor
 };
 
 } // namespace Orvik::Tests

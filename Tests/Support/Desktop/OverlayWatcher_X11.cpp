@@ -61,7 +61,7 @@ int IgnoreError(::Display* /*display*/, XErrorEvent* /*error*/)
 
 } // namespace
 
-OverlayWatcher::OverlayWatcher(const std::string& displayName) : OverlayWatcher(displayName, {})
+OverlayWatcher::OverlayWatcher(const std::string& displayName) : OverlayWatcher(displayName, Area{})
 {
     m_monitor = {0, 0, m_screen.GetWidth(), m_screen.GetHeight()};
 }
@@ -72,10 +72,17 @@ OverlayWatcher::OverlayWatcher(const std::string& displayName, const Area& monit
     XSetErrorHandler(&IgnoreError);
 }
 
+OverlayWatcher::OverlayWatcher(const std::string& displayName, Picture ground) : OverlayWatcher(displayName)
+{
+    m_ground = std::move(ground);
+}
+
 OverlayWatcher::~OverlayWatcher() = default;
 
 OverlayWatcher::State OverlayWatcher::GetState() const
 {
+    if (m_ground)
+        return m_screen.CaptureAll() == *m_ground ? State::Missing : State::Visible;
     State state = State::Missing;
     static_cast<void>(FindWindow(state));
     return state;
@@ -123,6 +130,20 @@ bool OverlayWatcher::WaitForCrosshair(Position cursor, std::chrono::milliseconds
     return WaitUntil(limit, [&] { return HasCrosshair(cursor); });
 }
 
+std::optional<Position> OverlayWatcher::FindCrosshair() const
+{
+    const auto [left, top, width, height] = GetVisiblePart();
+    const Picture all = m_screen.Capture({left, top, width, height});
+    Position place = {-1, -1};
+    for (int x = 1; x < width && place.x < 0; ++x)
+        if (IsLine(all.Crop({x, 0, 1, height})))
+            place.x = left + x - 1;
+    for (int y = 1; y < height && place.y < 0; ++y)
+        if (IsLine(all.Crop({0, y, width, 1})))
+            place.y = top + y - 1;
+    return place.x < 0 || place.y < 0 ? std::nullopt : std::optional(place);
+}
+
 void OverlayWatcher::AskToClose() const
 {
     State state = State::Missing;
@@ -147,7 +168,7 @@ Area OverlayWatcher::GetVisiblePart() const
 
 bool OverlayWatcher::HasCrosshair(Position cursor) const
 {
-    if (GetState() != State::Visible)
+    if (!m_ground && GetState() != State::Visible)
         return false;
     const auto [left, top, width, height] = GetVisiblePart();
     const bool hasColumn = cursor.x + 1 < left + width ? IsLine(m_screen.Capture({cursor.x + 1, top, 1, height}))

@@ -54,6 +54,7 @@ bool RasterPainter::Render(Renderer& renderer)
         const Raster::PixelArea all = m_space.GetArea();
         m_surface.Present({{{all.left, all.top, all.right, all.bottom}}});
     }
+    m_surface.EndFrame();
     m_mustPaintAll = false;
     m_mustShowAll = false;
     return true;

@@ -42,4 +42,10 @@ void PixelSurface::Present(std::span<const Math::Rectangle> areas)
         m_memory->Present(areas);
 }
 
+void PixelSurface::EndFrame()
+{
+    if (m_memory)
+        m_memory->EndFrame();
+}
+
 } // namespace Orvik::System::Desktop

@@ -36,15 +36,20 @@ public:
     void Destroy() noexcept;
 
     /// Blue, green, red and alpha of each pixel, rows from the top, `GetStride` pixels from one to the next. Null
-    /// without memory. To be written between `BeginFrame` and `Present` alone.
+    /// without memory. To be written between `BeginFrame` and `EndFrame` alone,
+    /// and before it is presented.
     [[nodiscard]] std::uint32_t* GetPixels() const noexcept;
     [[nodiscard]] std::size_t GetStride() const noexcept;
 
     /// Waits until what was presented before has been read from the memory. False if the desktop is gone.
     [[nodiscard]] bool BeginFrame();
 
-    /// Shows parts of the memory, in pixels from its top left corner; they lie within it.
+    /// Shows parts of the memory, in pixels from its top left corner; they lie within it. Some desktops show them when
+    /// the frame ends.
     void Present(std::span<const Math::Rectangle> areas);
+
+    /// All parts of the frame have been presented. After it the memory may be another, with the same contents.
+    void EndFrame();
 
 private:
     std::unique_ptr<Desktops::PixelMemory> m_memory; ///< null before the first `Create`

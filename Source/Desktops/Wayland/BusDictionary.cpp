@@ -1,0 +1,48 @@
+#include "Desktops/Wayland/BusDictionary.h"
+
+#include <string_view>
+#include <systemd/sd-bus.h>
+
+namespace Orvik::Desktops::Wayland
+{
+
+BusDictionary::BusDictionary(sd_bus_message* message)
+{
+    if (sd_bus_message_enter_container(message, 'a', "{sv}") <= 0)
+        return;
+    while (sd_bus_message_enter_container(message, 'e', "sv") > 0)
+        if (!ReadEntry(message) || sd_bus_message_exit_container(message) < 0)
+            return;
+}
+
+bool BusDictionary::ReadEntry(sd_bus_message* message)
+{
+    const char* name = nullptr;
+    char type = 0;
+    const char* contents = nullptr;
+    if (sd_bus_message_read(message, "s", &name) <= 0 || sd_bus_message_peek_type(message, &type, &contents) <= 0)
+        return false;
+    if (std::string_view(contents) == "u")
+        return sd_bus_message_read(message, "v", "u", &m_numbers[name]) > 0;
+    if (std::string_view(contents) != "s")
+        return sd_bus_message_skip(message, "v") >= 0;
+    const char* text = nullptr;
+    if (sd_bus_message_read(message, "v", "s", &text) <= 0)
+        return false;
+    m_texts[name] = text;
+    return true;
+}
+
+std::optional<std::uint32_t> BusDictionary::GetNumber(const std::string& name) const
+{
+    const auto place = m_numbers.find(name);
+    return place != m_numbers.end() ? std::optional(place->second) : std::nullopt;
+}
+
+std::optional<std::string> BusDictionary::GetText(const std::string& name) const
+{
+    const auto place = m_texts.find(name);
+    return place != m_texts.end() ? std::optional(place->second) : std::nullopt;
+}
+
+} // namespace Orvik::Desktops::Wayland

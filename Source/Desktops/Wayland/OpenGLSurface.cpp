@@ -1,0 +1,82 @@
+#include "Desktops/Wayland/OpenGLSurface.h"
+
+#include "Desktops/Egl/EglConfigs.h"
+#include "Desktops/Wayland/Session.h"
+#include "Desktops/Wayland/WindowSurface.h"
+
+#define EGL_NO_X11
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+#include <utility>
+#include <vector>
+#include <wayland-egl.h>
+
+namespace Orvik::Desktops::Wayland
+{
+namespace
+{
+
+constexpr std::int32_t s_alphaBits = 8;
+/// A swap doesn't wait.
+constexpr std::int32_t s_swapInterval = 0;
+
+EGLSurface CreateSurface(EGLDisplay display, EGLConfig config, wl_egl_window* window)
+{
+    return eglCreatePlatformWindowSurface(display, config, window, nullptr);
+}
+
+} // namespace
+
+OpenGLSurface::OpenGLSurface(std::shared_ptr<Session> session) noexcept : m_session(std::move(session))
+{
+}
+
+OpenGLCreation OpenGLSurface::Create(NativeWindow window, const char* /*className*/)
+{
+    const bool isUsable = m_session != nullptr && m_session->connection->IsUsable();
+    WindowSurface* const surface = isUsable ? m_session->FindSurface(window) : nullptr;
+    if (surface == nullptr)
+        return {": Call to eglCreateWindowSurface failed.", {}};
+    EGLDisplay const display =
+        eglGetPlatformDisplay(EGL_PLATFORM_WAYLAND_KHR, m_session->connection->GetDisplay(), nullptr);
+    const std::vector<void*> configs =
+        Egl::InitializeDisplay(display) ? Egl::ChooseConfigs(display, s_alphaBits) : std::vector<void*>();
+    if (configs.empty())
+        return {": Missing an EGL configuration for OpenGL with 4 samples.", {}};
+    const WindowSize& size = surface->GetSize();
+    m_window = wl_egl_window_create(surface->GetProxy(), static_cast<int>(size.width), static_cast<int>(size.height));
+    OpenGLCreation creation =
+        m_context.Create(display, configs.front(), CreateSurface(display, configs.front(), m_window), s_swapInterval);
+    if (creation.failure != nullptr)
+    {
+        wl_egl_window_destroy(m_window);
+        m_window = nullptr;
+    }
+    else if (!creation.version.empty())
+        surface->SetTitle(creation.version);
+    return creation;
+}
+
+void OpenGLSurface::Destroy(NativeWindow /*window*/)
+{
+    m_context.Destroy();
+    wl_egl_window_destroy(std::exchange(m_window, nullptr));
+}
+
+// The driver commits the surface, with all that has been asked for it.
+void OpenGLSurface::SwapBuffers(NativeWindow window)
+{
+    WindowSurface* const surface = m_session->FindSurface(window);
+    if (surface == nullptr || !surface->AwaitFrame())
+        return;
+    surface->RequestFrame();
+    m_context.SwapBuffers();
+    surface->FinishFrame();
+}
+
+OpenGLFunction OpenGLSurface::FindFunction(const char* name) const
+{
+    return Egl::EglContext::FindFunction(name);
+}
+
+} // namespace Orvik::Desktops::Wayland
