@@ -8,4 +8,5 @@ find_package(Freetype REQUIRED)
 find_package(X11 REQUIRED COMPONENTS Xext Xtst Xrandr Xfixes Xi X11_xcb xcb)
 find_library(XCB_SHM_LIBRARY xcb-shm REQUIRED) # the module of CMake doesn't know it
 find_package(OpenGL REQUIRED COMPONENTS OpenGL EGL)
+find_path(KISSFFT_INCLUDE_DIR kissfft.hh PATH_SUFFIXES kissfft REQUIRED) # headers alone
 find_package(Threads REQUIRED)

@@ -16,7 +16,7 @@ textures=$root/Resources/UI/Textures
 
 packages=(
     cmake ninja-build g++ libc6-dev
-    libfmt-dev rapidjson-dev libpng-dev zlib1g-dev libdeflate-dev libfreetype-dev
+    libfmt-dev rapidjson-dev libpng-dev zlib1g-dev libdeflate-dev libfreetype-dev libkissfft-dev
     libx11-dev libx11-xcb-dev libxcb1-dev libxcb-shm0-dev libxext-dev libxtst-dev libxrandr-dev libxfixes-dev libxi-dev
     libegl-dev libgl-dev libopengl-dev
     libegl1 libopengl0 libgl1-mesa-dri
