@@ -126,7 +126,7 @@ ExitCode RunVerb(const Verb& verb, const std::vector<std::string>& words, const 
 
 const std::vector<Verb>& GetVerbs()
 {
-    static const std::vector<Verb> s_verbs = {GetCheckVerb()};
+    static const std::vector<Verb> s_verbs = {GetCheckVerb(), GetCropVerb(), GetMaskVerb(), GetDrawVerb(), GetSheetVerb()};
     return s_verbs;
 }
 

@@ -5,6 +5,7 @@
 #include "Data/Records/Folder.h"
 #include "Data/Records/PictureFile.h"
 #include "Data/Records/RecordReader.h"
+#include "Data/Run/OutputFiles.h"
 
 #include <fmt/format.h>
 
@@ -57,6 +58,27 @@ std::optional<RecordFile> ReadRecordFile(const std::filesystem::path& json, Find
 Progress MakeProgress(std::string_view title, std::size_t total)
 {
     return {std::string(title), total, *stderr, System::Processes::IsTerminalPlatform(*stderr)};
+}
+
+void RunIntoFolder(std::string_view verb, const Arguments& arguments, const FolderWork& work, std::string_view figure,
+                   std::string_view title, Report& report)
+{
+    std::vector<std::string> folders = arguments.operands;
+    const std::filesystem::path target = System::Text::PathFromUtf8(folders.back());
+    folders.pop_back();
+    const std::vector<std::filesystem::path> files = ListRecordFiles(folders, report);
+    const std::string error = MakeFolder(target);
+    if (!error.empty())
+    {
+        report.Fail(target, error);
+        return;
+    }
+    std::int64_t written = 0;
+    RunRecords<std::int64_t>(
+        verb, files, [&](const RecordFile& file, Findings& findings) { return work(file, target, findings); },
+        [&written](std::int64_t count) { written += count; }, report);
+    report.AddFigure("files", "files", static_cast<std::int64_t>(files.size()));
+    report.AddFigure(figure, title, written);
 }
 
 } // namespace Orvik::Data

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Data/Records/Record.h"
+#include "Data/Run/Arguments.h"
 #include "Data/Run/Ordered.h"
 #include "Data/Run/Progress.h"
 #include "Data/Run/Report.h"
@@ -104,5 +105,14 @@ void RunRecords(std::string_view title, const std::vector<std::filesystem::path>
         },
         report);
 }
+
+/// What `work` does with one file for the folder that the results go to, and how many it has written there.
+using FolderWork = std::function<std::int64_t(const RecordFile& file, const std::filesystem::path& folder,
+                                              Findings& findings)>;
+
+/// Does `work` for each JSON file of all operands but the last one, which is the folder for the results. Reports the
+/// number of files, and under `figure` what was written in all.
+void RunIntoFolder(std::string_view verb, const Arguments& arguments, const FolderWork& work, std::string_view figure,
+                   std::string_view title, Report& report);
 
 } // namespace Orvik::Data
