@@ -126,7 +126,7 @@ ExitCode RunVerb(const Verb& verb, const std::vector<std::string>& words, const 
 
 const std::vector<Verb>& GetVerbs()
 {
-    static const std::vector<Verb> s_verbs = {GetCheckVerb(), GetCropVerb(), GetMaskVerb(), GetDrawVerb(), GetSheetVerb()};
+    static const std::vector<Verb> s_verbs = {GetCheckVerb(), GetCropVerb(), GetMaskVerb(), GetDrawVerb(), GetSheetVerb(), GetExportVerb(), GetImportVerb()};
     return s_verbs;
 }
 

@@ -126,7 +126,7 @@ std::optional<PictureHeader> ReadPictureHeader(const std::filesystem::path& path
     }
     if (width < 1 || width > maximum || height < 1 || height > maximum)
         return std::nullopt;
-    return PictureHeader{static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
+    return PictureHeader{static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), IsPng(*head)};
 }
 
 std::optional<Bitmap> LoadPicture(const std::filesystem::path& path)

@@ -14,6 +14,7 @@ struct PictureHeader
 {
     std::int32_t width = 0;
     std::int32_t height = 0;
+    bool isPng = false; ///< else it is a BMP
 };
 
 /// Reads the beginning of a PNG or BMP file, whatever its name. Nothing if it is neither, or no regular file.
