@@ -102,10 +102,12 @@ ExitCode RunVerb(const Verb& verb, const std::vector<std::string>& words, const 
         return ExitCode::Done;
     }
     Report::Streams own = streams;
+    const std::string_view name = verb.spec.name;
     // Findings are what this verb is asked for.
-    if (std::string_view(verb.spec.name) == "check")
+    if (name == "check")
         own.findings = streams.output;
-    Report report(verb.spec.name, parsed.arguments.Has("--json"), own);
+    const bool isJson = parsed.arguments.Has("--json") || name == "find";
+    Report report(name, isJson, own);
     std::string error;
     try
     {
@@ -126,7 +128,7 @@ ExitCode RunVerb(const Verb& verb, const std::vector<std::string>& words, const 
 
 const std::vector<Verb>& GetVerbs()
 {
-    static const std::vector<Verb> s_verbs = {GetCheckVerb(), GetCropVerb(), GetMaskVerb(), GetDrawVerb(), GetSheetVerb(), GetExportVerb(), GetImportVerb()};
+    static const std::vector<Verb> s_verbs = {GetCheckVerb(), GetCropVerb(), GetMaskVerb(), GetDrawVerb(), GetSheetVerb(), GetExportVerb(), GetImportVerb(), GetStatsVerb(), GetFindVerb()};
     return s_verbs;
 }
 

@@ -97,6 +97,11 @@ void Report::Fail(const std::filesystem::path& file, std::string_view message)
     m_exitCode = ExitCode::CannotRun;
 }
 
+void Report::RaiseExitCode(ExitCode code)
+{
+    m_exitCode = std::max(m_exitCode, code);
+}
+
 void Report::EndFindings()
 {
     if (m_isInFindings)

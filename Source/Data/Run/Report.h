@@ -53,6 +53,8 @@ public:
     /// Ends the output. False if not all of it could be written.
     [[nodiscard]] bool Finish();
 
+    /// The run ends with this code, or a higher one.
+    void RaiseExitCode(ExitCode code);
     [[nodiscard]] ExitCode GetExitCode() const { return m_exitCode; }
 
 private:
