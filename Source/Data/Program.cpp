@@ -128,7 +128,9 @@ ExitCode RunVerb(const Verb& verb, const std::vector<std::string>& words, const 
 
 const std::vector<Verb>& GetVerbs()
 {
-    static const std::vector<Verb> s_verbs = {GetCheckVerb(), GetCropVerb(), GetMaskVerb(), GetDrawVerb(), GetSheetVerb(), GetExportVerb(), GetImportVerb(), GetStatsVerb(), GetFindVerb()};
+    static const std::vector<Verb> s_verbs = {GetCheckVerb(),  GetCropVerb(),  GetMaskVerb(),
+                                              GetDrawVerb(),   GetSheetVerb(), GetExportVerb(),
+                                              GetImportVerb(), GetStatsVerb(), GetFindVerb()};
     return s_verbs;
 }
 

@@ -74,8 +74,8 @@ std::string MakeImage(const ExportedPicture& picture, std::int64_t id)
 std::string MakeAnnotation(const Annotation& annotation, std::size_t category, std::int64_t imageId, std::int64_t id)
 {
     const System::Math::Rectangle& box = annotation.box;
-    const std::int64_t area = annotation.ring.empty() ? std::int64_t{box.GetWidth()} * box.GetHeight() * 2
-                                                      : GetDoubleArea(annotation.ring);
+    const std::int64_t area =
+        annotation.ring.empty() ? std::int64_t{box.GetWidth()} * box.GetHeight() * 2 : GetDoubleArea(annotation.ring);
     rapidjson::StringBuffer buffer;
     Writer writer(buffer);
     writer.StartObject();
@@ -84,8 +84,8 @@ std::string MakeAnnotation(const Annotation& annotation, std::size_t category, s
     WriteNumber(writer, "category_id", static_cast<std::int64_t>(category) + 1);
     writer.Key("bbox");
     writer.StartArray();
-    for (const std::int64_t number : {std::int64_t{box.left}, std::int64_t{box.top}, std::int64_t{box.GetWidth()},
-                                      std::int64_t{box.GetHeight()}})
+    for (const std::int64_t number :
+         {std::int64_t{box.left}, std::int64_t{box.top}, std::int64_t{box.GetWidth()}, std::int64_t{box.GetHeight()}})
         writer.Int64(number);
     writer.EndArray();
     writer.Key("area");
@@ -123,10 +123,9 @@ public:
         for (std::size_t i = 0; i < picture.classes.size(); ++i)
         {
             const char* const lineBreak = m_annotationCount == 0 ? "\n" : ",\n";
-            isWritten = isWritten &&
-                        m_annotations.Write(lineBreak + MakeAnnotation(picture.record.annotations[i],
-                                                                       picture.classes[i], m_imageCount,
-                                                                       ++m_annotationCount));
+            isWritten = isWritten && m_annotations.Write(lineBreak + MakeAnnotation(picture.record.annotations[i],
+                                                                                    picture.classes[i], m_imageCount,
+                                                                                    ++m_annotationCount));
         }
         return isWritten;
     }
@@ -174,8 +173,8 @@ public:
         if (!target.isSplit)
             return;
         for (const char* const name : {"train", "val", "test"})
-            m_parts.push_back(std::make_unique<CocoFile>(
-                target.folder / fmt::format("annotations-{}.json", name), target.classes));
+            m_parts.push_back(
+                std::make_unique<CocoFile>(target.folder / fmt::format("annotations-{}.json", name), target.classes));
     }
 
     std::string Begin() override

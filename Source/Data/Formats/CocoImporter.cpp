@@ -84,8 +84,14 @@ public:
     ImportedPicture Get(std::size_t index) const override
     {
         const Image& image = m_images[index];
-        ImportedPicture picture{m_folder / "images" / Sanitize(image.name), image.name, image.time, image.width,
-                                image.height, {}, image.leftOut, image.error};
+        ImportedPicture picture{m_folder / "images" / Sanitize(image.name),
+                                image.name,
+                                image.time,
+                                image.width,
+                                image.height,
+                                {},
+                                image.leftOut,
+                                image.error};
         if (!IsRelativePath(image.name))
         {
             picture.error = "the data set gives a picture a name that can't be used";
@@ -150,8 +156,13 @@ private:
         if (!m_imageNumbers.emplace(*id, m_images.size()).second)
             return fmt::format("picture {} is there twice", *id);
         const std::string time = GetText(value, "date_captured");
-        m_images.push_back({GetText(value, "file_name"), IsTime(time) ? time : "", GetSize(value, "width"),
-                            GetSize(value, "height"), 0, {}, {}});
+        m_images.push_back({GetText(value, "file_name"),
+                            IsTime(time) ? time : "",
+                            GetSize(value, "width"),
+                            GetSize(value, "height"),
+                            0,
+                            {},
+                            {}});
         return {};
     }
 

@@ -20,8 +20,8 @@ struct ImportedPicture
     std::int32_t width = 0;       ///< as the data set says it; 0 if it doesn't
     std::int32_t height = 0;
     std::vector<Annotation> annotations; ///< without identifiers
-    std::size_t leftOut = 0;             ///< rings that a file of the program can't hold: several parts, or rows of pixels
-    std::string error;                   ///< what is wrong with it; empty if nothing
+    std::size_t leftOut = 0; ///< rings that a file of the program can't hold: several parts, or rows of pixels
+    std::string error;       ///< what is wrong with it; empty if nothing
 };
 
 /// One format of data sets, open for reading.

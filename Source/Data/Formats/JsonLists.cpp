@@ -127,7 +127,7 @@ private:
     }
 
     const std::vector<std::pair<std::string, TakeJsonObject>>& m_lists;
-    std::array<char, std::size_t{64} * 1024> m_buffer = {};
+    std::array<char, std::size_t{64}* 1024> m_buffer = {};
     LimitedStream m_stream;
     bool m_hasMembers = false;
 };

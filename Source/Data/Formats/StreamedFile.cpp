@@ -46,7 +46,7 @@ bool StreamedFile::Append(StreamedFile& other)
     bool isDone = other.CloseFile();
     {
         const System::Text::File file = System::Text::OpenFile(other.m_work, "rb");
-        std::array<char, std::size_t{64} * 1024> block = {};
+        std::array<char, std::size_t{64}* 1024> block = {};
         std::size_t count = 0;
         while (isDone && file != nullptr && (count = std::fread(block.data(), 1, block.size(), file.get())) > 0)
             isDone = Write({block.data(), count});

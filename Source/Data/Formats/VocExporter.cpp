@@ -78,15 +78,16 @@ class VocExporter : public Exporter
 {
 public:
     VocExporter(const ExportTarget& target, bool isZeroBased)
-        : m_target(target), m_first(isZeroBased ? 0 : 1),
+        : m_target(target),
+          m_first(isZeroBased ? 0 : 1),
           m_lists(target.folder / "ImageSets" / "Main", MakeLists(target.isSplit))
     {
     }
 
     std::string Begin() override
     {
-        for (const fs::path& folder : {m_target.folder / "JPEGImages", m_target.folder / "Annotations",
-                                       m_target.folder / "ImageSets" / "Main"})
+        for (const fs::path& folder :
+             {m_target.folder / "JPEGImages", m_target.folder / "Annotations", m_target.folder / "ImageSets" / "Main"})
         {
             std::string error = MakeFolder(folder);
             if (!error.empty())

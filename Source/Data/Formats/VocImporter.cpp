@@ -114,9 +114,8 @@ private:
         const std::optional<std::int32_t> right = GetPixels(*bounds, "xmax", 0);
         const std::optional<std::int32_t> bottom = GetPixels(*bounds, "ymax", 0);
         const std::optional<System::Math::Rectangle> box =
-            left && top && right && bottom
-                ? FitBox({*left, *top, *right, *bottom}, picture.width, picture.height)
-                : std::nullopt;
+            left && top && right && bottom ? FitBox({*left, *top, *right, *bottom}, picture.width, picture.height)
+                                           : std::nullopt;
         if (!box)
             return "the box of an object is empty, or doesn't lie within the picture";
         annotation.box = *box;

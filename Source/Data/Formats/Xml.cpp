@@ -236,8 +236,8 @@ private:
         m_text.remove_prefix(end + 1);
         if (name.starts_with('#'))
             return AppendNumber(text, name.substr(1));
-        const auto* const known =
-            std::find_if(s_entities.begin(), s_entities.end(), [name](const auto& entity) { return entity.first == name; });
+        const auto* const known = std::find_if(s_entities.begin(), s_entities.end(),
+                                               [name](const auto& entity) { return entity.first == name; });
         if (known == s_entities.end())
             return false;
         text += known->second;

@@ -78,11 +78,11 @@ class YoloExporter : public Exporter
 {
 public:
     explicit YoloExporter(const ExportTarget& target)
-        : m_target(target), m_lists(target.folder,
-                                    target.isSplit ? std::vector<SetLists::List>{{"train.txt", {Subset::Train}},
-                                                                                 {"val.txt", {Subset::Validation}},
-                                                                                 {"test.txt", {Subset::Test}}}
-                                                   : std::vector<SetLists::List>())
+        : m_target(target),
+          m_lists(target.folder, target.isSplit ? std::vector<SetLists::List>{{"train.txt", {Subset::Train}},
+                                                                              {"val.txt", {Subset::Validation}},
+                                                                              {"test.txt", {Subset::Test}}}
+                                                : std::vector<SetLists::List>())
     {
     }
 

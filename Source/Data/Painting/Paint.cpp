@@ -36,7 +36,8 @@ void DrawLine(Bitmap& picture, const Point& from, const Point& to, const Colour&
         const auto along = [&](std::int32_t first, std::int32_t last)
         {
             const std::int64_t way = std::int64_t{last - first} * step * 2 + steps;
-            const std::int64_t whole = steps > 0 ? (way - (way < 0 ? 2 * steps - 1 : 0)) / (2 * std::int64_t{steps}) : 0;
+            const std::int64_t whole =
+                steps > 0 ? (way - (way < 0 ? 2 * steps - 1 : 0)) / (2 * std::int64_t{steps}) : 0;
             return first + static_cast<std::int32_t>(whole);
         };
         const std::int32_t x = along(from.x, to.x) - before;

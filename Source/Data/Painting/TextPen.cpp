@@ -25,15 +25,15 @@ void PaintGlyph(System::Multimedia::Bitmap& picture, std::int32_t x, std::int32_
         for (std::uint32_t column = 0; column < glyph.width; ++column)
         {
             const std::uint32_t cover = glyph.coverage[std::size_t{row} * glyph.width + column];
-            MixPixel(picture, x + static_cast<std::int32_t>(column), y + static_cast<std::int32_t>(row), colour,
-                     cover);
+            MixPixel(picture, x + static_cast<std::int32_t>(column), y + static_cast<std::int32_t>(row), colour, cover);
         }
 }
 
 } // namespace
 
 TextPen::TextPen(FontFile font, std::uint32_t pixelSize)
-    : m_font(std::move(font)), m_height(static_cast<std::int32_t>(pixelSize * 5 / 4)),
+    : m_font(std::move(font)),
+      m_height(static_cast<std::int32_t>(pixelSize * 5 / 4)),
       m_ascent(static_cast<std::int32_t>(pixelSize))
 {
 }

@@ -37,7 +37,8 @@ bool IsLike(std::string_view text, std::string_view pattern, bool (*isAny)(char)
 
 bool HasControls(std::string_view text)
 {
-    return std::any_of(text.begin(), text.end(), [](char character)
+    return std::any_of(text.begin(), text.end(),
+                       [](char character)
                        { return static_cast<unsigned char>(character) < ' ' || character == '\x7F'; });
 }
 

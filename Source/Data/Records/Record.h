@@ -24,10 +24,10 @@ using Ring = std::vector<System::Math::Point>;
 /// One region of a picture.
 struct Annotation
 {
-    std::string id;               ///< a UUID in braces
-    System::Math::Rectangle box;  ///< pixels of the picture; `right` and `bottom` are the first ones outside
-    std::string label;            ///< empty if there is none
-    Ring ring;                    ///< within the box, and reaching its four sides
+    std::string id;              ///< a UUID in braces
+    System::Math::Rectangle box; ///< pixels of the picture; `right` and `bottom` are the first ones outside
+    std::string label;           ///< empty if there is none
+    Ring ring;                   ///< within the box, and reaching its four sides
 
     bool operator==(const Annotation&) const = default;
 };

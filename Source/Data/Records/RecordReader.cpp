@@ -138,8 +138,8 @@ ReadRecord ParseRecord(const std::string& text, const RecordSchemas& schemas)
     rapidjson::Document document;
     const System::Runtime::JsonParseResult parsed = System::Runtime::ParseJson(text, document);
     if (parsed.error != rapidjson::kParseErrorNone)
-        return Fail(fmt::format("isn't JSON: byte {}: {}", parsed.offset,
-                                System::Runtime::GetParseErrorText(parsed.error)));
+        return Fail(
+            fmt::format("isn't JSON: byte {}: {}", parsed.offset, System::Runtime::GetParseErrorText(parsed.error)));
     if (!document.IsObject())
         return Fail("isn't a JSON object");
     if (!System::Runtime::IsShallow(document))
@@ -171,7 +171,7 @@ std::optional<std::string> ReadTextFile(const std::filesystem::path& path, std::
     if (file == nullptr)
         return std::nullopt;
     std::string text;
-    std::array<char, std::size_t{64} * 1024> block = {};
+    std::array<char, std::size_t{64}* 1024> block = {};
     std::size_t count = 0;
     while ((count = std::fread(block.data(), 1, block.size(), file.get())) > 0)
     {

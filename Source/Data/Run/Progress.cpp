@@ -16,7 +16,10 @@ constexpr std::size_t s_barLength = 30;
 } // namespace
 
 Progress::Progress(std::string title, std::size_t total, std::FILE& stream, bool isTerminal)
-    : m_title(std::move(title)), m_total(total), m_stream(stream), m_isTerminal(isTerminal),
+    : m_title(std::move(title)),
+      m_total(total),
+      m_stream(stream),
+      m_isTerminal(isTerminal),
       m_next(std::chrono::steady_clock::now() + s_quietBegin)
 {
 }

@@ -36,7 +36,7 @@ struct Report::Writer
 {
     explicit Writer(std::FILE* file) : stream(file, buffer.data(), buffer.size()), json(stream) {}
 
-    std::array<char, std::size_t{16} * 1024> buffer = {};
+    std::array<char, std::size_t{16}* 1024> buffer = {};
     rapidjson::FileWriteStream stream;
     rapidjson::Writer<rapidjson::FileWriteStream> json;
 };

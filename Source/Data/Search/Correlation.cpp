@@ -38,8 +38,10 @@ void SortByScore(std::vector<FoundPlace>& places)
 bool IsPeak(const std::vector<float>& scores, const TileScores::Tile& tile, std::int32_t x, std::int32_t y)
 {
     const auto get = [&](std::int32_t column, std::int32_t row)
-    { return scores[static_cast<std::size_t>(row) * static_cast<std::size_t>(tile.width) +
-                    static_cast<std::size_t>(column)]; };
+    {
+        return scores[static_cast<std::size_t>(row) * static_cast<std::size_t>(tile.width) +
+                      static_cast<std::size_t>(column)];
+    };
     const float own = get(x, y);
     for (std::int32_t row = std::max(y - 1, 0); row <= std::min(y + 1, tile.height - 1); ++row)
         for (std::int32_t column = std::max(x - 1, 0); column <= std::min(x + 1, tile.width - 1); ++column)
@@ -70,8 +72,7 @@ std::vector<FoundPlace> ThinOut(const std::vector<FoundPlace>& places, const Sea
         if (kept.size() == most)
             return kept;
         const bool isBeside = std::any_of(kept.begin(), kept.end(),
-                                          [&](const FoundPlace& better)
-                                          {
+                                          [&](const FoundPlace& better) {
                                               return std::abs(better.x - place.x) * 2 < wanted.width &&
                                                      std::abs(better.y - place.y) * 2 < wanted.height;
                                           });

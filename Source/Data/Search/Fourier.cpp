@@ -46,7 +46,8 @@ struct Fourier::Plans
 };
 
 Fourier::Fourier(std::size_t width, std::size_t height)
-    : m_width(width), m_height(height),
+    : m_width(width),
+      m_height(height),
       m_plans(std::make_unique<const Plans>(
           Plans{Plan(width, false), Plan(height, false), Plan(width, true), Plan(height, true)}))
 {

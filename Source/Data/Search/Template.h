@@ -40,10 +40,7 @@ struct SearchTemplate
     std::vector<CountedRun> runs; ///< from the top, from the left
     std::int64_t counted = 0;     ///< pixels in them
 
-    [[nodiscard]] bool IsMasked() const
-    {
-        return counted < std::int64_t{picture.width} * picture.height;
-    }
+    [[nodiscard]] bool IsMasked() const { return counted < std::int64_t{picture.width} * picture.height; }
 };
 
 /// Of pictures with 32 bits to the pixel.

@@ -33,8 +33,9 @@ float GetPart(const Complex& value, std::size_t part)
 } // namespace
 
 TileScores::TileScores(const SearchTemplate& wanted, const SearchPicture& picture)
-    : m_wanted(wanted), m_picture(picture), m_fourier(ChooseLength(wanted.picture.width, picture.width),
-                                                      ChooseLength(wanted.picture.height, picture.height))
+    : m_wanted(wanted),
+      m_picture(picture),
+      m_fourier(ChooseLength(wanted.picture.width, picture.width), ChooseLength(wanted.picture.height, picture.height))
 {
     MakeTiles();
     MakeSpectra();
@@ -102,8 +103,7 @@ static ComplexArea MakeAreaOf(const std::array<TileScores::Tile, 2>& pair, const
         if (tile.width == 0)
             continue;
         const std::int32_t right = std::min(tile.left + static_cast<std::int32_t>(fourier.GetWidth()), picture.width);
-        const std::int32_t bottom =
-            std::min(tile.top + static_cast<std::int32_t>(fourier.GetHeight()), picture.height);
+        const std::int32_t bottom = std::min(tile.top + static_cast<std::int32_t>(fourier.GetHeight()), picture.height);
         for (std::int32_t y = tile.top; y < bottom; ++y)
         {
             const SearchPixel* const row = picture.GetRow(y);
@@ -120,7 +120,8 @@ static ComplexArea MakeAreaOf(const std::array<TileScores::Tile, 2>& pair, const
 
 ComplexArea TileScores::MakeArea(const std::array<Tile, 2>& pair, std::size_t channel) const
 {
-    return MakeAreaOf(pair, m_picture, m_fourier, [channel](SearchPixel pixel)
+    return MakeAreaOf(pair, m_picture, m_fourier,
+                      [channel](SearchPixel pixel)
                       { return static_cast<float>(GetChannel(pixel, channel)) - s_middle; });
 }
 
@@ -249,8 +250,7 @@ TileScores::Scores TileScores::Correlate(const std::array<Tile, 2>& pair) const
         spreads = {SumSpread(pair[0]), pair[1].width > 0 ? SumSpread(pair[1]) : std::vector<double>()};
 
     ComplexArea sums;
-    m_fourier.Inverse(products, sums,
-                      m_fourier.GetHeight() - static_cast<std::size_t>(m_wanted.picture.height) + 1);
+    m_fourier.Inverse(products, sums, m_fourier.GetHeight() - static_cast<std::size_t>(m_wanted.picture.height) + 1);
     Scores scores;
     for (std::size_t part = 0; part < pair.size(); ++part)
     {
@@ -260,8 +260,8 @@ TileScores::Scores TileScores::Correlate(const std::array<Tile, 2>& pair) const
         {
             const double product = GetPart(sums[i / width * m_fourier.GetWidth() + i % width], part);
             const double spread = spreads[part][i];
-            scores[part].push_back(
-                spread > s_leastSpread ? static_cast<float>(product / std::sqrt(spread * m_energy)) : 0.0F);
+            scores[part].push_back(spread > s_leastSpread ? static_cast<float>(product / std::sqrt(spread * m_energy))
+                                                          : 0.0F);
         }
     }
     return scores;

@@ -12,8 +12,8 @@ namespace Orvik::Data
 {
 
 /// Correlates a template with a picture, tile by tile: a tile is as large as the transform, and overlaps the next one
-/// by the template. The sums of products go through the transform; the spread of the pixels under the template is summed
-/// as it is, unless a mask makes that take a transform too. On any number of threads at once.
+/// by the template. The sums of products go through the transform; the spread of the pixels under the template is
+/// summed as it is, unless a mask makes that take a transform too. On any number of threads at once.
 class TileScores
 {
 public:

@@ -53,7 +53,8 @@ std::string Run(const Arguments& arguments, Report& report)
     const OutputFiles output(arguments.Has("--force"));
     const bool isWhole = arguments.Has("--keep-mask");
     RunIntoFolder(
-        "crop", arguments, [&](const RecordFile& file, const std::filesystem::path& folder, Findings& findings)
+        "crop", arguments,
+        [&](const RecordFile& file, const std::filesystem::path& folder, Findings& findings)
         { return CropFile(file, folder, isWhole, output, findings); },
         "pictures", "pictures written", report);
     return {};

@@ -38,7 +38,8 @@ std::string Run(const Arguments& arguments, Report& report)
         report.AddFinding("Mulish-Regular.ttf", "the font isn't there; the pictures bear no names");
     const OutputFiles output(arguments.Has("--force"));
     RunIntoFolder(
-        "draw", arguments, [&](const RecordFile& file, const std::filesystem::path& folder, Findings& findings)
+        "draw", arguments,
+        [&](const RecordFile& file, const std::filesystem::path& folder, Findings& findings)
         { return DrawFile(file, folder, hasText, output, findings) ? 1 : 0; },
         "pictures", "pictures written", report);
     return {};

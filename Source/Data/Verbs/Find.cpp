@@ -55,8 +55,7 @@ std::string Run(const Arguments& arguments, Report& report)
     if (!score)
         return "--score takes a number above 0, up to 1";
     std::string error;
-    const auto most =
-        static_cast<std::size_t>(GetInteger(arguments, "--limit", s_mostPlaces, 1, 100'000, error));
+    const auto most = static_cast<std::size_t>(GetInteger(arguments, "--limit", s_mostPlaces, 1, 100'000, error));
     if (!error.empty())
         return error;
     const std::optional<System::Multimedia::Bitmap> small = Load(arguments.operands[0], report);

@@ -91,7 +91,8 @@ std::string Run(const Arguments& arguments, Report& report)
     const OutputFiles output(arguments.Has("--force"));
     const bool isCropped = arguments.Has("--crop");
     RunIntoFolder(
-        "mask", arguments, [&](const RecordFile& file, const std::filesystem::path& folder, Findings& findings)
+        "mask", arguments,
+        [&](const RecordFile& file, const std::filesystem::path& folder, Findings& findings)
         { return MaskFile(file, folder, isCropped, output, findings); },
         "masks", "masks written", report);
     return {};

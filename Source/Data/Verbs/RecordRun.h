@@ -107,8 +107,8 @@ void RunRecords(std::string_view title, const std::vector<std::filesystem::path>
 }
 
 /// What `work` does with one file for the folder that the results go to, and how many it has written there.
-using FolderWork = std::function<std::int64_t(const RecordFile& file, const std::filesystem::path& folder,
-                                              Findings& findings)>;
+using FolderWork =
+    std::function<std::int64_t(const RecordFile& file, const std::filesystem::path& folder, Findings& findings)>;
 
 /// Does `work` for each JSON file of all operands but the last one, which is the folder for the results. Reports the
 /// number of files, and under `figure` what was written in all.

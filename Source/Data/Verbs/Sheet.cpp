@@ -25,7 +25,7 @@ constexpr Colour s_captionColour = {220, 220, 220};
 /// What one sheet looks like.
 struct Layout
 {
-    std::int32_t size;    ///< of a small picture's longer side at most, pixels
+    std::int32_t size; ///< of a small picture's longer side at most, pixels
     std::int32_t columns;
     std::int32_t rows;
 
@@ -87,7 +87,10 @@ class Sheets
 {
 public:
     Sheets(std::filesystem::path path, const Layout& layout, const OutputFiles& output, Report& report)
-        : m_path(std::move(path)), m_layout(layout), m_output(output), m_report(report),
+        : m_path(std::move(path)),
+          m_layout(layout),
+          m_output(output),
+          m_report(report),
           m_pen(TextPen::Open(s_textSize))
     {
     }

@@ -37,16 +37,16 @@ void AddTable(Report& report, const char* name, const std::string& title, const 
     report.AddLine("");
     report.AddLine(title);
     for (const Column& column : columns)
-        report.AddLine(fmt::format("  {:<28} {}", column.name.empty() ? "(no label)" : MakeShowable(column.name),
-                                   column.count));
+        report.AddLine(
+            fmt::format("  {:<28} {}", column.name.empty() ? "(no label)" : MakeShowable(column.name), column.count));
 }
 
 void AddPixels(Report& report, const char* name, const PixelCounts& counts)
 {
     report.AddJson(name, fmt::format("{{\"least\":{},\"median\":{},\"most\":{}}}", counts.GetLeast(),
                                      counts.GetMedian(), counts.GetMost()));
-    report.AddLine(fmt::format("{}: {} to {} pixels, median {}", name, counts.GetLeast(), counts.GetMost(),
-                               counts.GetMedian()));
+    report.AddLine(
+        fmt::format("{}: {} to {} pixels, median {}", name, counts.GetLeast(), counts.GetMost(), counts.GetMedian()));
 }
 
 std::string Run(const Arguments& arguments, Report& report)

@@ -109,7 +109,8 @@ std::vector<Column> StatsCounts::GetLabels() const
     std::vector<Column> columns;
     for (const auto& [name, count] : m_labels)
         columns.push_back({name, count});
-    std::stable_sort(columns.begin(), columns.end(), [](const Column& a, const Column& b) { return a.count > b.count; });
+    std::stable_sort(columns.begin(), columns.end(),
+                     [](const Column& a, const Column& b) { return a.count > b.count; });
     return columns;
 }
 
@@ -117,7 +118,7 @@ std::vector<Column> StatsCounts::GetSizes() const
 {
     std::vector<Column> columns;
     for (std::size_t step = 0; step < m_sizes.size(); ++step)
-        columns.push_back({fmt::format("{}-{}", 1U << step, (2U << step) - 1), m_sizes[step]});
+        columns.push_back({step == 0 ? "1" : fmt::format("{}-{}", 1U << step, (2U << step) - 1), m_sizes[step]});
     while (columns.size() > 1 && columns.back().count == 0)
         columns.pop_back();
     return columns;
