@@ -69,7 +69,7 @@ TEST(Paint, ARingGoesFromCornerToCorner)
     EXPECT_EQ(Show(bitmap), "#####\n.#..#\n..#.#\n...##\n....#\n");
     Bitmap other = MakeBlack(5, 5);
     DrawRing(other, {{4, 4}, {0, 2}}, s_colour, 1);
-    EXPECT_EQ(Show(other), ".....\n.....\n##...\n..##.\n....#\n");
+    EXPECT_EQ(Show(other), ".....\n.....\n#....\n.##..\n...##\n");
 }
 
 TEST(Paint, APictureIsPutWhereItFits)

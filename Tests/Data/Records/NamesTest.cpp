@@ -29,7 +29,7 @@ TEST(Names, IdentifiersFollowFromTexts)
     EXPECT_EQ(made.size(), 10'000U);
     EXPECT_EQ(MakeIdentifier("a.png"), MakeIdentifier("a.png"));
     // Written down, since data sets rely on it.
-    EXPECT_EQ(MakeIdentifier("a.png"), "@A_PNG@");
+    EXPECT_EQ(MakeIdentifier("a.png"), "{42AE0479-4E44-4603-B626-FCD70D34539A}");
 }
 
 TEST(Names, TimesHaveSevenDigitsOfTheSecond)

@@ -130,7 +130,7 @@ TEST(Correlation, ANoisyTemplateIsFoundWhereItWasCut)
 
 TEST(Correlation, ThePicturesEdgesAreReached)
 {
-    const Bitmap picture = Tests::MakeSamplePicture("photo", 300, 280);
+    const Bitmap picture = Tests::MakeSamplePicture("noise", 300, 280);
     for (const auto& [x, y] : {std::pair(0, 0), std::pair(280, 0), std::pair(0, 264), std::pair(280, 264)})
     {
         const Bitmap wanted = AddNoise(picture.Crop(x, y, 20, 16), 4);

@@ -52,7 +52,12 @@ protected:
         return Import("voc");
     }
 
-    [[nodiscard]] std::size_t CountBack() const { return CountFiles(m_directory.GetPath() / "back"); }
+    /// Files that came; the list of the classes comes in any case.
+    [[nodiscard]] std::size_t CountBack() const
+    {
+        const fs::path back = m_directory.GetPath() / "back";
+        return CountFiles(back) - (fs::exists(back / "classes.txt") ? 1 : 0);
+    }
 
     /// The only annotation that came.
     [[nodiscard]] Annotation GetOnly() const
