@@ -39,7 +39,7 @@ std::int64_t GetDoubleArea(const Ring& ring)
     return std::abs(sum);
 }
 
-/// One list of the corners without the last, which repeats the first; none for a rectangle.
+/// One list of the corners; none for a rectangle.
 void WriteSegmentation(Writer& writer, const Ring& ring)
 {
     writer.Key("segmentation");
@@ -47,10 +47,10 @@ void WriteSegmentation(Writer& writer, const Ring& ring)
     if (!ring.empty())
     {
         writer.StartArray();
-        for (std::size_t i = 0; i + 1 < ring.size(); ++i)
+        for (const System::Math::Point& corner : GetOpenRing(ring))
         {
-            writer.Int(ring[i].x);
-            writer.Int(ring[i].y);
+            writer.Int(corner.x);
+            writer.Int(corner.y);
         }
         writer.EndArray();
     }

@@ -44,7 +44,7 @@ std::optional<System::Math::Rectangle> FitBox(System::Math::Rectangle box, std::
 bool TakeRing(Annotation& annotation, Ring ring, std::int32_t width, std::int32_t height)
 {
     constexpr std::size_t fewestCorners = 3;
-    if (ring.size() < fewestCorners || ring.size() >= s_maxCorners)
+    if (ring.size() < fewestCorners || ring.size() > s_maxCorners)
         return false;
     for (System::Math::Point& corner : ring)
         if (!FitEdge(corner.x, width) || !FitEdge(corner.y, height))
@@ -52,7 +52,8 @@ bool TakeRing(Annotation& annotation, Ring ring, std::int32_t width, std::int32_
     if (ring.front() != ring.back())
         ring.push_back(ring.front());
     const System::Math::Rectangle bounds = GetBounds(ring);
-    if (bounds.left >= bounds.right || bounds.top >= bounds.bottom || ring.size() <= fewestCorners)
+    if (bounds.left >= bounds.right || bounds.top >= bounds.bottom || ring.size() <= fewestCorners ||
+        ring.size() > s_maxCorners)
         return false;
     annotation.box = bounds;
     annotation.ring = std::move(ring);

@@ -53,7 +53,7 @@ std::string MakeSegmentLine(std::size_t number, const Annotation& annotation, co
     if (ring.empty())
         ring = corners;
     else if (ring.size() != corners.size() + 1 || !std::equal(corners.begin(), corners.end(), ring.begin()))
-        ring.pop_back();
+        ring = GetOpenRing(ring);
     std::string line = std::to_string(number);
     for (const System::Math::Point& corner : ring)
         AddCorner(line, corner, record);

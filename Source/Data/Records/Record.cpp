@@ -5,6 +5,14 @@
 namespace Orvik::Data
 {
 
+Ring GetOpenRing(const Ring& ring)
+{
+    Ring open = ring;
+    if (ring.size() > 1 && ring[ring.size() - 2] != ring.front())
+        open.pop_back();
+    return open;
+}
+
 System::Math::Rectangle GetBounds(const Ring& ring)
 {
     if (ring.empty())

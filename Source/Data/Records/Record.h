@@ -51,6 +51,10 @@ struct Record
     bool operator==(const Record&) const = default;
 };
 
+/// The corners for formats that close a ring themselves: without the last one, which repeats the first. A ring whose
+/// last corner but one is the first too stays whole, since readers take what ends where it began for closed.
+[[nodiscard]] Ring GetOpenRing(const Ring& ring);
+
 /// The smallest box around the corners; an empty one of none.
 [[nodiscard]] System::Math::Rectangle GetBounds(const Ring& ring);
 

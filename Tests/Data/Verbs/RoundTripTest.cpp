@@ -2,6 +2,7 @@
 #include "Tests/Data/Verbs/SampleSet.h"
 
 #include <map>
+#include <random>
 
 namespace Orvik::Data
 {
@@ -100,6 +101,34 @@ TEST_P(RoundTrip, ExtremeCoordinatesComeBack)
     ASSERT_EQ(Import().code, ExitCode::Done);
     for (const Record& record : m_records)
         ExpectSame(record);
+}
+
+TEST_P(RoundTrip, RingsOfAnyCornersComeBack)
+{
+    // Corners on a few places only, so that some are repeated, the first and the last among them.
+    std::mt19937 random(23);
+    Record record;
+    record.id = MakeIdentifier("rings");
+    record.time = m_records[0].time;
+    record.width = 40;
+    record.height = 30;
+    while (record.annotations.size() < 400)
+    {
+        Ring ring(3 + random() % 4);
+        for (System::Math::Point& corner : ring)
+            corner = {static_cast<std::int32_t>(random() % 3) * 7, static_cast<std::int32_t>(random() % 3) * 5};
+        ring.push_back(ring.front());
+        const System::Math::Rectangle box = GetBounds(ring);
+        if (box.left < box.right && box.top < box.bottom)
+            record.annotations.push_back(
+                {MakeIdentifier("ring " + std::to_string(record.annotations.size())), box, "x", std::move(ring)});
+    }
+    Save(record);
+    m_records.push_back(record);
+    ASSERT_EQ(Export().code, ExitCode::Done);
+    ASSERT_EQ(Import().code, ExitCode::Done);
+    for (const Record& expected : m_records)
+        ExpectSame(expected);
 }
 
 TEST_P(RoundTrip, TheOrderOfTheClassesIsThatOfTheFile)
