@@ -136,8 +136,9 @@ std::optional<Bitmap> LoadPicture(const std::filesystem::path& path)
         return std::nullopt;
     if (picture.GetBitsPerPixel() == 24)
     {
-        // A row that four bytes to the pixel don't fit.
-        if (picture.GetWidth() > std::numeric_limits<std::uint16_t>::max() / 4)
+        constexpr std::int64_t mostBytes = std::numeric_limits<std::int32_t>::max();
+        const std::int64_t rowBytes = std::int64_t{picture.GetWidth()} * 4;
+        if (rowBytes > std::numeric_limits<std::uint16_t>::max() || rowBytes * picture.GetHeight() > mostBytes)
             return std::nullopt;
         return Widen(picture);
     }

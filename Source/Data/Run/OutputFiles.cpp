@@ -36,10 +36,18 @@ bool PutInNewPlace(const std::filesystem::path& part, const std::filesystem::pat
 
 } // namespace
 
+bool OutputFiles::Claim(const std::filesystem::path& path) const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_claimed.insert(std::filesystem::hash_value(path)).second;
+}
+
 std::string OutputFiles::Save(const std::filesystem::path& path, const Write& write) const
 {
     if (!m_mayReplace && IsTaken(path))
         return s_exists;
+    if (!Claim(path))
+        return "has been written in this run already, for another file";
     std::filesystem::path part = path;
     part += ".part";
     std::error_code error;

@@ -58,7 +58,9 @@ void Cover(Bitmap& mask, const Rectangle& box, const Ring& ring)
 /// Black, of the size of `area`, and white where the annotation is. Nothing if that is too large.
 std::optional<Bitmap> MakeMask(const Rectangle& area, const Annotation& annotation)
 {
-    if (area.GetWidth() > std::numeric_limits<std::uint16_t>::max() / s_pixelBytes)
+    constexpr std::uint64_t mostBytes = std::numeric_limits<std::int32_t>::max();
+    const std::uint64_t rowBytes = std::uint64_t{area.GetWidth()} * s_pixelBytes;
+    if (rowBytes > std::numeric_limits<std::uint16_t>::max() || rowBytes * area.GetHeight() > mostBytes)
         return std::nullopt;
     Bitmap mask(static_cast<std::uint16_t>(area.GetWidth()), static_cast<std::uint16_t>(area.GetHeight()), 24);
     std::memset(mask.GetPixels(), 0, static_cast<std::size_t>(mask.GetSize()));
@@ -77,7 +79,7 @@ std::int64_t MaskFile(const RecordFile& file, const std::filesystem::path& folde
         const Rectangle whole = {0, 0, file.record.width, file.record.height};
         const std::optional<Bitmap> mask = MakeMask(isCropped ? annotation.box : whole, annotation);
         const std::filesystem::path path = folder / (annotation.id + ".png");
-        const std::string error = mask ? output.SavePng(path, *mask) : "a mask that wide can't be made";
+        const std::string error = mask ? output.SavePng(path, *mask) : "a mask that large can't be made";
         if (error.empty())
             ++made;
         else

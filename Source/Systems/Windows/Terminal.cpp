@@ -1,6 +1,7 @@
 #include "Core/System/Processes/Terminal.h"
 #include "Systems/Windows/Headers/SystemCall.h"
 
+#include <cstdint>
 #include <io.h>
 
 namespace Orvik::System::Processes

@@ -66,6 +66,14 @@ TEST_F(OutputFilesTest, ForceReplaces)
     EXPECT_EQ(CountFiles(), 1U);
 }
 
+TEST_F(OutputFilesTest, NoFileIsWrittenTwiceInOneRun)
+{
+    const OutputFiles output(true);
+    EXPECT_THAT(output.SaveText(m_path, "one"), IsEmpty());
+    EXPECT_THAT(output.SaveText(m_path, "two"), HasSubstr("in this run already"));
+    EXPECT_EQ(Tests::ReadText(m_path), "one");
+}
+
 TEST_F(OutputFilesTest, WhatCannotBeWrittenIsSaidAndLeavesNothing)
 {
     EXPECT_EQ(OutputFiles(false).SaveText(m_directory.GetPath() / "no" / "folder", "one"), "can't be written");

@@ -167,6 +167,20 @@ TEST_F(HostileImport, ReferencesLeadSomewhere)
     EXPECT_EQ(ImportCoco("1").code, ExitCode::CannotRun);
 }
 
+TEST_F(HostileImport, TwoPicturesOfOneNameDontMixUp)
+{
+    WriteText(m_set / "annotations.json",
+              R"({"images": [{"id": 1, "file_name": "a.png"}, {"id": 2, "file_name": "a.png"}],
+                  "categories": [{"id": 7, "name": "x"}],
+                  "annotations": [{"image_id": 1, "category_id": 7, "bbox": [10, 20, 30, 40]},
+                                  {"image_id": 2, "category_id": 7, "bbox": [10, 20, 30, 40]}]})");
+    const ProgramRun run = Import("coco");
+    EXPECT_EQ(run.code, ExitCode::Findings);
+    EXPECT_THAT(run.errors, HasSubstr("in this run already"));
+    EXPECT_EQ(CountBack(), 2U);
+    EXPECT_EQ(GetOnly().box, s_box);
+}
+
 TEST_F(HostileImport, SizesHaveToAgree)
 {
     ASSERT_TRUE(Tests::MakeSamplePicture("text", 101, 80).SavePng(GetText(m_set / "images" / "a.png")));

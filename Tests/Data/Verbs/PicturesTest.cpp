@@ -1,6 +1,7 @@
 // crop, mask, draw and sheet.
 #include "Core/System/Multimedia/PolygonMask.h"
 #include "Tests/Data/Verbs/SampleSet.h"
+#include "Tests/Support/PngBuilder.h"
 
 #include <cstring>
 
@@ -171,6 +172,23 @@ TEST_F(Pictures, NothingIsReplacedUnlessForced)
     }
     ASSERT_EQ(RunWith({"sheet", GetText(m_source), At("s.png")}).code, ExitCode::Done);
     EXPECT_EQ(RunWith({"sheet", GetText(m_source), At("s.png")}).code, ExitCode::Findings);
+}
+
+TEST_F(Pictures, AMaskThatNoBitmapHoldsIsRefused)
+{
+    // A head of a PNG, which is all that is read of it.
+    Record record = m_records[0];
+    record.id = MakeIdentifier("huge");
+    record.width = 21'845;
+    record.height = 65'535;
+    record.annotations.resize(1);
+    record.annotations[0].id = MakeIdentifier("huge annotation");
+    WriteText(m_source / (record.id + ".json"), MakeRecordJson(record));
+    Tests::WriteBytes(m_source / (record.id + ".png"), Tests::MakePng({.width = 21'845, .height = 65'535}, {}));
+    const ProgramRun run = RunInto("mask");
+    EXPECT_EQ(run.code, ExitCode::Findings);
+    EXPECT_THAT(run.errors, HasSubstr("a mask that large"));
+    EXPECT_EQ(CountFiles(m_directory.GetPath() / "out"), CountAnnotations());
 }
 
 TEST_F(Pictures, ABrokenFileIsNamedAndSkipped)
