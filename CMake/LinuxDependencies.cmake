@@ -12,4 +12,5 @@ find_library(WAYLAND_CLIENT_LIBRARY wayland-client REQUIRED)
 find_library(WAYLAND_EGL_LIBRARY wayland-egl REQUIRED)
 find_library(XKBCOMMON_LIBRARY xkbcommon REQUIRED)
 find_library(SYSTEMD_LIBRARY systemd REQUIRED) # its client of the message bus
+find_path(KISSFFT_INCLUDE_DIR kissfft.hh PATH_SUFFIXES kissfft REQUIRED) # headers alone
 find_package(Threads REQUIRED)

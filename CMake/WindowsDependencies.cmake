@@ -4,6 +4,7 @@ find_package(ZLIB REQUIRED)
 include(Deflate)
 find_package(Freetype REQUIRED)
 find_package(Threads REQUIRED)
+set(KISSFFT_INCLUDE_DIR ${ORVIK_WINDOWS_DEPENDENCIES}/include/kissfft)
 set_property(TARGET Freetype::Freetype APPEND PROPERTY INTERFACE_LINK_LIBRARIES ZLIB::ZLIB)
 
 add_library(fmt::fmt INTERFACE IMPORTED)

@@ -21,7 +21,7 @@ FUNCTION_LINES = 60
 SOURCES = ("Source", "Tests", "Examples", "Benchmarks", "Packaging")
 
 # Headers that are the same on every system. Whatever else stands in angle brackets belongs to one of them.
-SHARED_HEADERS = re.compile(r"[a-z_]+|fmt/.*|rapidjson/.*|gtest/.*|gmock/.*|png\.h|zlib\.h|libdeflate\.h|ft2build\.h|GL/glcorearb\.h")
+SHARED_HEADERS = re.compile(r"[a-z_]+|fmt/.*|rapidjson/.*|gtest/.*|gmock/.*|png\.h|zlib\.h|libdeflate\.h|ft2build\.h|kissfft\.hh|GL/glcorearb\.h")
 # What belongs to one desktop or one operating system: a folder, or a single file by its name.
 OWN_FOLDER = re.compile(r"(Desktops|Systems)/[^/]+/")
 OWN_NAME = re.compile(r"_(Linux|X11|Windows)(Test)?\.(h|cpp)$")

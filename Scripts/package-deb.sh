@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Packs the built program for this release of Debian: build/snipbench_<version>_<architecture>.deb, whose path is
+# Packs the built programs for this release of Debian: build/snipbench_<version>_<architecture>.deb, whose path is
 # printed. The libraries that it depends on are those that it is linked with here, so each release has a package of its
 # own.
 #
@@ -27,7 +27,7 @@ list_dependencies()
     mkdir -p "$work/debian"
     echo 'Source: snipbench' >"$work/debian/control"
     cd "$work"
-    dpkg-shlibdeps -O "$stage/usr/lib/snipbench/Binaries/Linux-x64/SnipBench" | sed -n 's/^shlibs:Depends=//p'
+    dpkg-shlibdeps -O "$stage"/usr/lib/snipbench/Binaries/Linux-x64/* | sed -n 's/^shlibs:Depends=//p'
 )
 
 write_changelog()
@@ -63,6 +63,10 @@ Description: cut regions out of the screen, to the pixel
  keeps the whole picture and writes down every rectangle drawn on it.
  .
  A program that starts it gets an exit code, a JSON object and the files.
+ .
+ The command snipbench-data checks, shows and counts what was annotated, writes
+ and reads data sets in the formats COCO, YOLO and VOC, and finds a picture on
+ another one.
 TEXT
     (cd "$stage" && find usr -type f -print0 | sort -z | xargs -0 md5sum) >"$stage/DEBIAN/md5sums"
 }

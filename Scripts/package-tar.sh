@@ -11,21 +11,23 @@ cd "$root"
 name=SnipBench-$(release_version)-Linux-x64
 stage=build/package-tar/$name
 file=$root/build/$name.tar.gz
-program=$stage/lib/snipbench/Binaries/Linux-x64/SnipBench
+binaries=$stage/lib/snipbench/Binaries/Linux-x64
 SOURCE_DATE_EPOCH=$(release_time)
 export SOURCE_DATE_EPOCH
 
 put_libraries()
 {
-    local library path libraries=$stage/lib/snipbench/Libraries
+    local library path program libraries=$stage/lib/snipbench/Libraries
     mkdir -p "$libraries"
     for library in fmt deflate; do
-        path=$(ldd "$program" | awk -v name="lib$library.so." 'index($1, name) == 1 { print $3 }')
+        path=$(ldd "$binaries/SnipBench" | awk -v name="lib$library.so." 'index($1, name) == 1 { print $3 }')
         install -m 644 "$path" "$libraries/$(basename "$path")"
         printf '\n\nlib%s, in lib/snipbench/Libraries\n\n' "$library" >>"$stage/share/doc/snipbench/copyright"
         cat "/usr/share/doc/lib$library-dev/copyright" >>"$stage/share/doc/snipbench/copyright"
     done
-    patchelf --set-rpath "\$ORIGIN/../../Libraries" "$program"
+    for program in SnipBench snipbench-data; do
+        patchelf --set-rpath "\$ORIGIN/../../Libraries" "$binaries/$program"
+    done
 }
 
 rm -rf build/package-tar

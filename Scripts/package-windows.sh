@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the program for Windows and packs it with all it needs: build/SnipBench-<version>-Windows-x64.zip, whose path
-# is printed. Unpacked anywhere it runs.
+# Builds both programs for Windows and packs it with all they need: build/SnipBench-<version>-Windows-x64.zip, whose path
+# is printed. Unpacked anywhere they run.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -12,12 +12,14 @@ stage=build/package/$name
 {
     Scripts/setup-windows.sh
     Scripts/configure.sh windows-release -DORVIK_BUILD_TESTS=OFF
-    cmake --build build/windows-release --target SnipBench
+    cmake --build build/windows-release --target SnipBench SnipBenchData
 } >&2
 
 rm -rf build/package
 mkdir -p "$stage/Binaries/Windows-x64" "$stage/Licenses"
-x86_64-w64-mingw32-strip -o "$stage/Binaries/Windows-x64/SnipBench.exe" Binaries/Windows-x64/SnipBench.exe
+for program in SnipBench snipbench-data; do
+    x86_64-w64-mingw32-strip -o "$stage/Binaries/Windows-x64/$program.exe" "Binaries/Windows-x64/$program.exe"
+done
 cp -R Resources "$stage/"
 mv "$stage/Resources/UI/Textures/Mulish-LICENSE.txt" "$stage/Licenses/Mulish.txt"
 cp LICENSE "$stage/License.txt"
@@ -32,6 +34,7 @@ libpng-dev libpng
 libdeflate-dev libdeflate
 libfreetype-dev FreeType
 libz-mingw-w64-dev zlib
+libkissfft-dev KISS-FFT
 libfmt-dev fmt
 rapidjson-dev RapidJSON
 gcc-mingw-w64-base GCC-runtime

@@ -12,7 +12,7 @@ cd "$root"
 {
     Scripts/setup-linux.sh --package
     Scripts/configure.sh linux-release -DORVIK_BUILD_TESTS=OFF
-    cmake --build build/linux-release --target SnipBench
+    cmake --build build/linux-release --target SnipBench SnipBenchData
 } >&2
 
 files=("$(Scripts/package-deb.sh)" "$(Scripts/package-tar.sh)")

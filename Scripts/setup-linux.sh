@@ -20,7 +20,7 @@ protocols=$root/build/wayland-protocols
 
 packages=(
     cmake ninja-build g++ libc6-dev
-    libfmt-dev rapidjson-dev libpng-dev zlib1g-dev libdeflate-dev libfreetype-dev
+    libfmt-dev rapidjson-dev libpng-dev zlib1g-dev libdeflate-dev libfreetype-dev libkissfft-dev
     libx11-dev libx11-xcb-dev libxcb1-dev libxcb-shm0-dev libxext-dev libxtst-dev libxrandr-dev libxfixes-dev libxi-dev
     libwayland-dev wayland-protocols libxkbcommon-dev libsystemd-dev
     libegl-dev libgl-dev libopengl-dev

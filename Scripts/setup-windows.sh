@@ -100,6 +100,12 @@ build_libraries()
     copy_headers rapidjson-dev rapidjson
 )
 
+# Of the Fourier transform: headers alone.
+copy_fourier()
+{
+    copy_headers libkissfft-dev kissfft
+}
+
 build_test_framework()
 (
     scratch=$(mktemp -d)
@@ -127,6 +133,7 @@ versions()
 mkdir -p "$dependencies"
 build_once libraries.stamp "$deflate_archive_sha256 $png_archive_sha256 $freetype_archive_sha256 $(versions libfmt-dev rapidjson-dev \
     libz-mingw-w64-dev gcc-mingw-w64-x86-64-posix)" build_libraries
+build_once fourier.stamp "$(versions libkissfft-dev)" copy_fourier
 if [ "${1:-}" = --test ]; then
     build_once googletest.stamp "$(versions googletest gcc-mingw-w64-x86-64-posix)" build_test_framework
 fi

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Lays out an installation of the built program below a folder, which becomes /usr of a package or the root of an
-# archive: the launcher, the program with its resources, manual page, completions, desktop entry, icons and documents.
+# archive: the launcher, both programs with their resources, manual page, completions, desktop entry, icons and documents.
 #
 #   Scripts/stage-linux.sh FOLDER
 #
@@ -13,6 +13,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 homepage=${ORVIK_HOMEPAGE:-https://orvik.invalid/snipbench}
 prefix=$1
 program=$root/Binaries/Linux-x64/SnipBench
+data_program=$root/Binaries/Linux-x64/snipbench-data
 resources=$prefix/lib/snipbench/Resources
 documents=$prefix/share/doc/snipbench
 help=$(mktemp -d)
@@ -25,10 +26,12 @@ put() # MODE SOURCE TARGET
 
 put_program()
 {
-    local file
-    put 755 "$program" "$prefix/lib/snipbench/Binaries/Linux-x64/SnipBench"
-    strip --strip-unneeded --remove-section=.comment "$prefix/lib/snipbench/Binaries/Linux-x64/SnipBench"
+    local file binaries=$prefix/lib/snipbench/Binaries/Linux-x64
+    put 755 "$program" "$binaries/SnipBench"
+    put 755 "$data_program" "$binaries/snipbench-data"
+    strip --strip-unneeded --remove-section=.comment "$binaries/SnipBench" "$binaries/snipbench-data"
     put 755 "$root/Packaging/Linux/snipbench.sh" "$prefix/bin/snipbench"
+    ln -s ../lib/snipbench/Binaries/Linux-x64/snipbench-data "$prefix/bin/snipbench-data"
     for file in "$root"/Resources/Schemas/*.json "$root"/Resources/UI/Shaders/* "$root"/Resources/UI/Textures/*.ttf; do
         put 644 "$file" "$resources/${file#"$root"/Resources/}"
     done
@@ -40,8 +43,13 @@ put_help()
     put 644 "$help/snipbench.bash" "$prefix/share/bash-completion/completions/snipbench"
     put 644 "$help/_snipbench" "$prefix/share/zsh/vendor-completions/_snipbench"
     put 644 "$help/snipbench.fish" "$prefix/share/fish/vendor_completions.d/snipbench.fish"
-    gzip -9n "$help/snipbench.1"
+    "$root/Scripts/make-data-help.py" "$data_program" "$help" "$(release_date)"
+    put 644 "$help/snipbench-data.bash" "$prefix/share/bash-completion/completions/snipbench-data"
+    put 644 "$help/_snipbench-data" "$prefix/share/zsh/vendor-completions/_snipbench-data"
+    put 644 "$help/snipbench-data.fish" "$prefix/share/fish/vendor_completions.d/snipbench-data.fish"
+    gzip -9n "$help/snipbench.1" "$help/snipbench-data.1"
     put 644 "$help/snipbench.1.gz" "$prefix/share/man/man1/snipbench.1.gz"
+    put 644 "$help/snipbench-data.1.gz" "$prefix/share/man/man1/snipbench-data.1.gz"
 }
 
 put_desktop_entry()
@@ -64,7 +72,7 @@ put_desktop_entry()
 put_documents()
 {
     local page file
-    for page in UserGuide Scripting Formats Configuration Recipes Logs Support Problems; do
+    for page in UserGuide Scripting Formats DataSets Configuration Recipes Logs Support Problems; do
         put 644 "$root/Docs/$page.md" "$documents/$page.md"
         sed -i 's|](\.\./Examples/|](Programs/|g' "$documents/$page.md"
     done
@@ -90,6 +98,8 @@ write_copyright()
     cat "$root/Resources/UI/Textures/Mulish-LICENSE.txt"
     printf '\n\nRapidJSON, whose headers are built into the program\n\n'
     cat /usr/share/doc/rapidjson-dev/copyright
+    printf '\n\nKISS FFT, whose headers are built into snipbench-data\n\n'
+    cat /usr/share/doc/libkissfft-dev/copyright
 }
 
 put_program

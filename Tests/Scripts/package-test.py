@@ -3,6 +3,7 @@
 
     package-test.py PROGRAM
 """
+import gzip
 import os
 import re
 import shutil
@@ -117,11 +118,35 @@ class Package(unittest.TestCase):
         self.check("shellcheck", "--exclude=SC1090,SC1091,SC2015,SC2148,SC2154", *scripts)
 
     def test_completions_are_clean(self):
-        self.check("shellcheck", "-s", "bash", self.root / "usr/share/bash-completion/completions/snipbench")
+        for command in ("snipbench", "snipbench-data"):
+            self.check("shellcheck", "-s", "bash", self.root / "usr/share/bash-completion/completions" / command)
+
+    def test_the_manual_page_of_the_second_program_is_clean(self):
+        page = self.root / "usr/share/man/man1/snipbench-data.1.gz"
+        result = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", page)
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        text = gzip.decompress(page.read_bytes()).decode()
+        for verb in ("check", "crop", "mask", "draw", "sheet", "export", "import", "stats", "find"):
+            self.assertIn(f".SS {verb}\n", text)
+
+    def test_the_second_program_needs_no_library_of_a_desktop(self):
+        libraries = run("ldd", self.root / "usr/lib/snipbench/Binaries/Linux-x64/snipbench-data").stdout
+        self.assertNotRegex(libraries, "libX|libEGL|libGL|libOpenGL|libxcb|libwayland")
+        self.assertNotIn("not found", libraries)
+
+    def test_the_second_program_draws_with_the_packages_font(self):
+        folder = self.folder / "empty"
+        folder.mkdir(exist_ok=True)
+        result = run(self.root / "usr/bin/snipbench-data", "draw", folder, folder / "out", env={})
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
 
     def test_layout(self):
         usr = self.root / "usr"
         for path in ("bin/snipbench", "lib/snipbench/Binaries/Linux-x64/SnipBench",
+                     "bin/snipbench-data", "lib/snipbench/Binaries/Linux-x64/snipbench-data",
+                     "share/man/man1/snipbench-data.1.gz", "share/bash-completion/completions/snipbench-data",
+                     "share/zsh/vendor-completions/_snipbench-data",
+                     "share/fish/vendor_completions.d/snipbench-data.fish", "share/doc/snipbench/DataSets.md",
                      "lib/snipbench/Resources/UI/Textures/Mulish-Regular.ttf", "share/man/man1/snipbench.1.gz",
                      "share/bash-completion/completions/snipbench", "share/zsh/vendor-completions/_snipbench",
                      "share/fish/vendor_completions.d/snipbench.fish", "share/doc/snipbench/copyright",

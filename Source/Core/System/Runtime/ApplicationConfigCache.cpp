@@ -3,6 +3,7 @@
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/DirectoryCache.h"
+#include "Core/System/Runtime/ExecutablePath.h"
 #include "Core/System/Runtime/JsonHolders.h"
 #include "Core/System/Runtime/JsonReader.h"
 #include "Core/System/Text/Paths.h"

@@ -92,9 +92,6 @@ private:
         std::unique_ptr<IConfig> config;
     };
 
-    /// The absolute path of the program. Empty if the system doesn't tell; the last system error is set then.
-    [[nodiscard]] static std::filesystem::path FindExecutablePathPlatform();
-
     void LoadSchema(const std::filesystem::path& path);
     /// Parses and validates. Null after a failure; `m_error` tells why.
     [[nodiscard]] std::unique_ptr<JsonDocument> ReadDocument(const std::string& json);

@@ -1,4 +1,4 @@
-#include "Core/System/Runtime/ApplicationConfigCache.h"
+#include "Core/System/Runtime/ExecutablePath.h"
 #include "Systems/Windows/SystemCall.h"
 
 #include <array>
@@ -9,7 +9,7 @@ namespace Orvik::System::Runtime
 
 using Systems::SystemCall;
 
-std::filesystem::path ApplicationConfigCache::FindExecutablePathPlatform()
+std::filesystem::path FindExecutablePathPlatform()
 {
     std::array<wchar_t, MAX_PATH> path = {};
     const DWORD length = SystemCall<&::GetModuleFileNameW>(nullptr, path.data(), static_cast<DWORD>(path.size()));

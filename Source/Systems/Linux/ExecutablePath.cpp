@@ -1,4 +1,4 @@
-#include "Core/System/Runtime/ApplicationConfigCache.h"
+#include "Core/System/Runtime/ExecutablePath.h"
 
 #include <cerrno>
 #include <system_error>
@@ -6,7 +6,7 @@
 namespace Orvik::System::Runtime
 {
 
-std::filesystem::path ApplicationConfigCache::FindExecutablePathPlatform()
+std::filesystem::path FindExecutablePathPlatform()
 {
     std::error_code error;
     std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
