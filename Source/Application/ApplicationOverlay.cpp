@@ -80,7 +80,7 @@ bool Application::CanCapture()
 {
     const Desktops::Failure failure = Desktops::GetDesktop().CheckCapture();
     if (failure)
-        Log::Write(s_context, Log::MessageTypeID::Error, *failure, ".");
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, *failure, ".");
     return !failure;
 }
 

@@ -18,8 +18,8 @@ using Tests::FakeService;
 using Tests::Picture;
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* s_name = "org.freedesktop.portal.Desktop";
-constexpr const char* s_path = "/org/freedesktop/portal/desktop";
+constexpr const char* s_portalName = "org.freedesktop.portal.Desktop";
+constexpr const char* s_portalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* s_request = "org.freedesktop.portal.Request";
 
 /// Where the portal has to answer a request: it is told from the caller and its token.
@@ -35,7 +35,7 @@ std::string GetRequestPath(sd_bus_message* call)
         return {};
     std::string sender = sd_bus_message_get_sender(call) + 1;
     std::replace(sender.begin(), sender.end(), '.', '_');
-    return std::string(s_path) + "/request/" + sender + "/" + token;
+    return std::string(s_portalPath) + "/request/" + sender + "/" + token;
 }
 
 void Respond(sd_bus* bus, const std::string& path, std::uint32_t code, const std::string& uri)
@@ -52,7 +52,7 @@ protected:
     /// Handles requests from now on; what else is called counts as the request's end.
     void Serve(std::function<void(sd_bus* bus, sd_bus_message* call, const std::string& path)> handler)
     {
-        m_service.emplace(m_bus.GetAddress(), s_name, s_path,
+        m_service.emplace(m_bus.GetAddress(), s_portalName, s_portalPath,
                           [this, handler](sd_bus* bus, sd_bus_message* call)
                           {
                               if (sd_bus_message_is_method_call(call, s_request, "Close") != 0)
@@ -131,7 +131,7 @@ TEST_F(Portal, MayHaveAnotherPathForTheRequest)
     Serve(
         [this](sd_bus* bus, sd_bus_message* call, const std::string& /*path*/)
         {
-            const std::string own = std::string(s_path) + "/request/own";
+            const std::string own = std::string(s_portalPath) + "/request/own";
             sd_bus_reply_method_return(call, "o", own.c_str());
             // As long as a person takes.
             sd_bus_flush(bus);
@@ -148,7 +148,7 @@ TEST_F(Portal, SaysMoreThanWhatIsAwaited)
         {
             sd_bus_reply_method_return(call, "o", path.c_str());
             // Of another request, without what belongs to it, and twice.
-            Respond(bus, std::string(s_path) + "/request/other", 1, "");
+            Respond(bus, std::string(s_portalPath) + "/request/other", 1, "");
             sd_bus_emit_signal(bus, path.c_str(), s_request, "Response", "s", "");
             Respond(bus, path, 0, GetUri());
             Respond(bus, path, 1, "");

@@ -2,7 +2,7 @@
 
 // Private to the X11 units of this folder.
 
-#include <X11/Xlib.h>
+#include "Desktops/X11/X11Headers.h"
 #include <atomic>
 #include <chrono>
 #include <condition_variable>

@@ -2,7 +2,8 @@
 
 // Private to the X11 units of this folder.
 
-#include <X11/Xlib.h>
+#include "Desktops/X11/X11Headers.h"
+
 #include <string>
 
 namespace Orvik::Tests
