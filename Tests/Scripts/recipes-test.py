@@ -129,7 +129,7 @@ class Recipes(Pages):
         source = Path(__file__).read_text(encoding="utf-8")
         read = {(heading, language, int(number or 0)) for heading, language, number in
                 re.findall(r'self\.block\("([^"]+)",\s*"(\w+)"(?:, (\d))?\)', source)}
-        read |= {("Bind it to a key", name, 0) for name in re.findall(r'check_configuration\("(\w+)"\)', source)}
+        read |= {("Bind it to a key", name, 0) for name in re.findall(r'check_configuration\("(\w+)"[,)]', source)}
         seen = Counter()
         for heading, language, _ in self.blocks:
             self.assertIn((heading, language, seen[heading, language]), read)
