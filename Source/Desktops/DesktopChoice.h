@@ -13,7 +13,7 @@ struct DesktopChoice
     std::string reason; ///< why it is this one
 };
 
-/// Decides which of the desktops that the operating system has is the one to run on. The one place that knows them all.
+/// Chooses one of the desktops that the operating system has. The only place that knows them all.
 [[nodiscard]] DesktopChoice ChooseDesktop();
 
 } // namespace Orvik::Desktops

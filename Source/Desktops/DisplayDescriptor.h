@@ -6,7 +6,7 @@
 namespace Orvik::System::Device::Display
 {
 
-/// No display. Every id below is valid.
+/// No display. All lower ids are valid.
 inline constexpr std::uint16_t InvalidDisplayId = 0xFFFF;
 
 /// One display of the desktop. Sizes and positions are physical pixels of the virtual desktop.

@@ -3,7 +3,7 @@
 namespace Orvik::Desktops
 {
 
-/// What is known of the desktop's graphics card before a driver is loaded.
+/// What is known about the desktop's graphics card before a driver is loaded.
 struct GraphicsCard
 {
     bool isReachable = false;
