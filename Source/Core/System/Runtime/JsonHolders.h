@@ -7,7 +7,7 @@
 namespace Orvik::System::Runtime
 {
 
-// What `ApplicationConfigCache` keeps of the JSON library, out of its header.
+// What `ApplicationConfigCache` keeps of the JSON library, outside of its header.
 
 struct JsonDocument
 {
