@@ -20,7 +20,7 @@ EGLint GetAttribute(EGLDisplay display, EGLConfig config, EGLint attribute)
     return value;
 }
 
-/// `eglChooseConfig` takes more bits for as good; a picture of 10 bits to the colour isn't.
+/// `eglChooseConfig` accepts more bits as well; a picture of 10 bits per colour isn't good enough.
 bool HasBits(EGLDisplay display, EGLConfig config, EGLint alphaBits)
 {
     constexpr std::array<EGLint, 3> channels = {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE};
@@ -60,7 +60,7 @@ std::vector<EGLConfig> ChooseConfigs(EGLDisplay display, EGLint alphaBits)
     return configs;
 }
 
-/// The visual of a configuration, if windows can have it. A DirectColor visual would want a palette.
+/// The visual of a configuration, if windows can have it. A DirectColor visual would need a palette.
 std::optional<XVisualInfo> FindVisual(::Display* connection, EGLDisplay display, EGLConfig config)
 {
     XVisualInfo wanted = {};
@@ -99,14 +99,14 @@ std::optional<EglConfiguration> OpenConfiguration()
     ::Display* const connection = GetXDisplay();
     if (connection == nullptr)
         return std::nullopt;
-    // The plain eglGetDisplay would guess what kind of display this is.
+    // The plain eglGetDisplay would guess the kind of display.
     EGLDisplay const display = eglGetPlatformDisplay(EGL_PLATFORM_X11_KHR, connection, nullptr);
     if (display == EGL_NO_DISPLAY || eglInitialize(display, nullptr, nullptr) == EGL_FALSE)
         return std::nullopt;
     if (eglBindAPI(EGL_OPENGL_API) == EGL_FALSE)
         return std::nullopt;
-    // On a screen of 16 or 30 bits a server may have 8 bits for the colours only without alpha. Nothing that is drawn
-    // here reads the alpha of what lies below.
+    // On a screen of 16 or 30 bits a server may have 8-bit colours only without alpha. Nothing that is drawn here reads
+    // the alpha of what is below.
     constexpr std::array<EGLint, 2> alphaBits = {8, 0};
     for (const EGLint bits : alphaBits)
     {

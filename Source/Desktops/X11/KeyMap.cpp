@@ -1,7 +1,7 @@
 #include "Desktops/X11/KeyMap.h"
 
 #include <X11/XKBlib.h>
-#define XK_3270 // the keys of that terminal, of which some are keys of ours
+#define XK_3270 // that terminal's keys, some of which are among ours
 #include <X11/XF86keysym.h>
 #include <X11/keysym.h>
 #include <algorithm>
@@ -18,13 +18,13 @@ struct SymbolKey
     KeyCode key;
 };
 
-/// Letters, digits and the function keys are told by their distance from the first; everything else stands here.
+/// Letters, digits and the function keys are found by their distance from the first; all others are here.
 constexpr SymbolKey s_symbolKeys[] = {
     {XK_Escape, KeyCode::Escape},
     {XK_0, KeyCode::Digit0},
     {XK_minus, KeyCode::Minus},
     {XK_equal, KeyCode::Equals},
-    {XK_plus, KeyCode::Equals}, // of layouts that have it unshifted
+    {XK_plus, KeyCode::Equals}, // for layouts that have it unshifted
     {XK_BackSpace, KeyCode::Backspace},
     {XK_Tab, KeyCode::Tab},
     {XK_ISO_Left_Tab, KeyCode::Tab},
@@ -149,7 +149,7 @@ constexpr std::array<KeyCode, 24> s_functionKeys = {
     KeyCode::F17, KeyCode::F18, KeyCode::F19, KeyCode::F20, KeyCode::F21, KeyCode::F22, KeyCode::F23, KeyCode::F24,
 };
 
-/// X numbers the keys of a PC keyboard by scan code, from 8 upward; so do the first key codes, from 0.
+/// X numbers the keys of a PC keyboard by scan code, from 8 upward; the first key codes have the same order, from 0.
 KeyCode FindKeyByPlace(unsigned int keycode)
 {
     constexpr unsigned int firstKeycode = 8;
@@ -170,13 +170,13 @@ constexpr bool IsLetterOrDigit(KeyCode key)
            std::find(s_letters.begin(), s_letters.end(), key) != s_letters.end();
 }
 
-/// Signs that a key is named after are of Latin 1; beyond are keys that do something.
+/// The signs that keys are named after are in Latin 1; keysyms beyond it are keys that do something.
 constexpr KeySym s_lastSign = 0xFF;
 
 /// The keys right of the digits and right of the P.
 constexpr std::array<unsigned int, 4> s_signKeycodes = {20, 21, 34, 35};
 
-/// Looks keys up in the layout that was in force at a key event.
+/// Looks keys up in the layout that was active at a key event.
 class Layout
 {
 public:
@@ -185,8 +185,8 @@ public:
     {
     }
 
-    // Most keys have fewer groups than the layout. This look-up counts by the key's own, where one by group and level
-    // would find nothing on the arrow keys in a second layout.
+    // Most keys have fewer groups than the layout. This look-up uses the key's own number of groups; one by group and
+    // level would find nothing on the arrow keys in a second layout.
     [[nodiscard]] KeySym GetSymbol(unsigned int keycode) const
     {
         unsigned int ignored = 0;
@@ -202,8 +202,8 @@ public:
         const KeyCode named = FindKey(symbol);
         if (symbol > s_lastSign && named != KeyCode::Undefined)
             return named;
-        // On Windows a key of the digits' row is its digit, whatever it bears: on French keyboards a minus, on Czech
-        // ones a plus.
+        // On Windows a key of the digits' row is its digit, whatever is printed on it: on French keyboards a minus, on
+        // Czech ones a plus.
         if (IsWithin(place, KeyCode::Digit1, KeyCode::Digit0) && !IsLetterOrDigit(named))
             return place;
         const bool isSignKey = std::find(s_signKeycodes.begin(), s_signKeycodes.end(), keycode) != s_signKeycodes.end();
@@ -213,7 +213,7 @@ public:
     }
 
 private:
-    /// Whether a key right of the digits or the P has a code by what it bears.
+    /// Whether the sign of a key right of the digits or the P gives it a code.
     [[nodiscard]] bool IsNamedSign(unsigned int keycode) const
     {
         const KeyCode named = FindKey(GetSymbol(keycode));
@@ -222,8 +222,8 @@ private:
                named == KeyCode::Semicolon;
     }
 
-    /// Whether a key beside the digits bears one of the signs. In a layout where none does, such as Thai, Windows goes
-    /// by the place.
+    /// Whether a key beside the digits has one of the signs. In a layout where none does, such as Thai, Windows uses
+    /// the place.
     [[nodiscard]] bool HasPlusOrMinus() const
     {
         constexpr unsigned int first = 20;
@@ -237,13 +237,13 @@ private:
         return false;
     }
 
-    /// Plus and minus have their codes where they stand, so their usual places can't: Windows numbers the other keys
-    /// there one after the other.
+    /// Plus and minus take their codes with them, so the keys at their usual places can't have these: Windows numbers
+    /// the other keys there one after the other.
     [[nodiscard]] KeyCode FindUnnamedSign(unsigned int keycode) const
     {
         constexpr std::array<KeyCode, s_signKeycodes.size()> keys = {KeyCode::LeftBracket, KeyCode::RightBracket,
                                                                      KeyCode::Semicolon, KeyCode::Grave};
-        // It has a virtual key of its own, which none of the codes stands for.
+        // It has a virtual key of its own, which none of the codes represents.
         if (GetSymbol(keycode) == XK_asterisk)
             return KeyCode::Undefined;
         const auto* const end = std::find(s_signKeycodes.begin(), s_signKeycodes.end(), keycode);

@@ -13,16 +13,16 @@ using System::Desktop::KeyCode;
 /// The key of a keysym of the unshifted level, or `Undefined`. Both levels of the keypad give the keypad's keys.
 [[nodiscard]] KeyCode FindKey(KeySym symbol);
 
-/// The key of a key event, as Windows gives it in the same layout: by the unshifted keysym, or by the key's place where
-/// no key is named after that keysym. A key of the digits' row is a digit unless it bears a letter, and the keys right
-/// of both rows that bear no sign of ours are numbered one after the other where the layout moves plus or minus.
-/// `Undefined` if neither keysym nor place gives one.
+/// The key of a key event, as Windows gives it in the same layout: by the unshifted keysym, or by the key's place if no
+/// key is named after that keysym. A key of the digits' row is a digit unless it has a letter. If the layout moves plus
+/// or minus, the keys right of both rows without a sign of ours are numbered one after the other. `Undefined` if
+/// neither keysym nor place gives a key.
 [[nodiscard]] KeyCode TranslateKey(const XKeyEvent& event);
 
 /// The keysym of a key event at the unshifted level of the event's layout.
 [[nodiscard]] KeySym GetUnshiftedSymbol(const XKeyEvent& event);
 
-/// Whether `release` and the event behind it are an auto-repeat, as a server without detectable auto-repeat shows it.
+/// Whether `release` and the next event are an auto-repeat, as a server without detectable auto-repeat sends it.
 [[nodiscard]] bool IsRepeatPair(const XKeyEvent& release, const XEvent& next);
 
 } // namespace Orvik::Desktops::X11
