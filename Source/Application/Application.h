@@ -88,9 +88,9 @@ private:
     Graphics::Tools::TimedLabel m_savedPathLabel;
     Graphics::Tools::SnipBench m_tool;
     bool m_hasStarted = false;              ///< the frame loop has begun
-    bool m_hasIgnoredConfiguration = false; ///< one was given and couldn't be used
+    bool m_hasIgnoredConfiguration = false; ///< a configuration was given and couldn't be used
     Graphics::Tools::SnipMode m_snipMode = Graphics::Tools::SnipMode::Rectangle;
-    std::int64_t m_lastFrame = 0;       ///< when one was drawn, nanoseconds of the monotonic clock
+    std::int64_t m_lastFrame = 0;       ///< when the last frame was drawn, nanoseconds of the monotonic clock
     System::Threads::WakeSignal m_wake; ///< ends a wait when the run is asked to end
     std::mutex m_delayMutex;
     std::condition_variable m_delayCondition; ///< ends a delay when the run is asked to end

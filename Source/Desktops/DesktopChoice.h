@@ -10,7 +10,7 @@ namespace Orvik::Desktops
 struct DesktopChoice
 {
     Desktop& desktop;
-    std::string reason; ///< why it is this one
+    std::string reason; ///< why this one was chosen
 };
 
 /// Chooses one of the desktops that the operating system has. The only place that knows them all.

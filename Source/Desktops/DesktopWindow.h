@@ -31,7 +31,7 @@ public:
     /// Only after `Create`. Called twice for a window that was closed before its end: the second call does nothing.
     virtual void Destroy() = 0;
 
-    virtual void Show() = 0; ///< after `Create`, like all up to `BringToFront` but for the two on waiting
+    virtual void Show() = 0; ///< after `Create`, like all up to `BringToFront` except the two about waiting
     virtual void Hide() = 0;
     /// Handles one native message at most, of any window of the thread.
     virtual void Pump() = 0;

@@ -13,8 +13,8 @@ inline constexpr std::uint16_t InvalidDisplayId = 0xFFFF;
 struct DisplayDescriptor
 {
     std::string name;                               ///< the system's name of it, UTF-8
-    std::uint16_t id = InvalidDisplayId;            ///< from 1, dense
-    std::uint16_t hostDisplayId = InvalidDisplayId; ///< of a virtual display: the display that it lies on
+    std::uint16_t id = InvalidDisplayId;            ///< from 1, without gaps
+    std::uint16_t hostDisplayId = InvalidDisplayId; ///< of a virtual display: the display that it is on
     std::uint32_t deviceIndex = 0xFFFFFFFF;         ///< the system's number of it
     std::uint16_t width = 0;
     std::uint16_t height = 0;

@@ -7,7 +7,7 @@ namespace Orvik::Desktops
 struct GraphicsCard
 {
     bool isReachable = false;
-    const char* reason = ""; ///< why it is thought to be, or not to be
+    const char* reason = ""; ///< the reason for the answer
 };
 
 } // namespace Orvik::Desktops

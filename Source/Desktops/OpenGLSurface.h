@@ -13,7 +13,7 @@ using OpenGLFunction = void (*)();
 /// The result of making a context.
 struct OpenGLCreation
 {
-    const char* failure = nullptr; ///< null if there is a context; else why not, to stand after "OpenGL" or the version
+    const char* failure = nullptr; ///< null if there is a context; else the reason, to follow "OpenGL" or the version
     std::string version;           ///< the text of `GL_VERSION`, as far as it is known
 };
 

@@ -34,7 +34,7 @@ constexpr std::int64_t s_reportGrace = 2'000'000'000; // nanoseconds
 ErrorHandling* s_errorHandling = nullptr;
 std::array<struct sigaction, s_faultSignals.size()> s_previousActions = {};
 std::atomic<int> s_signalBeingReported = 0; ///< 0 for none
-std::atomic<int> s_signalOfTimeout = 0;     ///< ends a process whose report or request doesn't come to its end
+std::atomic<int> s_signalOfTimeout = 0;     ///< ends a process whose report or request doesn't finish
 
 /// A fault of the main thread is reported on this stack, because its own may be full.
 alignas(std::max_align_t) std::array<std::byte, std::size_t{256} * 1024> s_alternateStack;

@@ -256,7 +256,7 @@ private:
     pid_t m_id;
     const FileDescriptor& m_directory;
     FileDescriptor m_descriptor;
-    bool m_hasNoDescriptors; ///< an older kernel, or a sandbox that keeps them from us
+    bool m_hasNoDescriptors; ///< an older kernel, or a sandbox that hides them
 };
 
 ProcessResult AskToEnd(const EndingProcess& process, const std::function<bool()>& isInterrupted)

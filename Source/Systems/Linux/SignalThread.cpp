@@ -18,7 +18,7 @@ struct State
     sigset_t signals = {};
     pthread_t thread = {};
     bool isRunning = false;
-    int exitCode = 0; ///< of the run that is over
+    int exitCode = 0; ///< the exit code of the run that is over
     std::atomic<bool> isStopping = false;
 };
 constinit State s_state; // starts before all other static objects

@@ -20,7 +20,7 @@ constexpr std::array s_signals = {SIGTERM, SIGSEGV, SIGINT, SIGILL, SIGABRT, SIG
 /// A request waits two seconds for the end of the run, counted from the last progress of a file. It takes longer only
 /// if nobody reads the log.
 constexpr DWORD s_requestTimeLimit = 3'000; // milliseconds
-constexpr UINT s_abortCode = 3;             ///< what `std::abort` ends the process with
+constexpr UINT s_abortCode = 3;             ///< the exit code of `std::abort`
 
 ErrorHandling* s_errorHandling = nullptr;
 std::array<SignalHandler, s_signals.size()> s_previousHandlers = {};

@@ -55,7 +55,7 @@ public:
     Window& operator=(const Window&) = delete;
 
     virtual ~Window();
-    virtual void Hook2(); ///< nothing; it keeps its place in the order, like the other three
+    virtual void Hook2(); ///< does nothing; it keeps its place in the order, like the other three
     virtual void Hook3();
     /// Called when the native window exists. False cancels the creation.
     [[nodiscard]] virtual bool OnNativeWindowCreated(NativeWindow nativeWindow);

@@ -45,7 +45,7 @@ struct WindowEvent
 
     union Data
     {
-        std::uint64_t hotKey; ///< first, so that a zeroed event is zero throughout
+        std::uint64_t hotKey; ///< first, so that a zeroed event is 0 everywhere
         Key key;
         MouseMove mouseMove;
         float wheelDelta; ///< notches, positive away from the user

@@ -55,10 +55,10 @@ private:
     std::string m_fileName;
     std::filesystem::path m_directory;
     std::filesystem::path m_currentPath;
-    std::filesystem::path m_wantedPath;   ///< the name, by the time, of the last file that this sink made
-    std::filesystem::path m_reservedPath; ///< the name that it got
+    std::filesystem::path m_wantedPath;   ///< the name with only the time, of the last file that this sink made
+    std::filesystem::path m_reservedPath; ///< the name that the file got
     std::ofstream m_stream;
-    bool m_isOpen = false;       ///< what the sink believes of `m_stream`
+    bool m_isOpen = false;       ///< whether `m_stream` should be open
     std::uint64_t m_maxFileSize; ///< bytes
     std::uint32_t m_maxFileAge;  ///< days
 };

@@ -61,8 +61,8 @@ private:
     std::atomic<std::uint32_t> m_enabledStreams{0};
     std::vector<std::uint32_t> m_streamSeverities;
     std::vector<std::shared_ptr<Sink>> m_sinks;
-    std::atomic<std::uint32_t> m_failedSinks{0}; ///< a bit for each entry of `m_sinks` that is left out
-    std::atomic<std::uint32_t> m_writers{0};     ///< threads that are between the sinks
+    std::atomic<std::uint32_t> m_failedSinks{0}; ///< a bit for each entry of `m_sinks` that gets no more lines
+    std::atomic<std::uint32_t> m_writers{0};     ///< threads that are writing to the sinks
     std::atomic<bool> m_isOpen = false;          ///< lines may go to the sinks
 };
 

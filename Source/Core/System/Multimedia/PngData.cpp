@@ -125,7 +125,7 @@ private:
 
     std::vector<RowRange> m_ranges;
     std::vector<std::unique_ptr<PieceMaker>> m_makers;
-    std::vector<std::future<std::optional<PackedPiece>>> m_pieces; ///< last: their ends are awaited first
+    std::vector<std::future<std::optional<PackedPiece>>> m_pieces; ///< last, so that their ends are awaited first
 };
 
 } // namespace

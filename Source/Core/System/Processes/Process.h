@@ -23,7 +23,7 @@ std::string& GetName(const Process& process, std::string& text);
 /// Limits how a process is ended.
 struct Termination
 {
-    std::uint64_t startTime = 0; ///< only the process that was made then, whatever has its number now; 0 for any
+    std::uint64_t startTime = 0; ///< only the process that was made then, even if another now has its number; 0 for any
     /// Called every few milliseconds during the wait: true stops the wait, but not the process's end. May be empty.
     std::function<bool()> isInterrupted;
 };

@@ -16,17 +16,17 @@ namespace Orvik::System::Processes
 enum class ProcessResult : std::uint8_t
 {
     Done,
-    NoHandle, ///< the process is gone, or isn't ours to touch
+    NoHandle, ///< the process is gone, or we may not touch it
     Failed,
-    Interrupted, ///< the caller didn't want to wait any more
+    Interrupted, ///< the caller stopped the wait
 };
 
 /// What distinguishes a run of the program from another process with the same name.
 struct ProcessRecord
 {
-    std::uint64_t startTime = 0; ///< when the system made the process; greater is later, the unit is the system's
+    std::uint64_t startTime = 0; ///< when the system made the process; greater is later, in the system's unit
     bool isOfSameUser = false;   ///< runs as this process's user; on Windows in its session as well
-    bool hasEnded = false;       ///< is only kept until its parent asks for the result
+    bool hasEnded = false;       ///< has ended, and is kept until its parent asks for the result
 };
 
 /// The id of the calling process, 0 if it can't be found.

@@ -143,7 +143,7 @@ protected:
     /// False if the System doesn't start and doesn't tolerate that.
     [[nodiscard]] bool InitializeSystem(SystemLifecycle& system, const IConfig* config);
 
-    Log::Context m_context{Log::StreamID::System}; ///< of what the frame logs about the end of its Systems
+    Log::Context m_context{Log::StreamID::System}; ///< for the log lines about the end of its Systems
     std::wstring m_name;
     SystemPointer<Log::Logger> m_logSystem;
     SystemPointer<Threads::ThreadManager> m_threadManager;
@@ -152,10 +152,10 @@ protected:
     ApplicationConfigCache m_configCache;
     Execution::CapabilityListeners m_capabilityListeners;
     Execution::CommandRegistry m_commandRegistry;
-    CurrentThreadPointer m_mainThreadState;  ///< keeps the main thread known to the thread layer
+    CurrentThreadPointer m_mainThreadState;  ///< keeps the main thread registered
     CommandLine* m_commandLine = nullptr;    ///< not owned
     void* m_extension = nullptr;             ///< not owned
-    Threads::Thread* m_mainThread = nullptr; ///< set while the Systems come up; not owned
+    Threads::Thread* m_mainThread = nullptr; ///< set while the Systems start; not owned
     ISystem* m_mainLoopSystem = nullptr;     ///< not owned
 
 private:

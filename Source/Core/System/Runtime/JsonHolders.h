@@ -11,7 +11,7 @@ namespace Orvik::System::Runtime
 
 struct JsonDocument
 {
-    std::unique_ptr<rapidjson::Document> document; ///< null if there wasn't the memory for one
+    std::unique_ptr<rapidjson::Document> document; ///< null if there wasn't enough memory
 };
 
 struct JsonSchema

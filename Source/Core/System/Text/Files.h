@@ -48,7 +48,7 @@ enum class Replacement : std::uint8_t
 {
     Done,
     NotOpened,  ///< the file can't be made, or not be replaced
-    NotWritten, ///< the text doesn't fit on the disk, say
+    NotWritten, ///< the text couldn't be written completely, for example on a full disk
     Held,       ///< another program keeps the file from being replaced, for longer than a second
 };
 

@@ -50,7 +50,7 @@ private:
     Thread(std::uint64_t state, std::uint32_t priority);
 
     std::thread m_thread;
-    ThreadManager* m_manager = nullptr;       ///< told at the end of the thread; not owned
+    ThreadManager* m_manager = nullptr;       ///< called at the end of the thread; not owned
     std::unique_ptr<std::byte[]> m_workspace; ///< data of the thread
     std::function<void()> m_function;         ///< what the thread runs
     std::uint16_t m_id = InvalidId;           ///< number of the slot

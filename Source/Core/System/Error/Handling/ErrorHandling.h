@@ -100,12 +100,12 @@ private:
     std::atomic<Runtime::Application*> m_application = nullptr; ///< read where requests arrive
     std::string m_applicationName;                              ///< UTF-8; begins the name of a report file
     std::filesystem::path m_reportDirectory;
-    std::filesystem::path m_wantedReportPath; ///< the name, by the time, of the last report in the working directory
-    std::filesystem::path m_reportPath;       ///< the name that it got
+    std::filesystem::path m_wantedReportPath; ///< the last report in the working directory, named only by time
+    std::filesystem::path m_reportPath;       ///< the name that this report got
     std::string m_lastMessage;                ///< of the exception being reported
     std::ostringstream m_messageStream;
     std::atomic<bool> m_unhandledException = false; ///< an exception has been reported as unhandled
-    std::atomic<bool> m_terminating = false;        ///< the process goes down on purpose: an abort is expected
+    std::atomic<bool> m_terminating = false;        ///< the process ends on purpose: an abort is expected
     AssertionHandler m_previousAssertionHandler = nullptr;
     std::terminate_handler m_previousTerminateHandler = nullptr;
 };
