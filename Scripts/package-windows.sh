@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the program for Windows and packs it with all it needs: build/SnipBench-<version>-Windows-x64.zip, whose path
-# is printed. Unpacked anywhere it runs.
+# is printed. It runs wherever it is unpacked.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -24,7 +24,7 @@ cp LICENSE "$stage/License.txt"
 cp CHANGELOG.md "$stage/Changelog.txt"
 cp Packaging/Windows-Readme.txt "$stage/Readme.txt"
 
-# What is linked in, each with the text that its package comes with.
+# The linked libraries, each with the licence text of its package.
 while read -r package title; do
     cp -L "/usr/share/doc/$package/copyright" "$stage/Licenses/$title.txt"
 done <<'LIST'
@@ -38,7 +38,7 @@ gcc-mingw-w64-base GCC-runtime
 mingw-w64-common mingw-w64
 LIST
 
-# Windows' own editor of texts knows no other line ends on older versions.
+# On older versions, Windows' own text editor only knows these line ends.
 find "$stage" -maxdepth 2 -name '*.txt' -exec sed -i 's/\r*$/\r/' {} +
 
 rm -f "build/$name.zip"

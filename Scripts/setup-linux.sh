@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what SnipBench needs on Debian 12 or 13 and is missing: packages from the configured Debian archive, and the
-# font of the labels from the configured npm registry. With nothing missing it fetches nothing and asks for no rights.
+# font of the labels from the configured npm registry. If nothing is missing it fetches nothing and asks for no rights.
 #
 #   Scripts/setup-linux.sh              what building and running the program needs
 #   Scripts/setup-linux.sh --demo       and what the demo on a virtual display needs
@@ -25,7 +25,7 @@ demo_packages=(xvfb)
 benchmark_packages=(libbenchmark-dev valgrind python3)
 test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
 coverage_packages=(gcovr)
-# What the tests of packages, documents and recipes ask: they skip what isn't there.
+# What the tests of packages, documents and recipes use: they skip what is missing.
 installed_packages=(
     xdotool lintian desktop-file-utils appstream shellcheck man-db zsh fish xclip xdg-user-dirs tesseract-ocr
 )
@@ -66,7 +66,7 @@ install_font()
     fi
     tar -xzf "$archive"
     mkdir -p "$textures"
-    # The licence goes first: whoever finds the font finds its licence beside it.
+    # The licence first, so that there is never a font without its licence.
     mv -f package/LICENSE_FONT "$textures/Mulish-LICENSE.txt"
     mv -f package/400Regular/Mulish_400Regular.ttf "$textures/Mulish-Regular.ttf"
 )
