@@ -33,14 +33,14 @@ public:
     OverlayWatcher(const OverlayWatcher&) = delete;
     OverlayWatcher& operator=(const OverlayWatcher&) = delete;
 
-    /// The overlay is told by its place among the root's own windows: one pixel above its monitor and one taller.
+    /// The overlay is found by its place among the root's own windows: one pixel above its monitor and one taller.
     [[nodiscard]] State GetState() const;
-    /// False if the overlay doesn't come into that state in time.
+    /// False if the overlay doesn't reach that state in time.
     [[nodiscard]] bool WaitFor(State state, std::chrono::milliseconds limit = DefaultLimit) const;
-    /// The same for a window that is there, shown or not: it is hidden for a moment only.
+    /// The same for an existing window, shown or not: it may be hidden for a moment.
     [[nodiscard]] bool WaitForWindow(std::chrono::milliseconds limit = DefaultLimit) const;
     /// Waits for the frame whose crosshair is at `cursor`: the pixel column to its right and the row below it are
-    /// white. Lines that would lie outside the screen aren't looked for. False if it doesn't come in time.
+    /// white. Lines outside of the screen aren't tested. False if it doesn't come in time.
     [[nodiscard]] bool WaitForCrosshair(Position cursor, std::chrono::milliseconds limit = DefaultLimit) const;
 
     /// Asks the overlay to close, as a window manager does.
@@ -50,7 +50,7 @@ private:
     /// The X window, 0 if there is none.
     [[nodiscard]] unsigned long FindWindow(State& state) const;
     [[nodiscard]] bool HasCrosshair(Position cursor) const;
-    /// The part of the monitor that the screen has.
+    /// The part of the monitor that is on the screen.
     [[nodiscard]] Area GetVisiblePart() const;
 
     std::unique_ptr<XSession> m_session;
