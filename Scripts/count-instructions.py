@@ -6,7 +6,7 @@ compiler: with another one the counts are only printed, and nothing fails.
 
     Scripts/count-instructions.py [--renew] [PROGRAM [BASELINE]]
 
-    --renew   stores what is counted in place of what is stored
+    --renew   replaces the stored counts by the new ones
 """
 import argparse
 import concurrent.futures

@@ -1,6 +1,6 @@
 #pragma once
 
-// X11's own: what a window tells window managers and compositors, after ICCCM and EWMH.
+// X11's own: what a window reports to window managers and compositors, following ICCCM and EWMH.
 
 #include "Desktops/WindowDescription.h"
 #include "Desktops/X11/X11Headers.h"

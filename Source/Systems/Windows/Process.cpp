@@ -109,7 +109,7 @@ std::uint64_t GetCurrentProcessIdPlatform()
 {
     const DWORD id = GetCurrentProcessId();
     const WindowsHandle process = Open(PROCESS_QUERY_LIMITED_INFORMATION, id);
-    // A process that we may not look at exists all the same.
+    // A process that we may not look at still exists.
     return process != nullptr || GetLastError() == ERROR_ACCESS_DENIED ? id : 0;
 }
 

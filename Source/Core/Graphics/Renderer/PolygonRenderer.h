@@ -31,7 +31,7 @@ struct Polygon
     GpuData gpuData;
     bool visible = true;
     std::vector<std::array<float, 3>> positions;
-    std::vector<std::array<float, 4>> colors; ///< of the positions; what goes on behind them isn't used
+    std::vector<std::array<float, 4>> colors; ///< one for each position; more of them aren't used
     System::Math::Matrix4 model;
     /// What was uploaded, if no driver keeps it.
     std::vector<std::array<float, 3>> uploadedPositions;

@@ -94,7 +94,7 @@ private:
     RasterPainter m_rasterPainter;
     FrameState m_shown; ///< what the last frame of OpenGL was made of
     FrameState m_wanted;
-    bool m_mustDraw = true; ///< whatever was shown before
+    bool m_mustDraw = true; ///< even if the last frame is the same
 };
 
 } // namespace Orvik::Graphics::Renderer

@@ -31,7 +31,7 @@ struct Text
 {
     std::uint16_t id = 0;
     bool visible = true;
-    std::int64_t width = 0; ///< pen position behind the last glyph of the last line
+    std::int64_t width = 0; ///< pen position after the last glyph of the last line
     System::Math::Matrix4 model;
     System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F};
     std::vector<std::uint32_t> instanceIndices;

@@ -28,7 +28,7 @@ constexpr const char* s_libraryVersion = "1.6.46";
     png_longjmp(png, 1);
 }
 
-// A picture that can be read in spite of a flaw is good enough, and nobody reads the text on standard error.
+// A picture that can be read in spite of a flaw is good enough, and the text on standard error wouldn't be read.
 void IgnoreWarning(png_structp /*png*/, png_const_charp /*message*/)
 {
 }
