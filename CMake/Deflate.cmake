@@ -1,4 +1,4 @@
-# libdeflate, as the target libdeflate::libdeflate. Not every version of it comes with a configuration for CMake.
+# libdeflate, as the target libdeflate::libdeflate. Some versions of it have no configuration for CMake.
 find_path(LIBDEFLATE_INCLUDE_DIR libdeflate.h REQUIRED)
 find_library(LIBDEFLATE_LIBRARY NAMES deflate deflatestatic REQUIRED)
 add_library(libdeflate::libdeflate UNKNOWN IMPORTED)

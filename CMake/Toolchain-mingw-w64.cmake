@@ -1,5 +1,5 @@
 # The cross compiler for Windows, and where its libraries are found: in its own folder, and in the one that
-# Scripts/setup-windows.sh fills. Nothing of the building system is looked at.
+# Scripts/setup-windows.sh fills. Nothing of the building system is used.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
@@ -15,9 +15,9 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# One file is the whole program: only what every Windows has is linked dynamically.
+# The program is a single file: it links dynamically only what every Windows has.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(ZLIB_LIBRARY /usr/x86_64-w64-mingw32/lib/libz.a CACHE FILEPATH "The static one of two")
 
-# How a build runs what it has built.
+# Runs what the build has built.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../Scripts/wine.sh --display)

@@ -6,7 +6,7 @@ function(orvik_set_warnings target)
         -Wshadow            # a hidden field reads like the field
         -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
         -Werror)
-    # Files that are compiled together are included, and g++ takes what they include for a header.
+    # Files that are compiled together are included, and g++ takes what they include for headers.
     get_target_property(is_unity ${target} UNITY_BUILD)
     if(is_unity)
         target_compile_options(${target} PRIVATE -Wno-subobject-linkage)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds and runs the benchmarks that need a display, and the one of PNG files, and prints their figures: the steps of a
-# start, single operations and whole runs at two resolutions. What needs none is measured by `./test bench`.
+# start, single operations and whole runs at two resolutions. `./test bench` measures what needs no display.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)

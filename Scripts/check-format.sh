@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Checks that every C++ source of ours is formatted as .clang-format has it; names those that aren't. Each major
-# version of clang-format formats in its own way, so one of them decides; without it nothing is checked, and the exit
-# code is 77.
+# Checks that every C++ source of ours has the format of .clang-format, and names those that don't. Each major version
+# of clang-format formats in its own way, so one of them decides; without that one nothing is checked, and the exit code
+# is 77.
 set -euo pipefail
 
 major=14

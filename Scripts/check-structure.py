@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Checks what Docs/Architecture.md promises about the structure of the sources, and names each line that breaks it:
+"""Checks what Docs/Architecture.md says about the structure of the sources, and names each line that breaks it:
 
-  no include points to a layer above its own, and no two folders need each other, on whatever way;
+  no include points to a layer above its own, and no two folders need each other, directly or through others;
   no unit that all systems share reaches a system's header, includes one of a desktop's or an operating system's folder,
     or asks which system it is;
   the operations of a desktop are those that the page lists;
@@ -25,12 +25,12 @@ SHARED_HEADERS = re.compile(r"[a-z_]+|fmt/.*|rapidjson/.*|gtest/.*|gmock/.*|png\
 # What belongs to one desktop or one operating system: a folder, or a single file by its name.
 OWN_FOLDER = re.compile(r"(Desktops|Systems)/[^/]+/")
 OWN_NAME = re.compile(r"_(Linux|X11|Windows)(Test)?\.(h|cpp)$")
-# The calling convention of OpenGL's functions can be told in no other way.
+# The calling convention of OpenGL's functions can only be found like this.
 CONDITIONS_ALLOWED = {"Source/Desktops/OpenGL.h"}
 
 
 def read_layers(root):
-    """The rows of the table of layers: folder below Source -> its layer, counted from the ground."""
+    """The rows of the table of layers: folder below Source -> its layer, counted from the lowest."""
     text = (root / "Docs/Architecture.md").read_text(encoding="utf-8")
     layers = {}
     for number, folders in re.findall(r"^\| (\d+) \| (.*?) \|", text, re.MULTILINE):
@@ -71,7 +71,7 @@ def check_layers(files, layers):
 
 
 def find_circles(edges):
-    """The folders that reach themselves over other folders, with those they share the circle with."""
+    """The folders that reach themselves through other folders, with the others of the circle."""
     def reach(start):
         seen, rest = set(), list(edges.get(start, ()))
         while rest:
@@ -101,12 +101,12 @@ def check_circles(files):
 
 
 def is_shared(name):
-    """Whether a source below Source is every system's."""
+    """Whether all systems share a source below Source."""
     return not OWN_FOLDER.match(name.removeprefix("Source/")) and not OWN_NAME.search(name)
 
 
 def check_platform(files):
-    """A header of a system may be reached by its own units alone, over whatever headers of ours."""
+    """Only a system's own units may reach its headers, directly or through headers of ours."""
     def find_system_header(name, seen):
         if name in seen or name not in files:
             return None
@@ -144,7 +144,7 @@ def find_operations(text):
 
 
 def check_operations(root, files):
-    """Each row `Interface` (number) of the page against the interface's header, and the number of them all."""
+    """Compares each row `Interface` (number) of the page with the interface's header, and their sum with the page's."""
     page = (root / "Docs/Architecture.md").read_text(encoding="utf-8")
     rows = re.findall(r"^\| `(\w+)` \((\d+)\) \| (.*) \|$", page, re.MULTILINE)
     listed = {name: (int(number), re.findall(r"`(\w+)`", operations)) for name, number, operations in rows}
@@ -171,7 +171,7 @@ HEADING_START = re.compile(r"(?:\s|(?:public|protected|private):)*")
 
 def strip_texts(text):
     """The same lines without comments, literals, preprocessor lines and values in braces, so that every brace that is
-    left has a block behind it."""
+    left belongs to a block."""
     def keep_lines(match):
         return "\n" * match[0].count("\n")
 
@@ -184,7 +184,7 @@ def strip_texts(text):
 
 
 def is_function(heading):
-    """Whether what stands before a brace, from the end of what came before, opens a function's body."""
+    """Whether the text before a brace is the heading of a function."""
     count = 1
     while count > 0:
         heading, count = re.subn(r"\([^()]*\)", "@", heading)
@@ -195,8 +195,8 @@ def find_functions(text):
     """(line number, number of lines) of each function, from its heading to the brace that ends it."""
     text = strip_texts(text)
     depth = 0
-    begin = 0       # of what stands before the next brace
-    function = None # where the one that is being read begins, and how deep
+    begin = 0       # of the text before the next brace
+    function = None # where the current function begins, and how deep
     for match in re.finditer(r"[{};]", text):
         if match[0] == "{":
             if function is None and is_function(text[begin:match.start()]):

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Configures the build folder of a preset where that is needed, and leaves one that is configured as it is. A folder
-# that was configured for a tree in another place, since this one was moved or copied, is made anew: it would build there.
+# Configures the build folder of a preset if needed, and leaves a configured one as it is. A folder that was configured
+# for a tree in another place, because the tree was moved or copied, is made again: it would build in that other place.
 #
 #   Scripts/configure.sh PRESET [cmake options]            only if the folder isn't configured
 #   Scripts/configure.sh --always PRESET [cmake options]   and if it is, with these options as well

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Counts the instructions of each row of the built CountedFunctions and compares them with the stored counts, which is
-seen whatever else the machine does. A row that takes more than 5 % more than is stored fails; one that takes as much
-less gets a hint to store the counts anew. The stored counts hold for one major version of one compiler: with another
-one they are printed, and nothing fails.
+"""Counts the instructions of each row of the built CountedFunctions and compares them with the stored counts. The
+counts don't depend on what else the machine does. A row that takes over 5 % more than is stored fails; for one that
+takes as much less, the script suggests storing the counts again. The stored counts hold for one major version of one
+compiler: with another one the counts are only printed, and nothing fails.
 
     Scripts/count-instructions.py [--renew] [PROGRAM [BASELINE]]
 
-    --renew   stores what is counted in place of what is stored
+    --renew   replaces the stored counts by the new ones
 """
 import argparse
 import concurrent.futures
@@ -69,7 +69,7 @@ def compare(counts, stored):
             print(f"  {row:<34} {number:>13,}  not stored")
             is_stale = True
             continue
-        change = (number - stored[row]) * 100  # of the stored count's hundredths
+        change = (number - stored[row]) * 100  # in hundredths of the stored count
         note = ""
         if change > TOLERANCE * stored[row]:
             failed.append(row)

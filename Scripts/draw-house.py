@@ -2,7 +2,7 @@
 """Draws the layers of Docs/Architecture.md as Docs/Pictures/House.svg: a floor for each layer, a room for each folder.
 
     Scripts/draw-house.py           draws it
-    Scripts/draw-house.py --check   says whether it is what would be drawn
+    Scripts/draw-house.py --check   says whether the picture fits the table
 """
 import re
 import sys
@@ -14,15 +14,15 @@ PAGE = ROOT / "Docs/Architecture.md"
 PICTURE = ROOT / "Docs/Pictures/House.svg"
 
 WIDTH = 1120
-LEFT = 210 # of the rooms; the floor's name stands left of it
+LEFT = 210 # left edge of the rooms; the floor's name is left of it
 GAP = 10
 ROOM_HEIGHT = 34
-LETTER = 8.4 # the width of one, about
+LETTER = 8.4 # about the width of one
 FLOORS = ("#e8eef7", "#dde7f3", "#d2dfef", "#c7d8eb", "#bcd0e7", "#b1c9e3")
 
 
 def read_floors():
-    """(number, folders, what they are) of each row of the table of layers."""
+    """(number, folders, their meaning) of each row of the table of layers."""
     rows = re.findall(r"^\| (\d+) \| (.*?) \| (.*?) \|$", PAGE.read_text(encoding="utf-8"), re.MULTILINE)
     return [(int(number), re.findall(r"`([^`]+)`", folders), what) for number, folders, what in rows]
 

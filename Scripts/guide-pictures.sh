@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Makes the pictures and the example files of the user guide anew (Docs/Pictures, Docs/Examples): real runs of the
+# Makes the pictures and the example files of the user guide again (Docs/Pictures, Docs/Examples), with real runs of the
 # program on a virtual display. Identifiers and times differ each time, so Docs/Formats.md, which shows some of the
-# examples, has to follow; a test compares them. It starts SnipBench, which ends one that runs.
+# examples, has to be changed too; a test compares them. It starts SnipBench, which ends a run that is active.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 build=$root/build/linux-release
-snips=/tmp/Snips # is seen in a picture
+snips=/tmp/Snips # appears in a picture
 
 "$root/Scripts/setup-linux.sh" --demo
 "$root/Scripts/configure.sh" linux-release -DORVIK_BUILD_TESTS=OFF

@@ -18,7 +18,7 @@ from typing import NamedTuple
 
 ROOT = Path(__file__).resolve().parent.parent
 
-# What `-h` doesn't say: what kind of value an option takes. An option that isn't here is an error.
+# What `-h` doesn't say: which kind of value an option takes. An option that is missing here is an error.
 VALUES = {
     "OutDirectory": "directory",
     "OutFileType": ("png", "bmp"),
@@ -36,7 +36,7 @@ class Option(NamedTuple):
     name: str
     short: str
     description: str
-    default: str | None  # None: takes no value; empty: takes one and has no default
+    default: str | None  # None: takes no value; empty: takes a value and has no default
 
     @property
     def value(self):
@@ -155,7 +155,7 @@ def make_fish(options):
              "complete -c snipbench -f"]
     for option in options:
         parts = ["complete -c snipbench"]
-        # Names of several letters behind one hyphen are what fish calls old-style.
+        # fish calls names of several letters after one hyphen old-style.
         parts += [f"-{'s' if len(option.short) == 1 else 'o'} {option.short}", f"-o {option.name}"]
         if option.value is not None:
             arguments = {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes what wixl makes the installer for Windows of: its description, and the icon of the Start menu's entries.
+"""Writes the files from which wixl makes the installer for Windows: its description, and the Start menu's icon.
 
     make-installer.py STAGE VERSION
 
@@ -15,7 +15,7 @@ from pathlib import Path
 from xml.sax.saxutils import quoteattr
 
 ROOT = Path(__file__).resolve().parent.parent
-NAMES = uuid.UUID("b7b3d1a6-5f0e-4c55-9d0c-6f2f1e3a8c21")  # made once, by chance
+NAMES = uuid.UUID("b7b3d1a6-5f0e-4c55-9d0c-6f2f1e3a8c21")  # random, made once
 KEY = r"Software\Orvik\SnipBench"
 ENTRIES = (
     ("SnipBench", "", "Select regions of the screen"),
@@ -38,7 +38,7 @@ def element(name, content="", **attributes):
 
 
 def make_key(name):
-    """What says that a component of a user is there; files in a user's folder can't."""
+    """Marks a component of a user as installed; files in a user's folder can't do that."""
     return element("RegistryValue", Root="HKCU", Key=KEY, Name=name, Type="integer", Value="1", KeyPath="yes")
 
 
@@ -49,7 +49,7 @@ def make_component(name, content, components):
 
 
 def make_folder(folder, stage, components):
-    """The elements of what is in a folder, and its removal with the last of it."""
+    """The elements of a folder's contents, and the folder's removal with the last of them."""
     relative = folder.relative_to(stage).as_posix()
     files = [path for path in sorted(folder.iterdir()) if path.is_file()]
     content = "".join(element("File", Id=make_id("F", file.relative_to(stage).as_posix()), Name=file.name,
@@ -73,8 +73,8 @@ def make_entries(components):
 
 
 def make_upgrade(version):
-    """One that is there is replaced, unless it is newer. Windows compares three numbers of a version, so a release that
-    differs in the fourth alone is the same to it, and replaced as well.
+    """Replaces an installed version unless that is newer. Windows compares only three numbers of a version, so it takes
+    a release that differs only in the fourth for the same one, and replaces that as well.
     """
     major, minor, build = (int(part) for part in version.split(".")[:3])
     next_version = f"{major}.{minor}.{build + 1}"
@@ -88,7 +88,7 @@ def make_upgrade(version):
 def make_source(stage, version, icon):
     components = []
     own = element("Directory", make_folder(stage, stage, components), Id="INSTALLDIR", Name="SnipBench")
-    # The folder for programs belongs to others as well, and goes only where it is empty.
+    # Other programs use the folder for programs too: it is only removed if it is empty.
     last = make_component("programs", element("RemoveFolder", Id="RemovePrograms", On="uninstall"), components)
     programs = element("Directory", last + own, Id="USERPROGRAMS", Name="Programs")
     tree = element("Directory", programs, Id="LocalAppDataFolder")
@@ -111,7 +111,7 @@ def make_source(stage, version, icon):
 
 
 def make_icon():
-    """The drawing in the sizes that Windows shows, each as a PNG file within the icon file."""
+    """The drawing in the sizes that Windows shows, each as a PNG file inside of the icon file."""
     pictures = []
     for size in (16, 24, 32, 48, 64, 256):
         pictures.append((size, subprocess.run(

@@ -3,7 +3,7 @@
 # printed. The libraries that it depends on are those that it is linked with here, so each release has a package of its
 # own.
 #
-# DEBFULLNAME and DEBEMAIL name who makes the package, as Debian's own tools have it.
+# DEBFULLNAME and DEBEMAIL name the maker of the package, as for Debian's own tools.
 set -euo pipefail
 umask 022
 
@@ -12,7 +12,7 @@ cd "$root"
 . Scripts/packages.sh
 . Scripts/release.sh
 architecture=$(dpkg --print-architecture)
-# That of a newer Debian is newer, so that an upgrade of the system takes it.
+# The package of a newer Debian has a higher version, so that an upgrade of the system installs it.
 version=$(release_version)-1~deb$(debian_release)
 maintainer="${DEBFULLNAME:-Orvik} <${DEBEMAIL:-packages@orvik.invalid}>"
 work=$root/build/package-deb
@@ -21,7 +21,7 @@ file=$root/build/snipbench_${version}_$architecture.deb
 SOURCE_DATE_EPOCH=$(release_time)
 export SOURCE_DATE_EPOCH
 
-# dpkg-shlibdeps reads a source package's control file, however short.
+# dpkg-shlibdeps reads a source package's control file, even a short one.
 list_dependencies()
 (
     mkdir -p "$work/debian"

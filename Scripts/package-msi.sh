@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Packs the program for Windows as an installer for one user: build/SnipBench-<version>-Windows-x64.msi, whose path is
-# printed. It has what the zip has, and entries of the Start menu with their starter.
+# printed. It contains the same as the zip, and entries of the Start menu with their starter.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Packs the built program for Linux systems in general: build/SnipBench-<version>-Linux-x64.tar.gz, whose path is
-# printed. Unpacked anywhere it runs. The libraries whose names change from one distribution to the next go with it;
-# those of the desktop, and the C and C++ libraries, are the system's.
+# printed. It runs wherever it is unpacked. It contains the libraries whose names differ between distributions; those of
+# the desktop, and the C and C++ libraries, are the system's.
 set -euo pipefail
 umask 022
 

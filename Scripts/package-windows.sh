@@ -26,7 +26,7 @@ cp LICENSE "$stage/License.txt"
 cp CHANGELOG.md "$stage/Changelog.txt"
 cp Packaging/Windows-Readme.txt "$stage/Readme.txt"
 
-# What is linked in, each with the text that its package comes with.
+# The linked libraries, each with the licence text of its package.
 while read -r package title; do
     cp -L "/usr/share/doc/$package/copyright" "$stage/Licenses/$title.txt"
 done <<'LIST'
@@ -41,7 +41,7 @@ gcc-mingw-w64-base GCC-runtime
 mingw-w64-common mingw-w64
 LIST
 
-# Windows' own editor of texts knows no other line ends on older versions.
+# On older versions, Windows' own text editor only knows these line ends.
 find "$stage" -maxdepth 2 -name '*.txt' -exec sed -i 's/\r*$/\r/' {} +
 
 rm -f "build/$name.zip"

@@ -1,11 +1,11 @@
-# What the set-up scripts share; sourced by them.
+# Functions that the set-up scripts share; sourced by them.
 
 has_sha256() # FILE HASH
 {
     [ -f "$1" ] && [ "$(sha256sum <"$1")" = "$2  -" ]
 }
 
-# The number of the release, such as 12; nothing on another system and before a release has one.
+# The number of the release, such as 12; empty on another system, and before a release has one.
 debian_release()
 (
     ID='' VERSION_ID=''

@@ -1,13 +1,13 @@
-# What the packages say of the release that they are of; sourced by the scripts that make them. The variable `root`
-# names the repository.
+# What the packages say about their release; sourced by the scripts that make them. The variable `root` is the
+# repository.
 
 release_version()
 {
     sed -n 's/^project(SnipBench VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt"
 }
 
-# The release's time in seconds since 1970: the one that is given, else the last commit's, else that of the list of
-# changes. Files in packages are as old, so that the same tree gives the same package.
+# The release's time in seconds since 1970: the given one, else the last commit's, else that of the list of changes.
+# Files in packages get this time, so that the same tree gives the same package.
 release_time()
 {
     if [ -n "${SOURCE_DATE_EPOCH:-}" ]; then

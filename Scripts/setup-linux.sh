@@ -33,7 +33,7 @@ test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock
 compositor_packages=(sway swaybg kwin-wayland dbus-daemon)
 gnome_packages=(gnome-shell xdg-desktop-portal-gnome libglib2.0-bin)
 coverage_packages=(gcovr)
-# What the tests of packages, documents and recipes ask: they skip what isn't there.
+# What the tests of packages, documents and recipes use: they skip what is missing.
 installed_packages=(
     xdotool lintian desktop-file-utils appstream shellcheck man-db zsh fish xclip xdg-user-dirs tesseract-ocr
 )
@@ -87,7 +87,7 @@ install_font()
     fi
     tar -xzf "$archive"
     mkdir -p "$textures"
-    # The licence goes first: whoever finds the font finds its licence beside it.
+    # The licence first, so that there is never a font without its licence.
     mv -f package/LICENSE_FONT "$textures/Mulish-LICENSE.txt"
     mv -f package/400Regular/Mulish_400Regular.ttf "$textures/Mulish-Regular.ttf"
 )

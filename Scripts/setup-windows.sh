@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Installs what building SnipBench for Windows needs on Debian 12 or 13 beside what Scripts/setup-linux.sh installs: the
-# cross compiler, Wine, and, built once from the archive's source packages into build/windows-dependencies, the
-# libraries that Debian has no Windows version of. With nothing missing it fetches nothing and asks for no rights.
+# Installs what building SnipBench for Windows needs on Debian 12 or 13, in addition to what Scripts/setup-linux.sh
+# installs: the cross compiler, Wine, and libraries that Debian doesn't have for Windows. The libraries are built once,
+# from the archive's source packages, in build/windows-dependencies. If nothing is missing it fetches nothing and asks
+# for no rights.
 #
 #   Scripts/setup-windows.sh           what building and running the program needs
 #   Scripts/setup-windows.sh --test    and what the tests need
@@ -23,7 +24,7 @@ case "${1:-}" in
 esac
 require_packages "${packages[@]}"
 
-# Each release of Debian has versions of its own. A newer one's are tried before their hashes are written down here.
+# Each release of Debian has its own versions. A newer release's are tried before their hashes are written here.
 case $(debian_release) in
     12)
         deflate_archive_sha256=89e7df898c37c3427b0f39aadcf733731321a278771d20fc553f92da8d4808ac  # 1.14
@@ -55,7 +56,7 @@ build_library() # SOURCE BUILD [cmake options]
     }
 }
 
-# libdeflate: its sources have no build for CMake before version 1.15, but one for make.
+# libdeflate: before version 1.15 its sources have no build for CMake, but one for make.
 build_deflate() # SOURCE BUILD
 {
     if [ -f "$1/CMakeLists.txt" ]; then
@@ -73,7 +74,7 @@ build_deflate() # SOURCE BUILD
     cp "$1/libdeflatestatic.lib" "$dependencies/lib/libdeflate.a"
 }
 
-# The folder of a header-only library, out of its package: the folder that it lies in has headers of this system too.
+# The folder of a header-only library, from its package: in the system's folder it is beside headers of this system.
 copy_headers() # PACKAGE FOLDER
 {
     local header
@@ -93,7 +94,7 @@ build_libraries()
     fetch_source "$scratch" libpng1.6 'libpng1.6_*.orig.tar.gz' "$png_archive_sha256"
     fetch_source "$scratch" freetype 'freetype_*.orig.tar.xz' "$freetype_archive_sha256"
     build_library "$scratch/libpng1.6" "$scratch/build-libpng" -DPNG_SHARED=OFF -DPNG_TESTS=OFF
-    # With the same zlib as libpng's: its own copy would be there twice.
+    # With libpng's zlib: FreeType's own copy would be a second one.
     build_library "$scratch/freetype" "$scratch/build-freetype" -DFT_REQUIRE_ZLIB=ON -DFT_DISABLE_BZIP2=ON \
         -DFT_DISABLE_PNG=ON -DFT_DISABLE_HARFBUZZ=ON -DFT_DISABLE_BROTLI=ON
     copy_headers libfmt-dev fmt
@@ -114,7 +115,7 @@ build_test_framework()
     build_library "${root_list%/CMakeLists.txt}" "$scratch/build-googletest"
 )
 
-# Each stamp names what was built. A change of a version, here or in the archive's headers, builds it again.
+# Each stamp names what was built. A changed version, here or in the archive's headers, causes a new build.
 build_once() # STAMP VERSIONS FUNCTION
 {
     local stamp=$dependencies/$1

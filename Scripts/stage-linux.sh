@@ -5,7 +5,7 @@
 #   Scripts/stage-linux.sh FOLDER
 #
 # Nothing is built. ORVIK_HOMEPAGE is the web address below which the tree is published: software centres take the
-# guide's pictures from there. Without it an address stands there that leads nowhere, and says so.
+# guide's pictures from there. Without it the address is one that leads nowhere, and that can be seen from it.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
@@ -68,7 +68,7 @@ put_desktop_entry()
     done
 }
 
-# The pages for users; in the tree the examples to read and those to run are two folders.
+# The pages for users. In the tree, the examples to read and those to run are in two folders.
 put_documents()
 {
     local page file
@@ -88,7 +88,7 @@ put_documents()
     chmod 644 "$documents/copyright"
 }
 
-# The program's licence and those of what is in it.
+# The licences of the program and of its parts.
 write_copyright()
 {
     echo 'SnipBench'

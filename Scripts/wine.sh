@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a Windows program under Wine, in a prefix of this project's own that is made at the first call; the program's
-# exit code is passed on, as far as eight bits go.
+# Runs a Windows program under Wine, in a prefix of this project that is made at the first call. Returns the low eight
+# bits of the program's exit code.
 #
 #   Scripts/wine.sh PROGRAM [arguments]
 #   Scripts/wine.sh --display PROGRAM [arguments]   on a virtual display if there is none
@@ -20,7 +20,7 @@ make_prefix()
     exec 9>"$WINEPREFIX/made.lock"
     flock 9
     if [ ! -f "$WINEPREFIX/made" ]; then
-        # No output and no display: nothing of it is a window.
+        # Without output and without a display: nothing of it is a window.
         env -u DISPLAY wineboot --init >&2 9>&-
         wineserver --wait 9>&-
         touch "$WINEPREFIX/made"
@@ -32,7 +32,7 @@ if [ "${1:-}" = --prefix-only ]; then
     exit 0
 fi
 if [ "${1:-}" = --end ]; then
-    wineserver --kill || true # nothing runs
+    wineserver --kill || true # fails if nothing runs
     exec wineserver --wait
 fi
 show=false

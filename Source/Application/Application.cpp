@@ -26,7 +26,7 @@ namespace Log = System::Log;
 namespace Text = System::Text;
 using System::Runtime::CommandLine;
 
-/// The kind of permission that the option asks for; no desktop here looks at it.
+/// The kind of permission that the option asks for. No desktop here reads it.
 constexpr std::uint16_t s_capturePermission = 9;
 constexpr std::int64_t s_permissionDenialPause = 1'000'000'000; // nanoseconds
 
@@ -68,7 +68,7 @@ void Application::Main(const System::Runtime::ApplicationParameters& parameters)
 
 std::string_view Application::RunSteps(const System::Runtime::ApplicationParameters& parameters)
 {
-    if (!m_running) // asked to end before it began, by the user or for the sake of a newer run
+    if (!m_running) // asked to end before it began, by the user or because of a newer run
         return ReturnCodeName::Success;
     if (parameters.commandLine == nullptr)
         return ReturnCodeName::WrongParameters;
@@ -129,7 +129,7 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
 
 void Application::LoadConfiguration(const CommandLine& commandLine)
 {
-    // A run goes on with the defaults after a bad configuration.
+    // After a bad configuration the run goes on with the defaults.
     System::Runtime::ApplicationConfigCache& cache = GetConfigCache();
     if (commandLine.HasOption(Id(Option::ConfigJson)))
         m_hasIgnoredConfiguration = !cache.LoadFromString(commandLine.GetValue(Id(Option::ConfigJson)));
@@ -139,7 +139,7 @@ void Application::LoadConfiguration(const CommandLine& commandLine)
     m_snipMode = cache.AddConfig<SnipBenchConfig>()->m_mode;
 }
 
-// What loading wrote about it came before there was a log.
+// The configuration is loaded before there is a log.
 void Application::WarnOfIgnoredConfiguration()
 {
     if (m_hasIgnoredConfiguration)
@@ -147,7 +147,7 @@ void Application::WarnOfIgnoredConfiguration()
                    "Configuration ignored: ", GetConfigCache().GetError());
 }
 
-// Likewise: it began before everything else.
+// The trace begins before there is a log.
 void Application::WarnOfLostTrace()
 {
     System::Time::Trace* const trace = System::Time::Trace::GetCurrent();
@@ -184,7 +184,7 @@ void Application::SetReturnCode(std::string_view name)
     std::int32_t code = 0;
     if (!registry.FindCode(0, name, code))
         return;
-    // Who waits for the end of the run after a signal reads the field on a thread of its own.
+    // After a signal, another thread waits for the end of the run and reads the field.
     std::atomic_ref(m_returnCode).store(code);
     if (std::string text; registry.WriteCode(0, code, text))
         PrintLine(text);
@@ -211,7 +211,7 @@ void Application::OnPostSystemInitialization(System::Runtime::Application& /*sen
 void Application::OnShutdownRequested()
 {
     {
-        // Under the lock, or a delay that is about to begin its wait would sleep through the notice.
+        // Under the lock: otherwise a delay that is about to begin its wait would miss the notice.
         const std::scoped_lock lock(m_delayMutex);
         m_running = false;
     }
@@ -219,8 +219,8 @@ void Application::OnShutdownRequested()
     m_wake.Raise();
 }
 
-// Whatever was saved is on the disk and every log line is written: there is nothing to lose by ending here, where
-// going on would fault. A start without its display is one without a display.
+// All files are saved and every log line is written: ending here loses nothing, and going on would fault. A run that
+// loses its display before the start is over ends as one without a display.
 void Application::OnDisplayLost()
 {
     if (m_returnCode == UnsetReturnCode)

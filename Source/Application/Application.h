@@ -24,7 +24,7 @@ namespace Orvik::SnipBench
 /// The version text of the program.
 inline constexpr std::string_view VersionText = "0.3.0.2";
 
-/// The program: reads the options, covers a display with the overlay, runs the tool until the user is done, and says
+/// The program: reads the options, covers a display with the overlay, runs the tool until the user is done, and reports
 /// how it ended.
 class Application final : public System::Runtime::Application
 {
@@ -36,7 +36,7 @@ public:
     /// Writes the start banner once the `Logger` is up.
     void OnPostSystemInitialization(System::Runtime::Application& sender,
                                     PostSystemInitializationEvent& event) override;
-    /// Ends the frame loop, and a delay under way. From any thread.
+    /// Ends the frame loop, and a delay that is still waiting. From any thread.
     void OnShutdownRequested() override;
     /// Answers the caller and ends the process.
     void OnDisplayLost() override;
@@ -44,7 +44,7 @@ public:
 private:
     using FileFormat = std::array<char, 4>; ///< three characters and a terminator
 
-    /// Runs the program and names the return code; empty where none is to be set.
+    /// Runs the program and returns the name of the return code; empty if none is to be set.
     [[nodiscard]] std::string_view RunSteps(const System::Runtime::ApplicationParameters& parameters);
     /// Sets the exit code by its name and prints its JSON object.
     void SetReturnCode(std::string_view name);
@@ -63,12 +63,12 @@ private:
     void WaitForDelay(const System::Desktop::Window::ScopedLock& lock);
     void StartTool(Graphics::Tools::SnipBench::Parameters parameters);
     void RunFrameLoop();
-    /// Draws the frame if that is due. Gives how long there is nothing to do unless something comes in: less than 0 is
-    /// without a limit. Times are nanoseconds; `now` is the clock's.
+    /// Draws the frame if it is due. Returns for how many nanoseconds there is nothing to do unless something comes in;
+    /// less than 0 means without a limit. `now` is the clock's time in nanoseconds.
     [[nodiscard]] std::int64_t FinishFrame(std::int64_t now);
     /// Nanoseconds from one picture of the display to the next.
     [[nodiscard]] std::int64_t GetRefreshPeriod() const;
-    /// Where frames go: nowhere once the system has closed the window.
+    /// The window that frames are drawn on; none once the system has closed it.
     [[nodiscard]] System::Desktop::NativeWindow GetDrawnWindow() const;
 
     [[nodiscard]] System::Tools::ToolContext MakeToolContext() const;
@@ -89,9 +89,9 @@ private:
     Graphics::Tools::TimedLabel m_savedPathLabel;
     Graphics::Tools::SnipBench m_tool;
     bool m_hasStarted = false;              ///< the frame loop has begun
-    bool m_hasIgnoredConfiguration = false; ///< one was given and couldn't be used
+    bool m_hasIgnoredConfiguration = false; ///< a configuration was given and couldn't be used
     Graphics::Tools::SnipMode m_snipMode = Graphics::Tools::SnipMode::Rectangle;
-    std::int64_t m_lastFrame = 0;       ///< when one was drawn, nanoseconds of the monotonic clock
+    std::int64_t m_lastFrame = 0;       ///< when the last frame was drawn, nanoseconds of the monotonic clock
     System::Threads::WakeSignal m_wake; ///< ends a wait when the run is asked to end
     std::mutex m_delayMutex;
     std::condition_variable m_delayCondition; ///< ends a delay when the run is asked to end

@@ -37,7 +37,7 @@ using System::Tools::ToolEventType;
 constexpr const char* s_windowName = "Orvik::Snipping";
 constexpr std::uint8_t s_leftButton = 1;
 
-/// How long others wait for a window at the most that is hidden for a delay.
+/// While a delay hides the window, other programs wait at most this long for its answer.
 constexpr std::chrono::milliseconds s_answerPeriod{50};
 
 } // namespace
@@ -71,7 +71,7 @@ std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters 
         m_renderer.Shutdown(m_window->GetNativeWindow());
         Cursor::ShowCursor(true);
     }
-    // Only now: the lock is the window's own.
+    // Only now, because the lock belongs to the window.
     m_window.reset();
     return ReturnCodeName::Success;
 }
@@ -100,8 +100,8 @@ bool Application::ChooseDisplay()
 
 std::string_view Application::OpenWindow()
 {
-    // One pixel above the display and one pixel taller: an overlay of exactly a display's size would be taken for a
-    // full-screen program by the desktop.
+    // One pixel above the display and one pixel taller: the desktop would take an overlay of exactly the display's size
+    // for a full-screen program.
     const DisplayDescriptor& display = *GetSystem<DisplayCache>().GetDisplay(m_displayId);
     m_window = std::make_unique<Window>(this, s_windowName, System::Math::Point{display.x, display.y - 1},
                                         System::Desktop::WindowSize{display.width, display.height + 1U},
@@ -181,10 +181,10 @@ void Application::RunFrameLoop()
     }
 }
 
-// Input goes first, and a display shows no more than a frame a period: OpenGL's swap waits for that by itself.
+// Input goes first, and a display shows at most one frame a period: OpenGL's swap waits for that by itself.
 std::int64_t Application::FinishFrame(std::int64_t now)
 {
-    // The tool has taken its objects away: the screen without them is nothing to show.
+    // The tool has removed its objects: a frame without them would show nothing.
     if (!m_running)
         return 0;
     const bool isInputWaiting = m_window->HasMessage();
@@ -213,7 +213,7 @@ std::int64_t Application::GetRefreshPeriod() const
     return second / (rate >= leastRate ? rate : usualRate);
 }
 
-// The handle of a closed window stays as it was, and the system may give the number to another.
+// The handle stays as it was after the window is closed, and the system may give its number to another window.
 System::Desktop::NativeWindow Application::GetDrawnWindow() const
 {
     const bool isClosed = m_window->GetState() == System::Desktop::WindowState::Closed;
@@ -245,8 +245,8 @@ bool Application::OnWindowEvent(const WindowEvent& event)
         return true;
     case WindowEventType::MouseMove:
     {
-        // In screen pixels; the event's own are the window's. Where the desktop doesn't tell the position, the
-        // crosshair stays: the zeros of an unread one would send it to the corner.
+        // In screen pixels; the event's own position is in window pixels. If the desktop doesn't report the position,
+        // the crosshair stays: zeros would move it to the corner.
         System::Math::Point position;
         if (!Cursor::GetCurrentPosition(position))
             return true;

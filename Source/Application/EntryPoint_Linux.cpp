@@ -1,5 +1,5 @@
-// Where the process starts on Linux. There is no console to borrow here: standard output and standard error stay as
-// they are.
+// Where the process starts on Linux. There is no console to attach to: standard output and standard error stay as they
+// are.
 #include "Application/Application.h"
 #include "Core/System/Error/Handling/EarlyErrorHandling.h"
 #include "Core/System/Error/Handling/ErrorHandling.h"
@@ -14,14 +14,14 @@
 namespace
 {
 
-// Before all other static objects, the application among them.
+// Constructed before all other static objects, the application included.
 [[gnu::init_priority(101)]] const Orvik::System::Error::EarlyErrorHandling s_errorHandling;
 
-// Constructed before `main` and destroyed behind it, so that faults on both ends are reported.
+// Constructed before `main` and destroyed after it, so that faults at both ends are reported.
 Orvik::SnipBench::Application s_application;
 
-/// A caller may close the standard streams. The next file that is opened, a log or the X connection, would take the
-/// place of one and get what is printed.
+/// A caller may close the standard streams. The next file that is opened, a log or the X connection, would then get the
+/// number of such a stream, and what is printed would go there.
 void OccupyStandardStreams()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})

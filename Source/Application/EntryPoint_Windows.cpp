@@ -1,4 +1,4 @@
-// Where the process starts on Windows: a program with windows that consoles and other programs drive all the same.
+// Where the process starts on Windows: a program with windows that consoles and other programs can still run.
 #include "Application/Application.h"
 #include "Core/System/Error/Handling/EarlyErrorHandling.h"
 #include "Core/System/Processes/Process.h"
@@ -14,13 +14,13 @@
 namespace
 {
 
-// Before all other static objects, the application among them.
+// Constructed before all other static objects, the application included.
 [[gnu::init_priority(101)]] const Orvik::System::Error::EarlyErrorHandling s_errorHandling;
 
-// Constructed before `wWinMain` and destroyed behind it, so that faults on both ends are reported.
+// Constructed before `wWinMain` and destroyed after it, so that faults at both ends are reported.
 Orvik::SnipBench::Application s_application;
 
-/// The setup tool reads what the program prints; it mustn't go to the console that the tool was started from.
+/// The setup tool reads what the program prints, so it mustn't go to the console that the tool was started from.
 bool IsSetupToolRunning()
 {
     using namespace Orvik::System::Processes;

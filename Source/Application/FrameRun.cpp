@@ -1,4 +1,4 @@
-// The order of a run. Up here because a run begins and ends with rooms that lie above the `Application`: threads,
+// The order of a run. It is in this layer because a run begins and ends with folders above the `Application`: threads,
 // processes, error handling.
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Error/Handling/ErrorHandling.h"

@@ -28,7 +28,7 @@ void EndWithoutDesktop()
     }
 }
 
-/// Decides which desktop the process runs on, unless a test has.
+/// Decides which desktop the process runs on, unless a test already has.
 void StartDesktop()
 {
     const Desktops::DesktopChoice choice =
@@ -44,7 +44,7 @@ void StartDesktop()
 
 void Application::InitializeLogger()
 {
-    // There is no log to write to yet: what goes wrong here is told on the error stream.
+    // There is no log to write to yet: failures here are reported on standard error.
     try
     {
         CreateAndInitialize(m_logSystem,
@@ -106,7 +106,7 @@ void Application::ShutdownSystems()
     Log::Write(m_context, Log::MessageTypeID::Verbose, "Successful shutdown. See you soon!");
     if (m_logSystem != nullptr)
         m_logSystem->OnShutdown();
-    // Fault reporting may wait for this on another thread.
+    // Another thread that reports a fault may be waiting for this.
     std::int32_t unset = UnsetReturnCode;
     std::atomic_ref(m_returnCode).compare_exchange_strong(unset, 0);
 }

@@ -26,7 +26,7 @@ void WriteText(Writer& writer, std::string_view text)
     writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
-/// The two members that every code has, into the object under way.
+/// Writes the two members that every code has into the object being written.
 void WriteNameAndCode(Writer& writer, const ReturnCode& code)
 {
     writer.Key("name");

@@ -38,7 +38,7 @@ public:
 
     using Value = std::variant<bool, std::int32_t, std::string>;
     using DataMap = std::map<std::string, Value>;
-    /// Fills the map with what belongs to a code beyond its name. False for nothing.
+    /// Fills the map with what belongs to a code beyond its name. False if there is nothing.
     using DataProvider = std::function<bool(std::uint32_t parameterId, std::int32_t code, DataMap& data)>;
 
     [[nodiscard]] static ReturnCodeRegistry& GetInstance();

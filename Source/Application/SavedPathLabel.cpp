@@ -9,9 +9,9 @@ namespace
 {
 
 constexpr std::int64_t s_duration = 1'000'000'000; // nanoseconds
-/// In pixels, on a screen of 1080 rows; never less.
+/// In pixels, on a screen of 1080 rows; never smaller.
 constexpr float s_size = 24.0F;
-/// How far up from the bottom it stands, as a part of the screen's height.
+/// The distance from the bottom, as a part of the screen's height.
 constexpr float s_height = 0.15F;
 constexpr float s_depth = 1.5F;
 

@@ -32,9 +32,9 @@ void ShowAbsolutePath(const SnipFileSettings& settings, const std::filesystem::p
         settings.showSavedPath(System::Text::PathToUtf8(absolute));
 }
 
-/// Writes the text that `makeText` gives as the whole file. A file that can't be opened passes in silence; one that
-/// can't be written, or that another program keeps, is logged, and what it held before stays. What is thrown on the
-/// way, for want of memory say, costs this file and not the run.
+/// Writes the text that `makeText` returns as the whole file. A file that can't be opened isn't logged; one that can't
+/// be written, or that another program keeps, is logged, and keeps what it held before. An exception on the way, such
+/// as one for lack of memory, costs this file but not the run.
 template <typename MakeText>
 void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
 {

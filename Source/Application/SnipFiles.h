@@ -10,7 +10,7 @@
 namespace Orvik::SnipBench
 {
 
-/// Where and how files are written, and who is told.
+/// Where and how files are written, and what gets their paths.
 struct SnipFileSettings
 {
     std::filesystem::path directory;
@@ -19,8 +19,8 @@ struct SnipFileSettings
     std::function<void(const std::string& path)> showSavedPath; ///< shows the user where a file goes, UTF-8
 };
 
-/// Writes the image and the meta file of one selection, under a fresh identifier. Throws the file-system error
-/// "absolute" if the directory can't be made absolute; any other failure leaves the run going.
+/// Writes the image and the meta file of one selection, under a new identifier. Throws the file-system error "absolute"
+/// if the directory can't be made absolute; after any other failure the run goes on.
 void SaveSnip(Graphics::Tools::SnipBench::Result& result, const SnipFileSettings& settings);
 
 /// Adds one rectangle to the process's annotation list and rewrites the annotation file; the first one saves the whole

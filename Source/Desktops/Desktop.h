@@ -20,20 +20,20 @@ class Window;
 namespace Orvik::Desktops
 {
 
-/// What the program needs of a desktop. The shared classes (`Window`, `DisplayCache`, `CaptureContext`, `Cursor`,
-/// `PixelSurface`, `GLContext`) are what the program uses; they hold what this hands out. A desktop translates and
-/// serves; it decides nothing. It connects to its server when it is first asked for something. The main thread.
+/// What the program needs from a desktop. The program uses the shared classes (`Window`, `DisplayCache`,
+/// `CaptureContext`, `Cursor`, `PixelSurface`, `GLContext`); they hold the objects that this makes. A desktop
+/// translates and serves; it decides nothing. It connects to its server at the first request. Main thread.
 class Desktop
 {
 public:
-    /// As it stands in the log.
+    /// The name that the log shows.
     [[nodiscard]] virtual const char* GetName() const = 0;
 
-    /// What to call when the desktop is gone in the middle of a run. Null for nothing.
+    /// Sets what to call if the desktop is lost during a run. Null for nothing.
     virtual void SetLossHandler(void (*handler)()) = 0;
 
-    /// Settles what the system needs before displays are measured. False if there is no desktop. Complaints go to
-    /// `log`.
+    /// Makes the settings that the system needs before displays are measured. False if there is no desktop. Warnings go
+    /// to `log`.
     [[nodiscard]] virtual bool PrepareDisplays(const System::Log::Context& log) = 0;
     /// After `PrepareDisplays`. A display whose numbers don't fit their fields is an assertion failure.
     [[nodiscard]] virtual DisplayList ListDisplays() = 0;
@@ -44,10 +44,10 @@ public:
 
     [[nodiscard]] virtual DesktopPointer& GetPointer() = 0;
 
-    /// Looks whether OpenGL would be drawn by a graphics card here, rather than by a program that pretends to be one.
+    /// Finds out whether a graphics card would draw OpenGL here, rather than a program that imitates one.
     [[nodiscard]] virtual GraphicsCard FindGraphicsCard() = 0;
 
-    // Never null. What they hand out does nothing native before its own `Create` or `Initialize`.
+    // Never null. The objects do nothing native before their own `Create` or `Initialize`.
     [[nodiscard]] virtual std::unique_ptr<DesktopWindow> MakeWindow(System::Desktop::Window& owner) = 0;
     [[nodiscard]] virtual std::unique_ptr<PlatformCaptureContext> MakeCaptureContext() = 0;
     [[nodiscard]] virtual std::unique_ptr<PixelMemory> MakePixelMemory() = 0;
@@ -58,13 +58,13 @@ protected:
     ~Desktop() = default;
 };
 
-/// The desktop that the process runs on. Without one: an assertion failure.
+/// The desktop that the process runs on. An assertion failure if there is none.
 [[nodiscard]] Desktop& GetDesktop();
 
-/// Settles on a desktop, which outlives everything that is made of it. A test does so before anything asks.
+/// Sets the desktop, which outlives all objects that it makes. A test does this before anything asks for it.
 void SetDesktop(Desktop& desktop) noexcept;
 
-/// Whether one is settled on.
+/// Whether there is a desktop.
 [[nodiscard]] bool HasDesktop() noexcept;
 
 } // namespace Orvik::Desktops

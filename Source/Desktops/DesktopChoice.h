@@ -10,10 +10,10 @@ namespace Orvik::Desktops
 struct DesktopChoice
 {
     Desktop& desktop;
-    std::string reason; ///< why it is this one
+    std::string reason; ///< why this one was chosen
 };
 
-/// Decides which of the desktops that the operating system has is the one to run on. The one place that knows them all.
+/// Chooses one of the desktops that the operating system has. The only place that knows them all.
 [[nodiscard]] DesktopChoice ChooseDesktop();
 
 } // namespace Orvik::Desktops

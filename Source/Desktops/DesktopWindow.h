@@ -10,9 +10,9 @@
 namespace Orvik::Desktops
 {
 
-/// A desktop's part of a `System::Desktop::Window`, which owns it, keeps the state and hears of events by its
-/// `Deliver...` operations, one for each kind. What comes between `Create` and `Destroy` alone, says so. The thread of
-/// the window.
+/// A desktop's part of a `System::Desktop::Window`. The `Window` owns it, keeps the state, and gets the events through
+/// its `Deliver...` operations, one for each kind. Operations that are only called between `Create` and `Destroy` say
+/// so. Thread of the window.
 class DesktopWindow
 {
 public:
@@ -25,27 +25,27 @@ public:
     [[nodiscard]] virtual bool Register(const char* className) = 0;
     virtual void Unregister(const char* className) = 0;
 
-    /// Creates the native window, hidden, delivers `Created` and asks `OnNativeWindowCreated`. `None`, and nothing left
-    /// behind, if that cancels, or if the desktop refuses, for which a log line gives the reason.
+    /// Creates the native window, hidden, delivers `Created` and asks `OnNativeWindowCreated`. If that cancels, or if
+    /// the desktop refuses, which a log line explains, the result is `None` and no window is left.
     [[nodiscard]] virtual NativeWindow Create(const WindowDescription& description) = 0;
-    /// Only after `Create`. Comes twice for a window that was closed before its end: the second call does nothing.
+    /// Only after `Create`. Called twice for a window that was closed before its end: the second call does nothing.
     virtual void Destroy() = 0;
 
-    virtual void Show() = 0; ///< after `Create`, like all up to `BringToFront` but for the two on waiting
+    virtual void Show() = 0; ///< after `Create`, like all up to `BringToFront` except the two about waiting
     virtual void Hide() = 0;
     /// Handles one native message at most, of any window of the thread.
     virtual void Pump() = 0;
     /// Whether `Pump` would find something to do.
     [[nodiscard]] virtual bool HasMessage() = 0;
     /// Returns when `HasMessage` may have become true, when `wake` was raised, or after that many nanoseconds; less
-    /// than 0 is without a limit. It may return early for no reason. Takes the signal back. Without a native window it
-    /// waits for the other two, and for the end of the desktop. At any time.
+    /// than 0 means without a limit. It may return early without a reason. Resets the signal. Without a native window
+    /// it waits for the other two, and for the end of the desktop. At any time.
     virtual void WaitForMessage(std::int64_t nanoseconds, System::Threads::WakeSignal& wake) = 0;
     /// Replaces the title, UTF-8.
     virtual void SetTitle(const std::string& title) = 0;
-    /// Handles what others send and wait for; queued messages stay where they are.
+    /// Handles messages whose senders wait for an answer; queued messages stay where they are.
     virtual void AnswerOthers() = 0;
-    /// Whether mouse and keyboard pass the window by.
+    /// Whether mouse and keyboard input goes to the windows below.
     virtual void SetClickThrough(bool enabled) = 0;
     /// Brings the window to the front and gives it the keyboard.
     virtual void BringToFront() = 0;

@@ -6,15 +6,15 @@
 namespace Orvik::System::Device::Display
 {
 
-/// No display. Every id below is valid.
+/// No display. All lower ids are valid.
 inline constexpr std::uint16_t InvalidDisplayId = 0xFFFF;
 
 /// One display of the desktop. Sizes and positions are physical pixels of the virtual desktop.
 struct DisplayDescriptor
 {
     std::string name;                               ///< the system's name of it, UTF-8
-    std::uint16_t id = InvalidDisplayId;            ///< from 1, dense
-    std::uint16_t hostDisplayId = InvalidDisplayId; ///< of a virtual display: the display that it lies on
+    std::uint16_t id = InvalidDisplayId;            ///< from 1, without gaps
+    std::uint16_t hostDisplayId = InvalidDisplayId; ///< of a virtual display: the display that it is on
     std::uint32_t deviceIndex = 0xFFFFFFFF;         ///< the system's number of it
     std::uint16_t width = 0;
     std::uint16_t height = 0;

@@ -10,15 +10,15 @@
 namespace Orvik::Desktops
 {
 
-/// The displays of a desktop, in its order.
+/// The displays of a desktop, in the desktop's order.
 struct DisplayList
 {
-    /// Their ids are the cache's to give: 1 for the first, and so on.
+    /// The cache gives them their ids: 1 for the first, and so on.
     std::vector<System::Device::Display::DisplayDescriptor> displays;
 
-    /// The id of the one that the user works on, where the desktop says which.
+    /// The id of the display that the user works on, if the desktop reports it.
     std::uint16_t activeId = System::Device::Display::InvalidDisplayId;
-    /// Else, where it says so, what of the screen the user's window takes, screen pixels.
+    /// Else, if the desktop reports it, the part of the screen that the user's window takes, in screen pixels.
     std::optional<System::Math::Rectangle> foreground;
 };
 

@@ -6,8 +6,7 @@
 namespace Orvik::Desktops
 {
 
-/// Nothing where a call worked; else why it didn't: the system's message and its number, as `FormatLastError` puts
-/// them.
+/// Empty if a call worked; else the reason: the system's message and its number, in the form of `FormatLastError`.
 using Failure = std::optional<std::string>;
 
 } // namespace Orvik::Desktops

@@ -3,11 +3,11 @@
 namespace Orvik::Desktops
 {
 
-/// What is known of the desktop's graphics card before a driver is loaded.
+/// What is known about the desktop's graphics card before a driver is loaded.
 struct GraphicsCard
 {
     bool isReachable = false;
-    const char* reason = ""; ///< why it is thought to be, or not to be
+    const char* reason = ""; ///< the reason for the answer
 };
 
 } // namespace Orvik::Desktops

@@ -2,8 +2,8 @@
 
 #include "Desktops/OpenGLSurface.h"
 
-// The OpenGL types, constants and function-pointer types of the Khronos header, without the system's own. The header
-// would pull in the Windows headers to learn the calling convention; it stands here instead.
+// The OpenGL types, constants and function-pointer types of the Khronos header, without the system's headers. The
+// Khronos header would include the Windows headers for the calling convention, so that is defined here instead.
 #if !defined(APIENTRY)
 #if defined(__MINGW32__)
 #define APIENTRY __stdcall
@@ -15,7 +15,7 @@
 
 #include <GL/glcorearb.h>
 
-// The entry points that the OpenGL library of every platform exports.
+// The entry points that the OpenGL library of every system exports.
 extern "C"
 {
     void APIENTRY glClear(GLbitfield mask);
@@ -46,7 +46,7 @@ extern "C"
 #undef ORVIK_UNDEFINE_APIENTRY
 #endif
 
-/// Those that the program calls.
+/// The ones that the program calls.
 #define ORVIK_FOR_EACH_LIBRARY_FUNCTION(ENTRY)                                                                         \
     ENTRY(PFNGLCLEARPROC, glClear)                                                                                     \
     ENTRY(PFNGLVIEWPORTPROC, glViewport)                                                                               \
@@ -71,7 +71,7 @@ extern "C"
 namespace Orvik::Desktops
 {
 
-/// One of these as the linked library exports it: a driver need not give them by their names. Null for any other.
+/// One of these as the linked library exports it, because a driver need not find them by name. Null for any other.
 [[nodiscard]] OpenGLFunction FindLibraryFunction(const char* name);
 
 } // namespace Orvik::Desktops

@@ -8,7 +8,7 @@
 namespace Orvik::Desktops
 {
 
-/// How a screen keeps its pixels: the bits of each channel in a pixel's value, and the value's bytes in memory.
+/// How a screen stores its pixels: the bits of each channel in a pixel's value, and the value's bytes in memory.
 struct PixelLayout
 {
     std::uint32_t redMask = 0;
@@ -18,19 +18,19 @@ struct PixelLayout
     bool mostSignificantByteFirst = false;
 };
 
-/// Turns rows of a screen's pixels into blue, green, red and a fourth byte. A channel's least and greatest values
-/// become 0 and 255, what lies between goes to the nearest.
+/// Converts rows of a screen's pixels to blue, green, red and a fourth byte. The least and the greatest value of a
+/// channel become 0 and 255, values between them are rounded.
 class PixelConverter
 {
 public:
-    /// Nothing for a layout without three separate channels, of 1 to 16 neighbouring bits each, that fit the pixel.
+    /// Empty for a layout without three separate channels, of 1 to 16 neighbouring bits each, that fit into the pixel.
     [[nodiscard]] static std::optional<PixelConverter> Create(const PixelLayout& layout);
 
-    /// `source` has `width` pixels, `target` room for 4 times `width` bytes; they don't overlap. The fourth byte has
-    /// no meaning.
+    /// `source` has `width` pixels, `target` has room for 4 times `width` bytes; they don't overlap. The fourth byte
+    /// has no meaning.
     void ConvertRow(const unsigned char* source, std::uint32_t width, unsigned char* target) const;
 
-    /// Whether rows are converted by a mere copy.
+    /// Whether converting a row is a plain copy.
     [[nodiscard]] bool IsCopy() const { return m_isTargetLayout; }
 
 private:

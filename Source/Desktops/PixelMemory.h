@@ -11,7 +11,7 @@ namespace Orvik::Desktops
 {
 
 /// A desktop's part of a `System::Desktop::PixelSurface`: memory that is shown on a window, aligned to its lower left
-/// corner. The operations promise what that class's do.
+/// corner. The operations promise the same as those of that class.
 class PixelMemory
 {
 public:

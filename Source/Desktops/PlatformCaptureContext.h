@@ -7,7 +7,7 @@
 namespace Orvik::Desktops
 {
 
-/// A desktop's part of a `CaptureContext`: what it needs to read a region of the screen. One thread.
+/// A desktop's part of a `CaptureContext`: reads a region of the screen. One thread.
 class PlatformCaptureContext
 {
 public:
@@ -16,18 +16,18 @@ public:
     PlatformCaptureContext& operator=(const PlatformCaptureContext&) = delete;
     virtual ~PlatformCaptureContext() = default; ///< gives everything back
 
-    /// Acquires what the copies of `region` need, screen pixels, both sides 1 to 65,535. Once. False if the screen
-    /// can't be read; nothing is logged.
+    /// Gets the resources for copies of `region`, in screen pixels, both sides 1 to 65,535. Called once. False if the
+    /// screen can't be read; nothing is logged.
     [[nodiscard]] virtual bool Initialize(const System::Math::Rectangle& region) = 0;
 
-    /// Waits until a window that was just hidden is gone from the screen, and what lies below is drawn.
+    /// Waits until a window that was just hidden is gone from the screen, and what is below it is drawn.
     virtual void AwaitRepaint() = 0;
 
-    /// Copies the screen into the own pixels. Parts of the region beyond the screen become black.
+    /// Copies the screen into its own pixels. Parts of the region outside of the screen become black.
     [[nodiscard]] virtual Failure CopyScreen() = 0;
 
-    /// The pixels of the last copy, 4 bytes for each: rows from the top, tightly packed, blue, green, red and a byte
-    /// without meaning.
+    /// The pixels of the last copy, 4 bytes each: rows from the top, without padding, in the order blue, green, red and
+    /// a byte without meaning.
     [[nodiscard]] virtual System::Types::Buffer<const unsigned char> GetPixels() const = 0;
 };
 

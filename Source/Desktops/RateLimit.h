@@ -5,17 +5,17 @@
 namespace Orvik::Desktops
 {
 
-/// Lets something happen so many times within a period and no more; with the next period it may happen again.
+/// Allows something a number of times in each period, and then not until the next period.
 class RateLimit
 {
 public:
     /// `period` is in nanoseconds.
     constexpr RateLimit(std::uint32_t count, std::int64_t period) : m_count(count), m_period(period) {}
 
-    /// Whether it may happen at `now`, a time of the monotonic clock. It doesn't count yet.
+    /// Whether it is allowed at `now`, a time of the monotonic clock. Doesn't count it.
     [[nodiscard]] constexpr bool HasLeft(std::int64_t now) const { return m_count > (IsOver(now) ? 0 : m_taken); }
 
-    /// Whether it may happen at `now`; if so, it counts.
+    /// Whether it is allowed at `now`; counts it if so.
     [[nodiscard]] constexpr bool Take(std::int64_t now)
     {
         if (!HasLeft(now))
@@ -29,7 +29,7 @@ public:
         return true;
     }
 
-    /// Nanoseconds from `now` until it may happen.
+    /// Nanoseconds from `now` until it is allowed again.
     [[nodiscard]] constexpr std::int64_t GetTimeLeft(std::int64_t now) const
     {
         return HasLeft(now) ? 0 : m_begin + m_period - now;

@@ -14,11 +14,11 @@ struct ScrollAxis
     double position = 0.0;  ///< the number as last seen
 };
 
-/// Turns the absolute positions that devices report into notches.
+/// Converts the absolute positions that devices report to notches.
 class ScrollAxes
 {
 public:
-    /// Forgets all axes but these. An axis without an increment can't be scaled and is left out.
+    /// Keeps only these axes. An axis without an increment can't be scaled and is left out.
     void Assign(std::vector<ScrollAxis> axes);
 
     /// The same for one device; the others stay as they are.
@@ -27,7 +27,7 @@ public:
     [[nodiscard]] bool HasDevice(int device) const;
     [[nodiscard]] bool HasAxis(int device, int valuator) const;
 
-    /// Moves an axis and returns the way it went in notches, positive away from the user; 0 for an unknown axis.
+    /// Moves an axis and returns the distance in notches, positive away from the user; 0 for an unknown axis.
     [[nodiscard]] float Move(int device, int valuator, double position);
 
 private:

@@ -5,7 +5,7 @@
 namespace Orvik::Desktops
 {
 
-/// What a window is drawn on by. It settles what kind of window the desktop makes.
+/// How a window is drawn on. It decides what kind of window the desktop makes.
 enum class SurfaceKind : std::uint8_t
 {
     OpenGL, ///< a context of a driver

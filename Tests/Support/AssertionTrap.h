@@ -33,7 +33,7 @@ private:
     System::Error::AssertionHandler m_previous;
 };
 
-/// Writes failed assertions down while it lives, and lets the code go on behind them.
+/// Records failed assertions while it lives, and lets the code after them run.
 class AssertionList
 {
 public:
@@ -51,7 +51,7 @@ private:
 
 } // namespace Orvik::Tests
 
-/// The statement has to fail an assertion with exactly these two texts.
+/// The statement must fail an assertion with exactly these two texts.
 #define EXPECT_ASSERTION(statement, expectedCondition, expectedMessage)                                                \
     do                                                                                                                 \
     {                                                                                                                  \

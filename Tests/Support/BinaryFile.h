@@ -20,7 +20,7 @@ void WriteBytes(const std::filesystem::path& path, const Bytes& bytes);
 /// The same as text, bytes as they are. Empty if it can't be opened.
 [[nodiscard]] std::string ReadText(const std::filesystem::path& path);
 
-/// The parts one behind the other.
+/// The parts one after the other.
 [[nodiscard]] Bytes Concatenate(std::initializer_list<Bytes> parts);
 
 } // namespace Orvik::Tests

@@ -6,8 +6,8 @@
 namespace Orvik::Tests
 {
 
-/// Makes the environment's locale that of the process, as the program of a host might: nothing that is written for
-/// another program to read may depend on it. One that isn't installed leaves the C locale.
+/// Makes the environment's locale that of the process, as a program that contains this one might: nothing that other
+/// programs read may depend on it. If the locale isn't installed, the C locale stays.
 inline void UseEnvironmentLocale()
 {
     try

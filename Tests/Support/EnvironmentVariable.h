@@ -6,10 +6,10 @@
 namespace Orvik::Tests
 {
 
-/// The variable that tells the user's home directory.
+/// The variable that holds the user's home directory.
 extern const char* const HomeVariable;
 
-/// Sets or removes an environment variable; the object's end brings the former value back. Texts are UTF-8. One thread.
+/// Sets or removes an environment variable; the object's end restores the former value. Texts are UTF-8. One thread.
 class EnvironmentVariable
 {
 public:

@@ -10,7 +10,7 @@
 namespace Orvik::Tests
 {
 
-/// A System that notes down what is called, in order, and does what a test tells it.
+/// A System that records its calls in order, and does what a test sets.
 class FakeSystem : public System::Runtime::SystemBase<FakeSystem, "FakeSystem", 10,
                                                       System::GUID{0x0102030405060708, 0x090A0B0C0D0E0F10},
                                                       System::Runtime::EmptyConfig>

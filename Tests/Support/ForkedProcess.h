@@ -19,13 +19,13 @@ struct ForkedResult
     std::string error;
 };
 
-/// Runs a function in a forked process, for what ends the process or changes it for good. Its working directory is a
-/// temporary one; what it writes to standard output and standard error is kept. It is killed with the object.
+/// Runs a function in a forked process, for functions that end the process or change it for good. Its working directory
+/// is a temporary one; what it writes to standard output and standard error is kept. It is killed with the object.
 class ForkedProcess
 {
 public:
-    /// The function's result is the exit code, and what it throws is uncaught. Static objects are not destroyed unless
-    /// the function calls `exit`.
+    /// The function's result is the exit code; its exceptions are uncaught. Static objects are not destroyed unless the
+    /// function calls `exit`.
     explicit ForkedProcess(const std::function<int()>& function);
     ~ForkedProcess();
     ForkedProcess(const ForkedProcess&) = delete;
@@ -50,7 +50,7 @@ private:
     pid_t m_process = 0;
 };
 
-/// The same at one stroke.
+/// Runs the function and waits for the end.
 ForkedResult RunForked(const std::function<int()>& function);
 
 } // namespace Orvik::Tests

@@ -16,13 +16,13 @@ namespace Orvik::Tests
 struct GLCall
 {
     std::string name;
-    /// As they were given. A pointer is 0 if it is null and 1 if not; an attribute's offset is the offset. Numbers of
-    /// `float`s, matrices and the like that are pointed at are in `data`.
+    /// The arguments as given. A pointer is 0 if it is null and 1 if not; an attribute's offset is the offset.
+    /// `float`s, matrices and the like that a pointer points to are in `data`.
     std::vector<double> arguments;
-    std::string text;            ///< a name or source that was pointed at
-    std::vector<std::byte> data; ///< the bytes that were pointed at, where the call tells how many
+    std::string text;            ///< the name or source that a pointer points to
+    std::vector<std::byte> data; ///< the bytes that a pointer points to, if the call says how many
 
-    /// What was pointed at, as elements of that type.
+    /// What a pointer points to, as elements of that type.
     template <typename Element>
     [[nodiscard]] std::vector<Element> GetElements() const
     {
@@ -34,14 +34,14 @@ struct GLCall
     }
 };
 
-/// OpenGL of the null desktop: draws nothing, remembers every call, and fails where it is told to. The context's own
+/// The OpenGL of the null desktop: draws nothing, records every call, and fails where a test says so. The context's own
 /// operations are recorded as "CreateContext", "SetTitle", "DestroyContext" and "SwapBuffers". One thread.
 class GLRecorder
 {
 public:
     [[nodiscard]] static GLRecorder& GetInstance();
 
-    /// Back to the start values.
+    /// Restores the start values.
     void Reset() { *this = GLRecorder(); }
 
     [[nodiscard]] const std::vector<GLCall>& GetCalls() const { return m_calls; }
@@ -51,12 +51,12 @@ public:
     [[nodiscard]] std::vector<std::string> GetNames() const;
     void ClearCalls() { m_calls.clear(); }
 
-    /// How many objects of a kind ("Buffers", "VertexArrays", "Textures") are made and not deleted.
+    /// How many objects of a kind ("Buffers", "VertexArrays", "Textures") exist.
     [[nodiscard]] std::size_t GetLiveCount(const std::string& kind) const;
 
-    // What a test sets.
+    // Set by tests.
     bool contextCreates = true;
-    std::string missingEntryPoint; ///< the name of one that the driver lacks
+    std::string missingEntryPoint; ///< the name of an entry point that the driver lacks
     std::string version = "3.3.0 Null";
     GLenum failingStage = 0; ///< the kind of shader that doesn't compile
     bool programsLink = true;
@@ -65,7 +65,7 @@ public:
     GLint blockSize = 136; ///< of every uniform block
     std::string infoLog;   ///< what is wrong with a shader or program
 
-    // What the recording functions call.
+    // Called by the recording functions.
     template <typename... Arguments>
     GLCall& Record(const char* name, Arguments... arguments)
     {
@@ -74,7 +74,7 @@ public:
     void Generate(const char* kind, GLsizei count, GLuint* names);
     void Delete(const char* kind, GLsizei count, const GLuint* names);
     [[nodiscard]] GLuint MakeName() { return ++m_lastName; }
-    /// A uniform's location: each name has its own in all programs, in the order of asking, from 0.
+    /// A uniform's location: each name has one for all programs, in the order of the calls, from 0.
     [[nodiscard]] GLint GetLocation(const std::string& name);
 
 private:

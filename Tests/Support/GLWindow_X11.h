@@ -13,7 +13,7 @@ namespace Orvik::Tests
 class GLWindow
 {
 public:
-    /// `x` is the column of the screen where it begins.
+    /// `x` is the column of the screen at which it begins.
     GLWindow(std::uint32_t width, std::uint32_t height, int x = 0);
     ~GLWindow();
     GLWindow(const GLWindow&) = delete;
@@ -21,14 +21,14 @@ public:
 
     [[nodiscard]] Desktops::NativeWindow GetNative() const { return m_native; }
 
-    /// Takes the window away from under whoever draws on it.
+    /// Destroys the window while something may still draw on it.
     void Destroy();
 
-    /// What a window manager would show, by the name of the property.
+    /// The title in that property, as a window manager would show it.
     [[nodiscard]] std::string GetTitle(const char* property) const;
 
-    /// What the X server shows, rows from the top, as blue | green << 8 | red << 16; above that whatever
-    /// the visual has.
+    /// The pixels that the X server shows, rows from the top, as blue | green << 8 | red << 16; the highest byte
+    /// depends on the visual.
     [[nodiscard]] std::vector<std::uint32_t> Capture() const;
 
 private:
@@ -38,7 +38,7 @@ private:
     Desktops::NativeWindow m_native{};
 };
 
-/// An X window of another visual than the program draws on. It goes with the X connection.
+/// An X window of a visual that the program doesn't draw on. It ends with the X connection.
 [[nodiscard]] Desktops::NativeWindow CreateForeignWindow();
 
 } // namespace Orvik::Tests

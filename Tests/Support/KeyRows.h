@@ -18,7 +18,7 @@ struct KeyRow
     std::uint32_t virtualKey;
 };
 
-// Written down a second time, by number, name and virtual key: other programs read these numbers.
+// Written here a second time, by number, name and virtual key, because other programs read these numbers.
 inline constexpr KeyRow KeyRows[] = {
     {0, KeyCode::Undefined, NoKey},
     {1, KeyCode::Escape, 0x1B},

@@ -21,7 +21,7 @@ public:
     void Receive(std::uint32_t stream, System::Log::MessageTypeID severity, const std::string& text) override;
     void ApplySeverity(System::Log::Context& context) const override; ///< as the receiver before it does
 
-    /// What came so far, each as "Stream Severity: text".
+    /// The messages so far, each as "Stream Severity: text".
     [[nodiscard]] const std::vector<std::string>& GetLines() const { return m_lines; }
     void Clear() { m_lines.clear(); }
 

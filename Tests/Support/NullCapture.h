@@ -7,7 +7,7 @@
 namespace Orvik::Tests
 {
 
-/// Reads the picture that the null desktop says its screen shows.
+/// Reads the picture that the null desktop has as its screen.
 class NullCapture final : public Desktops::PlatformCaptureContext
 {
 public:

@@ -15,17 +15,17 @@
 namespace Orvik::Tests
 {
 
-/// What the null desktop is made of. One thread.
+/// The values of the null desktop. One thread.
 struct NullDesktopValues
 {
-    // Displays: what the display cache finds. Ids are given by the cache.
+    // The displays that the display cache finds. The cache gives them their ids.
     std::vector<System::Device::Display::DisplayDescriptor> displays;
     std::uint16_t activeDisplayId = System::Device::Display::InvalidDisplayId;
 
     // The pointer.
     System::Math::Point cursorPosition;
     std::vector<System::Math::Point> cursorMoves; ///< every position that was set
-    bool cursorFails = false;                     ///< reading and moving fail
+    bool cursorFails = false;                     ///< whether reading and moving fail
     bool cursorVisible = true;
 
     // Captures.
@@ -39,7 +39,7 @@ struct NullDesktopValues
     // Surfaces.
     bool hasGraphicsCard = true;
     bool surfacesCreate = true;
-    std::vector<std::vector<System::Math::Rectangle>> presentations; ///< what each frame showed anew
+    std::vector<std::vector<System::Math::Rectangle>> presentations; ///< the parts that each frame showed
     std::uint64_t frames = 0;                                        ///< begun in memory
     std::uint64_t finishedFrames = 0;                                ///< ended in memory
 
@@ -49,8 +49,8 @@ struct NullDesktopValues
     /// "RegisterClass", "UnregisterClass", "Create", "Destroy", "Show", "Hide", "SetClickThrough(true)",
     /// "SetClickThrough(false)" and "BringToFront", in the order of the calls. Pumping isn't remembered.
     std::vector<std::string> windowCalls;
-    std::size_t answers = 0; ///< how often a window has handled what others wait for
-    /// What the message pump finds, one a call. Each is run with the window that pumps.
+    std::size_t answers = 0; ///< how often a window has handled messages whose senders wait
+    /// The messages that the pump finds, one per call. Each is run with the window that pumps.
     std::deque<std::function<void(System::Desktop::Window&)>> messages;
     std::string windowTitle;      ///< the last one that was set
     std::uint64_t waits = 0;      ///< how often a window has waited for a message
@@ -59,14 +59,14 @@ struct NullDesktopValues
     void (*lossHandler)() = nullptr;
 };
 
-/// A desktop that is made of values, takes every call, and remembers what was asked of it. With it the logic above the
-/// desktop runs, and is tested, where there is no screen. Its OpenGL is the `GLRecorder`. One thread.
+/// A desktop that consists of values, accepts every call, and records it. With it the code above the desktop can be
+/// tested without a screen. Its OpenGL is the `GLRecorder`. One thread.
 class NullDesktop final : public Desktops::Desktop, public Desktops::DesktopPointer, public NullDesktopValues
 {
 public:
     [[nodiscard]] static NullDesktop& GetInstance();
 
-    /// Back to the start values.
+    /// Restores the start values.
     void Reset() { static_cast<NullDesktopValues&>(*this) = NullDesktopValues(); }
 
     [[nodiscard]] const char* GetName() const override { return "Null"; }

@@ -7,7 +7,7 @@
 namespace Orvik::Tests
 {
 
-/// Memory that the null desktop shows: it notes down which parts.
+/// Memory that the null desktop shows: it records which parts.
 class NullPixels final : public Desktops::PixelMemory
 {
 public:

@@ -8,8 +8,8 @@
 namespace Orvik::Tests
 {
 
-/// The fields of a PNG's header chunk that tests vary. Colour types: 0 gray, 2 RGB, 3 palette, 4 gray with alpha,
-/// 6 RGB with alpha.
+/// The fields of a PNG's header chunk that tests vary. Colour types: 0 grey, 2 RGB, 3 palette, 4 grey with alpha, 6 RGB
+/// with alpha.
 struct PngHeader
 {
     std::uint32_t width = 1;

@@ -6,9 +6,9 @@
 namespace Orvik::Tests
 {
 
-/// File systems that only this process and its later children see. They go with the last of them.
+/// File systems that only this process and its later children see. They end with the last of these.
 ///
-/// The system may not grant them: `IsGranted` tells, and a test that needs them is skipped then.
+/// The system may refuse them: `IsGranted` says so, and a test that needs them is skipped then.
 class PrivateMounts
 {
 public:
@@ -17,10 +17,9 @@ public:
 
     [[nodiscard]] bool IsGranted() const { return m_isGranted; }
 
-    /// An empty disk of that size in place of the directory. Throws `std::runtime_error` if that fails, as does the
-    /// next.
+    /// Mounts an empty disk of that size on the directory. Throws `std::runtime_error` on failure, like the next one.
     void MountDisk(const std::filesystem::path& directory, std::size_t bytes) const;
-    /// Makes a directory with all below it, or a file, one that can't be written, not even by root.
+    /// Makes a file, or a directory with its contents, read-only, even for root.
     void MakeReadOnly(const std::filesystem::path& path) const;
 
 private:

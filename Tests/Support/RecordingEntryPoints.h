@@ -5,7 +5,7 @@
 namespace Orvik::Tests
 {
 
-/// The entry points as recorders, without the one that the recorder is told to lack.
+/// The entry points as recorders, without the one that the recorder is to lack.
 [[nodiscard]] Graphics::Renderer::EntryPoints MakeRecordingEntryPoints();
 
 } // namespace Orvik::Tests

@@ -1,6 +1,6 @@
 #pragma once
 
-// Makes system calls fail that the tests can't bring to fail otherwise.
+// Makes system calls fail that tests can't make fail in another way.
 
 #include <array>
 #include <cstddef>
@@ -13,8 +13,8 @@
 namespace Orvik::Tests
 {
 
-/// From here on the calling process gets `error` from a system call, if the argument with that index has none of
-/// `bits`. There is no way back: for children only.
+/// From here on a system call returns `error` to the calling process if the argument with that index has none of
+/// `bits`. This can't be undone: only for children.
 inline void RefuseSystemCallWithout(long number, unsigned int argument, unsigned int bits, int error)
 {
     constexpr auto load = static_cast<std::uint16_t>(BPF_LD | BPF_W | BPF_ABS);
@@ -35,7 +35,7 @@ inline void RefuseSystemCallWithout(long number, unsigned int argument, unsigned
         _exit(99);
 }
 
-/// The same, whatever the arguments.
+/// The same, whatever the arguments are.
 inline void RefuseSystemCall(long number, int error)
 {
     RefuseSystemCallWithout(number, 0, 0, error);

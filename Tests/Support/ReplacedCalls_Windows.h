@@ -9,7 +9,7 @@
 namespace Orvik::Tests
 {
 
-/// Puts functions of a test in the place of the system's, for as long as it lives.
+/// Replaces functions of the system by functions of a test while it lives.
 class ReplacedCalls
 {
 public:
@@ -18,7 +18,7 @@ public:
     ReplacedCalls(const ReplacedCalls&) = delete;
     ReplacedCalls& operator=(const ReplacedCalls&) = delete;
 
-    /// What is called in the place of a function of the system.
+    /// The function that is called instead of a function of the system.
     template <auto Function>
     [[nodiscard]] decltype(Function)& Of()
     {
@@ -26,7 +26,7 @@ public:
         return Systems::SystemCall<Function>;
     }
 
-    /// Gives the system its functions back.
+    /// Restores the system's functions.
     void Reset()
     {
         for (void (*const restore)() : std::exchange(m_restorers, {}))

@@ -8,7 +8,7 @@
 namespace Orvik::Graphics::Tools
 {
 
-/// A tool that shows what it keeps to itself.
+/// A tool that shows its private values.
 class SnipBenchProbe : public SnipBench
 {
 public:

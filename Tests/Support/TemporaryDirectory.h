@@ -5,7 +5,7 @@
 namespace Orvik::Tests
 {
 
-/// A fresh, empty directory that goes with the object, contents included.
+/// A new, empty directory that is removed with the object, contents included.
 class TemporaryDirectory
 {
 public:

@@ -6,7 +6,7 @@
 namespace Orvik::Tests
 {
 
-/// An application for units that ask for one: no program, and Systems on demand.
+/// An application for units that need one: no program, and Systems on request.
 class TestApplication : public System::Runtime::Application
 {
 public:
@@ -18,7 +18,7 @@ public:
     using Application::m_systems;
     using Application::m_threadManager;
 
-    /// Creates the display system, as the null desktop's list of displays has it.
+    /// Creates the display system from the null desktop's list of displays.
     void CreateDisplayCache();
 };
 

@@ -9,13 +9,13 @@
 namespace Orvik::Tests
 {
 
-/// A path as this platform writes it: with its own separators.
+/// A path in this platform's form: with its own separators.
 [[nodiscard]] inline std::string NativePath(const std::string& path)
 {
     return System::Text::PathToUtf8(System::Text::PathFromUtf8(path));
 }
 
-/// The whole text matches. gtest's own matcher knows next to nothing of patterns on Windows.
+/// The whole text matches. On Windows, gtest's own matcher supports only very simple patterns.
 MATCHER_P(MatchesPattern, pattern, "matches the pattern " + std::string(pattern))
 {
     return std::regex_match(std::string(arg), std::regex(std::string(pattern)));

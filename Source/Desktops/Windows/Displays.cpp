@@ -25,7 +25,7 @@ using Systems::SystemCall;
 constexpr DWORD s_neededFields =
     DM_POSITION | DM_BITSPERPEL | DM_PELSWIDTH | DM_PELSHEIGHT | DM_DISPLAYFLAGS | DM_DISPLAYFREQUENCY;
 
-/// The device name of the monitor that the foreground window lies on; empty if it isn't told.
+/// The device name of the monitor with the foreground window; empty if it is unknown.
 MONITORINFOEXW GetActiveMonitor()
 {
     MONITORINFOEXW monitor = {};
@@ -35,7 +35,7 @@ MONITORINFOEXW GetActiveMonitor()
     return monitor;
 }
 
-/// A device whose monitor is looked for.
+/// A device whose monitor is searched.
 struct MonitorSearch
 {
     const wchar_t* deviceName = nullptr;
@@ -61,8 +61,8 @@ std::optional<RECT> FindMonitorArea(const wchar_t* deviceName)
     return search.area;
 }
 
-/// The settings of a remote session's display, or of a virtual one, may lack what its monitor tells all the same. The
-/// refresh rate is unknown then.
+/// The settings of a remote session's display, or of a virtual one, may lack fields that its monitor has. The refresh
+/// rate is unknown then.
 void CompleteFields(const wchar_t* deviceName, DEVMODEW& settings)
 {
     const DWORD missing = s_neededFields & ~settings.dmFields;
@@ -82,11 +82,10 @@ void CompleteFields(const wchar_t* deviceName, DEVMODEW& settings)
     settings.dmFields |= missing;
 }
 
-/// Colour depth and flags are asked for and not kept: settings without them, and without a monitor, come from no
-/// display.
+/// Colour depth and flags are required but not used: settings without them, and without a monitor, are from no display.
 void AssertFields(const DEVMODEW& displaySettings)
 {
-    // The conditions name the bits by their numbers.
+    // The conditions write the bits as numbers.
     ORVIK_ASSERT(displaySettings.dmFields & 0x00080000L,
                  "Display settings retrieved from Windows must contain the display width in pixels.");
     ORVIK_ASSERT(displaySettings.dmFields & 0x00100000L,
@@ -120,8 +119,9 @@ DisplayMode DescribeDevice(const DISPLAY_DEVICEW& device, const DEVMODEW& settin
 
 bool WindowsDesktop::PrepareDisplays(const System::Log::Context& log)
 {
-    // Before anything is measured: sizes and positions are physical pixels from now on. The executable's manifest says
-    // so already. A user whose compatibility settings say otherwise has decided, and gets the pixels of that.
+    // Before anything is measured: from now on sizes and positions are physical pixels. The executable's manifest says
+    // so already. If the user's compatibility settings say otherwise, they win, and the pixels are the ones that they
+    // give.
     PROCESS_DPI_AWARENESS awareness = PROCESS_DPI_UNAWARE;
     if (SUCCEEDED(SystemCall<&::GetProcessDpiAwareness>(GetCurrentProcess(), &awareness)) &&
         awareness != PROCESS_PER_MONITOR_DPI_AWARE)

@@ -11,8 +11,8 @@ namespace
 
 using Systems::SystemCall;
 
-/// Whether a display's adapter is a card that has a maker. What draws without one (a remote session, a basic adapter, a
-/// desktop made of memory) has an identifier of another kind, or the maker 0, or one of more digits than cards have.
+/// Whether a display's adapter is a card with a maker. Without a card (a remote session, a basic adapter, a desktop in
+/// memory) the identifier has another form, or the maker 0, or one with more digits than cards have.
 bool IsCard(std::wstring_view identifier)
 {
     constexpr std::wstring_view prefix = L"PCI\\VEN_";

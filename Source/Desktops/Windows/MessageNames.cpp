@@ -14,7 +14,7 @@ struct NamedMessage
     const char* name;
 };
 
-/// In the order of the numbers.
+/// In the order of their numbers.
 // clang-format off
 constexpr std::array<NamedMessage, 58> s_names = {{
     {WM_NULL, "WM_NULL"},

@@ -24,13 +24,12 @@ HWND ToHwnd(NativeWindow window)
 template <typename Function>
 Function LoadFunction(const char* name)
 {
-    // By way of a plain pointer: the system's type of the function is no function's.
+    // Through a plain pointer, because the system's type isn't a type of a function.
     return reinterpret_cast<Function>(reinterpret_cast<void*>(SystemCall<&::wglGetProcAddress>(name)));
 }
 
-/// What the context is chosen by can only be asked of a context: this one, on a window of its own, since a window's
-/// pixel format is for good. Without the window there is no context either. Gone with the object, unless that was
-/// before.
+/// Only a context can say how to choose a context. This one does that, on a window of its own, since a window's pixel
+/// format can't be changed. Without the window there is no context either. It ends with the object, if not before.
 class DummyContext
 {
 public:
@@ -54,7 +53,7 @@ DummyContext::DummyContext(const char* className)
                                               WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0, 0, 1, 1, nullptr, nullptr,
                                               GetModuleHandleW(nullptr), nullptr);
     if (m_window == nullptr)
-        return; // no window's device context is the screen's
+        return; // without a window, this would be the screen's device context
     m_deviceContext = SystemCall<&::GetDC>(m_window);
     ChooseFormat();
     m_context = SystemCall<&::wglCreateContext>(m_deviceContext);
@@ -85,7 +84,7 @@ void DummyContext::Destroy()
     m_window = nullptr;
 }
 
-/// Gives the window's device context the pixel format that everything is drawn with. False if the driver has none.
+/// Sets the window's pixel format. False if the driver has none that fits.
 bool SetFormat(PFNWGLCHOOSEPIXELFORMATARBPROC choosePixelFormat, HDC deviceContext)
 {
     // clang-format off

@@ -5,7 +5,7 @@
 namespace Orvik::Desktops::Windows
 {
 
-/// A context by WGL, in two steps: what it is chosen by can only be asked of another context.
+/// A context by WGL, in two steps: only another context can say how to choose it.
 class OpenGLSurface final : public Desktops::OpenGLSurface
 {
 public:

@@ -5,7 +5,7 @@
 namespace Orvik::Desktops::Windows
 {
 
-/// A bitmap of the system's whose pixels are memory of ours, and the device context that it is copied from.
+/// A system bitmap in memory of ours, and the device context from which it is copied.
 struct PixelSurface::Native
 {
     Native(HWND owner, std::uint32_t w, std::uint32_t h);
@@ -14,7 +14,7 @@ struct PixelSurface::Native
     Native& operator=(const Native&) = delete;
 
     [[nodiscard]] bool IsUsable() const { return previous != nullptr; }
-    /// The rows of the window above the memory's first.
+    /// The number of the window's rows above the memory's first row.
     [[nodiscard]] int GetTop() const;
 
     HWND window;
@@ -90,7 +90,7 @@ std::size_t PixelSurface::GetStride() const noexcept
     return m_native ? m_native->width : 0;
 }
 
-// The system collects drawing calls; what it hasn't read yet would be read changed.
+// The system collects drawing calls: changing the memory before it has read it would change what it shows.
 bool PixelSurface::BeginFrame()
 {
     GdiFlush();

@@ -7,7 +7,7 @@
 namespace Orvik::Desktops::Windows
 {
 
-/// Memory that is a bitmap's of the system.
+/// Memory that belongs to a bitmap of the system.
 class PixelSurface final : public PixelMemory
 {
 public:

@@ -15,8 +15,8 @@ namespace
 
 using Systems::SystemCall;
 
-/// A coordinate on the scale of 0 to 65535 that the input queue has for the whole virtual desktop. The half pixel puts
-/// it in the middle of the pixel, so that the system's rounding doesn't shift it. What is far off the desktop is cut.
+/// Converts a coordinate to the input queue's scale of 0 to 65535 for the whole virtual desktop. The half pixel puts it
+/// in the middle of the pixel, so that the system's rounding doesn't move it. Positions far off the desktop are cut.
 LONG ScaleCoordinate(std::int32_t coordinate, int desktopBegin, int desktopSize)
 {
     using Limits = std::numeric_limits<LONG>;

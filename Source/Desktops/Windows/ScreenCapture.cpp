@@ -14,8 +14,8 @@ namespace
 
 using Systems::SystemCall;
 
-/// Whether the calling thread sits on the desktop that the user sees, after moving it there if need be: the screen of
-/// another one can't be read.
+/// Moves the calling thread to the desktop that the user sees, if it isn't there already, and returns whether it is
+/// there: the screen of another desktop can't be read.
 bool MoveToInputDesktop()
 {
     HDESK const desktop = SystemCall<&::GetThreadDesktop>(GetCurrentThreadId());
@@ -23,7 +23,7 @@ bool MoveToInputDesktop()
     DWORD needed = 0;
     if (SystemCall<&::GetUserObjectInformationW>(desktop, UOI_IO, &receivesInput, sizeof(receivesInput), &needed) ==
         FALSE)
-        return GetLastError() == ERROR_INVALID_PARAMETER; // a system with one desktop, such as Wine, isn't asked
+        return GetLastError() == ERROR_INVALID_PARAMETER; // a system with one desktop, such as Wine, needs no move
     if (receivesInput != FALSE)
         return true;
     HDESK const inputDesktop = SystemCall<&::OpenInputDesktop>(0, FALSE, DESKTOP_SWITCHDESKTOP);
@@ -34,13 +34,13 @@ bool MoveToInputDesktop()
     return receivesInput != FALSE;
 }
 
-/// A bitmap gives the number of its bytes in 32 bits.
+/// Whether the bytes fit into a bitmap's 32-bit size.
 bool FitsBitmap(const System::Math::Rectangle& region)
 {
     return std::uint64_t{region.GetWidth()} * region.GetHeight() <= std::numeric_limits<DWORD>::max() / 4;
 }
 
-/// Rows from the top, 32 bits for each pixel: blue, green, red and a byte without meaning.
+/// Rows from the top, 32 bits per pixel: blue, green, red and a byte without meaning.
 BITMAPINFO DescribeBitmap(const System::Math::Rectangle& region)
 {
     BITMAPINFO info = {};
@@ -66,7 +66,7 @@ struct ScreenCapture::Native
     HDC memoryContext = nullptr; ///< with the bitmap in it
 
     [[nodiscard]] bool Acquire();
-    /// May come twice for the same handles: the system refuses the second time.
+    /// Can be called twice for the same handles: the system refuses the second call.
     void Release() const;
 };
 

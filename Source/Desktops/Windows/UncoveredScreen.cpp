@@ -12,10 +12,10 @@ namespace
 
 using Systems::SystemCall;
 
-/// What other programs take to redraw what is uncovered. Nobody tells when they are done.
+/// How long other programs need to redraw what is uncovered. Nothing reports when they are done.
 constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
 
-/// Wine composes nothing. Where it stands for a Windows that always does, it says that it did all the same.
+/// Wine composes nothing. If it imitates a Windows version that always does, it still says that it does.
 bool IsWine()
 {
     return SystemCall<&::GetProcAddress>(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
@@ -55,7 +55,7 @@ UncoveredScreen::UncoveredScreen()
 
 UncoveredScreen::~UncoveredScreen()
 {
-    const DWORD error = GetLastError(); // of the copy
+    const DWORD error = GetLastError(); // the error of the copy
     for (HWND const overlay : m_overlays)
         ShowWindow(overlay, SW_SHOWNA);
     SetLastError(error);

@@ -9,12 +9,12 @@
 namespace Orvik::Desktops::Windows
 {
 
-/// Waits until what lies below a window that was just hidden is drawn.
+/// Waits until what is below a window that was just hidden is drawn.
 void AwaitRepaint();
 
-/// The screen without the calling thread's overlays, while it lives. A composed desktop shows nothing of an overlay
-/// that hasn't drawn yet, and needs nothing done; elsewhere such a window is black, and is taken off the screen. Its
-/// `Window` doesn't learn of it.
+/// While it lives, the screen has none of the calling thread's overlays. A composed desktop shows nothing of an overlay
+/// that hasn't drawn yet, and nothing needs to be done; otherwise such a window is black, and is taken off the screen.
+/// Its `Window` doesn't notice.
 class UncoveredScreen
 {
 public:

@@ -18,7 +18,7 @@ namespace
 
 using Systems::SystemCall;
 
-/// What a window of some type is made with.
+/// The styles of a window type.
 struct WindowStyle
 {
     DWORD style = 0;
@@ -49,8 +49,8 @@ HWND ToHwnd(NativeWindow window)
     return reinterpret_cast<HWND>(window);
 }
 
-/// The frame is added to the client area. A side must be no longer than 16 bits with a sign tell: a mouse message has
-/// no more for a place in the window.
+/// The client area with the frame around it. No side may be longer than 16 bits with a sign can hold, because mouse
+/// messages give positions in such bits.
 std::optional<RECT> MakeFrame(const WindowSize& size, const WindowStyle& style)
 {
     constexpr std::uint32_t longest = std::numeric_limits<std::int16_t>::max();
@@ -65,8 +65,8 @@ std::optional<RECT> MakeFrame(const WindowSize& size, const WindowStyle& style)
     return frame;
 }
 
-/// Makes what the overlay doesn't draw see-through, where the desktop is composed. Where it isn't, the window has to be
-/// given its opacity all the same: without one a layered window never shows.
+/// Makes transparent what the overlay doesn't draw, on a composed desktop. Elsewhere the window still needs an opacity:
+/// without one a layered window is never shown.
 void BlurBehind(HWND window)
 {
     DWM_BLURBEHIND blur = {};
@@ -78,14 +78,14 @@ void BlurBehind(HWND window)
     SetLayeredWindowAttributes(window, 0, 255, LWA_ALPHA);
 }
 
-/// Whether the window has the foreground after this has asked for it.
+/// Requests the foreground and returns whether the window has it.
 bool AskForForeground(HWND window)
 {
     return SystemCall<&::SetForegroundWindow>(window) != FALSE || SystemCall<&::GetForegroundWindow>() == window;
 }
 
-/// Where the user has turned to another program in the meantime, the system keeps the foreground there. It is given to
-/// a thread that shares its input with that program's. Whoever shares the input of a program that hangs hangs as well.
+/// If the user is using another program by now, the system keeps the foreground there. It gives the foreground to a
+/// thread that shares that program's input. A thread that shares the input of a hanging program hangs as well.
 bool TakeForeground(HWND window)
 {
     if (AskForForeground(window))
@@ -178,7 +178,7 @@ void Window::Pump()
     DispatchMessageW(&message);
 }
 
-// No look into the queue: it would deal with what others send, and what that changes would be waited upon unseen.
+// Doesn't look into the queue: that would handle messages that were sent, and their changes would then go unnoticed.
 bool Window::HasMessage()
 {
     return HIWORD(GetQueueStatus(QS_ALLINPUT)) != 0;
@@ -186,7 +186,7 @@ bool Window::HasMessage()
 
 void Window::WaitForMessage(std::int64_t nanoseconds, System::Threads::WakeSignal& wake)
 {
-    // The messages of a window that is gone are nobody's to take.
+    // The messages of a window that is gone must not be taken.
     if (m_owner.GetState() == System::Desktop::WindowState::Closed || wake.GetHandle() == -1)
     {
         wake.Wait(nanoseconds);

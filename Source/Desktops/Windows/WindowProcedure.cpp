@@ -23,8 +23,8 @@ using Systems::SystemCall;
 constexpr std::uint8_t s_leftButton = 1;
 constexpr std::uint8_t s_rightButton = 3;
 
-/// What a desktop sends, and in which order, differs from machine to machine and is seen nowhere else: a configuration
-/// can have every message logged, without another build.
+/// What a desktop sends, and in which order, differs between machines and can't be seen anywhere else: a configuration
+/// can make every message a log line, without another build.
 void LogMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     System::Log::Write(System::Log::GetSystemContext(), System::Log::MessageTypeID::Debug, "Window (",
@@ -32,8 +32,7 @@ void LogMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
                        wParam, " ", lParam);
 }
 
-/// The low and the high 16 bits with their signs: displays left of and above the primary one have negative
-/// coordinates.
+/// The low and the high 16 bits with their signs: displays left of and above the primary one have negative coordinates.
 std::int32_t GetSignedLow(std::uintptr_t bits)
 {
     return static_cast<std::int16_t>(LOWORD(bits));
@@ -44,7 +43,7 @@ std::int32_t GetSignedHigh(std::uintptr_t bits)
     return static_cast<std::int16_t>(HIWORD(bits));
 }
 
-/// The virtual key of a key message; a modifier's tells its side.
+/// The virtual key of a key message; for a modifier that of its side.
 UINT GetMessageKey(WPARAM wParam, LPARAM lParam)
 {
     const UINT key = LOWORD(wParam);
@@ -81,8 +80,8 @@ bool OnMouseMove(System::Desktop::Window& target, HWND window, LPARAM lParam)
     return target.DeliverMouseMove(x, y);
 }
 
-/// The pointer is the window's while a button is held: a drag may end on another display, and its end must arrive here.
-/// `held` are the buttons that are down now.
+/// While a button is held, the window captures the pointer: a drag may end on another display, and its end must arrive
+/// here. `held` are the buttons that are down now.
 bool OnMouseButton(System::Desktop::Window& target, HWND window, std::uint8_t button, bool isPressed, WPARAM held)
 {
     if (isPressed)
@@ -101,8 +100,8 @@ bool OnPaint(System::Desktop::Window& target, HWND window)
     return isHandled;
 }
 
-/// The session ends. That is a request to end like any other; it comes on a thread of its own, since the run
-/// that it waits for goes on here.
+/// The session ends, which is a request to end like any other. It comes on a thread of its own, because the run that it
+/// waits for goes on here.
 bool OnEndSession(WPARAM isEnding)
 {
     if (isEnding == FALSE)
@@ -111,7 +110,7 @@ bool OnEndSession(WPARAM isEnding)
     return true;
 }
 
-/// Delivers a message's event. False for one that makes none, and for an event that nobody dealt with.
+/// Delivers a message's event. False if the message makes none, or if the event wasn't handled.
 bool DeliverMessage(System::Desktop::Window& target, HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message)

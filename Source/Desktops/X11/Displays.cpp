@@ -37,7 +37,7 @@ bool HasMonitors(::Display* display)
            (major > 1 || (major == 1 && minor >= 5));
 }
 
-/// Hertz, rounded; 0 for a mode that doesn't tell its timing.
+/// Hertz, rounded; 0 for a mode without a timing.
 std::uint32_t GetRefreshRate(const XRRModeInfo& mode)
 {
     const std::uint64_t fields = (mode.modeFlags & RR_Interlace) != 0 ? 2 : 1;
@@ -49,7 +49,7 @@ std::uint32_t GetRefreshRate(const XRRModeInfo& mode)
     return static_cast<std::uint32_t>(std::min<std::uint64_t>(rate, std::numeric_limits<std::uint32_t>::max()));
 }
 
-/// The rate of the monitor's first output; 0 for a monitor without one, and for an output that is switched off.
+/// The rate of the monitor's first output; 0 if it has none, or if the output is switched off.
 std::uint32_t GetRefreshRate(::Display* display, XRRScreenResources* resources, const XRRMonitorInfo& monitor)
 {
     if (resources == nullptr || monitor.noutput < 1)
@@ -84,7 +84,7 @@ DisplayMode DescribeMonitor(::Display* display, XRRScreenResources* resources, c
     return mode;
 }
 
-/// The monitors that show anything, in the server's order. Empty without RandR 1.5.
+/// The monitors that show something, in the server's order. Empty without RandR 1.5.
 std::vector<DisplayMode> ListMonitors(::Display* display)
 {
     std::vector<DisplayMode> modes;
@@ -92,14 +92,14 @@ std::vector<DisplayMode> ListMonitors(::Display* display)
         return modes;
     const XErrorScope errors(display);
     const ::Window root = DefaultRootWindow(display);
-    // What the server knows already: asking the outputs again can take seconds and makes screens flicker.
+    // Reads what the server knows already: asking the outputs again can take seconds and makes screens flicker.
     const ScreenResources resources(XRRGetScreenResourcesCurrent(display, root));
     int count = 0;
-    // Those that are switched off as well, so that they count in the numbers of the others.
+    // Includes those that are switched off, so that they count in the numbers of the others.
     const MonitorList monitors(XRRGetMonitors(display, root, False, &count));
     if (monitors == nullptr)
         return modes;
-    // One id less than 16 bits hold, for the highest one means no display.
+    // One id fewer than fit into 16 bits, because the highest one means no display.
     for (int index = 0; index < count && modes.size() + 1 < InvalidDisplayId; ++index)
     {
         const XRRMonitorInfo& monitor = monitors.get()[index];
@@ -111,7 +111,7 @@ std::vector<DisplayMode> ListMonitors(::Display* display)
     return modes;
 }
 
-/// The whole screen as one display, for a server that tells no monitors.
+/// The whole screen as one display, for a server that reports no monitors.
 DisplayMode DescribeScreen(::Display* display)
 {
     const int screen = DefaultScreen(display);
@@ -144,7 +144,7 @@ bool IsViewableWindow(::Display* display, ::Window window)
     return XGetWindowAttributes(display, window, &attributes) != 0 && attributes.map_state == IsViewable;
 }
 
-/// What the window manager tells (EWMH), or None.
+/// The window that the window manager reports (EWMH), or None.
 ::Window GetActiveWindow(::Display* display, ::Window root)
 {
     const Atom property = XInternAtom(display, "_NET_ACTIVE_WINDOW", True);
@@ -164,7 +164,7 @@ bool IsViewableWindow(::Display* display, ::Window window)
     return *reinterpret_cast<const ::Window*>(value.get());
 }
 
-/// The window that the user works in, or None. A window manager's word counts only while its window is shown.
+/// The window that the user works in, or None. The window manager's answer counts only while its window is shown.
 ::Window GetForegroundWindow(::Display* display, ::Window root)
 {
     const ::Window active = GetActiveWindow(display, root);
@@ -176,8 +176,8 @@ bool IsViewableWindow(::Display* display, ::Window window)
     return focus != PointerRoot && focus != None && IsViewableWindow(display, focus) ? focus : None;
 }
 
-/// The ancestor of `window` that is a child of the root: the frame, where the window manager gave it one. None for
-/// the root itself and for a window that is gone.
+/// The ancestor of `window` that is a child of the root: the frame, if the window manager made one. None for the root
+/// itself and for a window that is gone.
 ::Window GetFrame(::Display* display, ::Window root, ::Window window)
 {
     while (window != root && window != None)
@@ -197,10 +197,10 @@ bool IsViewableWindow(::Display* display, ::Window window)
     return None;
 }
 
-/// Where the foreground window lies on the screen, frame and border included. Nothing without one.
+/// Where the foreground window is on the screen, with frame and border. Empty without one.
 std::optional<System::Math::Rectangle> GetForegroundArea(::Display* display)
 {
-    // Windows come and go while they are looked at.
+    // Windows may come and go meanwhile.
     const XErrorScope errors(display);
     const ::Window root = DefaultRootWindow(display);
     const ::Window frame = GetFrame(display, root, GetForegroundWindow(display, root));

@@ -52,12 +52,12 @@ std::optional<EglConfiguration> OpenConfiguration()
     ::Display* const connection = GetXDisplay();
     if (connection == nullptr)
         return std::nullopt;
-    // The plain eglGetDisplay would guess what kind of display this is.
+    // The plain eglGetDisplay would guess the kind of display.
     EGLDisplay const display = eglGetPlatformDisplay(EGL_PLATFORM_X11_KHR, connection, nullptr);
     if (!Egl::InitializeDisplay(display))
         return std::nullopt;
-    // On a screen of 16 or 30 bits a server may have 8 bits for the colours only without alpha. Nothing that is drawn
-    // here reads the alpha of what lies below.
+    // On a screen of 16 or 30 bits a server may have 8-bit colours only without alpha. Nothing that is drawn here reads
+    // the alpha of what is below.
     constexpr std::array<EGLint, 2> alphaBits = {8, 0};
     for (const EGLint bits : alphaBits)
     {

@@ -10,9 +10,9 @@
 namespace Orvik::Desktops::X11
 {
 
-/// EGL on the process's X connection, with the framebuffer configuration of the program's windows: desktop OpenGL,
-/// 8 bits for each of red, green, blue and alpha, 24 for depth, 8 for stencil, 4 samples, on a visual with alpha where
-/// the server has one; without alpha where it has those colours only so.
+/// EGL on the process's X connection, with the framebuffer configuration of the program's windows: desktop OpenGL, 8
+/// bits for each of red, green, blue and alpha, 24 for depth, 8 for stencil, 4 samples, on a visual with alpha if the
+/// server has one; without alpha if the server has those colours only like that.
 struct EglConfiguration
 {
     EGLDisplay display = EGL_NO_DISPLAY;
@@ -20,7 +20,7 @@ struct EglConfiguration
     XVisualInfo visual = {};
 };
 
-/// The configuration, chosen at the first call, or nothing if the display has none of that kind.
+/// The configuration, chosen at the first call. Empty if the display has no such configuration.
 [[nodiscard]] const std::optional<EglConfiguration>& GetEglConfiguration();
 
 } // namespace Orvik::Desktops::X11

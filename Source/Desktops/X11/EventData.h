@@ -7,8 +7,8 @@
 namespace Orvik::Desktops::X11
 {
 
-/// The data of an extension's event, fetched for as long as the object lives; nothing for other events. Xlib gives the
-/// data of an event out once only, so there is one of these for each event that was taken or looked at.
+/// The data of an extension's event, fetched for the life of the object; nothing for other events. Xlib returns the
+/// data of an event only once, so each event that is taken or looked at has one of these.
 class EventData
 {
 public:
@@ -24,7 +24,7 @@ public:
     EventData(const EventData&) = delete;
     EventData& operator=(const EventData&) = delete;
 
-    /// The data if the event is of that type, which says what `T` is; null otherwise.
+    /// The data if the event is of that type, which determines `T`; otherwise null.
     template <typename T>
     [[nodiscard]] const T* Get(int type) const
     {

@@ -14,7 +14,7 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-/// The ways in which a driver reaches the screen by way of the server: two general ones, and one vendor's own.
+/// The ways in which a driver reaches the screen through the server: two general ones, and one vendor's own.
 constexpr std::array<const char*, 3> s_extensions = {"DRI3", "DRI2", "NV-GLX"};
 
 bool HasExtension(::Display* display, const char* name)
@@ -25,7 +25,7 @@ bool HasExtension(::Display* display, const char* name)
     return XQueryExtension(display, name, &opcode, &event, &error) != False;
 }
 
-/// A card that programs may draw with has a device of its own for it.
+/// A card that programs may draw with has a device file for that.
 bool HasRenderNode()
 {
     std::error_code error;

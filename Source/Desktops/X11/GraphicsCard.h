@@ -5,7 +5,7 @@
 namespace Orvik::Desktops::X11
 {
 
-/// Asks the X server for the ways in which a driver reaches the screen, and the machine for a card.
+/// Asks the X server how a driver can reach the screen, and the machine whether it has a card.
 [[nodiscard]] GraphicsCard FindGraphicsCard();
 
 } // namespace Orvik::Desktops::X11

@@ -110,7 +110,7 @@ void InputClaim::TakeFocus()
     m_hasFocus = !scope.HasFailed();
 }
 
-// The window that had the keyboard gets it back, or a desktop without a window manager would have lost it.
+// The window that had the keyboard gets it back: without a window manager the desktop would have lost it.
 void InputClaim::RestoreFocus()
 {
     if (!m_hasFocus)
@@ -129,7 +129,7 @@ int InputClaim::GrabKeyboard() const
     return XGrabKeyboard(m_display, m_window, False, GrabModeAsync, GrabModeAsync, CurrentTime);
 }
 
-// Events of the own windows come as ever, those elsewhere as the grab's: with it, fractions of wheel notches arrive.
+// Events over our own windows come as before, those over others through the grab, with fractions of wheel notches.
 int InputClaim::GrabPointer() const
 {
     constexpr unsigned int mask = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;

@@ -10,24 +10,24 @@ namespace Orvik::Desktops::X11
 {
 
 /// A window's claim on keyboard and pointer: the input focus, and a grab of each. A grab that another client holds (a
-/// hot-key daemon does until its key is let go) is tried again for two seconds, then the run goes on without it. Ends
-/// with the object's `End`, with the window, and with the connection at the latest.
+/// hot-key daemon does until its key is released) is tried again for two seconds, then the run goes on without it. The
+/// claim ends with `End`, with the window, and at the latest with the connection.
 class InputClaim
 {
 public:
     InputClaim(::Display* display, ::Window window) : m_display(display), m_window(window) {}
 
-    /// Claims, if the window can be seen; a hidden window's claim waits for `Resume`.
+    /// Claims now if the window is visible; a hidden window's claim waits for `Resume`.
     void Begin();
-    /// Tries once more what was refused. Cheap, and to be called often.
+    /// Tries again what was refused. Cheap; call it often.
     void Retry();
-    /// Lets go for the time that the window is hidden.
+    /// Gives the claim up while the window is hidden.
     void Suspend();
-    /// Claims again what was claimed before `Suspend`.
+    /// Restores the claim that was there before `Suspend`.
     void Resume();
     void End();
 
-    /// Nanoseconds from `now` until `Retry` tries again; less than 0 if nothing is wanted.
+    /// Nanoseconds from `now` until `Retry` tries again; less than 0 if there is nothing to try.
     [[nodiscard]] std::int64_t GetTimeToRetry(std::int64_t now) const;
 
     [[nodiscard]] bool HoldsKeyboard() const { return m_keyboard == Grab::Held; }
@@ -36,7 +36,7 @@ private:
     enum class Grab : std::uint8_t
     {
         None,
-        Wanted, ///< refused so far
+        Wanted, ///< what is refused so far
         Held,
     };
 

@@ -19,7 +19,7 @@ using System::Desktop::KeyCode;
 /// The keysym of a key event at the unshifted level of the event's layout.
 [[nodiscard]] KeySym GetUnshiftedSymbol(const XKeyEvent& event);
 
-/// Whether `release` and the event behind it are an auto-repeat, as a server without detectable auto-repeat shows it.
+/// Whether `release` and the next event are an auto-repeat, as a server without detectable auto-repeat sends it.
 [[nodiscard]] bool IsRepeatPair(const XKeyEvent& release, const XEvent& next);
 
 } // namespace Orvik::Desktops::X11

@@ -9,22 +9,22 @@
 namespace Orvik::Desktops::X11
 {
 
-/// The memory of a surface while no frame has been drawn in it. A picture of the screen can be read into it in the
-/// meantime: memory of a screen's size is long in coming, and one of the two is enough. Main thread.
+/// The memory of a surface before its first frame is drawn. Until then a picture of the screen can be read into it:
+/// getting memory of a screen's size takes long, and one of the two is enough. Main thread.
 class LentMemory
 {
 public:
-    /// The memory has to stay where it is until it is withdrawn. The last offer counts.
+    /// The memory has to stay in place until it is withdrawn. The last offer counts.
     void Offer(XSharedMemory& memory) { m_memory = &memory; }
 
-    /// Nothing is read into that memory any more. Does nothing if it isn't what is offered.
+    /// From now on nothing is read into that memory. Does nothing if it isn't the offered one.
     void Withdraw(const XSharedMemory& memory)
     {
         if (m_memory == &memory)
             m_memory = nullptr;
     }
 
-    /// Memory of at least that many bytes, for one picture that is read and copied before anything else is done; null
+    /// Memory of at least that many bytes, for one picture that is read and copied before anything else happens; null
     /// if none is offered.
     [[nodiscard]] XSharedMemory* Borrow(std::size_t bytes) const
     {

@@ -15,18 +15,18 @@ namespace
     return static_cast<::Window>(window);
 }
 
-/// The X server to talk to, or null if it is gone. The driver doesn't stop to look: without a server it sends a picture
-/// in endless pieces.
+/// The X server's connection, or null if the server is gone. The driver doesn't check that: without a server it never
+/// stops sending a picture.
 ::Display* FindServer()
 {
     ::Display* const display = GetXDisplay();
     if (display == nullptr)
         return nullptr;
-    XEventsQueued(display, QueuedAfterReading); // reads, and so notices the end
+    XEventsQueued(display, QueuedAfterReading); // this reads, and so notices the end
     return GetXDisplay();
 }
 
-/// Whether the window exists and has the configuration's visual. Some drivers end the process by a fault otherwise.
+/// Whether the window exists and has the configuration's visual. With another one some drivers crash.
 bool CanDrawOn(::Display* display, const EglConfiguration& configuration, NativeWindow window)
 {
     const XErrorScope errors(display);
@@ -54,7 +54,7 @@ OpenGLCreation OpenGLSurface::Create(NativeWindow window, const char* /*classNam
 
 void OpenGLSurface::Destroy(NativeWindow /*window*/)
 {
-    // With the server gone there is nothing left to free but memory, and the driver may ask the server for it.
+    // Without a server only memory is left to free, and the driver may ask the server for it.
     ::Display* const connection = FindServer();
     if (connection == nullptr)
         return;

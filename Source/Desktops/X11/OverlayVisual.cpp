@@ -18,7 +18,7 @@ XVisualInfo GetScreenVisual(::Display* display)
     return visual;
 }
 
-/// By the selection that EWMH lets a compositing manager own.
+/// A compositing manager owns a selection that EWMH names.
 bool HasCompositingManager(::Display* display)
 {
     const std::string selection = fmt::format("_NET_WM_CM_S{}", DefaultScreen(display));

@@ -8,9 +8,9 @@
 namespace Orvik::Desktops::X11
 {
 
-/// The visual of an overlay: for OpenGL that of the configuration that the context will use. For pixels one with alpha
-/// if a compositing manager can show what is transparent; else the screen's own, which the server needs no second
-/// picture for. The screen's own, too, where there is none of the other.
+/// The visual of an overlay. For OpenGL it is that of the context's configuration. For pixels it is one with alpha if a
+/// compositing manager can show transparency; else the screen's own, for which the server needs no second picture. The
+/// screen's own is also used if there is no other.
 [[nodiscard]] XVisualInfo ChooseOverlayVisual(::Display* display, SurfaceKind kind);
 
 } // namespace Orvik::Desktops::X11

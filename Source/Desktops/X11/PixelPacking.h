@@ -11,17 +11,17 @@
 namespace Orvik::Desktops::X11
 {
 
-/// Turns our pixels, eight bits each of alpha, red, green and blue from the highest, into those of a visual.
+/// Converts our pixels, eight bits each of alpha, red, green and blue from the highest, to those of a visual.
 class PixelPacking
 {
 public:
     explicit PixelPacking(const Visual& visual);
 
-    /// Settles how an image lays out the visual's pixels. False if it can't be packed: without three separate
-    /// channels, or with less than 16 bits to the pixel.
+    /// Sets the image's pixel format. False if pixels can't be packed for it: it has no three separate channels, or
+    /// less than 16 bits per pixel.
     [[nodiscard]] bool SetImage(const XImage& image);
 
-    /// Whether our pixels are the image's as they are.
+    /// Whether our pixels have the image's format.
     [[nodiscard]] bool IsCopy() const { return m_isCopy; }
 
     /// Writes `count` pixels into a row of the image, from its column `left` on.

@@ -19,7 +19,7 @@ struct ImageDeleter
 {
     void operator()(XImage* image) const noexcept
     {
-        image->data = nullptr; // neither is the image's
+        image->data = nullptr; // the image owns neither
         image->obdata = nullptr;
         XDestroyImage(image);
     }
@@ -35,8 +35,8 @@ constexpr int s_scanlinePad = 32;
 
 } // namespace
 
-/// The memory, and how the server takes it: as it is, where the window's pixels are made like ours; else from a second
-/// memory in the window's own format.
+/// The memory, and how the server gets it: directly if the window's pixels have our format; else through a second
+/// memory in the window's format.
 struct PixelSurface::Native
 {
     Native(::Display* connection, ::Window target, const XWindowAttributes& attributes, std::uint32_t w,
@@ -62,9 +62,9 @@ struct PixelSurface::Native
     GC context;
     PixelPacking packing;
     ImagePointer image;
-    XSharedMemory shared;                ///< what the image has its pixels in, if the server can reach ours
-    std::vector<std::byte> own;          ///< else
-    std::vector<std::uint32_t> unpacked; ///< our pixels, where the image's are made differently
+    XSharedMemory shared;                ///< the memory of the image's pixels, if the server can read ours
+    std::vector<std::byte> own;          ///< the memory of the image's pixels otherwise
+    std::vector<std::uint32_t> unpacked; ///< our pixels, if the image's have another format
 };
 
 PixelSurface::Native::Native(::Display* connection, ::Window target, const XWindowAttributes& attributes,
@@ -94,7 +94,7 @@ bool PixelSurface::Native::Prepare()
     if (shared.Create(display, GetImageBytes(), XSharedMemory::Writer::Us))
     {
         image->data = shared.GetSegment().shmaddr;
-        image->obdata = reinterpret_cast<char*>(&shared.GetSegment()); // where XShmPutImage looks for it
+        image->obdata = reinterpret_cast<char*>(&shared.GetSegment()); // XShmPutImage reads it from here
     }
     else
     {

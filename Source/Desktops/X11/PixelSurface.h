@@ -8,7 +8,7 @@
 namespace Orvik::Desktops::X11
 {
 
-/// Memory that the X server shows: shared with it, where it takes that.
+/// Memory that the X server shows; shared with the server if it supports that.
 class PixelSurface final : public PixelMemory
 {
 public:

@@ -32,7 +32,7 @@ bool CanHidePointer(::Display* display)
            XFixesQueryVersion(display, &major, &minor) != 0 && major >= 4;
 }
 
-/// The protocol has 16 bits for a coordinate. The server puts what is off the screen on its edge, and so does this.
+/// The protocol has 16 bits for a coordinate. The server moves positions off the screen to its edge, and so does this.
 int ClampCoordinate(std::int32_t coordinate)
 {
     return std::clamp<std::int32_t>(coordinate, 0, std::numeric_limits<std::int16_t>::max());

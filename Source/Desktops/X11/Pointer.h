@@ -5,7 +5,7 @@
 namespace Orvik::Desktops::X11
 {
 
-/// The pointer of the X server. It is moved by XTEST, so that the windows below hear of it.
+/// The pointer of the X server. It is moved by XTEST, so that the windows below get the motion.
 class Pointer final : public DesktopPointer
 {
 public:

@@ -10,7 +10,7 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-/// Calls `visit` with number and value of each valuator that the event has.
+/// Calls `visit` with the number and the value of each valuator in the event.
 template <typename Visitor>
 void ForEachValuator(const XIDeviceEvent& event, Visitor visit)
 {

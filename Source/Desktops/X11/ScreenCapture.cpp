@@ -19,13 +19,13 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-/// How long other clients and a compositing manager get to draw what a hidden window leaves behind: six frames at
-/// 60 Hz. Nothing tells when they are done, and a window that moves by itself is never done.
+/// How long other clients and a compositing manager get to draw what a hidden window uncovers: six frames at 60 Hz.
+/// Nothing reports when they are done, and a window that moves by itself is never done.
 constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
 
 constexpr std::size_t s_pixelBytes = 4;
 
-/// A part of the screen, half-open. 64 bits, for the far sides of a region may lie beyond 32.
+/// A part of the screen, half-open. In 64 bits, because the far sides of a region may be beyond 32.
 struct Area
 {
     std::int64_t left = 0;
@@ -74,9 +74,9 @@ struct ScreenCapture::Native
     std::unique_ptr<XScreenReader> reader;
     std::optional<PixelConverter> converter;
     XImagePointer image; ///< what the last copy read
-    /// Packed rows of the region from the top, where the image isn't just that; none before they are needed.
+    /// Rows of the region from the top, without padding, if the image has another layout; none before they are needed.
     std::unique_ptr<unsigned char[], FreeMemory> pixels;
-    Area drawn;                      ///< what of `pixels` was written since they were allocated
+    Area drawn;                      ///< the part of `pixels` that was written since they were allocated
     const void* delivered = nullptr; ///< the pixels of the last copy
 
     [[nodiscard]] bool AllocatePixels();
@@ -88,17 +88,18 @@ struct ScreenCapture::Native
     {
         return GetRowBytes() * static_cast<std::size_t>(region.bottom - region.top);
     }
-    /// Whether the image that was read holds the pixels of the region as they are delivered.
+    /// Whether the image's pixels can be delivered unchanged as those of the region.
     [[nodiscard]] bool IsDeliverable(const Area& visible) const;
     [[nodiscard]] bool ConvertImage(const Area& visible);
     void CopyRows(const Area& visible);
-    /// 0, or the error number that tells why not.
+    /// 0, or the error number of the reason.
     [[nodiscard]] int CopyScreen(::Display* display);
 };
 
 bool ScreenCapture::Native::AllocatePixels()
 {
-    // Cleared by the system as it is touched, so that a region far larger than the screen costs no memory by itself.
+    // The system clears the memory when it is touched, so a region far larger than the screen costs no memory by
+    // itself.
     drawn = {};
     pixels.reset();
     pixels.reset(static_cast<unsigned char*>(std::calloc(GetBytes(), 1)));
@@ -112,7 +113,7 @@ bool ScreenCapture::Native::IsDeliverable(const Area& visible) const
 
 bool ScreenCapture::Native::ConvertImage(const Area& visible)
 {
-    // Fresh memory is black: what an earlier copy of a larger screen showed must not stay.
+    // Fresh memory is black: the picture of an earlier copy of a larger screen mustn't stay.
     const bool isFit = pixels != nullptr && (drawn.IsEmpty() || drawn == visible);
     if (!isFit && !AllocatePixels())
         return false;
@@ -170,14 +171,14 @@ bool ScreenCapture::Initialize(const System::Math::Rectangle& region)
     const auto width = static_cast<unsigned int>(std::max<std::int64_t>(visible.right - visible.left, 1));
     const auto height = static_cast<unsigned int>(std::max<std::int64_t>(visible.bottom - visible.top, 1));
     context.reader = std::make_unique<XScreenReader>(display, width, height, &context.lender);
-    // One pixel tells the format of all.
+    // One pixel shows the format of all.
     const XImagePointer pixel = context.reader->Read(0, 0, 1, 1);
     if (pixel == nullptr)
         return false;
     context.converter = PixelConverter::Create(GetLayout(*pixel));
     if (!context.converter)
         return false;
-    // A screen in the format that is delivered needs no memory but the reader's.
+    // A screen in the format of the result needs no memory except the reader's.
     const bool needsNoPixels = visible == context.region && context.converter->IsCopy();
     return needsNoPixels || context.AllocatePixels();
 }

@@ -12,7 +12,7 @@ namespace Orvik::Desktops::X11
 class ScreenCapture final : public PlatformCaptureContext
 {
 public:
-    /// Pictures are read into memory that is lent, where there is some. `lender` has to outlive the capture.
+    /// Pictures are read into lent memory if there is any. `lender` has to outlive the capture.
     explicit ScreenCapture(const LentMemory& lender);
     ~ScreenCapture() override;
 

@@ -20,7 +20,7 @@ namespace
 /// How long a driver call may go on after the server is gone, in nanoseconds.
 constexpr std::int64_t s_patience = 1'000'000'000;
 
-/// Counts the beginnings and the ends of driver calls: odd within one.
+/// Counts the beginnings and the ends of driver calls: odd during a call.
 std::atomic<std::uint64_t> s_driverCalls = 0;
 
 /// Returns when the other end of the connection is closed.
@@ -32,7 +32,7 @@ void AwaitLoss(int descriptor)
     }
 }
 
-/// Whether a driver call is under way that doesn't end within the time.
+/// Whether a driver call is running that doesn't end within the time.
 bool HasHangingCall()
 {
     const std::uint64_t call = s_driverCalls;

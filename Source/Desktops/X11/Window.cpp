@@ -34,7 +34,7 @@ NativeWindow ReportFailedCreation(const std::string& text)
     return NativeWindow::None;
 }
 
-/// The protocol has 16 bits for each number of a geometry and cuts off what is above.
+/// The protocol has 16 bits for each number of a geometry and drops the higher bits.
 bool FitsProtocol(const System::Math::Point& position, const WindowSize& size)
 {
     constexpr std::uint32_t longestSide = std::numeric_limits<std::uint16_t>::max();
@@ -54,8 +54,7 @@ CreatedWindow CreateInputOnlyWindow(::Display* display)
             None};
 }
 
-/// The overlay lives on the visual that its context will use. It has no background: until the first frame the screen
-/// stays as it is.
+/// The overlay has the visual of its context. It has no background: until the first frame the screen stays as it is.
 CreatedWindow CreateOverlayWindow(::Display* display, const WindowGeometry& geometry, SurfaceKind surfaceKind)
 {
     ::Window const root = DefaultRootWindow(display);
@@ -93,7 +92,7 @@ CreatedWindow CreateXWindow(::Display* display, const WindowTraits& traits, cons
                                      : CreateOrdinaryWindow(display, geometry);
 }
 
-/// Gives the window the arrow. A server without cursor fonts keeps its own picture.
+/// Sets the arrow as the window's cursor. A server without cursor fonts keeps its own picture.
 void SetArrowCursor(::Display* display, ::Window window)
 {
     const XErrorScope scope(display);
@@ -102,7 +101,7 @@ void SetArrowCursor(::Display* display, ::Window window)
     XFreeCursor(display, arrow);
 }
 
-/// Window managers map in their own time.
+/// Window managers map windows with a delay.
 void WaitUntilViewable(::Display* display, ::Window window)
 {
     constexpr std::int64_t patience = 1'000'000'000;
@@ -122,7 +121,7 @@ Window::Window(System::Desktop::Window& owner) : m_owner(owner)
 
 Window::~Window() = default;
 
-// X11 knows no classes; the class name becomes the WM_CLASS of the window.
+// X11 has no window classes; the class name becomes the WM_CLASS of the window.
 bool Window::Register(const char* /*className*/)
 {
     return true;
@@ -190,7 +189,7 @@ void Window::Hide()
         return;
     m_native->claim.Suspend();
     m_native->keys.LetGo();
-    // Tells a window manager, too, that the window is to be withdrawn rather than made an icon.
+    // Also informs a window manager that the window is to be withdrawn rather than iconified.
     XWithdrawWindow(m_native->display, m_native->id, DefaultScreen(m_native->display));
     XSync(m_native->display, False);
 }
@@ -219,7 +218,7 @@ void Window::SetClickThrough(bool enabled)
     XFlush(display);
 }
 
-// A server waits for no client.
+// On X11 no sender waits for a client's answer.
 void Window::AnswerOthers()
 {
 }

@@ -14,7 +14,7 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-// An overlay comes back to the front when something covers it. Against somebody who does the same it gives in.
+// An overlay comes back to the front when something covers it. Against a window that does the same it gives up.
 constexpr std::uint32_t s_raiseCount = 6;
 constexpr std::int64_t s_raisePeriod = 10'000'000'000;
 
@@ -22,7 +22,7 @@ constexpr std::int64_t s_raisePeriod = 10'000'000'000;
 constexpr std::uint32_t s_lookCount = 8;
 constexpr std::int64_t s_lookPeriod = 200'000'000;
 
-/// Under which the windows are kept with the connection.
+/// The key under which the connection keeps the windows.
 XContext GetRegistry()
 {
     static const XContext s_registry = XUniqueContext();
@@ -35,8 +35,8 @@ bool EnableDetectableRepeat(::Display* display)
     return XkbSetDetectableAutoRepeat(display, True, &isSupported) != False && isSupported != False;
 }
 
-/// Asks for changes of the keyboard's layout: a client that uses XKB, as detectable repeat does, isn't told of them by
-/// the core event. Returns the number of XKB's events, 0 without XKB.
+/// Requests changes of the keyboard's layout: the core event doesn't reach a client that uses XKB, as detectable repeat
+/// does. Returns the number of XKB's events, 0 without XKB.
 int SelectLayoutChanges(::Display* display)
 {
     int firstEvent = 0;
@@ -47,7 +47,7 @@ int SelectLayoutChanges(::Display* display)
     return firstEvent;
 }
 
-/// Has Xlib read the layout anew. False if the event tells of something else.
+/// Makes Xlib read the layout again. False if the event is about something else.
 bool FollowLayout(XEvent& event, int xkbEvent)
 {
     if (event.type == MappingNotify)
@@ -61,7 +61,7 @@ bool FollowLayout(XEvent& event, int xkbEvent)
     return true;
 }
 
-/// Asks for changes of the screens' layout. Returns the number of that event, 0 without RandR.
+/// Requests changes of the screens' layout. Returns the number of that event, 0 without RandR.
 int SelectScreenChanges(::Display* display, ::Window window)
 {
     int firstEvent = 0;
@@ -72,7 +72,7 @@ int SelectScreenChanges(::Display* display, ::Window window)
     return firstEvent + RRScreenChangeNotify;
 }
 
-/// The place that a core event of a key or a button tells.
+/// The position in a core event of a key or a button.
 template <typename CoreEvent>
 PointerMotion GetPlace(const CoreEvent& event)
 {
@@ -109,7 +109,7 @@ Window::Native::~Native()
     if (!IsUsable())
         return;
     XDeleteContext(display, id, GetRegistry());
-    // Somebody else may have destroyed the window.
+    // Another client may have destroyed the window.
     const XErrorScope scope(display);
     claim.End();
     if (window.GetType() == WindowType::Overlay)
@@ -166,7 +166,7 @@ void Window::Native::Handle(XEvent& event)
         OnScreenChange(event);
 }
 
-// Events of the devices themselves name no window; the one that pumps stands for all.
+// Events of the devices themselves name no window, so the window that pumps takes them.
 void Window::Native::HandleInput(const EventData& data)
 {
     PointerInput& input = PointerInput::GetInstance();
@@ -204,8 +204,8 @@ void Window::Native::FollowPointer(const PointerMotion& place)
         OnMotion(place);
 }
 
-// A motion of the program's own may have gone ahead of the key: the key's place is out of date then. The request for
-// the motion lies between the two, whatever the server's clock says: it counts in milliseconds.
+// A motion by the program itself may have come before the key: the key's position is out of date then. The order of the
+// requests decides, because the server's clock only counts milliseconds.
 void Window::Native::FollowPointerToKey(const PointerMotion& place)
 {
     if (place.serial >= pointerSerial)
@@ -235,7 +235,7 @@ void Window::Native::OnCoreButton(const XButtonEvent& event, bool pressed)
     OnButton(event.button, pressed);
 }
 
-// Buttons 4 and 5 are the notches of a wheel; the others beyond the third are nobody's.
+// Buttons 4 and 5 are the notches of a wheel; the others beyond the third are ignored.
 void Window::Native::OnButton(unsigned int button, bool pressed)
 {
     if (button == Button1 || button == Button3)
@@ -287,7 +287,7 @@ void Window::Native::OnUndefinedKey(const XKeyEvent& event) const
                        "Found undefined virtual key: ", GetUnshiftedSymbol(event));
 }
 
-// With the keyboard grabbed, releases come here wherever the focus is.
+// While the keyboard is grabbed, releases come here wherever the focus is.
 void Window::Native::OnFocusOut(const XFocusChangeEvent& event)
 {
     const bool isRealLoss =
@@ -316,7 +316,7 @@ void Window::Native::OnConfigure(const XConfigureEvent& event)
         NoteChange(WindowEventType::Resized);
 }
 
-// An exposure comes in pieces that count down; drawing is for the whole window.
+// An exposure comes in pieces that count down; the whole window is drawn once.
 void Window::Native::OnExpose(const XExposeEvent& event)
 {
     if (event.count == 0)

@@ -25,7 +25,7 @@ Atom GetAtom(::Display* display, const char* name)
     return XInternAtom(display, name, False);
 }
 
-/// A property of 32-bit items, which Xlib takes as longs.
+/// A property of 32-bit items, which Xlib expects as longs.
 void SetProperty(::Display* display, ::Window window, const char* name, Atom type, const std::vector<long>& items)
 {
     XChangeProperty(display, window, GetAtom(display, name), type, 32, PropModeReplace,

@@ -1,6 +1,6 @@
 #pragma once
 
-// X11's own: what a window tells window managers and compositors, after ICCCM and EWMH.
+// X11's own: what a window reports to window managers and compositors, following ICCCM and EWMH.
 
 #include "Desktops/WindowDescription.h"
 #include "Desktops/X11/X11Headers.h"
@@ -37,7 +37,7 @@ void SetWindowHints(::Display* display, ::Window window, const char* name, const
 /// Replaces a window's title, UTF-8: ICCCM's property, and EWMH's.
 void SetWindowTitle(::Display* display, ::Window window, const std::string& title);
 
-/// The states that a window wants when it is mapped. A window manager takes them away when it is unmapped.
+/// The states that a window wants when it is mapped. A window manager removes them when it is unmapped.
 void SetStateHints(::Display* display, ::Window window, const WindowTraits& traits);
 
 /// Whether a window manager is to give the window the keyboard.
@@ -46,7 +46,7 @@ void SetInputHint(::Display* display, ::Window window, bool takesInput);
 /// Asks the window manager to activate the window.
 void RequestActivation(::Display* display, ::Window window);
 
-/// Whether the message is the window manager's wish to close the window.
+/// Whether the message is the window manager's request to close the window.
 [[nodiscard]] bool IsDeleteRequest(const XClientMessageEvent& message);
 
 } // namespace Orvik::Desktops::X11

@@ -19,8 +19,8 @@ namespace Orvik::Desktops::X11
 using System::Desktop::KeyCode;
 using System::Desktop::WindowEventType;
 
-/// The X window of a window. It gives itself back: while there is a connection, nothing of it is left on the server
-/// when the object goes.
+/// The X window of a window. It cleans up after itself: while there is a connection, nothing of it is left on the
+/// server when the object goes.
 struct Window::Native
 {
     Native(System::Desktop::Window& owner, const WindowDescription& description, ::Display* connection,
@@ -32,18 +32,19 @@ struct Window::Native
     /// The window with that id, or null if it isn't one of ours.
     [[nodiscard]] static Native* Find(::Display* display, ::Window window);
 
-    /// Hands an event to the window it is for; what is for none goes to `pumping`.
+    /// Delivers an event to its window; events without a window go to `pumping`.
     static void Dispatch(XEvent& event, const EventData& data, Native& pumping);
 
-    /// Handles what stands in the queue ahead of the next input and isn't input itself, however much it is: other
-    /// programs make it, and it mustn't keep input waiting. What it changes is noted, not delivered. Looks at no more
-    /// events than there are at the call, by Xlib's `mode` of counting them. Whether an input is at the front.
+    /// Handles all events before the next input in the queue, however many they are: other programs make them, and they
+    /// mustn't keep input waiting. The changes are noted, not delivered. Reads no more events than there are at the
+    /// call, counted in Xlib's `mode`. Whether an input is at the front.
     bool PrepareInput(int mode);
 
     /// Whether the next message has anything to do.
     [[nodiscard]] bool HasWork();
 
-    /// Nanoseconds until there is something to do that no event of the server announces; less than 0 if there isn't.
+    /// Nanoseconds until there is something to do that no event of the server announces; less than 0 if there is
+    /// nothing.
     [[nodiscard]] std::int64_t GetTimeToWork() const;
 
     /// Takes the input at the front of the queue and delivers it.
@@ -52,30 +53,30 @@ struct Window::Native
     /// Delivers what `PrepareInput` has noted, for this window and others.
     void DeliverChanges();
 
-    /// Comes back to the front if other windows have changed and one of them covers this one.
+    /// Returns to the front if other windows have changed and one of them covers this one.
     void FollowStack();
 
-    /// Goes on to the newest of the motions that come before any other input, for the same window. The window sees
-    /// where the pointer is and not where it was, however fast the mouse reports.
+    /// Skips to the newest of the motions before any other input, for the same window. However fast the mouse reports,
+    /// the window gets the pointer's present position and not an old one.
     [[nodiscard]] PointerMotion SkipToNewest(PointerMotion motion);
 
-    /// Goes on to the newest of a held key's repeats that come before any other input. Where drawing is slower than the
-    /// key, they would pile up and go on for long after its release.
+    /// Skips to the newest of a held key's repeats before any other input. If drawing is slower than the key, the
+    /// repeats would pile up and go on long after its release.
     [[nodiscard]] XKeyEvent SkipToNewest(XKeyEvent repeat);
 
-    /// Delivers the next release of a key that was let go. False if there is none.
+    /// Delivers the next release of a key that was released by us. False if there is none.
     bool DeliverQueuedRelease();
 
-    /// Delivers the newest of the motions that wait, ahead of what waits before them. False if there is none.
+    /// Delivers the newest of the waiting motions, before older events. False if there is none.
     bool DeliverQueuedMotion();
 
     void OnMotion(const PointerMotion& motion);
 
-    /// What is pressed is pressed at its own place, also where no motion has told of it.
+    /// A press counts at its own place, even if no motion has reported that place.
     void FollowPointer(const PointerMotion& place);
     void FollowPointerToKey(const PointerMotion& place);
 
-    /// Whether the connection still stands.
+    /// Whether there still is a connection.
     [[nodiscard]] bool IsUsable() const;
 
     void Handle(XEvent& event);
@@ -95,7 +96,7 @@ struct Window::Native
     void OnClientMessage(const XClientMessageEvent& event);
     void OnScreenChange(XEvent& event);
 
-    /// Notes a change that the window is to be told of; once is enough, however often it comes.
+    /// Notes a change for the window; repeated changes of a kind are noted once.
     void NoteChange(WindowEventType type);
     void NoteChangedWindow(const XEvent& event);
     void TellChanges();
@@ -110,12 +111,12 @@ struct Window::Native
     unsigned long pointerSerial = 0;            ///< and when, by our requests
     System::Math::Point position;
     WindowSize size;
-    std::vector<WindowEventType> changes; ///< noted and not yet told
-    std::vector<::Window> changedWindows; ///< others of ours that have changed while this one looked at the queue
+    std::vector<WindowEventType> changes; ///< noted and not yet delivered
+    std::vector<::Window> changedWindows; ///< our other windows that have changed while this one read the queue
     RateLimit raises;
     RateLimit stackLooks;
-    bool isStackChanged = false; ///< other windows have, since the last look at them
-    bool areAxesStale = false;   ///< the wheels may have been turned elsewhere
+    bool isStackChanged = false; ///< other windows have changed since the last look at them
+    bool areAxesStale = false;   ///< the wheels may have been turned over other windows
     bool hasDetectableRepeat = false;
     int layoutChangeEvent = 0; ///< the number of XKB's events, 0 without XKB
     int screenChangeEvent = 0; ///< the number of that RandR event, 0 without RandR

@@ -1,4 +1,4 @@
-// The queue of events: what of it is a window's next message.
+// The queue of events: which part of it is a window's next message.
 #include "Core/System/Desktop/PointerEvent.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/X11/WindowNative.h"
@@ -21,8 +21,8 @@ bool IsInput(const XEvent& event)
 
 } // namespace
 
-// Other programs make events without end by moving windows about. So only input counts as a message: all else that has
-// come is handled ahead of it.
+// By moving windows, other programs make events without end. So only input counts as a message: all other events that
+// have come are handled before it.
 void Window::Pump()
 {
     if (!m_native || !m_native->IsUsable())
@@ -31,13 +31,13 @@ void Window::Pump()
     native.claim.Retry();
     if (native.DeliverQueuedRelease())
         return;
-    // Each press of an arrow key moves the pointer on from where the one before has put it.
+    // Each press of an arrow key moves the pointer on from the place of the last move.
     if (System::Device::Cursor::TakeOwnMotion() && native.DeliverQueuedMotion())
         return;
     const bool hasInput = native.PrepareInput(QueuedAfterFlush);
     native.DeliverChanges();
     native.FollowStack();
-    // The server may go while it is asked, and the keys may have been let go.
+    // The server may go during the question, and the keys may have been released.
     if (!native.IsUsable() || m_owner.GetState() == System::Desktop::WindowState::ClosePending ||
         native.DeliverQueuedRelease())
         return;
@@ -175,8 +175,9 @@ void Window::Native::DeliverChanges()
     }
 }
 
-// Told by the windows on the root rather than by the overlay's visibility: it stands one row off the topmost display,
-// so that the server calls it partly covered from the start; and under a compositing manager nothing ever covers it.
+// Uses the windows on the root rather than the overlay's visibility: the overlay reaches one row above the topmost
+// display, so the server reports it as partly covered from the start; and under a compositing manager nothing ever
+// covers it.
 void Window::Native::FollowStack()
 {
     if (!isStackChanged || !IsUsable())

@@ -14,14 +14,15 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-// By XCB rather than Xlib: it sends the requests for all windows before it waits for the first answer. A desktop has
-// hundreds of windows, most of them hidden, and each wait would hold up a frame. A window that has gone has no answer.
+// Uses XCB rather than Xlib, because it sends the requests for all windows before it waits for the first answer. A
+// desktop has hundreds of windows, most of them hidden, and each wait would delay a frame. A window that has gone has
+// no answer.
 template <typename Reply>
 using ReplyPointer = XHandle<Reply, std::free>;
 
 using Geometry = ReplyPointer<xcb_get_geometry_reply_t>;
 
-/// Those of the windows that are shown, in their order.
+/// The shown ones of the windows, in their order.
 std::vector<xcb_window_t> FindShown(xcb_connection_t* connection, std::span<const xcb_window_t> windows)
 {
     std::vector<xcb_get_window_attributes_cookie_t> cookies;
@@ -39,7 +40,7 @@ std::vector<xcb_window_t> FindShown(xcb_connection_t* connection, std::span<cons
     return shown;
 }
 
-/// What the windows take of the screen, without those that have gone meanwhile.
+/// The windows' areas of the screen, without those that have gone meanwhile.
 std::vector<Geometry> GetGeometries(xcb_connection_t* connection, std::span<const xcb_window_t> windows)
 {
     std::vector<xcb_get_geometry_cookie_t> cookies;
@@ -73,7 +74,7 @@ bool IsCovered(::Display* display, ::Window window)
         return false;
     const std::span<const xcb_window_t> windows(xcb_query_tree_children(tree.get()), tree->children_len); // from below
     const auto own = std::find(windows.begin(), windows.end(), static_cast<xcb_window_t>(window));
-    // The own window first, and those above it.
+    // The window itself first, then those above it.
     const std::vector<xcb_window_t> shown = FindShown(connection, {own, windows.end()});
     if (shown.size() < 2 || shown.front() != window)
         return false;

@@ -7,9 +7,9 @@
 namespace Orvik::Desktops::X11
 {
 
-/// Whether a shown window stands above `window` and shares pixels with it. Both are children of the root, as override-
-/// redirect windows and the frames of managed ones are. Waits for the server four times at most, however many windows
-/// there are; they may come and go meanwhile.
+/// Whether a shown window is above `window` and shares pixels with it. Both are children of the root, like override-
+/// redirect windows and the frames of managed ones. Waits for the server four times at most, however many windows there
+/// are; they may come and go meanwhile.
 [[nodiscard]] bool IsCovered(::Display* display, ::Window window);
 
 } // namespace Orvik::Desktops::X11

@@ -13,7 +13,7 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-/// Waits for the connection's events that are named, and for the signal.
+/// Waits for those events of the connection, and for the signal.
 void WaitForEither(::Display* display, short events, std::int64_t nanoseconds, System::Threads::WakeSignal& wake)
 {
     std::array<pollfd, 2> sources = {pollfd{static_cast<int>(wake.GetHandle()), POLLIN, 0},
@@ -22,7 +22,7 @@ void WaitForEither(::Display* display, short events, std::int64_t nanoseconds, S
     const timespec timeout = System::Time::ToTimespec(limit);
     ppoll(sources.data(), sources.size(), limit < 0 ? nullptr : &timeout, nullptr);
     wake.Reset();
-    // The server is gone: a question that would have to be answered lets Xlib notice.
+    // The server is gone: a request that needs an answer makes Xlib notice.
     if ((sources[1].revents & (POLLHUP | POLLRDHUP | POLLERR)) != 0)
         XSync(display, False);
 }

@@ -7,7 +7,7 @@
 namespace Orvik::Desktops::X11
 {
 
-/// The desktop of an X server. There is one connection to it in a process, opened when something is first asked for.
+/// The desktop of an X server. A process has one connection to it, opened when it is first needed.
 class X11Desktop final : public Desktop
 {
 public:

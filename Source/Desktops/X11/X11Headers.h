@@ -1,7 +1,7 @@
 #pragma once
 
 // X11's own: Xlib, without those of its macros that other headers use as names. They become types
-// and constants, so that X code reads as ever. Whoever includes further X headers does it below this one.
+// and constants, so that X code looks as usual. Include further X headers after this one.
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>

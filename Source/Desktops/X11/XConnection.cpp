@@ -15,8 +15,8 @@ int RecordXError(::Display* display, XErrorEvent* error);
 namespace
 {
 
-/// What the process knows of its server. Trivial to destroy: windows that outlive the connection at the end of the
-/// process still find it closed.
+/// What the process knows about its server. Has no destructor: windows that outlive the connection at the end of the
+/// process still see that it is closed.
 struct Connection
 {
     ::Display* display = nullptr;
@@ -27,7 +27,7 @@ struct Connection
 
 constinit Connection s_connection;
 
-/// The server is gone. Xlib would end the process here; the run ends by itself instead.
+/// The server is gone. Xlib would end the process here; instead the run ends by itself.
 int ReportLostServer(::Display* display)
 {
     if (display != s_connection.display)
@@ -89,7 +89,7 @@ void SetLossHandler(void (*handler)())
 
 int RecordXError(::Display* display, XErrorEvent* error)
 {
-    // The innermost one that was there when the request was made.
+    // The innermost scope that existed when the request was made.
     for (XErrorScope* scope = s_connection.innermostScope; scope != nullptr; scope = scope->m_outer)
     {
         if (error->serial < scope->m_firstRequest)

@@ -11,16 +11,16 @@ namespace Orvik::Desktops::X11
 {
 
 /// The process's one connection to the X server, opened at the first call, closed at exit. Null if there is no server
-/// or it is gone. Its thread is the main thread. An X error that no `XErrorScope` awaits is logged and changes nothing
-/// else; when the server goes away, that is logged and the loss handler called.
+/// or it is gone. It belongs to the main thread. An X error without an `XErrorScope` is only logged; the loss of the
+/// server is logged, and the loss handler called.
 [[nodiscard]] ::Display* GetXDisplay();
 
-/// What to call when the server goes away, from within the call that notices; null for nothing. Xlib can't be called
-/// again then, not even by that call.
+/// Sets what to call when the server goes away, inside of the call that notices; null for nothing. Xlib can't be called
+/// again after that, not even by that call.
 void SetLossHandler(void (*handler)());
 
-/// Watches for the X errors of requests that are made while it lives. X errors arrive late: what the scope says waits
-/// for the server, and so does its end, where not all requests have been handled by then. Scopes may nest.
+/// Catches the X errors of requests that are made while it lives. X errors arrive late: `HasFailed` and the destructor
+/// wait for the server if it hasn't handled all requests yet. Scopes may nest.
 class XErrorScope
 {
 public:
@@ -29,17 +29,17 @@ public:
     XErrorScope(const XErrorScope&) = delete;
     XErrorScope& operator=(const XErrorScope&) = delete;
 
-    /// Whether an error has come of a request since the scope began, or the connection is missing.
+    /// Whether a request since the scope began has caused an error, or the connection is missing.
     [[nodiscard]] bool HasFailed();
 
     /// The last error of the scope, such as "BadAlloc (insufficient resources for operation) (B)", or that there is no
-    /// connection. Call it behind `HasFailed`.
+    /// connection. Call it after `HasFailed`.
     [[nodiscard]] std::string GetErrorText() const;
 
 private:
     friend int RecordXError(::Display* display, XErrorEvent* error);
 
-    /// Until the errors of all requests are known. Mostly they are: whatever answers tells of what came before.
+    /// Waits until the errors of all requests are known. Usually they are: every answer brings the earlier errors.
     void AwaitServer() const;
 
     ::Display* m_display;
@@ -48,7 +48,7 @@ private:
     int m_errorCode = 0;
 };
 
-/// Where a window lies in its parent. All are pixels.
+/// Where a window is in its parent. All are pixels.
 struct XGeometry
 {
     int x = 0;
@@ -58,11 +58,11 @@ struct XGeometry
     unsigned int border = 0; ///< around the size, on each side
 };
 
-/// Nothing if the window is gone. Call it within an `XErrorScope`.
+/// Empty if the window is gone. Call it within an `XErrorScope`.
 [[nodiscard]] std::optional<XGeometry> GetXGeometry(::Display* display, ::Window window);
 
 /// The text of an X error code and the code in hexadecimal in parentheses, in the form of `FormatLastError`. The code 0
-/// stands for a missing connection.
+/// means a missing connection.
 [[nodiscard]] std::string FormatXError(int errorCode);
 
 } // namespace Orvik::Desktops::X11

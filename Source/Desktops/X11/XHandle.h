@@ -7,7 +7,7 @@
 namespace Orvik::Desktops::X11
 {
 
-/// Frees what Xlib and its extensions hand out, by the function that belongs to it.
+/// Frees what Xlib and its extensions return, with the function that belongs to it.
 template <auto Free>
 struct XDeleter
 {

@@ -19,27 +19,27 @@ struct XImageDeleter
 };
 using XImagePointer = std::unique_ptr<XImage, XImageDeleter>;
 
-/// Reads pictures of the root window, in the server's own pixel format. It goes through memory shared with the server
-/// where the server takes a descriptor of it from us (MIT-SHM 1.2 over a local socket), and through the connection
-/// otherwise: from a remote server, an old one, one behind a relay. What the server is handed is the memory itself, and
-/// no number that could mean another's. Main thread.
+/// Reads pictures of the root window, in the server's own pixel format. It uses memory shared with the server if the
+/// server accepts a descriptor of it (MIT-SHM 1.2 over a local socket), and otherwise the connection: for a remote
+/// server, an old one, or one behind a relay. The descriptor stands for the memory itself; a number could mean another
+/// memory. Main thread.
 class XScreenReader
 {
 public:
-    /// Makes the shared memory ready for pictures of up to that size in pixels, both at least 1. That it can't be had
-    /// is no failure. Where `lender` has memory that is large enough, pictures are read into that; null for never. It
-    /// has to outlive the reader.
+    /// Prepares shared memory for pictures of up to that size in pixels, both at least 1. It is no failure if there is
+    /// none. If `lender` has memory that is large enough, pictures are read into that; null for never. The lender has
+    /// to outlive the reader.
     XScreenReader(::Display* display, unsigned int width, unsigned int height, const LentMemory* lender = nullptr);
     ~XScreenReader() = default;
     XScreenReader(const XScreenReader&) = delete;
     XScreenReader& operator=(const XScreenReader&) = delete;
 
-    /// The picture of that part of the root, which has to lie within it. Null if the server refuses. Its rows are to be
-    /// copied from where they lie, which may be the shared memory: it can't be written to, the next `Read` changes it,
-    /// and it goes with `Release` and with the reader. Lent memory is good until its lender draws in it.
+    /// The picture of that part of the root, which has to be inside of it. Null if the server refuses. Its rows may be
+    /// the shared memory, so they can only be read: the next `Read` changes them, and `Release` and the reader's end
+    /// free them. Lent memory is valid until its lender draws in it.
     [[nodiscard]] XImagePointer Read(int x, int y, unsigned int width, unsigned int height);
 
-    /// Gives the shared memory back. The pictures that were read have to be gone. The next `Read` shares memory anew.
+    /// Gives the shared memory back. The pictures that were read have to be gone. The next `Read` shares memory again.
     void Release() { m_memory.Release(); }
 
     [[nodiscard]] bool UsesSharedMemory() const { return m_memory.IsShared(); }
@@ -47,14 +47,14 @@ public:
 private:
     [[nodiscard]] XImagePointer MakeSharedImage(XSharedMemory& memory, unsigned int width, unsigned int height);
     [[nodiscard]] XImagePointer ReadShared(int x, int y, unsigned int width, unsigned int height);
-    /// What to read into; null if there is none, and none can be had.
+    /// The memory to read into; null if there is none and none can be made.
     [[nodiscard]] XSharedMemory* FindMemory();
 
     ::Display* m_display;
     ::Window m_root;
     const LentMemory* m_lender;
     XSharedMemory m_memory;  ///< our own
-    std::size_t m_bytes = 0; ///< how much memory to share; 0 if none can be
+    std::size_t m_bytes = 0; ///< how much memory to share; 0 if none can be shared
 };
 
 } // namespace Orvik::Desktops::X11

@@ -17,7 +17,7 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-/// Taking descriptors came with version 1.2 of the extension.
+/// Descriptors came with version 1.2 of the extension.
 bool TakesDescriptors(::Display* display)
 {
     int major = 0;
@@ -26,8 +26,8 @@ bool TakesDescriptors(::Display* display)
     return XShmQueryVersion(display, &major, &minor, &ignored) != False && std::pair(major, minor) >= std::pair(1, 2);
 }
 
-/// Memory without a name, which goes with its last user. The server can't make it smaller: reading what it had cut off
-/// would end this process.
+/// Memory without a name, which goes with its last user. The server can't shrink it: reading the lost part would end
+/// this process.
 Systems::FileDescriptor MakeMemory(std::size_t bytes)
 {
     Systems::FileDescriptor memory(memfd_create("screen", MFD_CLOEXEC | MFD_ALLOW_SEALING));
@@ -73,7 +73,7 @@ void XSharedMemory::Release() noexcept
     Unmap();
 }
 
-// Xlib has no call for it. XCB closes the descriptor. Over a network it gets lost, and the server refuses.
+// Xlib has no call for this. XCB closes the descriptor. Over a network it gets lost, and the server refuses.
 bool XSharedMemory::Attach(int memory)
 {
     xcb_connection_t* const connection = XGetXCBConnection(m_display);

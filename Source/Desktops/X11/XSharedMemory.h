@@ -11,8 +11,8 @@
 namespace Orvik::Desktops::X11
 {
 
-/// Memory that the X server has in common with us: MIT-SHM 1.2, which hands over the memory itself by a descriptor. It
-/// can be no other's, as a number of a segment could in another container. Main thread.
+/// Memory that is shared with the X server: MIT-SHM 1.2, which passes the memory itself by a descriptor. The number of
+/// a segment could mean another memory in a container. Main thread.
 class XSharedMemory
 {
 public:
@@ -27,17 +27,17 @@ public:
     XSharedMemory(const XSharedMemory&) = delete;
     XSharedMemory& operator=(const XSharedMemory&) = delete;
 
-    /// Gets memory of that many bytes, all zero, and shares it. False if the server is a remote or an old one, or the
-    /// memory can't be had; there is none then.
+    /// Allocates that many bytes, all zero, and shares them. False if the server is remote or old, or there is not
+    /// enough memory; nothing is shared then.
     [[nodiscard]] bool Create(::Display* display, std::size_t bytes, Writer writer);
 
-    /// Gives the memory back, after what the server has been asked to do with it before.
+    /// Gives the memory back after the server has done what it was asked to do before.
     void Release() noexcept;
 
     /// 0 without memory.
     [[nodiscard]] std::size_t GetBytes() const { return m_bytes; }
     [[nodiscard]] bool IsShared() const { return m_segment.shmaddr != nullptr; }
-    /// For Xlib's calls: the address, null without memory, and the server's name of it. It stays where it is.
+    /// For Xlib's calls: the address, null without memory, and the server's name of it. It stays in place.
     [[nodiscard]] XShmSegmentInfo& GetSegment() { return m_segment; }
 
 private:

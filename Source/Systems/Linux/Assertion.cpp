@@ -1,6 +1,6 @@
 #include "Core/System/Error/Assertion.h"
 
-// The failure function is declared in debug builds only; assertions stay in every build here.
+// The failure function is declared in debug builds only; here assertions stay in every build.
 #undef NDEBUG
 #include <cassert>
 

@@ -5,8 +5,8 @@
 namespace Orvik::System::Runtime
 {
 
-// Of the five only the home directory exists here. The two variables of other platforms keep their names, so that the
-// entries read the same everywhere.
+// Of the five only the home directory exists on Linux. The two variables of other systems keep their names, so that the
+// entries are the same everywhere.
 void DirectoryCache::InitializePlatform()
 {
     ReadEnvironmentEntry("HOME", m_userProfile);

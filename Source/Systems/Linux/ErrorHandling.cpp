@@ -15,17 +15,17 @@ namespace Orvik::System::Error
 namespace
 {
 
-/// Signals that are raised where the fault is.
+/// Signals that are raised at the place of the fault.
 constexpr std::array s_faultSignals = {SIGSEGV, SIGILL, SIGABRT, SIGFPE, SIGBUS};
 
-/// Writing to a pipe that nobody reads, or beyond the limit of a file's size, fails like any other writing.
+/// Writing to a pipe without a reader, or beyond the limit of a file's size, then fails like any other write.
 constexpr std::array s_ignoredSignals = {SIGPIPE, SIGXFSZ};
 
-/// Reporting takes milliseconds, unless the fault lies where a lock is held that reporting needs as well.
+/// Reporting takes milliseconds, unless the fault is inside a lock that reporting needs as well.
 constexpr unsigned s_reportTimeLimit = 5; // seconds
 
-/// A request waits two seconds for the run's end, from the last progress of a file on. Longer takes only one whose log
-/// isn't read by whoever it is for.
+/// A request waits two seconds for the end of the run, counted from the last progress of a file. It takes longer only
+/// if nobody reads the log.
 constexpr unsigned s_requestTimeLimit = 3; // seconds
 
 /// How long a report that is under way may still take once the process is asked to end: as long as a run may.
@@ -34,9 +34,9 @@ constexpr std::int64_t s_reportGrace = 2'000'000'000; // nanoseconds
 ErrorHandling* s_errorHandling = nullptr;
 std::array<struct sigaction, s_faultSignals.size()> s_previousActions = {};
 std::atomic<int> s_signalBeingReported = 0; ///< 0 for none
-std::atomic<int> s_signalOfTimeout = 0;     ///< ends a process whose report or request doesn't come to its end
+std::atomic<int> s_signalOfTimeout = 0;     ///< ends a process whose report or request doesn't finish
 
-/// Where a fault of the main thread is reported on: its own stack may be what has run out.
+/// A fault of the main thread is reported on this stack, because its own may be full.
 alignas(std::max_align_t) std::array<std::byte, std::size_t{256} * 1024> s_alternateStack;
 stack_t s_previousStack = {};
 
@@ -49,7 +49,7 @@ void LetThrough(int signal)
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
-/// Ends the process by the signal's default action. Calls only what may be called at any instant.
+/// Ends the process by the signal's default action. Calls only functions that are safe in a signal handler.
 void EndBy(int signal)
 {
     struct sigaction action = {};
@@ -82,16 +82,16 @@ extern "C" void OnSignal(int signal, siginfo_t* information, void* /*context*/) 
     s_errorHandling->HandleSignal(signal == SIGBUS ? SIGSEGV : signal);
     alarm(0);
     // The delivery has reset the signal to its default action. A true fault comes again when this handler returns to
-    // where it lies, with its address for a debugger or a core dump; one that somebody sent has to be sent again.
+    // its place, with its address for a debugger or a core dump; a signal that was sent has to be sent again.
     if (information->si_code <= 0)
         raise(signal);
 }
 
-/// A request while a fault is being reported: the run doesn't end by itself any more, and whatever the report waits
-/// for, a lock of the allocator, say, a second report would wait for too. Nothing is called here that takes one.
+/// A request while a fault is being reported. The run doesn't end by itself any more, and a second report would wait
+/// for the same lock as the first, for example the allocator's. So nothing that takes a lock is called here.
 void AbortUnlessReported()
 {
-    Time::Sleep(s_reportGrace); // the end of the report is the process's
+    Time::Sleep(s_reportGrace); // the end of the report ends the process
     EndBy(SIGABRT);
 }
 
@@ -104,10 +104,10 @@ void OnRequest(int signal)
     const bool isHandled = s_errorHandling->HandleRequest(signal);
     alarm(0);
     if (const int fault = s_signalBeingReported; fault != 0)
-        LimitTime(s_reportTimeLimit, fault); // it came meanwhile, and that may have been its limit
+        LimitTime(s_reportTimeLimit, fault); // it came in the meantime, and that may have replaced its limit
     if (isHandled)
         return;
-    LetThrough(signal); // nothing is there that could end by itself
+    LetThrough(signal); // there is no run that could end by itself
     raise(signal);
 }
 
@@ -167,9 +167,9 @@ void ErrorHandling::AbortPlatform(int signal)
     if (s_signalBeingReported == 0)
         std::abort();
     if (signal == SIGINT || signal == SIGTERM)
-        return EndBy(SIGABRT); // a request that the fault has overtaken
-    // A fault ends the process by its own signal, which a debugger or a core dump is to show: only the line that an
-    // abort writes is left to do.
+        return EndBy(SIGABRT); // a fault came before the request was handled
+    // The fault's own signal ends the process, so that a debugger or a core dump shows it. Only the line that an abort
+    // writes is missing.
     if (signal != SIGABRT)
         ReportSignal(SIGABRT);
 }

@@ -13,7 +13,7 @@ class FileDescriptor
 {
 public:
     FileDescriptor() = default;
-    /// Takes what a system call gave, a negative number for none.
+    /// Takes the result of a system call; a negative number means none.
     explicit FileDescriptor(int descriptor) noexcept : m_descriptor(descriptor) {}
     FileDescriptor(FileDescriptor&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
     FileDescriptor& operator=(FileDescriptor&& other) noexcept
@@ -29,7 +29,7 @@ public:
 
     [[nodiscard]] bool IsOpen() const noexcept { return m_descriptor >= 0; }
     [[nodiscard]] int Get() const noexcept { return m_descriptor; }
-    /// Hands it to what closes it from here on.
+    /// Hands the descriptor over to the caller, which closes it.
     [[nodiscard]] int Release() noexcept { return std::exchange(m_descriptor, -1); }
 
 private:

@@ -9,12 +9,12 @@ namespace Orvik::System::Text
 
 File OpenFile(const std::filesystem::path& path, const char* mode)
 {
-    // "e" is the C library's own: close the file when another program takes this process over.
+    // "e" belongs to the C library: close the file when another program replaces this one in the process.
     const std::string modeWithoutInheritance = std::string(mode) + "e";
     return File(std::fopen(path.c_str(), modeWithoutInheritance.c_str()));
 }
 
-// A file is replaced here whoever reads it.
+// On Linux a file can be replaced even while it is read.
 bool IsHeldPlatform(const std::filesystem::path& /*path*/, const std::error_code& /*error*/)
 {
     return false;
@@ -22,7 +22,7 @@ bool IsHeldPlatform(const std::filesystem::path& /*path*/, const std::error_code
 
 File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken)
 {
-    constexpr mode_t readAndWrite = 0666; // less what the user keeps from others
+    constexpr mode_t readAndWrite = 0666; // the user's mask takes away from that
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite);
     isTaken = descriptor < 0 && errno == EEXIST;
     return File(descriptor < 0 ? nullptr : fdopen(descriptor, "w"));

@@ -9,7 +9,7 @@ namespace Orvik::System::Multimedia
 
 void PreferLargePages(void* memory, std::size_t bytes) noexcept
 {
-    // Of less, little is saved, and a large page's rest would be lost.
+    // Smaller memory gains little, and the rest of a large page would be lost.
     constexpr std::size_t leastBytes = std::size_t{4} << 20;
     const long page = sysconf(_SC_PAGESIZE);
     if (bytes < leastBytes || page <= 0)

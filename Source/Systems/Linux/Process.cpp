@@ -28,12 +28,12 @@ namespace
 using Systems::FileDescriptor;
 
 constexpr std::int64_t s_millisecond = 1'000'000; ///< in nanoseconds
-/// How long a process that was asked to end may take: it saves nothing that takes longer.
+/// How long a process may take to end after it was asked to: nothing that it saves takes longer.
 constexpr std::int64_t s_endNanoseconds = 3'000 * s_millisecond;
 /// How long the system may take to remove a process that was killed.
 constexpr std::int64_t s_killNanoseconds = 1'000 * s_millisecond;
 constexpr std::int64_t s_pollNanoseconds = 5 * s_millisecond;
-/// How long the user may have to wait for a run that is asked to end while it waits itself.
+/// How long the user may have to wait when this run is asked to end while it waits for another.
 constexpr std::int64_t s_interruptionNanoseconds = 20 * s_millisecond;
 
 struct CloseDirectory
@@ -41,7 +41,7 @@ struct CloseDirectory
     void operator()(DIR* directory) const noexcept { closedir(directory); }
 };
 
-/// The number that a whole text spells, if it is the id of a process.
+/// The number that the whole text spells, if it is the id of a process.
 std::optional<pid_t> ParseProcessId(std::string_view text)
 {
     pid_t id = 0;
@@ -51,11 +51,11 @@ std::optional<pid_t> ParseProcessId(std::string_view text)
     return id;
 }
 
-/// Opens /proc/<id>. It stays with that one process: once it is gone, nothing is found here, even if another process
-/// has got its number.
+/// Opens /proc/<id>. The directory belongs to that one process: once the process is gone, nothing is found in it, even
+/// if another process has got its number.
 FileDescriptor OpenProcessDirectory(std::uint64_t id)
 {
-    // A number beyond the range would turn, cut, into that of another process, or into a group's.
+    // A number beyond the range would be cut, and then mean another process, or a group of processes.
     if (id == 0 || id > std::uint64_t{INT_MAX})
     {
         errno = ESRCH;
@@ -64,7 +64,7 @@ FileDescriptor OpenProcessDirectory(std::uint64_t id)
     return FileDescriptor(open(("/proc/" + std::to_string(id)).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
-/// Reads the beginning of one of the process's files; longer than all that is looked for in them.
+/// Reads the beginning of one of the process's files; it is longer than everything that is looked for.
 std::optional<std::string> ReadProcessFile(const FileDescriptor& directory, const char* name)
 {
     const FileDescriptor file(openat(directory.Get(), name, O_RDONLY | O_CLOEXEC));
@@ -77,7 +77,7 @@ std::optional<std::string> ReadProcessFile(const FileDescriptor& directory, cons
     return std::string(text.data(), static_cast<std::size_t>(length));
 }
 
-/// The base name of the executable, or nothing for kernel threads and processes of others.
+/// The base name of the executable, or nothing for kernel threads and processes of other users.
 std::optional<std::string> ReadExecutableName(const FileDescriptor& directory)
 {
     std::array<char, PATH_MAX> target = {};
@@ -93,7 +93,7 @@ std::optional<std::string> ReadExecutableName(const FileDescriptor& directory)
     return std::string(name);
 }
 
-/// The name that the kernel keeps, which everybody may read; cut to 15 bytes.
+/// The name that the kernel keeps, which every user may read; cut to 15 bytes.
 std::optional<std::string> ReadCommandName(const FileDescriptor& directory)
 {
     std::optional<std::string> name = ReadProcessFile(directory, "comm");
@@ -102,7 +102,7 @@ std::optional<std::string> ReadCommandName(const FileDescriptor& directory)
     return name;
 }
 
-/// The rest of the line that begins with `key`, without the blanks in front; empty if there is none.
+/// The rest of the line that begins with `key`, without leading blanks; empty if there is no such line.
 std::string_view FindStatusValue(std::string_view status, std::string_view key)
 {
     std::size_t begin = 0;
@@ -121,8 +121,8 @@ std::string_view FindStatusValue(std::string_view status, std::string_view key)
     return {};
 }
 
-/// Whether the process runs as the user we run as; the last system error tells why not. The directory's owner wouldn't
-/// tell: it is root for a process that may not be dumped.
+/// Whether the process runs as our own user; if not, the last system error says why. The directory's owner isn't the
+/// answer: it is root for a process that may not be dumped.
 bool IsOfSameUser(const FileDescriptor& directory)
 {
     const std::optional<std::string> status = ReadProcessFile(directory, "status");
@@ -135,13 +135,13 @@ bool IsOfSameUser(const FileDescriptor& directory)
     return error == std::errc() && user == geteuid();
 }
 
-/// State and start of a process, as its status line has them. False if that can't be read.
+/// State and start time of a process, from its status line. False if the line can't be read.
 bool ReadLife(const FileDescriptor& directory, ProcessRecord& record)
 {
     const std::optional<std::string> line = ReadProcessFile(directory, "stat");
     if (!line)
         return false;
-    // The name in front may have anything in it, blanks and brackets too.
+    // The name before it may contain anything, even blanks and brackets.
     const std::size_t nameEnd = line->rfind(')');
     if (nameEnd == std::string::npos)
         return false;
@@ -163,7 +163,7 @@ bool ReadLife(const FileDescriptor& directory, ProcessRecord& record)
     return error == std::errc() && end == start.data() + start.size();
 }
 
-/// The path of the file that the address lies in, as the list of the process's mappings writes it; empty if none.
+/// The path of the file that contains the address, as the list of the process's mappings writes it; empty if none.
 std::string FindMappedFile(const FileDescriptor& directory, std::uintptr_t address)
 {
     const FileDescriptor file(openat(directory.Get(), "maps", O_RDONLY | O_CLOEXEC));
@@ -189,8 +189,8 @@ std::string FindMappedFile(const FileDescriptor& directory, std::uintptr_t addre
     return {};
 }
 
-/// One process to end. Where the kernel has process descriptors it is held by one, so that no other process that
-/// gets its number meanwhile is hit.
+/// One process to end. If the kernel has process descriptors, one of them holds the process, so that another process
+/// that gets its number meanwhile isn't hit.
 class EndingProcess
 {
 public:
@@ -212,7 +212,7 @@ public:
         return syscall(SYS_pidfd_send_signal, m_descriptor.Get(), signal, nullptr, 0) == 0;
     }
 
-    /// Waits until the process is gone, for `nanoseconds` at most. `Failed` if it isn't by then.
+    /// Waits until the process is gone, for `nanoseconds` at most. `Failed` if it is still there then.
     [[nodiscard]] ProcessResult WaitForEnd(std::int64_t nanoseconds, const std::function<bool()>& isInterrupted) const
     {
         const std::int64_t deadline = Time::GetMonotonicNanoseconds() + nanoseconds;
@@ -229,7 +229,7 @@ public:
     }
 
 private:
-    /// A process that has ended and waits for its parent to ask counts as gone.
+    /// A process that has ended but that its parent hasn't collected yet counts as gone.
     [[nodiscard]] bool HasEnded() const
     {
         if (m_hasNoDescriptors)
@@ -241,7 +241,7 @@ private:
         return poll(&descriptor, 1, 0) == 1;
     }
 
-    /// Until the process ends where a descriptor tells that, else for a moment.
+    /// Waits until the process ends if a descriptor reports that, else for a moment.
     void Pause(std::int64_t nanoseconds) const
     {
         if (m_hasNoDescriptors)
@@ -256,7 +256,7 @@ private:
     pid_t m_id;
     const FileDescriptor& m_directory;
     FileDescriptor m_descriptor;
-    bool m_hasNoDescriptors; ///< an older kernel, or a sandbox that keeps them from us
+    bool m_hasNoDescriptors; ///< an older kernel, or a sandbox that hides them
 };
 
 ProcessResult AskToEnd(const EndingProcess& process, const std::function<bool()>& isInterrupted)
@@ -274,7 +274,7 @@ ProcessResult AskToEnd(const EndingProcess& process, const std::function<bool()>
     return result;
 }
 
-/// Whether the directory is of the process that was made then; 0 for any.
+/// Whether the directory belongs to the process that was started at that time; 0 matches any time.
 bool WasStartedAt(const FileDescriptor& directory, std::uint64_t startTime)
 {
     ProcessRecord record;
@@ -336,8 +336,8 @@ bool IsOwnExecutablePlatform()
     const ssize_t length = readlinkat(directory.Get(), "exe", target.data(), target.size());
     if (length <= 0)
         return false;
-    // Texts, since some file systems give the same file another device number in each of the two. The list has a line
-    // for each mapping, so a line's end within a path is written as a number there.
+    // Compared as texts, because some file systems give the same file another device number in each of the two. The
+    // list has a line for each mapping, so it writes a line end within a path as a number.
     std::string executable(target.data(), static_cast<std::size_t>(length));
     for (std::size_t end = 0; (end = executable.find('\n', end)) != std::string::npos;)
         executable.replace(end, 1, "\\012");
@@ -350,7 +350,7 @@ ProcessResult EndProcessPlatform(std::uint64_t id, const Termination& terminatio
     const FileDescriptor directory = OpenProcessDirectory(id);
     if (!directory.IsOpen())
         return ProcessResult::NoHandle;
-    // The directory is read behind the descriptor's opening: that it still tells shows that both are the same process.
+    // The directory is read after the descriptor is opened: if it still answers, both are the same process.
     const EndingProcess process(id, directory);
     if (!process.IsOpen() || !IsOfSameUser(directory) || !WasStartedAt(directory, termination.startTime))
         return ProcessResult::NoHandle;

@@ -18,10 +18,10 @@ struct State
     sigset_t signals = {};
     pthread_t thread = {};
     bool isRunning = false;
-    int exitCode = 0; ///< of the run that is over
+    int exitCode = 0; ///< the exit code of the run that is over
     std::atomic<bool> isStopping = false;
 };
-constinit State s_state; // started ahead of all other static objects
+constinit State s_state; // starts before all other static objects
 
 bool IsIgnored(int signal)
 {
@@ -29,7 +29,7 @@ bool IsIgnored(int signal)
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-/// Takes signals that came meanwhile and that nobody needs to hear of.
+/// Takes signals that came meanwhile and that are not needed any more.
 void Discard(const sigset_t& signals)
 {
     const timespec none = {};
@@ -51,7 +51,7 @@ void* Run(void* /*argument*/)
     }
 }
 
-/// Ends the process at once, as its run is over: with that run's exit code.
+/// The run is over: ends the process at once, with the run's exit code.
 extern "C" void OnLateRequest(int /*signal*/)
 {
     _exit(s_state.exitCode);
@@ -69,7 +69,7 @@ bool Join() noexcept
     return true;
 }
 
-/// A forked process has no such thread. What it becomes has to be told to end like any other.
+/// A forked process has no such thread. It has to react to requests to end like any other process.
 void OnFork()
 {
     if (!s_state.isRunning)
@@ -84,12 +84,12 @@ void Start(Handler handler)
 {
     s_state.handler = handler;
     s_state.isStopping = false;
-    // A shell starts background jobs with SIGINT ignored; the overlay has to go when it is asked to.
+    // A shell starts background jobs with SIGINT ignored; the overlay has to end when it is asked to.
     std::signal(SIGINT, SIG_DFL);
     sigemptyset(&s_state.signals);
     sigaddset(&s_state.signals, SIGINT);
     sigaddset(&s_state.signals, SIGTERM);
-    if (!IsIgnored(SIGHUP)) // as nohup starts a program
+    if (!IsIgnored(SIGHUP)) // nohup starts programs like that
         sigaddset(&s_state.signals, SIGHUP);
 
     pthread_sigmask(SIG_BLOCK, &s_state.signals, nullptr);

@@ -22,7 +22,7 @@ std::int64_t ReadStartTicks()
     std::ifstream file("/proc/self/stat");
     std::string line;
     std::getline(file, line);
-    // The name in front may have anything in it, blanks and brackets too.
+    // The name before it may contain anything, even blanks and brackets.
     const std::size_t nameEnd = line.rfind(')');
     if (nameEnd == std::string::npos)
         return -1;

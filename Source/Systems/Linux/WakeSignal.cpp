@@ -27,7 +27,7 @@ void WakeSignal::Raise() noexcept
 
 void WakeSignal::Wait(std::int64_t nanoseconds) noexcept
 {
-    pollfd signal = {static_cast<int>(m_handle), POLLIN, 0}; // poll passes over a negative descriptor
+    pollfd signal = {static_cast<int>(m_handle), POLLIN, 0}; // poll ignores a negative descriptor
     const timespec timeout = Time::ToTimespec(LimitWait(nanoseconds));
     ppoll(&signal, 1, LimitWait(nanoseconds) < 0 ? nullptr : &timeout, nullptr);
     Reset();

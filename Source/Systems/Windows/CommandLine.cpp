@@ -11,7 +11,7 @@ std::vector<std::string> CommandLine::ReadArgumentsPlatform()
 {
     std::vector<std::string> arguments;
     int count = 0;
-    // The array lives as long as the process: it is read once.
+    // Not freed: it is read once and lives as long as the process.
     wchar_t** const array = CommandLineToArgvW(GetCommandLineW(), &count);
     for (int index = 0; array != nullptr && index < count; ++index)
         arguments.push_back(Text::ToUtf8(array[index]));

@@ -28,7 +28,7 @@ BOOL WINAPI OnConsoleEvent(DWORD event) noexcept
 
 void ListenToConsole() noexcept
 {
-    StopListeningToConsole(); // or one event would come twice
+    StopListeningToConsole(); // otherwise one event would come twice
     SetConsoleCtrlHandler(&OnConsoleEvent, TRUE);
 }
 

@@ -7,8 +7,8 @@
 namespace Orvik::System::Error
 {
 
-/// What the system calls for an event of the console, on a thread of its own. The interruption by Ctrl+C or Ctrl+Break
-/// raises SIGINT, the console's or the session's end SIGTERM. False for any other event: it is left to the system.
+/// The system calls this for an event of the console, on a thread of its own. Ctrl+C or Ctrl+Break raises SIGINT, the
+/// end of the console or of the session SIGTERM. False for any other event, which is left to the system.
 BOOL WINAPI OnConsoleEvent(DWORD event) noexcept;
 
 } // namespace Orvik::System::Error

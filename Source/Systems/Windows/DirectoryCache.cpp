@@ -19,7 +19,7 @@ std::string JoinAll(std::filesystem::path directory, std::initializer_list<const
 
 } // namespace
 
-// A variable that isn't set doesn't keep the next from being read. What is derived from it is left empty.
+// If a variable isn't set, the next ones are still read. What is derived from the missing one stays empty.
 void DirectoryCache::InitializePlatform()
 {
     ReadEnvironmentEntry("USERPROFILE", m_userProfile);
@@ -35,7 +35,7 @@ void DirectoryCache::InitializePlatform()
 std::optional<std::string> DirectoryCache::ReadVariablePlatform(const char* name)
 {
     const std::wstring wideName = Text::ToWide(name);
-    const DWORD size = GetEnvironmentVariableW(wideName.c_str(), nullptr, 0); // with the zero behind the text
+    const DWORD size = GetEnvironmentVariableW(wideName.c_str(), nullptr, 0); // includes the zero after the text
     if (size == 0)
         return std::nullopt;
     std::wstring value(size, L'\0');

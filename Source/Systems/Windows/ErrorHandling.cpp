@@ -14,13 +14,13 @@ namespace
 
 using SignalHandler = void (*)(int);
 
-/// The C runtime's own, all it has.
+/// All signals that the C runtime has.
 constexpr std::array s_signals = {SIGTERM, SIGSEGV, SIGINT, SIGILL, SIGABRT, SIGFPE};
 
-/// A request waits two seconds for the run's end, from the last progress of a file on. Longer takes only one whose log
-/// isn't read by whoever it is for.
+/// A request waits two seconds for the end of the run, counted from the last progress of a file. It takes longer only
+/// if nobody reads the log.
 constexpr DWORD s_requestTimeLimit = 3'000; // milliseconds
-constexpr UINT s_abortCode = 3;             ///< what `std::abort` ends the process with
+constexpr UINT s_abortCode = 3;             ///< the exit code of `std::abort`
 
 ErrorHandling* s_errorHandling = nullptr;
 std::array<SignalHandler, s_signals.size()> s_previousHandlers = {};
@@ -48,7 +48,7 @@ public:
     TimeLimit(const TimeLimit&) = delete;
     TimeLimit& operator=(const TimeLimit&) = delete;
 
-    /// Begins the time of the thread's limit anew, if it has one.
+    /// Starts the time of the thread's limit again, if it has one.
     static void Renew()
     {
         if (s_current != nullptr)
@@ -63,15 +63,15 @@ private:
 
 thread_local TimeLimit* TimeLimit::s_current = nullptr;
 
-/// Faults arrive on the faulting thread, an interruption or a termination on a thread of its own. The delivery has
-/// reset the signal to its default action: a second one ends the process at once.
+/// Faults arrive on the thread that caused them, an interruption or a termination on a thread of its own. The delivery
+/// has reset the signal to its default action: a second one ends the process at once.
 extern "C" void OnSignal(int signal) noexcept
 {
     if (signal != SIGINT && signal != SIGTERM)
         return s_errorHandling->HandleSignal(signal);
     const TimeLimit limit;
     if (!s_errorHandling->HandleRequest(signal))
-        std::raise(signal); // nothing is there that could end by itself
+        std::raise(signal); // there is no run that could end by itself
 }
 
 } // namespace
@@ -79,7 +79,7 @@ extern "C" void OnSignal(int signal) noexcept
 void ErrorHandling::InstallSignalHandlersPlatform()
 {
     s_errorHandling = this;
-    // A program with windows would be asked in a message box, which nobody sees below the overlay.
+    // A program with windows would get a message box, which nobody sees below the overlay.
     s_previousErrorMode = _set_error_mode(_OUT_TO_STDERR);
     for (std::size_t index = 0; index < s_signals.size(); ++index)
         s_previousHandlers[index] = std::signal(s_signals[index], &OnSignal);
@@ -95,12 +95,12 @@ void ErrorHandling::RemoveSignalHandlersPlatform() noexcept
     s_errorHandling = nullptr;
 }
 
-// A run that is over isn't asked any more, see `HandleRequest`; the process ends without its help.
+// A run that is over isn't asked any more, see `HandleRequest`; the process ends by itself.
 void ErrorHandling::EndRequestsPlatform(int /*exitCode*/) noexcept
 {
 }
 
-// The delivery of the first one has done that.
+// The delivery of the first one has already done that.
 void ErrorHandling::AllowSecondInterruptionPlatform()
 {
 }

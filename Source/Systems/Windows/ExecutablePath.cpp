@@ -13,7 +13,7 @@ std::filesystem::path FindExecutablePathPlatform()
 {
     std::array<wchar_t, MAX_PATH> path = {};
     const DWORD length = SystemCall<&::GetModuleFileNameW>(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    // A longer path fills the buffer and lacks its end.
+    // If the path is longer than the buffer, the buffer is full and the end is missing.
     if (length == 0 || length >= path.size())
         return {};
     return std::wstring(path.data(), length);

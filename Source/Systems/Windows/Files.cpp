@@ -13,14 +13,14 @@ namespace Orvik::System::Text
 
 File OpenFile(const std::filesystem::path& path, const char* mode)
 {
-    // "N" is the C library's own: programs that this one starts don't get the file.
+    // "N" belongs to the C library: programs that this one starts don't inherit the file.
     const std::string modeWithoutInheritance = std::string(mode) + "N";
     return File(_wfopen(path.c_str(), ToWide(modeWithoutInheritance).c_str()));
 }
 
 bool IsHeldPlatform(const std::filesystem::path& path, const std::error_code& error)
 {
-    // The answer for a directory in the file's place is the same, and that isn't waited for.
+    // A directory at the file's place gives the same error, but waiting doesn't help there.
     const DWORD attributes = GetFileAttributesW(path.c_str());
     const bool isDirectory = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return !isDirectory && (error == std::errc::permission_denied || error == std::errc::device_or_resource_busy);
@@ -34,12 +34,12 @@ File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken)
     isTaken = opened == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS;
     if (opened == INVALID_HANDLE_VALUE)
         return nullptr;
-    // From here on the handle is the C library's to close.
+    // From here on the C library closes the handle.
     const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(opened), _O_TEXT | _O_NOINHERIT);
     return File(_fdopen(descriptor, "wt"));
 }
 
-// The standard library's is cut to whole seconds here.
+// The standard library's function cuts the time to whole seconds here.
 std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)
 {
     constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;

@@ -3,7 +3,7 @@
 namespace Orvik::System::Multimedia
 {
 
-// There large pages take a right that users don't have.
+// On Windows large pages need a right that users don't have.
 void PreferLargePages(void* /*memory*/, std::size_t /*bytes*/) noexcept
 {
 }

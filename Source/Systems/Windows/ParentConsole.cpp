@@ -14,7 +14,7 @@ namespace
 
 using Systems::SystemCall;
 
-/// A standard stream as the process got it: what is attached puts itself in its place.
+/// A standard stream as the process got it; attaching to a console would replace it.
 class OwnStream
 {
 public:
@@ -23,8 +23,8 @@ public:
     {
     }
 
-    /// A stream that goes to a file, a pipe or a device stays there. Of the devices a console alone has a mode, which
-    /// it tells those who are on it.
+    /// Whether the stream goes to a file, a pipe or a device, and so has to stay. Of the devices only a console has a
+    /// mode, and only the programs on it can read that.
     [[nodiscard]] bool IsRedirected() const
     {
         DWORD mode = 0;
@@ -37,15 +37,15 @@ private:
     DWORD m_type;
 };
 
-/// Has the console read what is written to it as UTF-8. The page that it had before, 0 if it stays.
+/// Makes the console read what is written to it as UTF-8. Returns the code page that it had before, 0 if it stays.
 UINT ChangeOutputPage()
 {
     const UINT previous = SystemCall<&::GetConsoleOutputCP>();
     return previous != CP_UTF8 && SystemCall<&::SetConsoleOutputCP>(CP_UTF8) != FALSE ? previous : 0;
 }
 
-/// Opens a stream of the C library anew, on the console. It writes to a console byte by byte unless it has a buffer,
-/// and a console takes the bytes of one letter only together. All writers flush what they have to say.
+/// Opens a stream of the C library again, on the console. Without a buffer the stream writes to a console byte by byte,
+/// but a console needs all bytes of a letter at once. Everything that writes to the stream flushes it.
 std::FILE* ReopenOnConsole(std::FILE* stream)
 {
     constexpr std::size_t bufferSize = 4096;
@@ -86,7 +86,7 @@ ParentConsole::~ParentConsole()
         std::fclose(stream);
     }
     if (m_previousPage != 0)
-        SystemCall<&::SetConsoleOutputCP>(m_previousPage); // the console is the parent's
+        SystemCall<&::SetConsoleOutputCP>(m_previousPage); // the console belongs to the parent
     SystemCall<&::FreeConsole>();
 }
 

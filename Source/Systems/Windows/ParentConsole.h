@@ -7,17 +7,17 @@
 namespace Orvik::System::Processes
 {
 
-/// Standard output and standard error on the console of the process that started this one, while it lives: Windows
+/// While it lives, standard output and standard error go to the console of the process that started this one: Windows
 /// gives none to a program with windows. A stream that goes elsewhere, to a file, a pipe or the null device, stays
 /// there.
 class ParentConsole
 {
 public:
-    /// Without `attach`, or where the parent has no console, the streams stay as they are.
+    /// Without `attach`, or if the parent has no console, the streams stay as they are.
     explicit ParentConsole(bool attach);
     ParentConsole(const ParentConsole&) = delete;
     ParentConsole& operator=(const ParentConsole&) = delete;
-    /// Writes out and closes what was opened here, and releases the console, whether or not one was taken.
+    /// Flushes and closes what was opened here, and releases the console, even if none was attached.
     ~ParentConsole();
 
 private:

@@ -20,10 +20,10 @@ using Systems::SystemCall;
 
 using Systems::WindowsHandle;
 
-/// Lists of processes beyond that length are cut off.
+/// Longer lists of processes are cut off.
 constexpr std::size_t s_maxProcessCount = 1024;
 
-/// A number beyond the range of ids would turn, cut, into that of another process.
+/// A number beyond the range of ids would be cut, and then mean another process.
 WindowsHandle Open(DWORD access, std::uint64_t id)
 {
     if (id > std::numeric_limits<DWORD>::max())
@@ -41,7 +41,7 @@ std::vector<HMODULE> ListModules(HANDLE process)
     DWORD needed = 0;
     if (SystemCall<&::K32EnumProcessModulesEx>(process, nullptr, 0, &needed, LIST_MODULES_ALL) == FALSE)
         return {};
-    // The process may load more of them meanwhile.
+    // The process may load more modules meanwhile.
     while (needed > modules.size() * sizeof(HMODULE))
     {
         modules.resize((needed + sizeof(HMODULE) - 1) / sizeof(HMODULE));
@@ -53,7 +53,7 @@ std::vector<HMODULE> ListModules(HANDLE process)
     return modules;
 }
 
-/// When the system made the process, in 100-nanosecond ticks; 0 if it doesn't tell.
+/// When the system started the process, in 100-nanosecond ticks; 0 if that can't be read.
 std::uint64_t ReadStartTime(HANDLE process)
 {
     FILETIME creation = {};
@@ -63,7 +63,7 @@ std::uint64_t ReadStartTime(HANDLE process)
     return std::uint64_t{creation.dwHighDateTime} << 32U | creation.dwLowDateTime;
 }
 
-/// The record of a process's owner, empty if the system doesn't tell.
+/// The record of a process's owner, empty if that can't be read.
 std::vector<std::byte> ReadOwner(HANDLE process)
 {
     HANDLE opened = nullptr;
@@ -87,7 +87,7 @@ bool AreSameOwner(const std::vector<std::byte>& first, const std::vector<std::by
                     reinterpret_cast<const TOKEN_USER*>(second.data())->User.Sid) != FALSE;
 }
 
-/// The desktop that a process is on: each user who is logged on has another.
+/// The session of a process: each user who is logged on has another.
 std::optional<DWORD> ReadSession(std::uint64_t id)
 {
     DWORD session = 0;
@@ -109,7 +109,7 @@ std::uint64_t GetCurrentProcessIdPlatform()
 {
     const DWORD id = GetCurrentProcessId();
     const WindowsHandle process = Open(PROCESS_QUERY_LIMITED_INFORMATION, id);
-    // A process that may not be looked at exists all the same.
+    // A process that we may not look at still exists.
     return process != nullptr || GetLastError() == ERROR_ACCESS_DENIED ? id : 0;
 }
 

@@ -5,8 +5,8 @@
 namespace Orvik::Systems
 {
 
-/// A function of the system as the units call it that have to see it fail in a test: `SystemCall<&::BitBlt>(...)`. A
-/// test puts a function of its own in its place, and so refuses calls, counts them, and stands for other machines.
+/// A system function that tests have to see fail, as the units call it: `SystemCall<&::BitBlt>(...)`. A test puts a
+/// function of its own in its place, and so refuses calls, counts them, or imitates other machines.
 template <auto Function>
 inline constinit decltype(Function) SystemCall = Function;
 

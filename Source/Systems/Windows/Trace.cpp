@@ -18,7 +18,7 @@ std::int64_t GetTicks(const FILETIME& time)
 std::filesystem::path GetTraceFilePlatform()
 {
     constexpr const wchar_t* name = L"ORVIK_TRACE";
-    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0); // with the zero that ends the text
+    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0); // includes the zero after the text
     if (size == 0)
         return {};
     std::wstring value(size, L'\0');

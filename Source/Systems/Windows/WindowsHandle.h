@@ -13,7 +13,7 @@ struct CloseWindowsHandle
 {
     void operator()(HANDLE handle) const noexcept
     {
-        // Whoever asks for the last error asks for the one before this.
+        // The caller may ask for the last error, which must be that of an earlier call.
         const DWORD error = GetLastError();
         CloseHandle(handle);
         SetLastError(error);

@@ -12,13 +12,13 @@
 namespace Orvik::Tests
 {
 
-/// Ends the wait for a server's answer: once the limit has passed the connection is cut, and what waits for an answer
-/// on it returns, with any result. The connection can only be closed then. Meanwhile no loss of a server ends the
-/// process.
+/// Ends the wait for a server's answer: after the limit the connection is cut, and calls that wait for an answer on it
+/// return, with any result. After that the connection can only be closed. Meanwhile the loss of a server doesn't end
+/// the process.
 class AnswerLimit
 {
 public:
-    /// For as long as the object lives.
+    /// The limit holds as long as the object lives.
     AnswerLimit(::Display* display, std::chrono::milliseconds limit);
     ~AnswerLimit();
     AnswerLimit(const AnswerLimit&) = delete;
@@ -34,7 +34,7 @@ private:
     std::condition_variable m_end;
     bool m_isOver = false;
     std::atomic<bool> m_hasPassed = false;
-    std::thread m_thread; // the last one: it uses the others
+    std::thread m_thread; // the last member: it uses the others
 };
 
 } // namespace Orvik::Tests

@@ -12,9 +12,9 @@ namespace Orvik::Tests
 /// What to start, and how.
 struct ChildOptions
 {
-    std::filesystem::path program; ///< with a slash, or looked for in the environment's `PATH` of the caller
+    std::filesystem::path program; ///< with a slash, or searched for in the `PATH` of the caller's environment
     std::vector<std::string> arguments;
-    std::vector<std::string> environment; ///< "NAME=value", all of it: nothing is inherited
+    std::vector<std::string> environment; ///< "NAME=value", the whole environment: nothing is inherited
     std::filesystem::path workingDirectory;
 };
 
@@ -23,13 +23,13 @@ struct ChildResult
 {
     bool isTimeout = false; ///< it had to be killed
     int signal = 0;         ///< the signal that ended it, 0 if it exited
-    int exitCode = -1;      ///< what the shell would see; -1 if a signal ended it
+    int exitCode = -1;      ///< the exit code in a shell; -1 if a signal ended it
     std::string standardOutput;
     std::string standardError;
 };
 
-/// A program run as a child. Its standard streams are collected, its standard input is empty, and a fault leaves no
-/// core file. It is killed when the object goes, or when this process does.
+/// A program that runs as a child. Its standard streams are collected, its standard input is empty, and a fault leaves
+/// no core file. It is killed at the end of the object, or of this process.
 class ChildProcess
 {
 public:
@@ -43,9 +43,9 @@ public:
 
     /// Waits until the child has ended; once the limit has passed it is killed. To be called once.
     [[nodiscard]] ChildResult Wait(std::chrono::milliseconds limit);
-    /// Waits at most so long; true if the child has ended.
+    /// Waits at most that long; true if the child has ended.
     [[nodiscard]] bool HasEndedWithin(std::chrono::milliseconds limit) const;
-    /// Waits until the condition holds, ten seconds and the child's life at the most. True if it came to hold.
+    /// Waits until the condition holds, at most ten seconds and as long as the child lives. True if it holds.
     [[nodiscard]] bool WaitUntil(const std::function<bool()>& condition) const;
     [[nodiscard]] bool IsRunning() const { return !HasEndedWithin(std::chrono::milliseconds(0)); }
 

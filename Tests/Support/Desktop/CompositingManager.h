@@ -7,8 +7,8 @@
 namespace Orvik::Tests
 {
 
-/// A compositing manager (xcompmgr) on an X server: it puts the screen together from the windows' own pictures. Up when
-/// the constructor returns; the screen follows what happens with a delay from then on.
+/// A compositing manager (xcompmgr) on an X server: it composes the screen from the windows' own pictures. It runs when
+/// the constructor returns; from then on the screen shows changes with a delay.
 class CompositingManager
 {
 public:

@@ -6,7 +6,7 @@
 namespace Orvik::Tests
 {
 
-/// The entries of a directory that is there, in the order of their names.
+/// The entries of an existing directory, in the order of their names.
 [[nodiscard]] std::vector<std::filesystem::path> ListFiles(const std::filesystem::path& directory);
 
 } // namespace Orvik::Tests

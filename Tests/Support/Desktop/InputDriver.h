@@ -11,42 +11,42 @@ namespace Orvik::Tests
 
 class XSession;
 
-/// Works the mouse and the keyboard of an X server through its XTEST extension. Positions are screen pixels. When an
-/// operation returns, the server has done it; what a program makes of it comes later.
+/// Operates the mouse and the keyboard of an X server through its XTEST extension. Positions are screen pixels. When an
+/// operation returns, the server has done it; a program reacts later.
 class InputDriver
 {
 public:
-    /// An empty name is that of the display that `DISPLAY` names.
+    /// An empty name means the display that `DISPLAY` names.
     explicit InputDriver(const std::string& displayName);
     ~InputDriver();
     InputDriver(const InputDriver&) = delete;
     InputDriver& operator=(const InputDriver&) = delete;
 
     void MoveTo(Position position);
-    /// Buttons as X counts them: 1 left, 2 middle, 3 right, 4 and 5 the wheel.
+    /// Buttons by X's numbers: 1 left, 2 middle, 3 right, 4 and 5 the wheel.
     void PressButton(unsigned button);
     void ReleaseButton(unsigned button);
     void Click(unsigned button);
 
-    /// Keys by their keysym's name, such as "space" or "Escape".
+    /// Keys by the name of their keysym, such as "space" or "Escape".
     void PressKey(const std::string& name);
     void ReleaseKey(const std::string& name);
     void TapKey(const std::string& name);
-    /// Keys by the server's key codes, whatever the layout makes of them.
+    /// Keys by the server's key codes, whatever the layout maps them to.
     void PressKey(unsigned code);
     void ReleaseKey(unsigned code);
     void TapKey(unsigned code);
-    /// How a held key repeats.
+    /// Sets how a held key repeats.
     void SetKeyRepeat(unsigned delayMilliseconds, unsigned intervalMilliseconds);
 
     [[nodiscard]] Position GetPointer() const;
 
-    /// Takes keyboard and pointer as another program would. False if one of them is already taken; neither is held
+    /// Grabs keyboard and pointer, as another program would. False if one of them is already grabbed; neither is held
     /// then.
     bool Grab();
     void Ungrab();
-    /// Whether keyboard and pointer are free. A server that doesn't answer within the limit, one that another program
-    /// holds for instance, counts as one where they aren't; the object is of no use any more then.
+    /// Whether keyboard and pointer are free. Also false if the server doesn't answer within the limit, for example
+    /// because another program holds it; the object can't be used any more then.
     [[nodiscard]] bool CanGrab(std::chrono::milliseconds limit = std::chrono::seconds(30));
 
 protected:

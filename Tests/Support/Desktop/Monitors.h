@@ -12,11 +12,11 @@ namespace Orvik::Tests
 
 class XSession;
 
-/// Divides the screen of an X server into monitors, through RandR 1.5, in place of the one that it has. `primary` is
-/// the index of the primary one. Throws `std::runtime_error` if the server has no RandR 1.5.
+/// Divides the screen of an X server into monitors, through RandR 1.5; they replace its own one. `primary` is the index
+/// of the primary one. Throws `std::runtime_error` if the server has no RandR 1.5.
 void SetMonitors(const std::string& displayName, const std::vector<Area>& monitors, std::size_t primary);
 
-/// A window of somebody else's that has the keyboard focus while it lives.
+/// A window of another program that has the keyboard focus while it lives.
 class FocusedWindow
 {
 public:

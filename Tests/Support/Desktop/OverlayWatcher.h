@@ -41,12 +41,12 @@ public:
     /// The overlay is told by its place among the root's own windows: one pixel above its monitor and one taller. On a
     /// nested compositor it is visible or missing.
     [[nodiscard]] State GetState() const;
-    /// False if the overlay doesn't come into that state in time.
+    /// False if the overlay doesn't reach that state in time.
     [[nodiscard]] bool WaitFor(State state, std::chrono::milliseconds limit = DefaultLimit) const;
-    /// The same for a window that is there, shown or not: it is hidden for a moment only.
+    /// The same for an existing window, shown or not: it may be hidden for a moment.
     [[nodiscard]] bool WaitForWindow(std::chrono::milliseconds limit = DefaultLimit) const;
     /// Waits for the frame whose crosshair is at `cursor`: the pixel column to its right and the row below it are
-    /// white. Lines that would lie outside the screen aren't looked for. False if it doesn't come in time.
+    /// white. Lines outside of the screen aren't tested. False if it doesn't come in time.
     [[nodiscard]] bool WaitForCrosshair(Position cursor, std::chrono::milliseconds limit = DefaultLimit) const;
 
     /// The place of the crosshair, if there is one and it leaves the last column and row out.
@@ -62,7 +62,7 @@ private:
     /// The X window, 0 if there is none.
     [[nodiscard]] unsigned long FindWindow(State& state) const;
     [[nodiscard]] bool HasCrosshair(Position cursor) const;
-    /// The part of the monitor that the screen has.
+    /// The part of the monitor that is on the screen.
     [[nodiscard]] Area GetVisiblePart() const;
 
     std::unique_ptr<XSession> m_session;

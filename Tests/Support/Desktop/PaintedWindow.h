@@ -10,8 +10,8 @@ namespace Orvik::Tests
 
 class XSession;
 
-/// A window of somebody else's that shows a picture while it lives, above those that were there before. No window
-/// manager moves it; its place may reach beyond the screen.
+/// A window of another program that shows a picture while it lives, above the earlier windows. No window manager moves
+/// it; it may reach beyond the screen.
 class PaintedWindow
 {
 public:
@@ -20,7 +20,7 @@ public:
     PaintedWindow(const PaintedWindow&) = delete;
     PaintedWindow& operator=(const PaintedWindow&) = delete;
 
-    /// Another picture of the same size.
+    /// Shows another picture of the same size.
     void Show(const Picture& picture);
 
 private:

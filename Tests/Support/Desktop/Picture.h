@@ -25,7 +25,7 @@ struct Area
     int height = 0;
 };
 
-/// An image as tests compare it: rows top-down, a pixel is 0xAARRGGBB.
+/// An image in the form that tests compare: rows top-down, a pixel is 0xAARRGGBB.
 struct Picture
 {
     int width = 0;
@@ -34,12 +34,12 @@ struct Picture
 
     [[nodiscard]] bool operator==(const Picture&) const = default;
     [[nodiscard]] std::uint32_t At(int x, int y) const;
-    /// The area has to lie inside the picture.
+    /// The area must be inside of the picture.
     [[nodiscard]] Picture Crop(const Area& area) const;
 };
 
-/// A picture in which every region differs from its neighbours and no channel is above 100, so that the overlay's
-/// white lines stand out from it even where they fade. `seed` gives another picture.
+/// A picture in which every region differs from its neighbours and no channel is above 100, so that the overlay's white
+/// lines are visible even where they fade. Each `seed` gives another picture.
 [[nodiscard]] Picture MakeTestPicture(int width, int height, int seed = 0);
 
 /// Both throw `std::runtime_error` if the file isn't a PNG file or can't be written.

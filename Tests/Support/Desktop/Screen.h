@@ -10,8 +10,8 @@ namespace Orvik::Tests
 
 class XSession;
 
-/// What an X server shows, as a person sees it, and the picture on its root window. On a screen of another depth than
-/// 24 bits every colour is the nearest that the screen has.
+/// What an X server shows to a person, and the picture on its root window. If the screen doesn't have 24 bits, every
+/// colour is the nearest that it has.
 class Screen
 {
 public:
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] int GetWidth() const;
     [[nodiscard]] int GetHeight() const;
 
-    /// The pixels that are on the screen now, windows included. The area has to lie on the screen.
+    /// The pixels that are on the screen now, windows included. The area must be on the screen.
     [[nodiscard]] Picture Capture(const Area& area) const;
     [[nodiscard]] Picture CaptureAll() const { return Capture({0, 0, GetWidth(), GetHeight()}); }
 

@@ -19,8 +19,8 @@ struct ImageDeleter
 
 using ImagePointer = std::unique_ptr<XImage, ImageDeleter>;
 
-/// How a screen keeps its pixels: the way from 8 bits for each channel, 0xAARRGGBB, to what the screen has and back,
-/// each to the nearest level. Throws `std::runtime_error` for a screen with a colour table.
+/// How a screen stores its pixels: converts 8 bits for each channel, 0xAARRGGBB, to the screen's format and back, to
+/// the nearest level. Throws `std::runtime_error` for a screen with a colour table.
 class ScreenFormat
 {
 public:

@@ -7,7 +7,7 @@
 namespace Orvik::Tests
 {
 
-/// A window manager (openbox) on an X server, up when the constructor returns.
+/// A window manager (openbox) on an X server. It runs when the constructor returns.
 class WindowManager
 {
 public:

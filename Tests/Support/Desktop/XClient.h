@@ -1,6 +1,6 @@
 #pragma once
 
-// Needs the headers of X11; for tests of the X11 desktop alone.
+// Needs the headers of X11; only for tests of the X11 desktop.
 
 #include "Desktops/X11/X11Headers.h"
 #include "Tests/Support/Desktop/InputDriver.h"
@@ -24,7 +24,7 @@ struct Place
 };
 
 /// Another client of the server that `DISPLAY` names: the person at the desktop, other programs, the window manager.
-/// What it makes goes with it, monitors included. When an operation returns, the server has done it.
+/// What it makes ends with it, monitors included. When an operation returns, the server has done it.
 class XClient : public InputDriver
 {
 public:
@@ -40,45 +40,46 @@ public:
     [[nodiscard]] bool GrabKeyboard();
     [[nodiscard]] bool GrabPointer();
 
-    /// The pixels of the whole screen, or of a part of it, four bytes each, without the byte that means nothing.
+    /// The pixels of the whole screen, or of a part of it, four bytes each; the byte without meaning is 0.
     [[nodiscard]] std::vector<std::uint32_t> ReadScreen();
     [[nodiscard]] std::vector<std::uint32_t> ReadScreen(const Place& place);
 
-    /// The windows on the screen from the lowest to the highest, those that aren't mapped included.
+    /// The windows on the screen from the lowest to the highest, unmapped ones included.
     [[nodiscard]] std::vector<::Window> GetTopWindows();
-    /// A property as 32-bit items; empty if the window hasn't got it.
+    /// A property as 32-bit items; empty if the window doesn't have it.
     [[nodiscard]] std::vector<unsigned long> GetItems(::Window window, const char* name);
     [[nodiscard]] std::string GetText(::Window window, const char* name) { return GetProperty(window, name, 1); }
     [[nodiscard]] Atom GetAtom(const char* name) const { return XInternAtom(m_display, name, False); }
 
-    /// A window of one colour, shown. A window manager that runs may move it.
+    /// A visible window of one colour. A running window manager may move it.
     ::Window AddWindow(const Place& place, unsigned long pixel = 0, ::Window parent = None, unsigned int border = 0);
-    /// The same, above all others, and no window manager touches it.
+    /// The same, above all others, and no window manager changes it.
     ::Window AddUnmanagedWindow(const Place& place, unsigned long pixel);
     void HideWindow(::Window window) const;
     void DestroyWindow(::Window window) const;
     void SendClientMessage(::Window target, ::Window window, const char* type, long first, long mask);
 
-    /// What a window manager says of the window that the user works in.
+    /// Sets the property in which a window manager names the window that the user works in.
     void SetActiveWindow(::Window window) const;
     void ClearActiveWindow() const;
     void SetFocus(::Window window) const;
 
-    /// Fills a part of a window, or of the root, with a colour of 8 bits to the channel, as near as the screen has it.
+    /// Fills a part of a window, or of the root, with a colour of 8 bits per channel, or the nearest that the screen
+    /// has.
     void Fill(::Window window, const Place& place, std::uint32_t color) const;
     /// The screen's value for a colour, red << 16 | green << 8 | blue.
     [[nodiscard]] unsigned long GetPixel(std::uint32_t color) const;
 
     /// The server's one output.
     [[nodiscard]] RROutput GetOutput() const;
-    /// Adds a monitor. One with the server's output takes the place of the monitor that the server makes by itself.
+    /// Adds a monitor. One with the server's output replaces the monitor that the server makes by itself.
     void AddMonitor(const char* name, const Place& place, bool isPrimary, RROutput output = None);
     /// Gives the output a new mode of the screen's size with that timing.
     void SetTiming(const char* name, unsigned long dotClock, unsigned int hTotal, unsigned int vTotal,
                    unsigned long flags = 0);
-    /// Gives the screen another size, with its output switched off, for no mode of it fits.
+    /// Gives the screen another size, with its output switched off, because none of its modes fits.
     void ShrinkScreen(int width, int height);
-    /// The first size again, and the output's mode of that size.
+    /// Restores the first size, and the output's mode of that size.
     void RestoreScreen();
 
 private:

@@ -14,10 +14,10 @@ class LinePainter
 public:
     explicit LinePainter(Look& look);
 
-    /// One pixel outside the selection; at the left edge of the screen, inside it.
+    /// One pixel outside of the selection; at the left edge of the screen, inside of it.
     void PaintOutline(const Area& selection);
-    /// Beside the cursor, so that its own pixel stays free. The lines fade from left to right and from the bottom to
-    /// the top.
+    /// Beside the cursor, so that the cursor's own pixel stays free. The lines fade from left to right and from the
+    /// bottom to the top.
     void PaintCrosshair(Position cursor);
     /// Through the magnifier's middle.
     void PaintCross(const Area& magnifier);

@@ -9,7 +9,7 @@
 namespace Orvik::Tests
 {
 
-/// What somebody has done with the overlay. Positions are screen pixels.
+/// What the user has done with the overlay. Positions are screen pixels.
 struct OverlayState
 {
     Position cursor;
@@ -18,26 +18,26 @@ struct OverlayState
     std::string message;            ///< none if empty
 };
 
-/// How the overlay has to look on a display that begins at 0, 0, painted by the rules alone.
+/// How the overlay should look on a display that begins at 0, 0, painted only by the rules.
 class OverlayModel
 {
 public:
-    /// `picture` is what is being snipped; it stays the caller's. Throws `std::runtime_error` for one whose edges would
-    /// be shown within screen pixels, or whose last block isn't whole.
+    /// `picture` is the picture that is snipped; the caller owns it. Throws `std::runtime_error` for one whose edges
+    /// would be shown inside of screen pixels, or whose last block isn't whole.
     OverlayModel(int width, int height, const Picture& picture);
 
     [[nodiscard]] Look MakeLook(const OverlayState& state) const;
 
     /// The side of the magnifier.
     [[nodiscard]] int GetSide() const { return m_side; }
-    /// What is left free between the cursor and the magnifier.
+    /// The space between the cursor and the magnifier.
     [[nodiscard]] int GetMargin() const { return m_margin; }
     [[nodiscard]] int GetZoomLimit() const { return m_side / m_shrink; }
     /// The picture on the screen.
     [[nodiscard]] const Area& GetPictureArea() const { return m_area; }
-    /// The magnifier and what stands on it and close by, cut at the screen's edge.
+    /// The magnifier, and what is on it and close to it, cut at the screen's edge.
     [[nodiscard]] Area GetMagnifierArea(Position cursor) const;
-    /// Where a message stands, from one side of the screen to the other.
+    /// Where a message is, from one side of the screen to the other.
     [[nodiscard]] Area GetMessageArea() const;
 
 private:
@@ -57,7 +57,7 @@ private:
     int m_side = 32;
     int m_margin = 16;
     TextModel m_text;
-    Look m_background; ///< the picture alone
+    Look m_background; ///< only the picture
 };
 
 } // namespace Orvik::Tests

@@ -10,17 +10,17 @@
 namespace Orvik::Tests
 {
 
-/// The overlay's font at its full size, 96 pixels, straight from FreeType, and strings written with it.
+/// The overlay's font at its full size, 96 pixels, directly from FreeType, and strings written with it.
 class TextModel
 {
 public:
     /// Throws `std::runtime_error` if there is no such font. The path is relative to the repository.
     explicit TextModel(const std::string& fontFile = "Resources/UI/Textures/Mulish-Regular.ttf");
 
-    /// How far the pen goes on the last line, in pixels of the full size.
+    /// How far the pen moves on the last line, in pixels of the full size.
     [[nodiscard]] int GetWidth(const std::string& text) const;
 
-    /// Writes white text over what is there. The first line begins at `x` and stands on `baseline`, screen pixels, y
+    /// Writes white text over the screen. The first line begins at `x` and is on `baseline`, in screen pixels, y
     /// downward; `scale` is its part of the full size. Every pixel gets the average of the glyph over its square.
     void Draw(Look& look, const std::string& text, double x, double baseline, double scale) const;
 
@@ -34,7 +34,7 @@ private:
         int advance = 0;
         std::vector<std::uint8_t> coverage;
 
-        /// The average over a part of its bitmap; all around it there is nothing.
+        /// The average over a part of its bitmap; outside of the bitmap it is 0.
         [[nodiscard]] double GetAverage(double fromX, double fromY, double toX, double toY) const;
     };
 

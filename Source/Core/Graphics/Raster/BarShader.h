@@ -10,10 +10,10 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// Whether a dashed line has a gap at a distance from its beginning. Nothing is painted there, and nothing hidden.
+/// Whether a dashed line has a gap at a distance from its beginning. A gap isn't painted and hides nothing.
 [[nodiscard]] bool IsGap(const LineLook& look, float distance);
 
-/// The alpha of a line where it has an opacity, from 0 to 1; what lies beyond is cut.
+/// The alpha of a line for an opacity from 0 to 1; values beyond are cut.
 [[nodiscard]] inline std::uint32_t GetLineAlpha(const LineLook& look, float opacity)
 {
     return ToByte(look.colour.w * (opacity > 0.0F ? std::min(opacity, 1.0F) : 0.0F));
@@ -32,7 +32,7 @@ public:
     /// Writes the colours from the column `left` on in the row `y`, gaps included.
     void ShadeRow(std::int32_t y, std::int32_t left, std::span<PackedColour> target) const
     {
-        // Each of a thin upright bar's many rows is a pixel or two.
+        // Each row of a thin upright bar has only a pixel or two, and there are many rows.
         std::int32_t x = left;
         for (PackedColour& colour : target)
             colour = m_colour | GetLineAlpha(m_bar.look, m_bar.opacity.At(x++, y)) << s_alphaShift;

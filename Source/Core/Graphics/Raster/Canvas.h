@@ -11,8 +11,8 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// A part of a surface while it is being painted by four samples to the pixel, each with a colour and a depth: for what
-/// has slanted edges, and all that shares pixels with it. The samples come together in `Finish`.
+/// A part of a surface while it is painted with four samples per pixel, each with a colour and a depth: for slanted
+/// edges, and everything that shares pixels with them. `Finish` joins the samples.
 class Canvas
 {
 public:
@@ -25,21 +25,21 @@ public:
         std::vector<Depth> depths;
     };
 
-    /// `area` lies within the surface. Nothing is nearer than the farthest depth at first, and there is no colour.
-    /// Canvases are meant to be reused.
+    /// `area` must be within the surface. At first all samples have the farthest depth and no colour. Canvases are
+    /// meant to be reused.
     void Begin(const PixelArea& area);
 
     [[nodiscard]] const PixelArea& GetArea() const { return m_area; }
     [[nodiscard]] Plane& GetPlane(std::size_t sample) { return m_planes[sample]; }
 
-    /// Where a pixel of the surface stands in a plane.
+    /// The index of the surface's pixel in a plane.
     [[nodiscard]] std::size_t GetIndex(std::int32_t x, std::int32_t y) const
     {
         return static_cast<std::size_t>(y - m_area.top) * static_cast<std::size_t>(m_area.GetWidth()) +
                static_cast<std::size_t>(x - m_area.left);
     }
 
-    /// Lays a colour over a sample where nothing is nearer or as near.
+    /// Blends a colour over a sample unless something is nearer or as near.
     static void Put(Plane& plane, std::size_t index, PackedColour colour, Depth depth)
     {
         if (depth >= plane.depths[index])
@@ -48,10 +48,10 @@ public:
         plane.colours[index] = Blend(colour, plane.colours[index]);
     }
 
-    /// Lays colours over all samples of a pixel and those to the right of it, whatever is near.
+    /// Blends colours over all samples of a pixel and of those to the right of it, at any depth.
     void BlendRow(std::int32_t left, std::int32_t y, std::span<const PackedColour> colours);
 
-    /// Writes the samples' averages into the surface.
+    /// Writes the averages of the samples to the surface.
     void Finish(const SurfaceMemory& surface) const;
 
 private:

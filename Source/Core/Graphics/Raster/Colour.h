@@ -15,10 +15,10 @@ inline constexpr unsigned s_greenShift = 8;
 inline constexpr unsigned s_alphaShift = 24;
 inline constexpr std::uint32_t s_channelMask = 0xFF;
 
-/// A channel from 0 to 1 as a byte, halves rounded to the even one; what lies beyond is cut.
+/// A channel from 0 to 1 as a byte, halves rounded to the even number; values beyond are cut.
 [[nodiscard]] constexpr std::uint32_t ToByte(float channel) noexcept
 {
-    // With this added no digits are left after the point: the sum's lowest bits are the rounded number.
+    // Adding this leaves no digits after the point: the lowest bits of the sum are the rounded number.
     constexpr float shift = 0x1.8p23F;
     // Not a number gives 0.
     const float scaled = channel > 0.0F ? std::min(channel, 1.0F) * 255.0F : 0.0F;
@@ -35,7 +35,7 @@ inline constexpr std::uint32_t s_channelMask = 0xFF;
     return colour >> s_alphaShift;
 }
 
-/// `above` laid over `below` with the opacity of its alpha, all four channels alike, as OpenGL blends with
+/// `above` blended over `below` with the opacity of its alpha, all four channels in the same way, as OpenGL does with
 /// GL_SRC_ALPHA and GL_ONE_MINUS_SRC_ALPHA.
 [[nodiscard]] constexpr PackedColour Blend(PackedColour above, PackedColour below) noexcept
 {
@@ -47,7 +47,7 @@ inline constexpr std::uint32_t s_channelMask = 0xFF;
     const auto mix = [alpha](std::uint32_t first, std::uint32_t second)
     {
         const std::uint32_t sum = (first & pair) * alpha + (second & pair) * (s_channelMask - alpha) + half;
-        // Divided by 255: this is exact below 65,535.
+        // Divides by 255; exact below 65,535.
         return (sum + one + (sum >> 8 & pair)) >> 8 & pair;
     };
     return mix(above, below) | mix(above >> 8, below >> 8) << 8;

@@ -16,7 +16,7 @@ std::array<std::uint8_t, 256> MakeTable(float factor)
     std::array<std::uint8_t, 256> table = {};
     for (std::size_t value = 0; value < table.size(); ++value)
     {
-        // A half goes up.
+        // A half is rounded up.
         const float scaled = std::floor(static_cast<float>(value) * factor + 0.5F);
         table[value] = static_cast<std::uint8_t>(scaled > 0.0F ? std::min(scaled, 255.0F) : 0.0F);
     }
@@ -62,7 +62,7 @@ PackedColour ColourScale::Apply(PackedColour colour) const
 
 void ColourScale::Apply(const PackedColour* source, PackedColour* target, std::size_t count) const
 {
-    // Below that, to get going takes longer than the tables.
+    // For fewer pixels, preparing the tables takes longer than they save.
     constexpr std::size_t fewPixels = 16;
     if (m_factor != 0 && count >= fewPixels)
     {
@@ -73,7 +73,7 @@ void ColourScale::Apply(const PackedColour* source, PackedColour* target, std::s
         target[index] = Apply(source[index]);
 }
 
-// Byte by byte, in 16 bits: the compiler makes vector instructions of it.
+// Byte by byte, in 16 bits: the compiler makes vector instructions of this.
 void ColourScale::ApplyEvenly(const PackedColour* source, PackedColour* target, std::size_t count) const
 {
     const auto* const from = reinterpret_cast<const std::uint8_t*>(source);

@@ -25,7 +25,7 @@ public:
 private:
     using Table = std::array<std::uint8_t, 256>;
 
-    /// Whether the factor gives for a grey what its tables say.
+    /// Whether the factor gives the same results as the tables.
     [[nodiscard]] bool IsEven() const;
     void ApplyEvenly(const PackedColour* source, PackedColour* target, std::size_t count) const;
 

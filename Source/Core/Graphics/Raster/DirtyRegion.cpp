@@ -7,9 +7,9 @@ namespace Orvik::Graphics::Raster
 namespace
 {
 
-/// What an area of its own costs, in pixels that could be painted in the time.
+/// The cost of a separate area, as the number of pixels that could be painted in the same time.
 constexpr std::int64_t s_areaCost = 2048;
-/// Beyond this many areas, keeping them apart costs more than painting what lies between them.
+/// With more areas than this, keeping them apart costs more than painting what is between them.
 constexpr std::size_t s_maxAreas = 128;
 
 /// Whether two areas are painted faster as one.
@@ -32,7 +32,7 @@ void DirtyRegion::Add(const PixelArea& area)
             ++index;
             continue;
         }
-        // The united area may now be near one that it was far from before.
+        // The united area may now be near an area that was far from it before.
         grown = Unite(grown, m_areas[index]);
         m_areas[index] = m_areas.back();
         m_areas.pop_back();

@@ -7,12 +7,12 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// The part of a surface that has to be painted anew, as a few areas. They may have pixels in common: painting a pixel
-/// twice does no harm, and keeping them apart would cost more.
+/// The part of a surface that has to be painted again, as a few areas. They may overlap: painting a pixel twice does no
+/// harm, and keeping them apart would cost more.
 class DirtyRegion
 {
 public:
-    /// Adds an area's pixels. Areas that are cheaper painted as one become one.
+    /// Adds an area's pixels. Areas that are cheaper to paint as one are united.
     void Add(const PixelArea& area);
 
     [[nodiscard]] const std::vector<PixelArea>& GetAreas() const { return m_areas; }

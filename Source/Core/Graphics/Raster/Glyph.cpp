@@ -8,7 +8,7 @@ namespace Orvik::Graphics::Raster
 namespace
 {
 
-/// What a wholly covered pixel of a bitmap has.
+/// The value of a completely covered pixel of a bitmap.
 constexpr float s_full = 255.0F;
 
 } // namespace
@@ -43,7 +43,8 @@ void Glyph::SumColumns(float top, float bottom, std::span<float> sums) const
     const std::size_t stride = std::size_t{m_width} + 1;
     const auto sum = [stride](const Row& row, std::size_t column)
     {
-        // Signed numbers become vectors of floating-point ones with fewer instructions; a glyph's sums are far smaller.
+        // Signed numbers become vectors of floating-point numbers with fewer instructions; a glyph's sums are far
+        // smaller.
         const auto above = static_cast<float>(static_cast<std::int32_t>(row.upper[column]));
         const auto below = static_cast<float>(static_cast<std::int32_t>(row.upper[column + stride]));
         return above + (below - above) * row.share;
@@ -60,7 +61,7 @@ Glyph::Row Glyph::FindRow(float y) const
     return {&m_sums[whole * (std::size_t{m_width} + 1)], inside - static_cast<float>(whole)};
 }
 
-// Within a bitmap pixel the sums change evenly in both directions.
+// Within a bitmap pixel the sums change linearly in both directions.
 float Glyph::SumTo(float x, float y) const
 {
     const Row row = FindRow(y);

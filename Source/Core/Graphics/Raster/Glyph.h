@@ -7,7 +7,7 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// A character's coverage, ready to be averaged over any rectangle in the same time.
+/// A character's coverage, prepared so that the average over any rectangle takes the same time.
 class Glyph
 {
 public:
@@ -19,12 +19,12 @@ public:
     [[nodiscard]] std::uint32_t GetRows() const { return m_rows; }
     [[nodiscard]] bool IsEmpty() const { return m_width == 0 || m_rows == 0; }
 
-    /// The sum of the coverage, from 0 to 1 for each bitmap pixel, between two places in the bitmap; a pixel that
-    /// is partly inside counts in part. There is nothing around the bitmap.
+    /// The sum of the coverage between two places in the bitmap, from 0 to 1 for each bitmap pixel; a pixel that is
+    /// partly inside counts in part. Outside of the bitmap the coverage is 0.
     [[nodiscard]] float SumCoverage(float left, float top, float right, float bottom) const;
 
-    /// The same for everything left of each column between two rows: `sums` begins with 0 and has one more than the
-    /// bitmap has columns. Not of an empty bitmap.
+    /// The same for everything left of each column between two rows: `sums` begins with 0 and has one element more than
+    /// the bitmap has columns. Not for an empty bitmap.
     void SumColumns(float top, float bottom, std::span<float> sums) const;
 
 private:
@@ -41,7 +41,7 @@ private:
 
     std::uint32_t m_width = 0;
     std::uint32_t m_rows = 0;
-    /// The sums above and left of the corners of the bitmap's pixels: one more column and row than the bitmap has.
+    /// The sums above and left of the corners of the bitmap's pixels: one column and row more than the bitmap has.
     std::vector<std::uint32_t> m_sums;
 };
 

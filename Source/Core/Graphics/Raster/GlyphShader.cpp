@@ -9,7 +9,7 @@ namespace Orvik::Graphics::Raster
 namespace
 {
 
-/// Texels in each direction that a pixel looks at. Text that is shrunk further can't be read anyway.
+/// The most texels that a pixel reads in each direction. Text that is shrunk further can't be read anyway.
 constexpr float s_maxExtent = 16.0F;
 
 /// How much of the bitmap a pixel covers in one direction.
@@ -54,7 +54,7 @@ void GlyphShader::ShadeRow(std::int32_t y, PackedColour* target)
         ShadeUpright(m_place.row.At(m_left, y) - m_height * 0.5F, target);
 }
 
-// The sums of the row are made once for all columns of the bitmap.
+// The sums of the row are computed once for all columns of the bitmap.
 void GlyphShader::ShadeUpright(float top, PackedColour* target)
 {
     m_place.glyph->SumColumns(top, top + m_height, m_sums);

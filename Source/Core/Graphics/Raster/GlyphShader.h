@@ -10,11 +10,11 @@ namespace Orvik::Graphics::Raster
 {
 
 /// Gives the colours of a glyph, whose alpha is how much of a pixel it covers: the exact average over the part of the
-/// glyph's bitmap that lies under the pixel.
+/// glyph's bitmap under the pixel.
 class GlyphShader
 {
 public:
-    /// For the columns from `left` to before `right`. The place and its glyph have to stay while the shader is used.
+    /// For the columns from `left` to before `right`. The place and its glyph must live as long as the shader.
     GlyphShader(const GlyphPlace& place, const System::Math::Vector4& colour, std::int32_t left, std::int32_t right);
 
     /// Writes the colours of those columns in a row of the surface.

@@ -18,8 +18,7 @@ PackedColour ReadPixel(const std::uint8_t* bytes)
            std::uint32_t{bytes[1]} << s_greenShift | bytes[0];
 }
 
-/// Where a reduced pixel's centre lies in the larger picture: the two pixels that it lies between, and how near it is
-/// to the second.
+/// Where a reduced pixel's centre is in the larger picture: the two pixels around it, and how near it is to the second.
 struct Neighbours
 {
     std::size_t first = 0;
@@ -27,16 +26,16 @@ struct Neighbours
     std::uint32_t share = 0; ///< of the second, in 256ths
 };
 
-/// `index` is a pixel's of a picture that has `size` pixels, whole and partial, in place of `largerSize`.
+/// `index` is a pixel of a picture that has `size` pixels, whole and partial, instead of `largerSize`.
 Neighbours FindNeighbours(std::int32_t index, float size, std::int32_t largerSize)
 {
     const float larger = static_cast<float>(largerSize);
-    // The last, partial pixel is filled by what there is.
+    // The last, partial pixel shows only what exists.
     const float centre = std::min(static_cast<float>(index) + 0.5F, size - 0.5F);
     const float position = std::max(centre, 0.0F) * larger / size - 0.5F;
     const float whole = std::floor(position);
     const auto first = static_cast<std::int32_t>(whole);
-    // As OpenGL repeats a picture beyond its edge.
+    // Repeats the picture beyond its edge, like OpenGL.
     const auto wrap = [largerSize](std::int32_t value)
     { return static_cast<std::size_t>((value % largerSize + largerSize) % largerSize); };
     return {wrap(first), wrap(first + 1), static_cast<std::uint32_t>(std::lrint((position - whole) * 256.0F))};
@@ -69,7 +68,7 @@ PackedColour MixFour(const PackedColour* upper, const PackedColour* lower, const
     return mixed;
 }
 
-/// A picture of `columns` by `rows` pixels from a larger one that is spread evenly over `width` by `height`.
+/// Reduces a larger picture, spread evenly over `width` by `height`, to `columns` by `rows` pixels.
 std::shared_ptr<Image::Level> Reduce(const Image::Level& larger, std::int32_t columns, std::int32_t rows, float width,
                                      float height)
 {
@@ -160,7 +159,7 @@ std::shared_ptr<const Image::Level> Image::GetSized(std::int32_t columns, std::i
         m_sized.level->width == columns && m_sized.level->height == rows)
         return m_sized.level;
 
-    // Filtered as OpenGL does it with GL_LINEAR_MIPMAP_LINEAR: from the two levels that the reduction lies between.
+    // Filtered like OpenGL's GL_LINEAR_MIPMAP_LINEAR: from the two levels nearest to the reduction.
     const float level = std::log2(reduction);
     const auto number = static_cast<std::size_t>(level);
     const auto share = static_cast<std::uint32_t>(std::lrint((level - std::floor(level)) * 256.0F));

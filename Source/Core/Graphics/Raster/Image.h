@@ -10,8 +10,8 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// An opaque picture and its reduced sizes. Whatever asks for a size holds it as long as it needs it: another size may
-/// be asked for meanwhile.
+/// An opaque picture and its reduced sizes. The caller of a size holds it as long as it needs it: another size may be
+/// requested meanwhile.
 class Image
 {
 public:
@@ -28,31 +28,31 @@ public:
         }
     };
 
-    /// Replaces size and pixels: `height` rows from the top, tightly packed, in the order blue, green, red and, with 4
-    /// bytes to the pixel, one that is ignored. Copies them.
+    /// Replaces size and pixels: `height` rows from the top, without padding, in the order blue, green, red and, with 4
+    /// bytes per pixel, one that is ignored. Copies them.
     void Set(std::int32_t width, std::int32_t height, std::size_t bytesPerPixel, const void* pixels);
 
-    /// The same for 4 bytes to the pixel, without a copy: the pixels have to stay as they are until the next `Set`,
-    /// `Borrow` or the end of the image.
+    /// The same for 4 bytes per pixel, without a copy: the pixels must not change until the next `Set` or `Borrow` or
+    /// the end of the image.
     void Borrow(std::int32_t width, std::int32_t height, const void* pixels);
 
-    /// Counts the replacements, so that a changed picture is known from an unchanged one.
+    /// Counts the replacements, so that a changed picture can be recognised.
     [[nodiscard]] std::uint32_t GetVersion() const { return m_version; }
     [[nodiscard]] std::int32_t GetWidth() const { return m_levels.empty() ? 0 : m_levels.front()->width; }
     [[nodiscard]] std::int32_t GetHeight() const { return m_levels.empty() ? 0 : m_levels.front()->height; }
 
-    /// The picture reduced to half its sides `number` times, made when it is first asked for. The last one is a single
-    /// pixel; higher numbers give that. Not without a picture.
+    /// The picture with its sides halved `number` times, made at the first call. The last one is a single pixel; higher
+    /// numbers return that. There must be a picture.
     [[nodiscard]] std::shared_ptr<const Level> GetLevel(std::size_t number);
 
     /// The picture as it is shown evenly on `width` by `height` pixels, of which `columns` and `rows` are whole ones or
-    /// the last partial one: filtered to just that many pixels where it is reduced, and level 0 where it isn't. Not
-    /// without a picture, and for at least a pixel.
+    /// the last partial one: filtered to exactly that many pixels if it is reduced, else level 0. There must be a
+    /// picture, and at least one pixel.
     [[nodiscard]] std::shared_ptr<const Level> GetSized(std::int32_t columns, std::int32_t rows, float width,
                                                         float height);
 
     /// The pixel at a place from 0 to 1 in both directions, from the left and from the top; beyond, the nearest one.
-    /// Not without a picture.
+    /// There must be a picture.
     [[nodiscard]] PackedColour Sample(float x, float y) const;
 
 private:
@@ -63,7 +63,7 @@ private:
         std::shared_ptr<const Level> level;
     };
 
-    /// Takes all levels out and gives one to fill, with the memory of the first if nothing else holds it.
+    /// Removes all levels and returns one to fill, with the memory of the first if nothing else holds it.
     [[nodiscard]] std::shared_ptr<Level> Restart();
 
     std::vector<std::shared_ptr<Level>> m_levels; ///< level 0 alone at first

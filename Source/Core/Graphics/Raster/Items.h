@@ -15,11 +15,11 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// How far from the viewer, 24 bits as a depth buffer has them. A pixel is painted if it is nearer than what is there.
+/// The distance from the viewer, in the 24 bits of a depth buffer. A pixel is painted if it is nearer than the old one.
 using Depth = std::uint32_t;
 inline constexpr Depth s_farthest = 0xFFFFFF;
 
-/// What varies along a line: opacity, and whether a dash or a gap is reached.
+/// What changes along a line: the opacity, and whether there is a dash or a gap.
 struct LineLook
 {
     System::Math::Vector4 colour;
@@ -29,8 +29,8 @@ struct LineLook
     bool operator==(const LineLook&) const = default;
 };
 
-/// A value that changes evenly over the surface: `atOrigin` plus `perColumn` and `perRow` for each pixel, taken at the
-/// pixels' centres.
+/// A value that changes linearly over the surface: `atOrigin` plus `perColumn` and `perRow` for each pixel, taken at
+/// the centres of the pixels.
 struct Slope
 {
     float atOrigin = 0.0F;
@@ -58,8 +58,8 @@ struct BarItem
     bool operator==(const BarItem&) const = default;
 };
 
-/// An upright picture on whole pixels. Its columns and rows lie evenly over a width and height that may end within a
-/// pixel.
+/// An upright picture on whole pixels. Its columns and rows are spread evenly over a width and height that may end
+/// within a pixel.
 struct PictureItem
 {
     PixelArea area;
@@ -73,7 +73,7 @@ struct PictureItem
     bool operator==(const PictureItem&) const = default;
 };
 
-/// A triangle of any kind, painted by four samples to the pixel.
+/// Any triangle, painted with four samples per pixel.
 struct TriangleItem
 {
     struct Corner
@@ -103,7 +103,7 @@ struct TriangleItem
     bool operator==(const TriangleItem&) const = default;
 };
 
-/// A glyph somewhere on the surface. `column` and `row` give the place in its bitmap for each pixel of the surface.
+/// A glyph on the surface. `column` and `row` give the place in its bitmap for each pixel of the surface.
 struct GlyphPlace
 {
     const Glyph* glyph = nullptr;
@@ -114,7 +114,7 @@ struct GlyphPlace
     bool operator==(const GlyphPlace&) const = default;
 };
 
-/// A string, over everything that has a depth.
+/// A string, painted over everything that has a depth.
 struct TextItem
 {
     PixelArea area;
@@ -131,7 +131,7 @@ using Item = std::variant<BarItem, PictureItem, TriangleItem, TextItem>;
     return std::visit([](const auto& kind) -> const PixelArea& { return kind.area; }, item);
 }
 
-/// The depth of what has a single one; beyond the farthest for what has none or many.
+/// The depth of an item that has only one; farther than the farthest for items with none or several.
 [[nodiscard]] inline Depth GetDepth(const Item& item)
 {
     if (const auto* const bar = std::get_if<BarItem>(&item))

@@ -51,7 +51,7 @@ public:
     }
 
 private:
-    /// Finds where nothing is nearer or as near, but for bars with gaps.
+    /// Finds where nothing is nearer or as near. Ignores bars with gaps.
     void FindVisible(const Prepared& prepared, PreparedItems earlier)
     {
         const Depth depth = GetDepth(*prepared.item);
@@ -108,7 +108,7 @@ private:
         }
     }
 
-    /// Makes nothing of what lies in a gap of the bar, and of what an earlier one with gaps hides.
+    /// Clears what is in a gap of the bar, and what an earlier bar with gaps hides.
     void CutGaps(const BarShader& bar, std::int32_t y, std::int32_t left, std::span<PackedColour> row) const
     {
         std::int32_t x = left;
@@ -145,7 +145,7 @@ private:
         return {m_row.data(), width};
     }
 
-    /// Lays a row over what the surface has.
+    /// Blends a row over what the surface has.
     void Blend(std::span<const PackedColour> row, std::int32_t left, std::int32_t y) const
     {
         PackedColour* target = m_surface.GetPixel(left, y);
@@ -163,8 +163,8 @@ private:
     std::vector<PackedColour> m_row;
 };
 
-/// Whether one of the opaque pictures that come first hides all that was in an area before: what else is painted there
-/// needs no empty ground then.
+/// Whether one of the opaque pictures that come first hides everything that was in an area before. If so, the area
+/// needn't be cleared first.
 bool HasGround(PreparedItems items, const PixelArea& area)
 {
     for (const Prepared* const prepared : items)

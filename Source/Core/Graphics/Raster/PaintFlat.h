@@ -12,8 +12,8 @@ namespace Orvik::Graphics::Raster
 /// Whether `PaintFlat` can paint these items: nothing slanted, and pictures before bars.
 [[nodiscard]] bool IsFlat(std::span<Prepared* const> items);
 
-/// Paints an area of a surface from nothing, straight into the surface: what hides what is found by the items' areas,
-/// so that no pixel needs a depth. The items all have pixels in the area.
+/// Paints an area of a surface from nothing, directly into the surface. The items' areas show what hides what, so that
+/// no pixel needs a depth. All items must have pixels in the area.
 void PaintFlat(std::span<Prepared* const> items, const PixelArea& area, const SurfaceMemory& surface);
 
 } // namespace Orvik::Graphics::Raster

@@ -8,7 +8,7 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// Paints a canvas's area with items of any kind: each behind what is nearer, or as near and earlier, texts over all.
+/// Paints a canvas's area with items of any kind: each behind what is nearer, or as near and earlier; texts on top.
 void PaintSampled(std::span<Prepared* const> items, Canvas& canvas);
 
 } // namespace Orvik::Graphics::Raster

@@ -11,11 +11,11 @@ namespace Orvik::Graphics::Raster
 namespace
 {
 
-/// A band's samples stay in a processor's nearer cache.
+/// The samples of a band fit into a processor's nearer cache.
 constexpr std::int64_t s_bandPixels = 16 * 1024;
 
-/// Puts the nearer of the opaque pictures that come first in front: what they hide isn't painted then, and the result
-/// is the same. Of two with one depth the first stays first.
+/// Puts the nearest of the opaque pictures that come first at the front: what they hide isn't painted then, and the
+/// result is the same. Of two with the same depth the first stays first.
 void SortPictures(std::vector<Prepared*>& items)
 {
     const auto end =
@@ -26,7 +26,7 @@ void SortPictures(std::vector<Prepared*>& items)
                      { return GetDepth(*left->item) < GetDepth(*right->item); });
 }
 
-/// Where a triangle reaches, band by band: that of a long slanted line is nearly empty.
+/// The areas that a triangle reaches, band by band: the area of a long slanted line is mostly empty.
 void AppendAreas(const TriangleItem& triangle, std::vector<PixelArea>& areas)
 {
     constexpr std::int32_t bandHeight = 64;

@@ -15,11 +15,11 @@ namespace Orvik::Graphics::Raster
 class Painter
 {
 public:
-    /// The items stay as they are while the painter is used.
+    /// The items must not change as long as the painter is used.
     explicit Painter(const std::vector<Item>& items);
 
-    /// Paints an area of a surface from nothing: the items in their order, each behind what is nearer, texts over all.
-    /// `area` lies within the surface.
+    /// Paints an area of a surface from nothing: the items in their order, each behind what is nearer; texts on top.
+    /// `area` must be within the surface.
     void Paint(const PixelArea& area, const SurfaceMemory& surface);
 
 private:
@@ -29,8 +29,8 @@ private:
     Canvas m_canvas;
 };
 
-/// Where two lists of items look different; an area may go beyond the surface. Lists are alike where they hold the same
-/// items in the same order.
+/// Where two lists of items look different; an area may go beyond the surface. Lists look the same if they have the
+/// same items in the same order.
 [[nodiscard]] std::vector<PixelArea> FindDifferences(const std::vector<Item>& before, const std::vector<Item>& after);
 
 } // namespace Orvik::Graphics::Raster

@@ -8,14 +8,14 @@ namespace Orvik::Graphics::Raster
 namespace
 {
 
-/// The source's column or row that lies under the centre of the item's `index`th, where nothing is reduced.
+/// The source's column or row under the centre of the item's `index`th, if nothing is reduced.
 std::int32_t FindNearest(std::int32_t index, float drawnSide, std::int32_t sourceSide)
 {
     const float place = (static_cast<float>(index) + 0.5F) / drawnSide * static_cast<float>(sourceSide);
     return std::clamp(static_cast<std::int32_t>(place), 0, sourceSide - 1);
 }
 
-/// The same for all of the item's; empty where each has its own.
+/// The same for all of the item's; empty if they are the same as the source's.
 std::vector<std::int32_t> FindAllNearest(std::int32_t count, float drawnSide, std::int32_t sourceSide)
 {
     std::vector<std::int32_t> all;
@@ -49,7 +49,7 @@ void PictureShader::ShadeRow(std::int32_t y, std::int32_t left, std::int32_t rig
         m_scale.Apply(source + first, target, count);
         return;
     }
-    // Each of the source's pixels once, though it may stand on many of the surface's.
+    // Each of the source's pixels once, even if it is on many of the surface's.
     const std::int32_t* const columns = m_columns.data() + first;
     const std::int32_t begin = columns[0];
     const auto used = static_cast<std::size_t>(columns[count - 1] - begin) + 1;

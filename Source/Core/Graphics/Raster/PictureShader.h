@@ -15,18 +15,18 @@ namespace Orvik::Graphics::Raster
 class PictureShader
 {
 public:
-    /// The item has to stay while the shader is used.
+    /// The item must live as long as the shader.
     explicit PictureShader(const PictureItem& picture);
 
     [[nodiscard]] bool IsOpaque() const { return m_scale.IsOpaque(); }
 
-    /// Whether two rows of the surface that the picture reaches have the same colours.
+    /// Whether two rows of the surface within the picture have the same colours.
     [[nodiscard]] bool AreRowsAlike(std::int32_t first, std::int32_t second) const
     {
         return FindSourceRow(first) == FindSourceRow(second);
     }
 
-    /// Writes the colours from the column `left` to before `right` of the surface's row `y`; all of the picture's.
+    /// Writes the colours from the column `left` to before `right` of the surface's row `y`; all within the picture.
     void ShadeRow(std::int32_t y, std::int32_t left, std::int32_t right, PackedColour* target);
 
 private:

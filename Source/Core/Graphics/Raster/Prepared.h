@@ -8,14 +8,14 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// An item to be painted, with what is prepared once for all places where it is.
+/// An item to be painted, with what is prepared once for all its areas.
 struct Prepared
 {
     const Item* item;
     std::optional<PictureShader> picture; ///< if it is one
 };
 
-/// The picture, if it is one and leaves nothing to be seen of what is farther.
+/// The picture, if the item is one and hides everything behind it.
 [[nodiscard]] inline const PictureItem* FindOpaquePicture(const Item& item)
 {
     const auto* const picture = std::get_if<PictureItem>(&item);

@@ -16,8 +16,8 @@ namespace
 
 using System::Math::Vector4;
 
-/// Corners are settled to this fraction of a pixel, as graphics cards do: triangles that share an edge then share every
-/// sample on it out without a gap or an overlap.
+/// Corners are rounded to this fraction of a pixel, like on graphics cards: each sample on a common edge of two
+/// triangles then belongs to exactly one of them.
 constexpr std::int64_t s_steps = 256;
 
 struct FixedPoint
@@ -26,7 +26,7 @@ struct FixedPoint
     std::int64_t y = 0;
 };
 
-/// The usual places of four samples within a pixel, in steps.
+/// The usual places of four samples in a pixel, in steps.
 constexpr std::array<FixedPoint, Canvas::s_sampleCount> s_samples = {{{96, 32}, {224, 96}, {32, 160}, {160, 224}}};
 
 FixedPoint Settle(const TriangleItem::Corner& corner)
@@ -34,7 +34,7 @@ FixedPoint Settle(const TriangleItem::Corner& corner)
     return {std::llrint(corner.x * static_cast<float>(s_steps)), std::llrint(corner.y * static_cast<float>(s_steps))};
 }
 
-/// One side of a triangle: what is above 0 lies inside.
+/// One side of a triangle: values above 0 are inside.
 struct Edge
 {
     FixedPoint from;
@@ -58,7 +58,7 @@ struct Edge
     }
 };
 
-/// A triangle whose corners go round to the right, ready to be asked for each pixel.
+/// A triangle whose corners are in clockwise order, prepared so that each pixel can be looked up.
 class Shape
 {
 public:
@@ -116,7 +116,7 @@ private:
     float m_size;
 };
 
-/// The colour in a pixel's centre. False for the gap of a line.
+/// The colour at a pixel's centre. False in the gap of a line.
 bool Shade(const TriangleItem& triangle, const Vector4& values, PackedColour& colour)
 {
     switch (triangle.kind)
@@ -176,7 +176,7 @@ void PaintTriangle(const TriangleItem& triangle, Canvas& canvas)
 
 PixelArea GetReach(const TriangleItem& triangle, std::int32_t top, std::int32_t bottom)
 {
-    // Settling moves a corner by less than a pixel.
+    // Rounding moves a corner by less than a pixel.
     const auto low = static_cast<float>(top - 1);
     const auto high = static_cast<float>(bottom + 1);
     float left = std::numeric_limits<float>::max();

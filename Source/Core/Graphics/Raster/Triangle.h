@@ -8,7 +8,7 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// Paints what lies within the canvas, behind what is nearer or as near.
+/// Paints the part within the canvas, behind what is nearer or as near.
 void PaintTriangle(const TriangleItem& triangle, Canvas& canvas);
 
 /// The pixels that a triangle may reach in the rows from `top` to before `bottom`.

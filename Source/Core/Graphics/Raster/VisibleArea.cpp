@@ -15,7 +15,7 @@ void Subtract(std::vector<PixelArea>& areas, const PixelArea& hole)
         if (common.IsEmpty())
             continue;
         areas[index] = {};
-        // Above and below it over the whole width, then what is left at its sides.
+        // The parts above and below over the whole width, then the parts left and right.
         for (const PixelArea& rest : {PixelArea{area.left, area.top, area.right, common.top},
                                       PixelArea{area.left, common.bottom, area.right, area.bottom},
                                       PixelArea{area.left, common.top, common.left, common.bottom},

@@ -7,7 +7,7 @@
 namespace Orvik::Graphics::Raster
 {
 
-/// Takes the pixels of `hole` out of areas that have none in common, and leaves such areas.
+/// Removes the pixels of `hole` from areas that don't overlap; the remaining ones don't either.
 void Subtract(std::vector<PixelArea>& areas, const PixelArea& hole);
 
 } // namespace Orvik::Graphics::Raster

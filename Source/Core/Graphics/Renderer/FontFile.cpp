@@ -16,11 +16,11 @@ namespace Orvik::Graphics::Renderer
 namespace
 {
 
-/// More than any font of Latin letters has.
+/// No font of Latin letters is larger.
 constexpr std::size_t s_maxFileSize = std::size_t{16} * 1024 * 1024;
 
-/// The file's bytes, none if it can't be read. FreeType would open it by the narrow call of the C library, which
-/// doesn't take UTF-8 on every system.
+/// The file's bytes, none if it can't be read. FreeType would open it with the C library's narrow function, which
+/// doesn't accept UTF-8 on every system.
 std::vector<FT_Byte> ReadFile(const std::filesystem::path& path)
 {
     const System::Text::File file = System::Text::OpenFile(path, "rb");
@@ -38,8 +38,7 @@ std::vector<FT_Byte> ReadFile(const std::filesystem::path& path)
     return std::ferror(file.get()) == 0 ? bytes : std::vector<FT_Byte>();
 }
 
-/// The rows without FreeType's padding, the top one first. A negative pitch tells that the lowest row lies first in
-/// memory.
+/// The rows without FreeType's padding, from the top. A negative pitch means that the lowest row comes first in memory.
 std::vector<std::uint8_t> PackRows(const FT_Bitmap& bitmap)
 {
     std::vector<std::uint8_t> packed;

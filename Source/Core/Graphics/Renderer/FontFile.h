@@ -12,7 +12,7 @@ struct FT_FaceRec_;
 namespace Orvik::Graphics::Renderer
 {
 
-/// A character as FreeType draws it. Pixels, but for `advance`.
+/// A character as FreeType draws it. Pixels, except `advance`.
 struct GlyphBitmap
 {
     std::uint32_t width = 0;
@@ -23,18 +23,18 @@ struct GlyphBitmap
     std::vector<std::uint8_t> coverage; ///< `rows` rows from the top, without padding
 };
 
-/// An open font. All FreeType lies behind it.
+/// An open font. No other unit uses FreeType.
 class FontFile
 {
 public:
-    /// Starts FreeType. False if that can't be; nothing is logged.
+    /// Starts FreeType. False if that fails; nothing is logged.
     [[nodiscard]] bool InitializeLibrary();
 
-    /// Opens the first face of a file. False if it can't be read, is longer than 16 MiB or no font; nothing is logged,
-    /// and an open face stays. `path` is UTF-8. Needs the library.
+    /// Opens the first face of a file. False if it can't be read, is longer than 16 MiB or isn't a font; nothing is
+    /// logged, and an open face stays. `path` is UTF-8. Needs the library.
     [[nodiscard]] bool Open(const std::filesystem::path& path, std::uint32_t pixelSize);
 
-    /// Nothing if the font can't give that character as a picture of coverages. Needs an open face.
+    /// Empty if the font can't give that character as a picture of coverages. Needs an open face.
     [[nodiscard]] std::optional<GlyphBitmap> Render(std::uint32_t character) const;
 
 private:

@@ -8,7 +8,7 @@
 namespace Orvik::Graphics::Renderer
 {
 
-/// All that a frame is made of, as bytes: two frames look the same if these are equal.
+/// Everything that a frame is made of, as bytes: two frames look the same if these are equal.
 class FrameState
 {
 public:

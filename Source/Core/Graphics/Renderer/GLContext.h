@@ -9,8 +9,8 @@
 namespace Orvik::Graphics::Renderer
 {
 
-/// The entry points: first those beyond OpenGL 1.1, in loading order, which all have to be there, also those that
-/// nothing calls.
+/// The entry points. First those beyond OpenGL 1.1, in loading order: all of them are required, even those that are
+/// never called.
 struct EntryPoints
 {
 #define ORVIK_FOR_EACH_ENTRY_POINT(ENTRY)                                                                              \
@@ -55,20 +55,20 @@ struct EntryPoints
 
 #define ORVIK_DECLARE_ENTRY_POINT(Type, name) Type name = nullptr;
     ORVIK_FOR_EACH_ENTRY_POINT(ORVIK_DECLARE_ENTRY_POINT)
-    // OpenGL 1.1's, which every library exports.
+    // The ones of OpenGL 1.1, which every library exports.
     ORVIK_FOR_EACH_LIBRARY_FUNCTION(ORVIK_DECLARE_ENTRY_POINT)
 #undef ORVIK_DECLARE_ENTRY_POINT
 
-    /// Newer than OpenGL 1.1 too, but not demanded; null where the driver hasn't got it.
+    /// Also newer than OpenGL 1.1, but not required; null if the driver doesn't have it.
     PFNGLGETACTIVEUNIFORMBLOCKIVPROC glGetActiveUniformBlockiv = nullptr;
 
-    /// Whether none of the demanded ones is null.
+    /// Whether none of the required ones is null.
     [[nodiscard]] bool IsComplete() const noexcept;
 };
 
 /// An OpenGL 3.3 core context on a window: double-buffered, 8 bits for each of red, green, blue and alpha, 24 for
-/// depth, 8 for stencil, 4 samples. There is no fallback, but for the alpha of a screen that hasn't got it with these
-/// colours. It belongs to the thread that created it.
+/// depth, 8 for stencil, 4 samples. There is no fallback, except for the alpha of a screen that doesn't have it with
+/// these colours. It belongs to the thread that created it.
 class GLContext
 {
 public:
@@ -77,28 +77,28 @@ public:
     GLContext& operator=(const GLContext&) = delete;
     ~GLContext() = default;
 
-    /// Makes the context current on the window, loads the entry points and sets the state that everything is drawn
-    /// with. The result is `IsValid`. On failure one log line has said why, and no context is left; it is an error only
-    /// if the context is demanded. `className` is the window's registered class, UTF-8.
+    /// Makes the context current on the window, loads the entry points and sets the state for all drawing. The result
+    /// is `IsValid`. After a failure one log line says why, and no context is left; the line is an error only if the
+    /// context is demanded. `className` is the window's registered class, UTF-8.
     bool Create(Desktops::NativeWindow window, const char* className, bool isDemanded = true);
 
-    /// Gives the context up and deletes it; the context isn't valid afterwards. Does nothing without one.
+    /// Releases the context and deletes it; the context isn't valid any more. Does nothing without one.
     void Destroy(Desktops::NativeWindow window);
 
-    /// Shows what was drawn. Does nothing without a context, or when the window's server is gone.
+    /// Shows what was drawn. Does nothing without a context, or if the window's server is gone.
     void SwapBuffers(Desktops::NativeWindow window);
 
-    /// A context is current and all entry points are bound. Whatever draws tests it first.
+    /// A context is current and all entry points are loaded. Drawing code tests this first.
     [[nodiscard]] bool IsValid() const { return m_valid; }
     [[nodiscard]] const EntryPoints& GetEntryPoints() const { return m_entryPoints; }
-    /// The text of `GL_VERSION`, which becomes the window's title as well; empty before `Create`.
+    /// The text of `GL_VERSION`, which also becomes the window's title; empty before `Create`.
     [[nodiscard]] const std::string& GetVersion() const { return m_version; }
 
 private:
     [[nodiscard]] bool Bind(Desktops::NativeWindow window, const char* className);
     void LoadEntryPoints();
     void SetFixedState() const;
-    /// Logs why there is no context. The line begins with the version, or with "OpenGL" as long as it isn't known.
+    /// Logs why there is no context. The line begins with the version, or with "OpenGL" if that isn't known yet.
     void Report(const char* failure) const;
 
     bool m_valid = false;

@@ -1,5 +1,5 @@
-// What "line.vert" makes of a polyline, rule for rule and in the same arithmetic. Positions are pixels of the surface
-// with y upward, as the shader has them.
+// Does what "line.vert" does to a polyline, rule for rule and with the same arithmetic. Positions are pixels of the
+// surface with y upward, like in the shader.
 #include "Core/Graphics/Renderer/LineRenderer.h"
 #include "Core/Graphics/Renderer/RenderItems.h"
 
@@ -106,7 +106,7 @@ public:
     [[nodiscard]] const Vector2& At(std::size_t index) const { return m_points[index].position; }
     [[nodiscard]] float GetDepth(std::size_t index) const { return m_points[index].depth; }
 
-    /// The corner at a point, on one side: 1 is left of the direction, -1 right of it. `isEnd` says that it belongs to
+    /// The corner at a point, on one side: 1 is left of the direction, -1 right of it. `isEnd` means that it belongs to
     /// the segment that ends there.
     [[nodiscard]] Vector2 GetCorner(std::size_t index, float side, bool isEnd) const
     {
@@ -193,7 +193,7 @@ private:
     std::vector<Settled> m_points;
 };
 
-/// A segment as the shader widens it, with what it gives its fragments.
+/// A segment as the shader widens it, with the values for its fragments.
 struct Segment
 {
     std::array<Vector2, 4> corners; ///< right of the start, right of the end, left of the end, left of the start
@@ -206,14 +206,14 @@ struct Segment
 };
 
 /// Whether an end is straight, or shares its mitre with another upright segment: the two fill the corner's square. A
-/// slanted neighbour leaves a part of it free.
+/// slanted neighbour leaves a part of it empty.
 bool HasUprightEnd(const Vector2& right, const Vector2& left, const Vector2& direction)
 {
     const float along = std::abs(Dot(left - right, direction));
     return along == 0.0F || along == std::abs(Cross(left - right, direction));
 }
 
-/// Whether two pairs of sides lie on the borders of pixels, but for the mitres at the ends.
+/// Whether two opposite sides are on the borders of pixels. The mitres at the ends don't count.
 bool CoversWholePixels(const Segment& segment)
 {
     const auto& [rightStart, rightEnd, leftEnd, leftStart] = segment.corners;
@@ -261,7 +261,7 @@ void AppendBar(const Line& line, const Segment& segment, const SurfaceSpace& spa
     bar.opacity = MakeSlope(segment, start, end, segment.startOpacity, segment.endOpacity, space.height);
     bar.distance = MakeSlope(segment, start, end, (segment.distances[0] + segment.distances[3]) * 0.5F,
                              (segment.distances[1] + segment.distances[2]) * 0.5F, space.height);
-    // A line that goes on without end has none, and would differ from itself in every frame.
+    // An infinitely long line has none, and would differ from itself in every frame.
     if (IsNumber(bar.opacity) && IsNumber(bar.distance))
         items.emplace_back(bar);
 }

@@ -20,7 +20,7 @@ constexpr GLsizei s_verticesPerSegment = 6;
 /// A prepared list of n points has n - 3 segments.
 constexpr std::size_t s_pointsWithoutSegment = 3;
 
-/// The point as far before `point` as `next` lies behind it.
+/// Mirrors `next` at `point`.
 Vector4 Extrapolate(const Vector4& point, const Vector4& next)
 {
     return {point.x - (next.x - point.x), point.y - (next.y - point.y), point.z - (next.z - point.z),

@@ -13,7 +13,7 @@ namespace Orvik::Graphics::Renderer
 
 class Renderer;
 
-/// A polyline. Clients change the public values in place through the pointer of `Get`.
+/// A polyline. Clients change the public values directly through the pointer of `Get`.
 struct Line
 {
     std::uint16_t id = 0;
@@ -22,48 +22,48 @@ struct Line
     std::vector<System::Math::Vector4> points;
     System::Math::Matrix4 model;
     System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F};
-    /// Pixels. Less than 1 is drawn as 1, 0 not at all; horizontal and vertical segments are whole pixels thick.
+    /// Pixels. Below 1 it is drawn as 1, 0 isn't drawn; horizontal and vertical segments are whole pixels thick.
     float thickness = 1.0F;
     float dashLength = 1.0F;
     float gapLength = 0.0F; ///< 0 makes a solid line
 };
 
-/// Draws thick polylines. A point's first three components are its position; the fourth scales the line's opacity
+/// Draws thick polylines. A point's first three components are its position; the fourth multiplies the line's opacity
 /// there.
 class LineRenderer
 {
 public:
-    /// Points of a prepared list; a client may give two fewer.
+    /// The most points of a prepared list; a client may give two fewer.
     static constexpr std::size_t s_maxPoints = 64;
 
     /// Builds the shader program and the buffer of points. False without a context, or if the shaders can't be built;
-    /// log lines have said why.
+    /// log lines say why.
     [[nodiscard]] bool Initialize(Renderer& renderer);
 
-    /// Draws the visible lines in their order. One with more than `s_maxPoints` is an assertion failure and the last of
-    /// this frame. Does nothing without a context.
+    /// Draws the visible lines in their order. A line with more than `s_maxPoints` is an assertion failure and the last
+    /// of this frame. Does nothing without a context.
     void Render(Renderer& renderer);
 
-    /// Frees the OpenGL objects, where there is a context still, and forgets all lines.
+    /// Frees the OpenGL objects, if there is a context, and forgets all lines.
     void Shutdown(Renderer& renderer);
 
     /// Adds a line and stores its id in `id`. `points` is emptied. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id, std::vector<System::Math::Vector4>& points);
 
-    /// The line, or null. Good until the next `Create` or `Remove`.
+    /// The line, or null. Valid until the next `Create` or `Remove`.
     [[nodiscard]] Line* Get(std::uint16_t id);
 
     /// Replaces the points; `points` is emptied. Fewer than two are an assertion failure. False for an unknown id;
-    /// `points` then stays as it was.
+    /// `points` is unchanged then.
     bool Update(std::uint16_t id, std::vector<System::Math::Vector4>& points);
 
-    /// Takes the line out; the last one takes its place in the order. False for an unknown id.
+    /// Removes the line; the last one takes its place in the order. False for an unknown id.
     bool Remove(std::uint16_t id);
 
     /// Whether a line has few enough points; an assertion failure if not.
     [[nodiscard]] static bool IsDrawable(const Line& line);
 
-    /// Adds what the next frame's lines are made of.
+    /// Adds the state of the lines in the next frame.
     void AppendState(FrameState& state) const;
 
     [[nodiscard]] GLuint GetProgram() const { return m_program; }

@@ -1,4 +1,4 @@
-// What the shaders of polygons and quads make of them.
+// Does what the shaders of polygons and quads do.
 #include "Core/Graphics/Renderer/PolygonRenderer.h"
 #include "Core/Graphics/Renderer/QuadRenderer.h"
 #include "Core/Graphics/Renderer/RenderItems.h"

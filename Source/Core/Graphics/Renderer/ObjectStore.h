@@ -15,7 +15,7 @@ template <typename Object>
 class ObjectStore
 {
 public:
-    /// Appends an object with its start values and a new id. The reference is good until the next `Add` or `Remove`.
+    /// Appends an object with its start values and a new id. The reference is valid until the next `Add` or `Remove`.
     Object& Add()
     {
         Object& object = m_objects.emplace_back();
@@ -23,7 +23,7 @@ public:
         return object;
     }
 
-    /// The object, or null; of two with one id the older. Good until the next `Add` or `Remove`.
+    /// The object, or null; of two with the same id the older. Valid until the next `Add` or `Remove`.
     [[nodiscard]] Object* Find(std::uint16_t id)
     {
         const auto found =
@@ -31,8 +31,8 @@ public:
         return found != m_objects.end() ? &*found : nullptr;
     }
 
-    /// Takes the object out and gives it back; the last one moves into its place, so the order changes. Nothing without
-    /// such an object. Of two with one id, which a wrapped counter makes, it is the younger.
+    /// Removes the object and returns it; the last one moves to its place, so the order changes. Empty if there is no
+    /// such object. Of two with the same id, which a wrapped counter makes, it removes the younger.
     std::optional<Object> Remove(std::uint16_t id)
     {
         const auto found =

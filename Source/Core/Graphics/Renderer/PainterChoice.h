@@ -7,7 +7,7 @@
 namespace Orvik::Graphics::Renderer
 {
 
-/// How render objects become pixels: by OpenGL, or by the program itself into memory.
+/// How render objects become pixels: by OpenGL, or by the program itself in memory.
 struct PainterChoice
 {
     Desktops::SurfaceKind kind = Desktops::SurfaceKind::OpenGL;
@@ -15,8 +15,8 @@ struct PainterChoice
     std::string reason = "it is the default";
 };
 
-/// Decides, before a driver is loaded: the environment variable ORVIK_RENDERER, "opengl" or "raster", says it by hand.
-/// Else OpenGL where a graphics card draws, and memory where OpenGL would be a program too.
+/// Decides before a driver is loaded. The environment variable ORVIK_RENDERER, "opengl" or "raster", overrides it.
+/// Otherwise OpenGL if a graphics card draws, and memory if OpenGL would be done by a program too.
 [[nodiscard]] PainterChoice ChoosePainter();
 
 } // namespace Orvik::Graphics::Renderer

@@ -14,7 +14,7 @@ namespace
 constexpr GLuint s_positionAttribute = 0;
 constexpr GLuint s_colorAttribute = 1;
 
-/// The elements that the polygon's vertices take: there may be more colours than vertices.
+/// The elements for the polygon's vertices: there may be more colours than vertices.
 template <typename Element>
 GLsizeiptr GetByteSize(const Polygon& polygon)
 {
@@ -28,7 +28,7 @@ void ReplaceBuffer(const EntryPoints& gl, GLuint buffer, const Polygon& polygon,
     gl.glBufferData(GL_ARRAY_BUFFER, GetByteSize<Element>(polygon), elements.data(), GL_DYNAMIC_DRAW);
 }
 
-/// Gives the bound vertex array the data of an attribute.
+/// Sets the data of an attribute of the bound vertex array.
 template <typename Element>
 void SetAttribute(const EntryPoints& gl, GLuint attribute, GLuint buffer, const Polygon& polygon,
                   const std::vector<Element>& elements)
@@ -38,7 +38,7 @@ void SetAttribute(const EntryPoints& gl, GLuint attribute, GLuint buffer, const 
     gl.glEnableVertexAttribArray(attribute);
 }
 
-/// Without a colour for each vertex the drawing would read beyond the buffer.
+/// Without a colour for each vertex, drawing would read beyond the buffer.
 bool CanUpload(const Polygon& polygon)
 {
     return polygon.colors.size() >= polygon.positions.size();
@@ -194,7 +194,7 @@ void PolygonRenderer::Upload(Renderer& renderer, Polygon& polygon)
     const auto count = static_cast<std::uint32_t>(polygon.positions.size());
     if (polygon.gpuData.uploadedCount == 0)
     {
-        // A polygon that had no vertices so far has objects all the same.
+        // A polygon that had no vertices so far has objects as well.
         if (polygon.gpuData.vertexArray != 0)
             m_pendingDeletes.push_back(polygon.gpuData);
         polygon.gpuData.uploadedCount = count;

@@ -31,44 +31,44 @@ struct Polygon
     GpuData gpuData;
     bool visible = true;
     std::vector<std::array<float, 3>> positions;
-    std::vector<std::array<float, 4>> colors; ///< of the positions; what goes on behind them isn't used
+    std::vector<std::array<float, 4>> colors; ///< one for each position; more of them aren't used
     System::Math::Matrix4 model;
-    /// What was uploaded, where no driver keeps it.
+    /// What was uploaded, if no driver keeps it.
     std::vector<std::array<float, 3>> uploadedPositions;
     std::vector<std::array<float, 4>> uploadedColors;
 };
 
 /// Draws triangle meshes. Changes are queued and uploaded by the next `Render`, so that a thread without the context
-/// may make them.
+/// can make them.
 class PolygonRenderer
 {
 public:
-    /// Builds the shader program. False without a context, or if the shaders can't be built; log lines have said why.
+    /// Builds the shader program. False without a context, or if the shaders can't be built; log lines say why.
     [[nodiscard]] bool Initialize(Renderer& renderer);
 
     /// Uploads and deletes what is queued, then draws the visible polygons in their order. Does nothing without a
     /// context.
     void Render(Renderer& renderer);
 
-    /// Frees the OpenGL objects, where there is a context still, and forgets all polygons.
+    /// Frees the OpenGL objects, if there is a context, and forgets all polygons.
     void Shutdown(Renderer& renderer);
 
     /// Adds a polygon, queues its upload and stores its id in `id`. Both lists are emptied. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id, std::vector<std::array<float, 3>>& positions,
                           std::vector<std::array<float, 4>>& colors);
-    /// The polygon, or null. Good until the next `Create` or `Remove`.
+    /// The polygon, or null. Valid until the next `Create` or `Remove`.
     [[nodiscard]] Polygon* Get(std::uint16_t id);
-    /// Queues the upload of changed positions or colours. The upload leaves out a polygon with fewer colours than
-    /// positions. False for an unknown id.
+    /// Queues the upload of changed positions or colours. A polygon with fewer colours than positions isn't uploaded.
+    /// False for an unknown id.
     bool Update(std::uint16_t id);
-    /// Takes the polygon out; the last one takes its place in the order. Its OpenGL objects go at the next `Render`.
+    /// Removes the polygon; the last one takes its place in the order. The next `Render` deletes its OpenGL objects.
     /// False for an unknown id.
     bool Remove(std::uint16_t id);
 
-    /// Adds what the next frame's polygons are made of.
+    /// Adds the state of the polygons in the next frame.
     void AppendState(FrameState& state);
 
-    /// For drawing into memory: uploads what is queued and adds what the visible polygons come to.
+    /// For drawing into memory: uploads what is queued and adds the items of the visible polygons.
     void CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items);
 
     [[nodiscard]] GLuint GetProgram() const { return m_program; }

@@ -26,23 +26,23 @@ class QuadRenderer
 {
 public:
     /// Builds the shader program and the square. False without a context, or if the shaders can't be built; log lines
-    /// have said why.
+    /// say why.
     [[nodiscard]] bool Initialize(Renderer& renderer);
 
     /// Draws the visible quads in their order. Does nothing without a context.
     void Render(Renderer& renderer);
 
-    /// Frees the OpenGL objects, where there is a context still, and forgets all quads.
+    /// Frees the OpenGL objects, if there is a context, and forgets all quads.
     void Shutdown(Renderer& renderer);
 
     /// Adds a quad and stores its id in `id`. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id);
-    /// The quad, or null. Good until the next `Create` or `Remove`.
+    /// The quad, or null. Valid until the next `Create` or `Remove`.
     [[nodiscard]] Quad* Get(std::uint16_t id);
-    /// Takes the quad out; the last one takes its place in the order. False for an unknown id.
+    /// Removes the quad; the last one takes its place in the order. False for an unknown id.
     bool Remove(std::uint16_t id);
 
-    /// Adds what the next frame's quads are made of.
+    /// Adds the state of the quads in the next frame.
     void AppendState(FrameState& state) const;
 
     [[nodiscard]] GLuint GetProgram() const { return m_program; }

@@ -11,7 +11,7 @@
 namespace Orvik::Graphics::Renderer
 {
 
-/// The characters of a font, each made when it is first asked for.
+/// The characters of a font, each made at its first use.
 class RasterFont
 {
 public:
@@ -27,9 +27,9 @@ public:
     /// Takes an open font.
     explicit RasterFont(FontFile font) : m_font(std::move(font)) {}
 
-    /// The character by its number from `s_firstCharacter` on; good as long as the font. Null, with a warning the first
-    /// time, if the font can't give it or it is larger than `maximumSize` pixels in a direction; null without one
-    /// beyond the last.
+    /// The character by its number from `s_firstCharacter` on; valid as long as the font. Null, with a warning the
+    /// first time, if the font can't give it or it is larger than `maximumSize` pixels in a direction; null without a
+    /// warning beyond the last one.
     [[nodiscard]] const Character* Find(std::size_t index, std::uint32_t maximumSize);
 
 private:

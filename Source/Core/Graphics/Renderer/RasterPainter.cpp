@@ -11,7 +11,7 @@ namespace Orvik::Graphics::Renderer
 namespace
 {
 
-/// Large areas are shown piece by piece: the desktop copies one while the next is painted.
+/// Large areas are shown in pieces: the desktop copies one while the next is painted.
 constexpr std::int64_t s_piecePixels = std::int64_t{1} << 19;
 
 } // namespace
@@ -68,7 +68,7 @@ void RasterPainter::Shutdown()
     m_mustShowAll = true;
 }
 
-// The order of the kinds is that in which OpenGL draws them.
+// The kinds have the order in which OpenGL draws them.
 std::vector<Raster::Item> RasterPainter::MakeItems(Renderer& renderer) const
 {
     std::vector<Raster::Item> items;

@@ -15,18 +15,18 @@ namespace Orvik::Graphics::Renderer
 
 class Renderer;
 
-/// Draws the render objects into memory and shows it on the window: only what has changed since the last frame. The
-/// picture is the one that OpenGL would give.
+/// Draws the render objects into memory and shows it on the window, but only what has changed since the last frame. The
+/// picture is the same as OpenGL's.
 class RasterPainter
 {
 public:
-    /// Makes the memory. False, with a log line, if it can't be had; nothing is drawn then.
+    /// Makes the memory. False, with a log line, if it isn't available; nothing is drawn then.
     bool Resize(System::Desktop::NativeWindow window, std::int32_t width, std::int32_t height);
 
-    /// Draws and shows what differs from the last frame. False if nothing does, or there is nothing to draw on.
+    /// Draws and shows what differs from the last frame. False if nothing does, or if there is no memory.
     bool Render(Renderer& renderer);
 
-    /// The window has lost what it showed: the next frame shows everything.
+    /// To be called when the window has lost its picture: the next frame shows everything.
     void Invalidate() { m_mustShowAll = true; }
 
     void Shutdown();

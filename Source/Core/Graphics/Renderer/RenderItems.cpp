@@ -15,7 +15,7 @@ using System::Math::Vector4;
 TriangleItem::Corner ToCorner(const ClipCorner& corner, const SurfaceSpace& space)
 {
     const Vector4& clip = corner.position;
-    // In the order of OpenGL's viewport: a corner that is rounded otherwise would settle elsewhere now and then.
+    // In the same order as OpenGL's viewport, because a corner that is rounded in another way would sometimes move.
     const float halfWidth = space.width * 0.5F;
     const float halfHeight = space.height * 0.5F;
     return {clip.x / clip.w * halfWidth + halfWidth, halfHeight - clip.y / clip.w * halfHeight,
@@ -39,10 +39,10 @@ Raster::PixelArea GetBounds(const std::array<TriangleItem::Corner, 3>& corners)
             ToPixel(std::ceil(bottom) + 1.0F)};
 }
 
-/// A side of the space that is drawn: inside are the positions whose product with it isn't negative.
+/// A side of the visible space: positions whose product with it isn't negative are inside.
 using Side = Vector4;
 
-/// The depths, and the surface's edges as OpenGL cuts there: a slanted edge settles anew where it is cut.
+/// The limits of the depth, and the surface's edges: OpenGL cuts there too, and a cut edge is rounded again.
 constexpr std::array<Side, 6> s_sides = {{{0.0F, 0.0F, 1.0F, 1.0F},
                                           {0.0F, 0.0F, -1.0F, 1.0F},
                                           {1.0F, 0.0F, 0.0F, 1.0F},
@@ -50,7 +50,7 @@ constexpr std::array<Side, 6> s_sides = {{{0.0F, 0.0F, 1.0F, 1.0F},
                                           {0.0F, 1.0F, 0.0F, 1.0F},
                                           {0.0F, -1.0F, 0.0F, 1.0F}}};
 
-/// How far inside a position is; not a number where it is none.
+/// How far inside a position is; not a number if the position isn't one.
 float GetDepthInside(const Side& side, const Vector4& position)
 {
     return side.x * position.x + side.y * position.y + side.z * position.z + side.w * position.w;
@@ -62,7 +62,7 @@ Vector4 Mix(const Vector4& first, const Vector4& second, float share)
     return {mix(first.x, second.x), mix(first.y, second.y), mix(first.z, second.z), mix(first.w, second.w)};
 }
 
-/// The corners of the part of a convex shape that lies inside.
+/// The corners of the part of a convex shape that is inside.
 std::vector<ClipCorner> Clip(const std::vector<ClipCorner>& corners, const Side& side)
 {
     std::vector<ClipCorner> inside;
@@ -82,22 +82,22 @@ std::vector<ClipCorner> Clip(const std::vector<ClipCorner>& corners, const Side&
     return inside;
 }
 
-/// Whether a corner can be reckoned with: one that is no number would differ from itself in every frame.
+/// Whether a corner can be used: one that isn't a number would differ from itself in every frame.
 bool IsUsable(const TriangleItem::Corner& corner)
 {
-    // What was cut may lie beyond by a rounding.
+    // Because of rounding, a cut corner may be slightly outside.
     constexpr float limit = s_farthestPixel * 2.0F;
     const Vector4& values = corner.values;
     return std::abs(corner.x) <= limit && std::abs(corner.y) <= limit && std::isfinite(values.x) &&
            std::isfinite(values.y) && std::isfinite(values.z) && std::isfinite(values.w);
 }
 
-/// Appends a triangle that lies inside.
+/// Appends a triangle that is inside.
 void AppendInside(const std::array<ClipCorner, 3>& corners, const TriangleItem& look, const SurfaceSpace& space,
                   std::vector<Raster::Item>& items)
 {
     TriangleItem item = look;
-    // The front goes round to the left where y counts upward, and to the right where it counts downward.
+    // The front is counterclockwise where y counts upward, and clockwise where it counts downward.
     item.corners = {ToCorner(corners[0], space), ToCorner(corners[2], space), ToCorner(corners[1], space)};
     if (!std::all_of(item.corners.begin(), item.corners.end(), IsUsable))
         return;

@@ -16,7 +16,7 @@ struct Text;
 struct Texture;
 class TextRenderer;
 
-/// Where render objects get to on a surface of pixels.
+/// How positions of render objects become pixels of a surface.
 struct SurfaceSpace
 {
     float width = 0.0F; ///< pixels
@@ -29,18 +29,18 @@ struct SurfaceSpace
     }
 };
 
-// What the shaders make of a render object, in pixels: each appends its items, or nothing where nothing is to be seen.
-// The rules are those of the shader files, so that both ways to draw give the same picture.
+// What the shaders do to a render object, in pixels. Each function appends the object's items, or nothing if it is
+// invisible. The rules are those of the shader files, so that both ways of drawing give the same picture.
 
 void AppendItems(const Line& line, const SurfaceSpace& space, std::vector<Raster::Item>& items);
 void AppendItems(const Polygon& polygon, const SurfaceSpace& space, std::vector<Raster::Item>& items);
 void AppendItems(const Quad& quad, const SurfaceSpace& space, std::vector<Raster::Item>& items);
 void AppendItems(const Texture& texture, const SurfaceSpace& space, std::vector<Raster::Item>& items);
-/// `renderer` has the glyphs.
+/// `renderer` provides the glyphs.
 void AppendItems(const Text& text, TextRenderer& renderer, const SurfaceSpace& space, std::vector<Raster::Item>& items);
 
-/// A triangle with its corners in clip space and the values there, cut at the depths and at the surface.
-/// Nothing is appended for one that shows its back, lies beyond the depths or has a corner that is no number.
+/// A triangle with its corners in clip space and the values there, cut at the depths and at the surface. Nothing is
+/// appended for one that shows its back, is outside of the depths or has a corner that isn't a number.
 struct ClipCorner
 {
     System::Math::Vector4 position;
@@ -49,7 +49,7 @@ struct ClipCorner
 void AppendTriangle(const std::array<ClipCorner, 3>& corners, const Raster::TriangleItem& look,
                     const SurfaceSpace& space, std::vector<Raster::Item>& items);
 
-/// Pixels that anything may reach beyond a surface's origin, far more than a surface has. What goes further is cut.
+/// The greatest distance in pixels from a surface's origin, far more than a surface has. Anything beyond is cut.
 inline constexpr float s_farthestPixel = 1 << 17;
 
 /// The number of the pixel at a whole position; positions far beyond any surface are cut.

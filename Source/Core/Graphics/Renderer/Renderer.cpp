@@ -56,7 +56,7 @@ bool Renderer::Initialize(Desktops::NativeWindow window, const char* className)
     return true;
 }
 
-// The shaders aren't used; that they are there is the same promise of a whole installation.
+// The shaders aren't used, but checking them shows in the same way that the installation is complete.
 bool Renderer::InitializeForRaster()
 {
     const bool isReady =
@@ -168,7 +168,7 @@ std::array<GLuint, 5> Renderer::GetPrograms() const
             m_textRenderer.GetProgram(), m_quadRenderer.GetProgram()};
 }
 
-// A driver may round the block up, and reads what it likes from a smaller buffer.
+// A driver may round up the block's size, and may read beyond a smaller buffer.
 GLsizeiptr Renderer::GetSharedSize() const
 {
     const EntryPoints& gl = m_context.GetEntryPoints();

@@ -20,9 +20,9 @@ namespace Orvik::Graphics::Renderer
 {
 
 /// The one drawing object of the program. Clients ask the member renderers for objects, keep their ids, change the
-/// records in place, and call `Render` once a frame. How the objects become pixels is the painter's business: OpenGL's,
-/// or the program's own in memory (`RasterPainter`). The origin is the bottom left corner, y counts upward, a greater z
-/// is nearer the viewer. One thread.
+/// records directly, and call `Render` once a frame. The painter turns the objects into pixels: OpenGL, or the program
+/// itself in memory (`RasterPainter`). The origin is the bottom left corner, y counts upward, and a greater z is nearer
+/// to the viewer. One thread.
 class Renderer
 {
 public:
@@ -33,35 +33,34 @@ public:
         float height = 0.0F;
     };
 
-    /// Settles how objects become pixels; by OpenGL if this isn't called. Before `Initialize`, and the window has to be
-    /// made for it.
+    /// Sets how objects become pixels; by OpenGL if this isn't called. Before `Initialize`, and the window must have
+    /// been made for it.
     void SetPainter(PainterChoice choice) { m_choice = std::move(choice); }
 
-    /// Creates the context on the window and the member renderers. False if one of them can't be; log lines have said
-    /// why, what came up stays, and the renderer draws nothing. Where OpenGL can't be had and wasn't demanded by hand,
-    /// the objects are drawn into memory in its place. A shader file or a font that is missing or unreadable is a
-    /// failure either way.
+    /// Creates the context on the window and the member renderers. False if one of them fails; log lines say why, the
+    /// others stay, and the renderer draws nothing. If there is no OpenGL and the user didn't demand it, the objects
+    /// are drawn into memory instead. A missing or unreadable shader file or font is a failure in both cases.
     [[nodiscard]] bool Initialize(Desktops::NativeWindow window, const char* className);
 
-    /// Settles the size of the drawing surface, in pixels. Has to be called before the first object is asked for. A
+    /// Sets the size of the drawing surface, in pixels. Has to be called before the first object is requested. A
     /// surface without area changes nothing.
     void Resize(Desktops::NativeWindow window, std::int32_t width, std::int32_t height);
 
-    /// Draws all visible objects and shows the picture, if it would differ from the one before. False if nothing was
-    /// drawn. Without a window nothing is: a driver may lose memory with each picture that it can't show.
+    /// Draws all visible objects and shows the picture, if it would differ from the last one. False if nothing was
+    /// drawn. Draws nothing without a window: a driver may lose memory with each picture that it can't show.
     bool Render(Desktops::NativeWindow window);
 
-    /// The window has lost what it showed: the next `Render` draws in any case.
+    /// To be called when the window has lost its picture: the next `Render` draws in any case.
     void Invalidate();
 
-    /// Frees everything and gives the context up.
+    /// Frees everything and releases the context.
     void Shutdown(Desktops::NativeWindow window);
 
-    /// How much larger than on a screen of 1080 rows things should be drawn; at least 1.
+    /// How much larger than on a screen of 1080 rows everything should be drawn; at least 1.
     [[nodiscard]] float GetUiScale() const;
     [[nodiscard]] const ScreenSize& GetScreenSize() const { return m_screenSize; }
 
-    /// Whether objects are drawn into memory. Settled by `Initialize`.
+    /// Whether objects are drawn into memory. Known after `Initialize`.
     [[nodiscard]] bool DrawsIntoMemory() const { return m_drawsIntoMemory; }
     [[nodiscard]] GLContext& GetContext() { return m_context; }
     [[nodiscard]] const GLContext& GetContext() const { return m_context; }
@@ -95,7 +94,7 @@ private:
     RasterPainter m_rasterPainter;
     FrameState m_shown; ///< what the last frame of OpenGL was made of
     FrameState m_wanted;
-    bool m_mustDraw = true; ///< whatever was shown before
+    bool m_mustDraw = true; ///< even if the last frame is the same
 };
 
 } // namespace Orvik::Graphics::Renderer

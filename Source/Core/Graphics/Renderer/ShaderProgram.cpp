@@ -20,7 +20,7 @@ namespace
 
 constexpr GLsizei s_logSize = 512; ///< a longer log is cut
 
-/// No shader comes near it; a file that does isn't one.
+/// No shader is nearly as large; a file that is can't be one.
 constexpr std::uintmax_t s_maxFileSize = std::uintmax_t{1024} * 1024;
 
 std::uintmax_t GetFileSize(const std::filesystem::path& path)
@@ -45,7 +45,7 @@ bool ReadShaderFile(const char* file, std::vector<char>& text)
         System::Log::Write(System::Log::s_graphics, System::Log::MessageTypeID::Error, "Can't open shader: ", path);
         return false;
     }
-    // Asked after the opening, so that a file that isn't there is told as one that can't be opened.
+    // Read after opening, so that a missing file is reported as one that can't be opened.
     const auto size = static_cast<std::size_t>(GetFileSize(nativePath));
     text.resize(size + 1);
     stream.read(text.data(), static_cast<std::streamsize>(size));
@@ -74,7 +74,7 @@ void ReportUnlinked(const char* vertexFile, const char* fragmentFile, const char
                        vertexFile, ", ", fragmentFile, ") with error ", log);
 }
 
-/// What is known of a stage that no driver has seen.
+/// What is known about a stage that no driver has compiled.
 enum class StageState : std::uint8_t
 {
     Whole,
@@ -115,7 +115,7 @@ GLuint CreateProgram(const GLContext& context, const char* vertexFile, const cha
     gl.glLinkProgram(program);
     GLint status = GL_FALSE;
     gl.glGetProgramiv(program, GL_LINK_STATUS, &status);
-    // Some drivers link a program without one of its stages, which draws nothing.
+    // Some drivers link a program that lacks a stage, which then draws nothing.
     if (status != GL_FALSE && vertexShader != 0 && fragmentShader != 0)
         return program;
 

@@ -1,4 +1,4 @@
-// What "font.vert" and "font.frag" make of a text.
+// Does what "font.vert" and "font.frag" do to a text.
 #include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/Graphics/Renderer/TextRenderer.h"
 
@@ -17,7 +17,7 @@ using System::Math::Matrix4;
 
 constexpr float s_glyphCell = 128.0F;
 
-/// From a glyph's layer, texels from its top left, to pixels of the surface.
+/// Converts from a glyph's layer, in texels from its top left, to pixels of the surface.
 struct Placement
 {
     float xPerColumn = 0.0F;
@@ -30,7 +30,7 @@ struct Placement
     [[nodiscard]] float GetDeterminant() const { return xPerColumn * yPerRow - xPerRow * yPerColumn; }
 };
 
-/// `square` puts the unit square into clip space.
+/// `square` moves the unit square to clip space.
 Placement MakePlacement(const Matrix4& square, const SurfaceSpace& space)
 {
     const auto& m = square.elements;
@@ -47,7 +47,7 @@ Placement MakePlacement(const Matrix4& square, const SurfaceSpace& space)
     return placement;
 }
 
-/// The pixels whose share of the bitmap isn't nothing, and perhaps some more.
+/// The pixels that show a part of the bitmap, and perhaps some more.
 Raster::PixelArea GetReach(const Placement& placement, const Raster::Glyph& glyph, const Slope& column,
                            const Slope& row)
 {
@@ -74,7 +74,7 @@ Raster::PixelArea GetReach(const Placement& placement, const Raster::Glyph& glyp
     return {ToPixel(std::floor(left)), ToPixel(std::floor(top)), ToPixel(std::ceil(right)), ToPixel(std::ceil(bottom))};
 }
 
-/// Nothing for a glyph that shows its back or is no wider than a line.
+/// Empty for a glyph that shows its back or is no wider than a line.
 bool PlaceGlyph(const Matrix4& square, const Raster::Glyph& glyph, const SurfaceSpace& space, GlyphPlace& place)
 {
     const Placement placement = MakePlacement(square, space);

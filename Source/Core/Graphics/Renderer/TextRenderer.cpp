@@ -31,7 +31,7 @@ constexpr GLsizei s_layerCount = s_lastCharacter - s_firstCharacter + 1;
 constexpr double s_lineStep = 124.8; ///< 1.3 times the font's size
 constexpr std::size_t s_maxInstances = 64;
 
-/// Nothing, with a log line, if the font can't be had.
+/// Empty, with a log line, if the font isn't available.
 std::optional<FontFile> OpenFont()
 {
     FontFile font;
@@ -51,7 +51,7 @@ std::optional<FontFile> OpenFont()
     return font;
 }
 
-/// Reserves the layers, all empty: a glyph fills but a part of its own.
+/// Reserves the layers, all empty: a glyph fills only a part of its layer.
 void CreateLayers(const EntryPoints& gl, GLuint& atlas)
 {
     gl.glGenTextures(1, &atlas);
@@ -141,7 +141,7 @@ bool TextRenderer::CreateAtlas(Renderer& renderer)
     if (!font)
         return false;
     const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
-    // It stays so: all pictures come with rows of any length, tightly packed.
+    // It stays like this: all pictures have rows of any length without padding.
     gl.glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     CreateLayers(gl, m_atlas);
     m_glyphs.clear();
@@ -175,7 +175,7 @@ void TextRenderer::DrawText(Renderer& renderer, const Text& text)
     const EntryPoints& gl = renderer.GetContext().GetEntryPoints();
     gl.glUniformMatrix4fv(m_modelLocation, 1, GL_FALSE, text.model.elements.data());
     gl.glUniform4f(m_colorLocation, text.color.x, text.color.y, text.color.z, text.color.w);
-    // Both lists are the client's to reach; only what has both is drawn.
+    // Clients can change both lists; only entries that are in both are drawn.
     const std::size_t total = std::min(text.instanceIndices.size(), text.instanceModels.size());
     for (std::size_t first = 0; first < total; first += s_maxInstances)
     {
@@ -258,7 +258,7 @@ bool TextRenderer::SetText(std::uint16_t id, const char* text, std::uint64_t len
 
 std::optional<Glyph> TextRenderer::FindGlyph(char character)
 {
-    // A character that isn't ASCII is negative, or above 126 where the type is unsigned.
+    // A character outside of ASCII is negative, or above 126 if the type is unsigned.
     if (character < s_firstCharacter || character > s_lastCharacter)
         return std::nullopt;
     const auto index = static_cast<std::size_t>(character - s_firstCharacter);

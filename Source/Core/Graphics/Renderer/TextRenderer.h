@@ -15,7 +15,7 @@ namespace Orvik::Graphics::Renderer
 
 class Renderer;
 
-/// A character of the font, as the atlas holds it. Pixels of the 96-pixel font.
+/// A character of the font in the atlas. Pixels of the 96-pixel font.
 struct Glyph
 {
     std::uint32_t layer = 0; ///< the character's code minus 32
@@ -31,53 +31,53 @@ struct Text
 {
     std::uint16_t id = 0;
     bool visible = true;
-    std::int64_t width = 0; ///< pen position behind the last glyph of the last line
+    std::int64_t width = 0; ///< pen position after the last glyph of the last line
     System::Math::Matrix4 model;
     System::Math::Vector4 color = {1.0F, 1.0F, 1.0F, 1.0F};
     std::vector<std::uint32_t> instanceIndices;
     std::vector<System::Math::Matrix4> instanceModels;
 };
 
-/// Draws short strings of printable ASCII, over everything else.
+/// Draws short strings of printable ASCII on top of everything else.
 class TextRenderer
 {
 public:
     /// Builds the shader program and the atlas of the font's characters. False without a context, or if the shaders or
-    /// the font can't be had; log lines have said why. A character that the font can't give is a warning.
+    /// the font aren't available; log lines say why. A character that the font can't give is a warning.
     [[nodiscard]] bool Initialize(Renderer& renderer);
 
-    /// For drawing into memory: opens the font. Its characters are made when they are first needed. False if it can't
-    /// be had; a log line has said why.
+    /// For drawing into memory: opens the font. Its characters are made at their first use. False if it isn't
+    /// available; a log line says why.
     [[nodiscard]] bool InitializeForRaster();
 
-    /// Draws the visible texts in their order, over what is there. Does nothing without a context.
+    /// Draws the visible texts in their order, on top of everything. Does nothing without a context.
     void Render(Renderer& renderer);
 
-    /// Frees the OpenGL objects, where there is a context still, and forgets all texts.
+    /// Frees the OpenGL objects, if there is a context, and forgets all texts.
     void Shutdown(Renderer& renderer);
 
     /// Adds a text and stores its id in `id`. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id, const char* text, std::uint64_t length, Renderer& renderer);
     std::uint16_t& Create(std::uint16_t& id, const char* text, Renderer& renderer);
 
-    /// The text, or null. Good until the next `Create` or `Remove`.
+    /// The text, or null. Valid until the next `Create` or `Remove`.
     [[nodiscard]] Text* Get(std::uint16_t id);
 
-    /// Replaces the string: up to `length` characters, ending at a zero. A character outside ASCII 32 to 126 and line
-    /// feed, or that the font couldn't give, is skipped with a warning. False for an unknown id.
+    /// Replaces the string: up to `length` characters, ending at a zero. A character outside of ASCII 32 to 126 and
+    /// line feed, or one that the font can't give, is skipped with a warning. False for an unknown id.
     bool SetText(std::uint16_t id, const char* text, std::uint64_t length, Renderer& renderer);
     bool SetText(std::uint16_t id, const char* text, Renderer& renderer);
 
-    /// Takes the text out; the last one takes its place in the order. False for an unknown id.
+    /// Removes the text; the last one takes its place in the order. False for an unknown id.
     bool Remove(std::uint16_t id);
 
-    /// What scales a text to that height in pixels.
+    /// The factor that scales a text to that height in pixels.
     [[nodiscard]] static float GetScale(std::uint16_t pixelSize);
 
-    /// Adds what the next frame's texts are made of.
+    /// Adds the state of the texts in the next frame.
     void AppendState(FrameState& state) const;
 
-    /// The coverage of the glyph of an atlas layer, for drawing into memory; good until `Shutdown`. Null if there is
+    /// The coverage of the glyph in an atlas layer, for drawing into memory; valid until `Shutdown`. Null if there is
     /// none.
     [[nodiscard]] const Raster::Glyph* GetCoverage(std::uint32_t layer);
 
@@ -89,7 +89,7 @@ public:
 private:
     [[nodiscard]] bool CreateAtlas(Renderer& renderer);
     void DrawText(Renderer& renderer, const Text& text);
-    /// Nothing for a character without a glyph.
+    /// Empty for a character without a glyph.
     [[nodiscard]] std::optional<Glyph> FindGlyph(char character);
 
     ObjectStore<Text> m_objects;

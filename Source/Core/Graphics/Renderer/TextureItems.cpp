@@ -1,4 +1,4 @@
-// What "texture.vert" and "texture.frag" make of a texture.
+// Does what "texture.vert" and "texture.frag" do to a texture.
 #include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/Graphics/Renderer/TextureRenderer.h"
 
@@ -41,7 +41,7 @@ bool IsUpright(const Matrix4& placement)
            m[15] == 1.0F && m[0] > 0.0F && m[5] > 0.0F;
 }
 
-/// False, and nothing done, if the picture goes too far beyond the surface to be counted in pixels.
+/// False, and nothing is done, if the picture goes so far beyond the surface that its pixels can't be counted.
 bool AppendUpright(const Texture& texture, const Matrix4& placement, const SurfaceSpace& space,
                    std::vector<Raster::Item>& items)
 {

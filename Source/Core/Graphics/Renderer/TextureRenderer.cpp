@@ -20,7 +20,7 @@ constexpr GLsizei s_indexCount = 6;
 constexpr std::uint8_t s_bitsWithAlpha = 32;
 constexpr std::uint8_t s_bitsWithoutAlpha = 24;
 
-/// An attribute's place within a vertex, as OpenGL wants it.
+/// An attribute's place within a vertex, in the form that OpenGL expects.
 const void* ToOffset(std::uintptr_t bytes)
 {
     return reinterpret_cast<const void*>(bytes);
@@ -59,7 +59,7 @@ void ScaleColumn(System::Math::Matrix4& matrix, std::size_t column, float factor
         matrix.elements[column * 4 + row] *= factor;
 }
 
-/// A picture that nobody has scaled yet gets its size in pixels.
+/// A picture without a scale gets its size in pixels.
 void ScaleToPixels(Texture& texture)
 {
     if (GetColumnLength(texture.model, 0) != 1.0F || GetColumnLength(texture.model, 1) != 1.0F)
@@ -145,7 +145,7 @@ void TextureRenderer::AppendState(FrameState& state) const
 void TextureRenderer::CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items)
 {
     const std::lock_guard lock(m_mutex);
-    m_pendingDeletes.clear(); // there is no driver that has them
+    m_pendingDeletes.clear(); // no driver has them
     for (const Texture& texture : m_objects)
     {
         if (texture.visible)
@@ -204,7 +204,7 @@ bool TextureRenderer::UpdateBitmap(std::uint16_t id, std::uint16_t width, std::u
     const bool isFirst = texture->gpuData.width == 0 && texture->gpuData.height == 0;
     if (isFirst && (width == 0 || height == 0))
         return true; // nothing to upload; the next picture is the first again
-    // A smaller pixel would make OpenGL read behind the rows.
+    // With fewer bytes per pixel OpenGL would read beyond the rows.
     if (pixels == nullptr || bitsPerPixel < s_bitsWithoutAlpha)
         return false;
 
@@ -239,7 +239,7 @@ void TextureRenderer::KeepPixels(Texture& texture, std::uint8_t bitsPerPixel, co
     const std::uint16_t height = texture.gpuData.height;
     if (bitsPerPixel == s_bitsWithAlpha && life == PixelLife::Texture)
         texture.image->Borrow(width, height, pixels);
-    else // as OpenGL reads it: four bytes to the pixel for 32 bits, three for anything else
+    else // like OpenGL: four bytes per pixel for 32 bits, three for anything else
         texture.image->Set(width, height, bitsPerPixel == s_bitsWithAlpha ? 4 : 3, pixels);
 }
 

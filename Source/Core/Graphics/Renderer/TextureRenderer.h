@@ -17,7 +17,7 @@ namespace Orvik::Graphics::Renderer
 
 class Renderer;
 
-/// How long the pixels of an upload stay where and as they are.
+/// How long the pixels of an upload keep their place and content.
 enum class PixelLife : std::uint8_t
 {
     Call,    ///< a copy is made
@@ -43,12 +43,12 @@ struct Texture
     std::shared_ptr<Raster::Image> image;                   ///< the pixels, where no driver keeps them
 };
 
-/// Draws images. Enlarged they show hard pixel squares, shrunk they are filtered. They are opaque.
+/// Draws images. They are opaque; enlarged ones show hard pixel squares, reduced ones are filtered.
 class TextureRenderer
 {
 public:
-    /// Builds the shader program and the square, and asks for the longest side. False without a context, or if the
-    /// shaders can't be built; log lines have said why.
+    /// Builds the shader program and the square, and reads the longest side. False without a context, or if the shaders
+    /// can't be built; log lines say why.
     [[nodiscard]] bool Initialize(Renderer& renderer);
 
     /// For drawing into memory: no side of a picture is too long.
@@ -57,34 +57,34 @@ public:
     /// Deletes what was removed, then draws the visible textures in their order. Does nothing without a context.
     void Render(Renderer& renderer);
 
-    /// Frees the OpenGL objects, where there is a context still, and forgets all textures.
+    /// Frees the OpenGL objects, if there is a context, and forgets all textures.
     void Shutdown(Renderer& renderer);
 
-    /// Adds a texture, stores its id in `id` and uploads the pixels: `height` rows from the top, tightly packed, in
+    /// Adds a texture, stores its id in `id` and uploads the pixels: `height` rows from the top, without padding, in
     /// the order blue, green, red and, with 32 bits per pixel, alpha. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
                           const void* pixels, Renderer& renderer, PixelLife life = PixelLife::Call);
 
-    /// The texture, or null. Good until the next `Create` or `Remove`.
+    /// The texture, or null. Valid until the next `Create` or `Remove`.
     [[nodiscard]] Texture* Get(std::uint16_t id);
 
-    /// Replaces the pixels in place. Another size than the first upload's is an assertion failure. An empty first
-    /// picture is no upload: the next one is the first again. False for an unknown id, without a context or pixels, or
+    /// Replaces the pixels. A size other than the first upload's is an assertion failure. An empty first picture
+    /// doesn't count as an upload: the next one is the first. False for an unknown id, without a context or pixels, or
     /// with less than 24 bits per pixel; nothing changes then.
     bool UpdateBitmap(std::uint16_t id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
                       const void* pixels, Renderer& renderer, PixelLife life = PixelLife::Call);
 
-    /// The longest side of a picture that the driver takes, in pixels; 0 before `Initialize`.
+    /// The longest side of a picture that the driver accepts, in pixels; 0 before `Initialize`.
     [[nodiscard]] std::int32_t GetMaximumSide() const { return m_maximumSide; }
 
-    /// Takes the texture out; the last one takes its place in the order. Its OpenGL object goes at the next `Render`,
-    /// so this may run away from the drawing. False for an unknown id.
+    /// Removes the texture; the last one takes its place in the order. The next `Render` deletes its OpenGL object, so
+    /// this needs no current context. False for an unknown id.
     bool Remove(std::uint16_t id);
 
-    /// Adds what the next frame's textures are made of.
+    /// Adds the state of the textures in the next frame.
     void AppendState(FrameState& state) const;
 
-    /// For drawing into memory: adds what the visible textures come to.
+    /// For drawing into memory: adds the items of the visible textures.
     void CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items);
 
     [[nodiscard]] GLuint GetProgram() const { return m_program; }

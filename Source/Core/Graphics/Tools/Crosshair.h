@@ -13,10 +13,10 @@ namespace Orvik::Graphics::Tools
 class Crosshair
 {
 public:
-    /// Makes the lines, or gives those that are there the window's size.
+    /// Makes the lines, or gives existing ones the window's size.
     void Fit(Size window, Renderer::LineRenderer& renderer);
 
-    /// Puts them at the cursor, window pixels. A line that is missing is passed over.
+    /// Moves them to the cursor, in window pixels. A missing line is skipped.
     void Move(System::Math::Point cursor, Size window, Renderer::LineRenderer& renderer) const;
 
     void Remove(Renderer::LineRenderer& renderer);

@@ -16,11 +16,11 @@ using System::Multimedia::Bitmap;
 constexpr float s_pictureDepth = 0.2F;
 constexpr float s_crossDepth = 0.3F;
 constexpr float s_labelDepth = 1.0F;
-/// A little darker than what it shows.
+/// A little darker than the picture.
 constexpr Vector4 s_pictureColour = {0.75F, 0.75F, 0.75F, 1.0F};
 
-/// The capture's part under the magnifier, at the size that the capture is shown at. A zoomed-out region of a strongly
-/// shrunk capture still shows a pixel.
+/// The capture's part under the magnifier, at the scale at which the capture is shown. Even a zoomed-out region of a
+/// strongly reduced capture has at least one pixel.
 Bitmap CutRegion(const Bitmap& capture, Point corner, Size region, float scale)
 {
     Bitmap cut = capture.Crop(corner.x, corner.y, region.width, region.height);
@@ -37,8 +37,8 @@ Matrix4 PlaceLabel(float x, float y, float scale)
 
 } // namespace
 
-// Settles the texture's size; the pixels are replaced before anything is drawn. The new texture comes before the old
-// one goes.
+// Sets the texture's size; the pixels are replaced before anything is drawn. The new texture is made before the old one
+// is removed.
 void MagnifierPicture::Create(const MagnifierSize& size, const Bitmap& capture, float scale,
                               Renderer::Renderer& renderer)
 {

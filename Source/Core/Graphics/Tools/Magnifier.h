@@ -14,11 +14,11 @@ namespace Orvik::Graphics::Tools
 class MagnifierPicture
 {
 public:
-    /// Makes a texture for regions of that size, in place of an earlier one. Its pixels come with `Show`.
+    /// Makes a texture for regions of that size, and removes an earlier one. `Show` sets its pixels.
     void Create(const MagnifierSize& size, const System::Multimedia::Bitmap& capture, float scale,
                 Renderer::Renderer& renderer);
 
-    /// Puts it at the place and shows the capture around a position in the drawn image. Nothing happens if there is no
+    /// Moves it to the place and shows the capture around a position in the drawn image. Does nothing if there is no
     /// texture.
     void Show(const MagnifierSize& size, const MagnifierPlace& place, System::Math::Point imagePosition,
               const System::Multimedia::Bitmap& capture, const SnipView& view, Renderer::Renderer& renderer) const;
@@ -35,10 +35,10 @@ private:
 class MagnifierCross
 {
 public:
-    /// Makes the lines, or gives those that are there the magnifier's size.
+    /// Makes the lines, or gives existing ones the magnifier's size.
     void Fit(Size magnifier, Renderer::LineRenderer& renderer);
 
-    /// Puts them at the magnifier's place. A line that is missing is passed over.
+    /// Moves them to the magnifier's place. A missing line is skipped.
     void Move(const MagnifierPlace& place, Size window, Renderer::LineRenderer& renderer) const;
 
     void Remove(Renderer::LineRenderer& renderer);
@@ -54,13 +54,13 @@ private:
 class MagnifierLabel
 {
 public:
-    /// Makes the text unless it is there.
+    /// Makes the text if it doesn't exist.
     void Create(const char* text, Renderer::Renderer& renderer);
 
     void SetText(const char* text, Renderer::Renderer& renderer) const;
 
-    /// Puts it with its lower left corner there, y upward, or with its lower right corner. Nothing happens if there is
-    /// no text.
+    /// Moves its lower left corner, or its lower right one, to a place; y counts upward. Does nothing if there is no
+    /// text.
     void Place(float left, float y, float scale, Renderer::TextRenderer& renderer) const;
     void PlaceFlushRight(float right, float y, float scale, Renderer::TextRenderer& renderer) const;
 

@@ -16,7 +16,7 @@ using System::Math::Vector4;
 constexpr float s_thickness = 1.0F;
 constexpr float s_rectangleDepth = 2.0F;
 constexpr float s_polygonDepth = 0.2F;
-/// The line renderer keeps the memory of the points and adds one at each end.
+/// The line renderer keeps the memory of the points and adds a point at each end.
 constexpr std::size_t s_addedPoints = 2;
 
 std::vector<Vector4> MakePoints(std::uint16_t width, std::uint16_t height)
@@ -41,7 +41,7 @@ void SelectionOutline::Create(Renderer::LineRenderer& renderer)
     }
 }
 
-// The line's y counts upward, so its origin is the lower edge.
+// The line's y counts upward, so its origin is at the lower edge.
 void SelectionOutline::ShowRectangle(const RectangleModeData& rectangle, Size window,
                                      Renderer::LineRenderer& renderer) const
 {

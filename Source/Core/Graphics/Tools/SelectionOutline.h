@@ -9,7 +9,7 @@
 namespace Orvik::Graphics::Tools
 {
 
-/// The line around what is being selected. Owns it.
+/// The line around the selection that is being made. Owns the line.
 class SelectionOutline
 {
 public:
@@ -18,14 +18,14 @@ public:
     /// Makes it around a single pixel.
     void Create(Renderer::LineRenderer& renderer);
 
-    /// Runs one pixel outside of the rectangle on each side.
+    /// Puts it one pixel outside of the rectangle on each side.
     void ShowRectangle(const RectangleModeData& rectangle, Size window, Renderer::LineRenderer& renderer) const;
 
-    /// Runs through the vertices and, as a rubber band, to the cursor.
+    /// Puts it through the vertices and, as a rubber band, to the cursor.
     void ShowPolygon(const std::vector<System::Math::Point>& vertices, System::Math::Point cursor, Size window,
                      Renderer::LineRenderer& renderer) const;
 
-    /// Keeps the line and its points, but out of sight.
+    /// Keeps the line and its points, but makes it invisible.
     void Hide(Renderer::LineRenderer& renderer) const;
 
     void Remove(Renderer::LineRenderer& renderer);

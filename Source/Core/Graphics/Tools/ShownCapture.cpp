@@ -13,11 +13,11 @@ using System::Math::Matrix4;
 using System::Multimedia::Bitmap;
 
 constexpr float s_depth = 0.1F;
-/// The dim look of the screen is this colour and nothing else.
+/// The dimmed screen is only this colour.
 constexpr System::Math::Vector4 s_colour = {0.5F, 0.5F, 0.5F, 1.0F};
 
-// A picture with a side beyond the driver's limit, a whole web page say, is shrunk to the size that it is shown at.
-// What is snipped comes from the capture all the same. Empty if it needn't be shrunk.
+// A picture with a side beyond the driver's limit, such as a whole web page, is reduced to the size at which it is
+// shown. Selections still come from the capture. Empty if the picture needn't be reduced.
 Bitmap ShrinkForDriver(const Bitmap& capture, float scale, std::int32_t maximumSide)
 {
     if (maximumSide == 0 || std::max(capture.GetWidth(), capture.GetHeight()) <= maximumSide)
@@ -34,7 +34,7 @@ bool ShownCapture::Update(const Bitmap& capture, const SnipView& view, Renderer:
     const Bitmap shrunk = ShrinkForDriver(capture, view.scale, textures.GetMaximumSide());
     const bool isShrunk = shrunk.GetSize() != 0;
     const Bitmap& shown = isShrunk ? shrunk : capture;
-    // The capture stays as it is until the next one replaces the texture.
+    // The capture doesn't change until the next one replaces the texture.
     const Renderer::PixelLife life = isShrunk ? Renderer::PixelLife::Call : Renderer::PixelLife::Texture;
     if (m_id != 0 && !textures.UpdateBitmap(m_id, shown.GetWidth(), shown.GetHeight(), shown.GetBitsPerPixel(),
                                             shown.GetPixels(), renderer, life))

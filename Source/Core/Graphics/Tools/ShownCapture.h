@@ -9,12 +9,12 @@
 namespace Orvik::Graphics::Tools
 {
 
-/// The whole capture, dimmed, under everything else. Owns its texture.
+/// The whole capture, dimmed, below everything else. Owns its texture.
 class ShownCapture
 {
 public:
-    /// Shows the capture in the middle of the window. Its pixels are borrowed until `Remove` or the next capture.
-    /// False if there is no texture afterwards.
+    /// Shows the capture in the middle of the window. Its pixels are borrowed until `Remove` or the next capture. False
+    /// if there is no texture afterwards.
     bool Update(const System::Multimedia::Bitmap& capture, const SnipView& view, Renderer::Renderer& renderer);
 
     void Remove(Renderer::TextureRenderer& renderer);

@@ -31,7 +31,7 @@ constexpr float s_minMagnification = 2.0F;
 
 using LabelText = std::array<char, 128>;
 
-// Neither a surface without pixels nor rows that are longer than their bitmap's memory can be drawn.
+// A surface without pixels can't be drawn, nor rows that are longer than their bitmap's memory.
 bool CanShow(const System::Multimedia::Bitmap& capture, Size window)
 {
     const std::uint8_t bits = capture.GetBitsPerPixel();
@@ -52,7 +52,7 @@ bool IsZoomOut(const ToolContext& context)
     return context.wheelDelta < 0.0F || (context.pressed && isKey);
 }
 
-/// One pixel in the direction of the key, none for other keys.
+/// One pixel in the direction of the key, nothing for other keys.
 Point GetStep(std::uint8_t key)
 {
     const auto isOneOf = [key](KeyCode first, KeyCode second)
@@ -149,13 +149,13 @@ void SnipBench::UpdateZoom(const ToolContext& context, Renderer::Renderer& rende
     else
         return;
 
-    // On a small window with a large capture the upper limit lies below the least zoom; the least zoom counts.
+    // On a small window with a large capture the upper limit is below the least zoom; the least zoom wins.
     magnification = std::max(magnification, s_minMagnification);
     ChangeMagnifier(renderer, static_cast<std::uint16_t>(Truncate(magnification)));
     UpdateMagnifier(renderer);
 }
 
-// Moves the pointer alone. The cursor follows when the system reports that the pointer moved.
+// Moves only the pointer. The cursor follows when the system reports that the pointer moved.
 void SnipBench::UpdateCursorKeys(const ToolContext& context) const
 {
     if (context.type != ToolEventType::Key || !context.pressed)

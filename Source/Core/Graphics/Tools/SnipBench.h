@@ -36,7 +36,7 @@ enum class SnipMode : std::uint8_t
     Polygon,
 };
 
-/// The interactive tool: shows a capture, lets the user select on it, and hands each selection to `onResult`. It knows
+/// The interactive tool: shows a capture, lets the user select on it, and passes each selection to `onResult`. It uses
 /// no window and draws nothing itself: it changes render objects. One thread.
 class SnipBench
 {
@@ -51,7 +51,7 @@ public:
         System::Multimedia::Bitmap bitmap;         ///< the picture to snip; empty: the display is captured
     };
 
-    /// One finished selection. Everything is borrowed for the length of the callback.
+    /// One finished selection. Everything is only valid during the callback.
     struct Result
     {
         std::int64_t startTime;                    ///< ticks of the system clock when the tool was set up
@@ -63,64 +63,64 @@ public:
 
     using ResultHandler = std::function<bool(Result&)>;
 
-    /// Receives each selection; true lets the tool go on, false ends it, as does an empty handler. Set before `Start`.
+    /// Receives each selection; true lets the tool go on, false ends it, like an empty handler. Set before `Start`.
     ResultHandler onResult;
 
     using DisplayFinder = std::function<const System::Device::Display::DisplayDescriptor*(std::uint16_t id)>;
 
-    /// Answers with the display of that id, or null. Without it there is no display: nothing can be captured, and
-    /// screen positions are window positions. Set before `Start`.
+    /// Returns the display of that id, or null. Without it there is no display: nothing can be captured, and screen
+    /// positions are window positions. Set before `Start`.
     DisplayFinder findDisplay;
 
-    /// Takes the parameters' picture or a capture of the context's display and shows it. The context's position is the
-    /// pointer's, screen pixels. Without a picture the tool stays inactive; a log line has said so. Calling it on
-    /// a running tool is an assertion failure.
+    /// Takes the parameters' picture or a capture of the context's display and shows it. The context's position is that
+    /// of the pointer, in screen pixels. Without a picture the tool stays inactive, and a log line says so. An
+    /// assertion failure if the tool is running.
     void Start(System::Tools::ToolContext& context, Parameters parameters, Renderer::Renderer& renderer);
 
-    /// Takes one input.
+    /// Handles one input.
     void Update(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
 
-    /// Removes everything from the screen. Harmless on an inactive tool.
+    /// Removes everything from the screen. Does nothing on an inactive tool.
     void End(Renderer::Renderer& renderer);
 
-    /// Chooses what the next selections are. Only while the tool is `Ready`; otherwise nothing happens and the result
-    /// is false. Every start chooses `Rectangle`.
+    /// Sets the shape of the next selections. Only while the tool is `Ready`; otherwise nothing happens and the result
+    /// is false. Every start sets `Rectangle`.
     bool SetMode(SnipMode mode);
 
-    /// Sets the magnifier's zoom, an even number. 0 and odd numbers are assertion failures. Nothing happens while the
-    /// tool is inactive.
+    /// Sets the magnifier's zoom, an even number. 0 and odd numbers are assertion failures. Does nothing while the tool
+    /// is inactive.
     void ChangeMagnifier(Renderer::Renderer& renderer, std::uint16_t magnification);
 
     [[nodiscard]] Size GetMagnifierSize() const { return {m_magnifierWidth, m_magnifierHeight}; }
 
-    /// The cursor, window pixels; within the drawn image.
+    /// The cursor, in window pixels; within the drawn image.
     [[nodiscard]] System::Math::Point GetCursor() const { return {m_cursorX, m_cursorY}; }
 
     [[nodiscard]] SnipState GetState() const { return m_snipState; }
     [[nodiscard]] SnipMode GetMode() const { return m_snipMode; }
 
 protected:
-    /// Copies the display `displayIds[1]` of the context, opaque, into `m_capture`; the copy doesn't show `window`,
-    /// which may be null. False without such a display, for one whose rows a bitmap can't count, or if the screen can't
-    /// be copied; `m_capture` then stays as it was, and only a copy that was begun has left a log line.
+    /// Copies the display `displayIds[1]` of the context, opaque, into `m_capture`, without `window`, which may be
+    /// null. False if there is no such display, if its rows are too long for a bitmap, or if the screen can't be
+    /// copied; `m_capture` is unchanged then. Only a copy that was begun leaves a log line.
     [[nodiscard]] bool GetDisplayCapture(System::Tools::ToolContext& context, Renderer::Renderer& renderer,
                                          System::Desktop::Window* window);
-    /// Shows `m_capture` on the surface with the cursor at the context's position, and makes the tool `Ready`.
-    /// False for a surface without area and for a picture that can't be drawn: without pixels, without colours, or with
-    /// rows cut short. Nothing is on the screen and nothing is logged then.
+    /// Shows `m_capture` on the surface with the cursor at the context's position, and makes the tool `Ready`. False
+    /// for a surface without area and for a picture that can't be drawn: without pixels, without colours, or with rows
+    /// cut short. Nothing is shown and nothing is logged then.
     [[nodiscard]] bool Setup(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
 
-    // What follows the cursor.
+    // Objects that follow the cursor.
     void CreateMagnifierObjects(Renderer::Renderer& renderer);
     void UpdateMagnifier(Renderer::Renderer& renderer);
     bool UpdateCaptureTexture(Renderer::Renderer& renderer);
 
     [[nodiscard]] Size GetWindowSize() const { return {m_windowWidth, m_windowHeight}; }
     [[nodiscard]] SnipView GetView() const;
-    /// Repeats the first vertex at the end, and gives the ring relative to the bounds, capture pixels.
+    /// Repeats the first vertex at the end, and returns the ring relative to the bounds, in capture pixels.
     [[nodiscard]] std::vector<System::Math::Point> CloseRing(const System::Math::Rectangle& bounds);
 
-    /// A polygon being placed, window pixels.
+    /// A polygon that is being placed, in window pixels.
     struct PolygonModeData
     {
         std::vector<System::Math::Point> points;
@@ -158,13 +158,13 @@ private:
     void UpdateZoom(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
     void UpdateCursorKeys(const System::Tools::ToolContext& context) const;
     void MoveCursor(System::Math::Point position);
-    /// The window position of a mouse move to another place than the cursor's.
+    /// The window position of a mouse move, if it differs from the cursor's.
     [[nodiscard]] std::optional<System::Math::Point> FindMove(const System::Tools::ToolContext& context) const;
     [[nodiscard]] const System::Device::Display::DisplayDescriptor* FindDisplay(std::uint16_t id) const;
-    /// What is subtracted from a screen position on the context's display to make it one on the window.
+    /// Subtracting this from a screen position on the context's display gives a window position.
     [[nodiscard]] System::Math::Point GetDisplayOrigin(const System::Tools::ToolContext& context) const;
     [[nodiscard]] MagnifierSize GetMagnifier() const;
-    /// Cuts the selection out and hands it over to the receiver, which has to be there. Whether the tool goes on.
+    /// Cuts the selection out and passes it to the receiver, which has to exist. Whether the tool goes on.
     [[nodiscard]] bool Deliver(System::Math::Rectangle& bounds, std::vector<System::Math::Point>* polygon);
 
     // SnipBenchRectangle.cpp: a rectangle, from the press to the release.

@@ -22,7 +22,7 @@ System::Math::Rectangle GetRegion(const DisplayDescriptor& display)
     return {display.x, display.y, display.x + display.width, display.y + display.height};
 }
 
-/// Whether rows and picture stay within what a bitmap can count.
+/// Whether rows and picture are small enough for a bitmap.
 bool FitsBitmap(const DisplayDescriptor& display)
 {
     constexpr std::uint64_t maxStride = std::numeric_limits<std::uint16_t>::max();
@@ -45,7 +45,7 @@ bool SnipBench::GetDisplayCapture(System::Tools::ToolContext& context, Renderer:
     if (!capture.Initialize(display->id, GetRegion(*display)))
         return false;
 
-    // Straight into what is kept; a copy that fails leaves it empty.
+    // Directly into the result; a copy that fails leaves it empty.
     System::Multimedia::Bitmap picture;
     capture.SetWindow(window);
     const bool isCaptured = capture.Capture(

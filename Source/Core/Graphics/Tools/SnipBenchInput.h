@@ -13,14 +13,14 @@ namespace Orvik::Graphics::Tools
     return context.type == System::Tools::ToolEventType::Key && context.key == static_cast<std::uint8_t>(key);
 }
 
-/// The left mouse button, or the space bar in its place, going down or up.
+/// The left mouse button, or the space bar instead of it, going down or up.
 [[nodiscard]] constexpr bool IsSelectInput(const System::Tools::ToolContext& context) noexcept
 {
     const bool isLeftButton = context.type == System::Tools::ToolEventType::MouseButton && context.leftButton;
     return isLeftButton || IsKey(context, System::Desktop::KeyCode::Space);
 }
 
-/// What takes a step back: the right mouse button going up.
+/// The right mouse button going up: it takes a step back.
 [[nodiscard]] constexpr bool IsRightRelease(const System::Tools::ToolContext& context) noexcept
 {
     return context.type == System::Tools::ToolEventType::MouseButton && !context.leftButton && !context.pressed;

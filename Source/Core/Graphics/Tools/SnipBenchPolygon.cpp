@@ -53,7 +53,7 @@ void SnipBench::UpdatePolygonMode(ToolContext& context, Renderer::Renderer& rend
     }
 }
 
-// Ends the polygon or makes it grow. The click that closes is no vertex itself.
+// Closes the polygon or adds a vertex. The click that closes it adds none.
 void SnipBench::PlaceVertex(Renderer::Renderer& renderer)
 {
     if (ClosesPolygon(m_polygonModeData.points, GetCursor()))

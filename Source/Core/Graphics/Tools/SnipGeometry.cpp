@@ -16,11 +16,11 @@ using System::Math::Rectangle;
 using System::Math::Vector4;
 
 constexpr std::uint16_t s_minMagnifierSide = 32;
-/// Between cursor and magnifier, for a magnifier of 128 pixels and less.
+/// The distance from the cursor, for a magnifier of up to 128 pixels.
 constexpr float s_minMargin = 16.0F;
 constexpr float s_minLabelHeight = 16.0F;
 constexpr std::size_t s_minVertices = 3;
-/// Squared window pixels around the first vertex within which a click closes: 16 pixels straight.
+/// Squared window pixels around the first vertex within which a click closes: 16 pixels in a straight line.
 constexpr std::int64_t s_closingLimit = 257;
 
 /// Half the size at which the image is drawn.
@@ -45,7 +45,7 @@ std::int32_t ToCapture(std::int32_t position, std::int32_t imageOffset, float sc
     return Truncate(static_cast<float>(static_cast<std::uint16_t>(position - imageOffset)) / scale);
 }
 
-/// A position far outside of every screen must not come back in on the other side.
+/// A position far outside of every screen mustn't come in again on the other side.
 std::int32_t Subtract(std::int32_t value, std::int32_t amount)
 {
     using Limits = std::numeric_limits<std::int32_t>;
@@ -117,7 +117,7 @@ std::int32_t ToCaptureY(const SnipView& view, std::int32_t windowY)
     return ToCapture(windowY, GetImageCorner(view).y, view.scale);
 }
 
-// The vertical test leaves one more margin than the horizontal one.
+// The vertical test leaves one margin more than the horizontal one.
 MagnifierPlace PlaceMagnifier(Size window, Size magnifier, Point cursor)
 {
     const float cursorX = static_cast<std::uint16_t>(cursor.x);

@@ -7,15 +7,15 @@
 namespace Orvik::Graphics::Tools
 {
 
-/// A text that goes away by itself.
+/// A text that disappears by itself.
 class TimedLabel
 {
 public:
-    /// Shows `text` (zero-terminated) for `duration` nanoseconds, in place of an earlier one. Returns the text object,
+    /// Shows `text` (zero-terminated) for `duration` nanoseconds, and replaces an earlier one. Returns the text object,
     /// which the caller places, or null.
     Renderer::Text* Show(const char* text, std::int64_t duration, Renderer::Renderer& renderer);
 
-    /// Lets time pass, in nanoseconds. True in the one call that took the text away.
+    /// Moves the time on by that many nanoseconds. True in the one call that removes the text.
     bool Tick(std::int64_t elapsed, Renderer::Renderer& renderer);
 
     /// How long the text stays, in nanoseconds; less than 0 if there is none.

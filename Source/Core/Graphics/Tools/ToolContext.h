@@ -17,7 +17,7 @@ enum class ToolEventType : std::uint8_t
     Key,
 };
 
-/// One input for a tool. Made afresh for each.
+/// One input for a tool. Each input has a new one.
 struct ToolContext
 {
     ToolEventType type = ToolEventType::None;

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-/// What the tool's units do alike with their render objects. An id of 0 stands for no object.
+/// Functions that the tool's units share for their render objects. An id of 0 means no object.
 namespace Orvik::Graphics::Tools
 {
 
@@ -21,7 +21,7 @@ void RemoveObject(ObjectRenderer& renderer, std::uint16_t& id)
     id = 0;
 }
 
-/// An object that is missing is passed over.
+/// A missing object is skipped.
 template <typename Object>
 void Place(Object* object, const System::Math::Matrix4& model, const System::Math::Vector4& colour)
 {
@@ -31,7 +31,7 @@ void Place(Object* object, const System::Math::Matrix4& model, const System::Mat
     object->color = colour;
 }
 
-/// Makes the line, or gives the one that is there other points.
+/// Makes the line, or gives an existing one other points.
 inline void SetLinePoints(Renderer::LineRenderer& renderer, std::uint16_t& id, const System::Math::Vector4& first,
                           const System::Math::Vector4& second)
 {

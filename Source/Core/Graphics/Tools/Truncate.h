@@ -6,7 +6,7 @@
 namespace Orvik::Graphics::Tools
 {
 
-/// The number without its fraction. Beyond 32 bits it is the nearest limit; what is no number is 0.
+/// The number without its fraction. Beyond 32 bits it is the nearest limit; 0 if it isn't a number.
 [[nodiscard]] constexpr std::int32_t Truncate(float value) noexcept
 {
     constexpr float limit = 2147483648.0F;

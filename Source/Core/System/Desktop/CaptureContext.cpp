@@ -15,7 +15,7 @@ namespace Orvik::System::Device::Display
 namespace
 {
 
-/// The callback gets the sides in 16 bits: a longer one could only lie to it.
+/// The callback gets the sides in 16 bits, which can't hold a longer one.
 bool IsCapturable(const Math::Rectangle& region)
 {
     constexpr std::uint32_t longest = std::numeric_limits<std::uint16_t>::max();
@@ -24,7 +24,7 @@ bool IsCapturable(const Math::Rectangle& region)
     return width > 0 && width <= longest && height > 0 && height <= longest;
 }
 
-/// Two pixels at a time, and one way through memory. Pixels are whole, so the bytes are a multiple of 4.
+/// Copies two pixels at a time, in one pass. Pixels are whole, so the bytes are a multiple of 4.
 void CopyOpaque(const unsigned char* source, std::uint64_t bytes, unsigned char* target)
 {
     constexpr std::uint64_t pairBytes = 8;
@@ -87,7 +87,7 @@ bool CaptureContext::CopyScreen(const Callback& callback, FourthByte fourthByte)
                  requiredSize);
     ORVIK_ASSERT(targetImageBuffer.GetSize() >= requiredSize,
                  "Provided buffer for image is expected to match or exceed the required size.");
-    if (targetImageBuffer.GetSize() < requiredSize) // where the program goes on after an assertion
+    if (targetImageBuffer.GetSize() < requiredSize) // only if the program goes on after an assertion
         return false;
     if (fourthByte == FourthByte::Opaque)
         CopyOpaque(pixels.data, requiredSize, targetImageBuffer.data);

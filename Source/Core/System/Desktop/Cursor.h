@@ -5,8 +5,8 @@
 namespace Orvik::System::Device::Cursor
 {
 
-/// Writes where the pointer is, in screen pixels; while a motion over a window is being delivered, where it was when
-/// the motion was made. False with a log line if the system doesn't tell; `position` then stays as it was.
+/// Writes where the pointer is, in screen pixels; while a motion event is being delivered, where it was when the event
+/// was made. False with a log line if the system doesn't report it; `position` is unchanged then.
 bool GetCurrentPosition(Math::Point& position);
 
 /// Moves the pointer to a position in screen pixels, through the input queue, so that the window under it gets a

@@ -11,7 +11,7 @@
 namespace Orvik::System::Device::Display
 {
 
-/// Knows the displays of the desktop, as they were when it was initialised. Read-only from then on.
+/// The displays of the desktop, as they were at initialisation. Read-only from then on.
 class DisplayCache final
     : public Runtime::SystemBase<DisplayCache, "DisplayCache", 12, GUID{0x2741C9268DCB47A2, 0x9DE7F385B2457F35},
                                  Runtime::EmptyConfig>
@@ -25,7 +25,7 @@ public:
     [[nodiscard]] bool Initialize(const Runtime::IConfig* config) override;
     void OnConfigured() override;
 
-    /// The display of the foreground window at start-up, or `InvalidDisplayId`.
+    /// The display of the window that was in the foreground at the start, or `InvalidDisplayId`.
     [[nodiscard]] std::uint16_t GetActiveDisplayId() const { return m_activeDisplayId; }
 
     /// The active display, else the primary one, else the first, else `InvalidDisplayId`.
@@ -34,15 +34,15 @@ public:
     /// The display with that id, or null. Stays valid for the life of the cache.
     [[nodiscard]] const DisplayDescriptor* GetDisplay(std::uint16_t id) const;
 
-    /// The bounding rectangle of all displays. It always holds the origin of the virtual desktop.
+    /// The smallest rectangle around all displays and the origin of the virtual desktop.
     [[nodiscard]] const Math::Rectangle& GetDesktopBounds() const { return m_desktopBounds; }
 
     [[nodiscard]] const std::vector<DisplayDescriptor>& GetDisplays() const { return m_displays; }
 
 private:
-    /// Binds the log lines to their stream and to what is configured for it.
+    /// Connects the log lines to their stream and to its configuration.
     void BindLogStream();
-    /// Fills the records from what the desktop lists.
+    /// Fills the records from the desktop's list.
     void IterateThroughDevices();
     void LogDisplay(const DisplayDescriptor& display) const;
 
@@ -50,7 +50,7 @@ private:
     std::uint16_t m_activeDisplayId = InvalidDisplayId;
     Math::Rectangle m_desktopBounds;
     std::vector<DisplayDescriptor> m_displays;
-    /// Not a constant as elsewhere: this System obeys the configured severity of its stream.
+    /// Not a constant as in other units: this System follows the configured severity of its stream.
     Log::Context m_logContext;
 };
 

@@ -8,7 +8,7 @@
 namespace Orvik::System::Device::Display
 {
 
-/// What a desktop tells of one of its displays, as wide as the desktops tell it. Physical pixels.
+/// What a desktop reports about one of its displays, in the widest type of any desktop. Physical pixels.
 struct DisplayMode
 {
     std::string name; ///< UTF-8
@@ -21,8 +21,8 @@ struct DisplayMode
     bool isPrimary = false;
 };
 
-/// Copies what is told of a display into its record, all but the ids and the scale. A value that the record's narrower
-/// field can't hold is an assertion failure.
+/// Copies a display's mode into its record, except the ids and the scale. A value that doesn't fit into the record's
+/// narrower field is an assertion failure.
 void ApplyMode(const DisplayMode& mode, DisplayDescriptor& display);
 
 } // namespace Orvik::System::Device::Display

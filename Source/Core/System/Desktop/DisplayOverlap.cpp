@@ -7,7 +7,7 @@ namespace Orvik::System::Device::Display
 namespace
 {
 
-/// In 64 bits, for a window may end beyond what 32 hold.
+/// In 64 bits, because a window may end beyond 32.
 struct Area
 {
     std::int64_t left;

@@ -5,7 +5,7 @@
 namespace Orvik::System::Desktop
 {
 
-/// The keys. Codes 1 to 83 follow the scan codes of the PC keyboard; the others come behind in a fixed order.
+/// The keys. Codes 1 to 83 follow the scan codes of the PC keyboard; the others follow in a fixed order.
 enum class KeyCode : std::uint8_t
 {
     Undefined = 0,
@@ -162,7 +162,7 @@ enum class KeyCode : std::uint8_t
     Reserved = 151,
 };
 
-/// Number of key codes, the two without a key included.
+/// The number of key codes, including the two without a key.
 inline constexpr std::uint32_t KeyCodeCount = 152;
 
 } // namespace Orvik::System::Desktop

@@ -18,8 +18,8 @@ namespace Orvik::System::Desktop
 
 using Desktops::NativeWindow;
 
-/// Memory that is shown on a window, aligned to the window's lower left corner: what a window has more of lies above
-/// and to the right, and is left alone. The desktop's plainest means, without a driver. The thread of the window.
+/// Memory that is shown on a window, aligned to the window's lower left corner. If the window is larger, the rest above
+/// and to the right is left alone. The desktop's simplest way to show pixels, without a driver. Thread of the window.
 class PixelSurface
 {
 public:
@@ -28,8 +28,9 @@ public:
     PixelSurface(const PixelSurface&) = delete;
     PixelSurface& operator=(const PixelSurface&) = delete;
 
-    /// Makes the memory for a window, both sides at least 1, in pixels. Its contents are anything. False if the
-    /// memory can't be had, if the window is gone or if its colours can't be made of ours; there is none then.
+    /// Makes the memory for a window, both sides at least 1, in pixels. Its contents are undefined. False if the memory
+    /// isn't available, if the window is gone, or if our colours can't be converted to its own; there is no memory
+    /// then.
     [[nodiscard]] bool Create(NativeWindow window, std::uint32_t width, std::uint32_t height);
 
     /// Gives the memory back. The window keeps what it shows.
@@ -41,7 +42,7 @@ public:
     [[nodiscard]] std::uint32_t* GetPixels() const noexcept;
     [[nodiscard]] std::size_t GetStride() const noexcept;
 
-    /// Waits until what was presented before has been read from the memory. False if the desktop is gone.
+    /// Waits until the desktop has read the last frame from the memory. False if the desktop is gone.
     [[nodiscard]] bool BeginFrame();
 
     /// Shows parts of the memory, in pixels from its top left corner; they lie within it. Some desktops show them when

@@ -1,15 +1,15 @@
 #pragma once
 
-// What a desktop says of the pointer.
+// What a desktop reports about the pointer.
 
 #include "Core/System/Types/Point.h"
 
 namespace Orvik::System::Device::Cursor
 {
 
-/// Says, while a motion is being delivered, where the pointer was when the motion was made. The desktop may be far
-/// ahead by then: a handler that is late and asks the desktop where the pointer is would start a drag at its end.
-/// Scopes don't nest, and count for their own thread alone.
+/// Says, while a motion is being delivered, where the pointer was when the motion was made. The pointer may be far
+/// ahead by then: a handler that asks the desktop for the position too late would start a drag at its end. Scopes don't
+/// nest, and count only for their own thread.
 class PointerEventScope
 {
 public:
@@ -23,10 +23,10 @@ public:
     [[nodiscard]] static const Math::Point* GetPosition() noexcept;
 };
 
-/// The program has moved the pointer itself, and the motion event of that is in the queue. From any thread.
+/// To be called when the program has moved the pointer itself: the motion event is in the queue. From any thread.
 void AnnounceOwnMotion() noexcept;
 
-/// Whether that was announced since the last call.
+/// Whether `AnnounceOwnMotion` was called since the last call of this.
 [[nodiscard]] bool TakeOwnMotion() noexcept;
 
 } // namespace Orvik::System::Device::Cursor

@@ -10,20 +10,21 @@
 namespace Orvik::System::Desktop
 {
 
-/// The keys that a window has seen go down, by their physical number. It keeps a key from sticking: a release has
-/// the code of its press even if the layout changed in between, and keys whose release will go elsewhere are let go.
+/// The keys whose press a window has seen, by their physical number. It keeps keys from sticking: a release gets the
+/// code of its press even if the layout has changed in between, and a key whose release won't reach the window is
+/// released.
 class PressedKeys
 {
 public:
     void Press(std::uint8_t physicalKey, KeyCode key);
 
-    /// Whether its press was seen, and not yet its release.
+    /// Whether the press was seen, but not the release.
     [[nodiscard]] bool IsDown(std::uint8_t physicalKey) const;
 
     /// The code to report for a release: that of the press, or `key` if the press wasn't seen.
     [[nodiscard]] KeyCode Release(std::uint8_t physicalKey, KeyCode key);
 
-    /// Queues a release for every key that is down: its own won't come here any more.
+    /// Queues a release for every pressed key, because the real one won't reach this window any more.
     void LetGo();
 
     [[nodiscard]] bool HasQueuedRelease() const { return !m_queued.empty(); }

@@ -87,7 +87,7 @@ bool Window::Create()
         ORVIK_ASSERT(false, "Illegal switch case.");
         return false;
     }
-    // The events that come with the creation still find no handle.
+    // The events that come during the creation don't find a handle yet.
     m_handle = m_native->Create({m_name, m_className, m_position, m_size, m_type, m_surfaceKind});
     if (m_handle == NativeWindow::None)
         return false;
@@ -97,7 +97,7 @@ bool Window::Create()
 
 void Window::Update()
 {
-    // Only this thread's own steps lead from one case to another; there is nothing to wait for.
+    // Only this thread changes the state here, so nothing needs to be synchronised.
     switch (m_state.load(std::memory_order_relaxed))
     {
     case WindowState::Undefined:
@@ -126,7 +126,7 @@ void Window::Update()
     ORVIK_ASSERT(false, "Implementation of case directive is missing.");
 }
 
-// The hook's first run belongs to the step, its second to `Update`: a surface that draws in it draws twice a step.
+// The hook's first call belongs to the step, its second to `Update`: a surface that draws in it draws twice a step.
 void Window::PumpVisible()
 {
     m_native->Pump();
@@ -267,7 +267,7 @@ void Window::Destroy()
 {
     if (m_handle != NativeWindow::None)
         m_native->Destroy();
-    // The class is this window's own if it has the window's very name.
+    // The class belongs to this window alone if both have the very same name.
     if (m_className == m_name)
         m_native->Unregister(m_className);
 }

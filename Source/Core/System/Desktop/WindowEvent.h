@@ -22,7 +22,7 @@ enum class WindowEventType : std::uint32_t
     Paint = 11,
 };
 
-/// What happened to a window. `type` says which member of `data` holds values; a kind without values has all zeros.
+/// What happened to a window. `type` says which member of `data` is set; in a kind without data everything is 0.
 struct WindowEvent
 {
     struct Key
@@ -45,7 +45,7 @@ struct WindowEvent
 
     union Data
     {
-        std::uint64_t hotKey; ///< first, so that a zeroed event is zero throughout
+        std::uint64_t hotKey; ///< first, so that a zeroed event is 0 everywhere
         Key key;
         MouseMove mouseMove;
         float wheelDelta; ///< notches, positive away from the user

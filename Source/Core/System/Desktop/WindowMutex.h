@@ -8,8 +8,8 @@
 namespace Orvik::System::Desktop
 {
 
-/// A plain mutex that refuses to be locked again by the thread that holds it, with the standard library's own error for
-/// that, where `std::mutex` would wait for itself.
+/// A mutex that refuses a second lock by the thread that holds it, with the standard library's own error for that.
+/// `std::mutex` would wait forever.
 class WindowMutex
 {
 public:
@@ -22,7 +22,7 @@ public:
         m_owner.store(std::this_thread::get_id());
     }
 
-    /// False if it is held, by whichever thread.
+    /// False if any thread holds it.
     [[nodiscard]] bool try_lock()
     {
         if (m_owner.load() == std::this_thread::get_id() || !m_mutex.try_lock())

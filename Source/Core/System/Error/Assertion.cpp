@@ -12,14 +12,14 @@ namespace
 
 void ReportToStandardError(const AssertionInfo& info)
 {
-    static const std::ios_base::Init s_streams; // a static constructor may fail before they are made
+    static const std::ios_base::Init s_streams; // a static constructor may fail before the streams are made
     std::cerr << "Assertion: " << info.condition << "\n\tMessage: " << info.message
               << "\n\nCallstack:\n\t[0]: " << info.location->file << " at " << info.location->line << ": "
               << info.location->function << std::endl;
     std::abort();
 }
 
-// Atomic: any thread may fail, or replace them. Without a constructor that would come after the first who does.
+// Atomic, because any thread may fail or replace them. Constant from the start, because static constructors may fail.
 constinit std::atomic<AssertionHandler> s_handler = &ReportToStandardError;
 constinit std::atomic<bool> s_continueAfterAssertion = false;
 

@@ -5,7 +5,7 @@
 namespace Orvik::System::Error
 {
 
-/// What is known of a failed assertion. Valid for the length of the handler's call.
+/// What is known about a failed assertion. Valid during the handler's call.
 struct AssertionInfo
 {
     const char* condition; ///< as written
@@ -13,27 +13,27 @@ struct AssertionInfo
     const SourceLocation* location;
 };
 
-/// What a failed assertion runs. The program's handler reports and ends the process; a test installs one that throws.
+/// Called for a failed assertion. The program's handler reports and ends the process; a test installs one that throws.
 using AssertionHandler = void (*)(const AssertionInfo& info);
 
-/// Replaces the handler and returns the one before. Null brings back the default, which writes the assertion to
-/// standard error and ends the process by `std::abort`. May be called from any thread.
+/// Replaces the handler and returns the previous one. Null restores the default, which writes the assertion to standard
+/// error and ends the process by `std::abort`. From any thread.
 AssertionHandler SetAssertionHandler(AssertionHandler handler) noexcept;
 
-/// Whether a site goes on after a handler that returned. It is not by default: the site then ends the process as the
-/// platform's own assertion does.
+/// Whether the code after a failed assertion runs if the handler returns. By default it doesn't: the process ends like
+/// after a failed assertion of the platform.
 void SetContinueAfterAssertion(bool enabled) noexcept;
 
-/// What a failed site calls: the handler, then, unless sites go on, the platform's own assertion failure with
-/// the condition in parentheses, the full compiled-in path and the line.
+/// Called by a failed assertion. Calls the handler; then, unless the code is to go on, the platform's own assertion
+/// failure, with the condition in parentheses, the full compiled-in path and the line.
 void FailAssertion(const char* condition, const char* message, const char* path, const SourceLocation& location);
 
-/// Ends the process in the way of the platform's `assert`. `condition` comes in parentheses.
+/// Ends the process like the platform's `assert`. `condition` is in parentheses.
 [[noreturn]] void FailAssertionPlatform(const char* condition, const char* path, const SourceLocation& location);
 
 } // namespace Orvik::System::Error
 
-/// States what has to hold unless the program itself is at fault. It stays in every build.
+/// States what always holds unless the program has a bug. It stays in every build.
 #define ORVIK_ASSERT(condition, message)                                                                               \
     do                                                                                                                 \
     {                                                                                                                  \

@@ -9,8 +9,8 @@
 namespace Orvik::System::Error
 {
 
-/// The number of an error as reports print it. It is carried and printed; nothing branches on it.
-/// From the lowest bit upward: 16 bits that are 2 in every error of this program, 16 bits of category, 32 bits of code.
+/// The number of an error in reports. It is only printed; no code depends on it. From the lowest bit upward: 16 bits
+/// that are 2 in every error of this program, 16 bits of category, 32 bits of code.
 struct ErrorCode
 {
     std::uint64_t value = 0; ///< 0 for an exception without an error
@@ -24,7 +24,7 @@ struct ErrorCode
     return {(std::uint64_t{code} << 32U) | (std::uint64_t{category} << 16U) | kind};
 }
 
-/// What can go wrong, as a type: category and code at compile time, and one constant record with the default text.
+/// A kind of error, as a type: category and code at compile time, and one constant record with the default text.
 template <std::uint16_t Category, std::uint32_t Code>
 struct Error
 {
@@ -42,7 +42,7 @@ inline constexpr Error<503, 30> LogFileStateError{.text = "Internal state doesn'
 inline constexpr Error<964, 1> DpiConfigurationError{.text = "Setup of DPI configuration failed."};
 
 /// The program's own exception: where it was thrown and, in `ExceptionWithDetails`, what was wrong. Small, copied by
-/// value, and the owner of nothing. It is no `std::exception`; catch clauses name the two families apart.
+/// value, and owns nothing. It isn't derived from `std::exception`: catch clauses name the two families separately.
 class Exception
 {
 public:
@@ -59,7 +59,7 @@ public:
 
     virtual void WriteMessage(std::ostream& stream) const;
 
-    /// Marks the exception as handled and hands it to `ErrorHandling`, which writes the report.
+    /// Marks the exception as handled and passes it to `ErrorHandling`, which writes the report.
     virtual void Report();
 
     [[nodiscard]] const SourceLocation& GetLocation() const noexcept { return m_location; }
@@ -79,7 +79,7 @@ struct ErrorDetails
     /// Takes the error's own text.
     explicit constexpr ErrorDetails(Error_Type& error) noexcept : code(error.code), message(error.text) {}
 
-    /// Takes a text of the throw site, a constant. Null is reported as no message.
+    /// Takes a text of the throwing code, a constant. Null is reported as no message.
     constexpr ErrorDetails(Error_Type& error, const char* text) noexcept : code(error.code), message(text) {}
 
     void WriteMessage(std::ostream& stream) const { stream << (message != nullptr ? message : "No message provided."); }
@@ -88,10 +88,10 @@ struct ErrorDetails
     const char* message;
 };
 
-/// The details of a System that didn't come up.
+/// The details of a System that failed to start.
 struct SystemErrorDetails
 {
-    /// Writes the lines that name the System. A null name and an all-zero GUID have none.
+    /// Writes the lines that name the System. A null name and an all-zero GUID have no line.
     void WriteLines(std::ostream& stream) const;
 
     ErrorCode code;
@@ -123,7 +123,7 @@ struct SystemInitializationErrorDetails : SystemErrorDetails
     void WriteMessage(std::ostream& stream) const;
 };
 
-/// An exception that tells what was wrong:
+/// An exception that says what was wrong:
 /// `throw ExceptionWithDetails(ORVIK_HERE, ErrorDetails(ProgramStartupError, "No luck."));`
 template <typename Details>
 class ExceptionWithDetails : public Exception

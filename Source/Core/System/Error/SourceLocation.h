@@ -6,9 +6,9 @@
 namespace Orvik::System::Error
 {
 
-/// The part of a source path that a report shows: what follows the last directory named "Source", with the separator
-/// in front. A path without such a directory is shown whole. Both kinds of separator count, in one path as well.
-/// The result points into `path`.
+/// The part of a source path that a report shows: what follows the last directory named "Source", including the
+/// separator. A path without such a directory is shown whole. Both kinds of separator count, even in one path. The
+/// result points into `path`.
 [[nodiscard]] constexpr const char* ShortenSourcePath(const char* path) noexcept
 {
     constexpr std::string_view root = "Source";
@@ -25,8 +25,8 @@ namespace Orvik::System::Error
     return path;
 }
 
-/// A place in the sources, made where an assertion fails or an exception is thrown. All texts are constants with
-/// static storage.
+/// A place in the sources, made where an assertion fails or an exception is thrown. All texts are constants with static
+/// storage.
 struct SourceLocation
 {
     constexpr SourceLocation(const char* path, std::uint64_t lineNumber, const char* functionName) noexcept

@@ -6,22 +6,22 @@
 namespace Orvik::System::Error
 {
 
-/// Describes the calling thread's last system error: the system's message without a trailing full stop or line end,
-/// a blank, and the code in upper-case hexadecimal in parentheses, such as "Permission denied (D)". "None (0)" if
-/// there is none. Writes to `text` and returns it. Call it right behind the failed call, before anything else
-/// can change the error.
+/// Describes the calling thread's last system error: the system's message without a full stop or line end at its end, a
+/// blank, and the code in upper-case hexadecimal in parentheses, such as "Permission denied (D)". "None (0)" if there
+/// is none. Writes to `text` and returns it. Call it directly after the failed call, before anything else can change
+/// the error.
 std::string& FormatLastError(std::string& text);
 
 /// The same as a new string.
 [[nodiscard]] std::string FormatLastError();
 
-/// The same of a code of the system's.
+/// The same for a code of the system.
 [[nodiscard]] std::string FormatError(std::uint32_t code);
 
 /// The last system error of the calling thread, 0 if there is none.
 [[nodiscard]] std::uint32_t GetLastErrorPlatform() noexcept;
 
-/// The system's own text for a code, as the system gives it.
+/// The system's own text for a code, unchanged.
 [[nodiscard]] std::string GetErrorMessagePlatform(std::uint32_t code);
 
 } // namespace Orvik::System::Error

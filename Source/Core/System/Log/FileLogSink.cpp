@@ -34,7 +34,7 @@ std::uint64_t GetFileSize(const std::filesystem::path& path)
     return size;
 }
 
-/// Another run that begins at the same moment removes the same files.
+/// True if another run that starts at the same moment has removed the same file.
 bool IsGone(const std::filesystem::path& path)
 {
     std::error_code error;
@@ -62,14 +62,14 @@ void RemoveExpired(const std::filesystem::path& path)
     ORVIK_ASSERT(wasSuccessful, "Failed to delete log file.");
 }
 
-/// A file system that doesn't keep the time gives the beginning of its clock: 1970 or 1601.
+/// A file system that doesn't keep the time returns the beginning of its clock: 1970 or 1601.
 bool IsUnset(std::int64_t writeTime)
 {
     return writeTime == 0 || writeTime == Text::WindowsFileTimeBegin;
 }
 
-/// The write time, in ticks since 1970, before which a file has expired. An age that reaches back beyond all clocks
-/// expires nothing.
+/// The write time, in ticks since 1970, before which a file has expired. Nothing expires if the age goes back further
+/// than any clock.
 std::int64_t GetExpiryLimit(std::uint32_t days)
 {
     if (days > std::numeric_limits<std::int64_t>::max() / s_ticksPerDay)
@@ -133,13 +133,13 @@ bool FileLogSink::OpenNewLogFile()
 
 bool FileLogSink::ReserveFile(const std::filesystem::path& path)
 {
-    // A second split of one second begins its own file once more.
+    // A second split in the same second begins a new file again.
     if (path == m_wantedPath)
         return std::ofstream(m_reservedPath, std::ios::out | std::ios::trunc).is_open();
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored))
         return false;
-    // A file that is there is the log of another program of this name, begun in the same second.
+    // A file that already exists is the log of another program of this name, begun in the same second.
     Text::NewFile file = Text::OpenNewFile(path);
     if (file.file == nullptr)
         return false;
@@ -203,8 +203,8 @@ bool FileLogSink::IsLogFile(const std::filesystem::directory_entry& entry) const
     if (!std::filesystem::is_regular_file(status) || entry.path().extension() != ".log")
         return false;
 
-    // The century is the whole test of the time that has to follow. Report files, which go on with "_ERROR_", fail it
-    // and are neither continued nor deleted.
+    // The century is enough to recognise the time. Report files, whose names go on with "_ERROR_", don't match, so they
+    // are neither continued nor deleted.
     return Text::PathToUtf8(entry.path().filename()).starts_with(m_fileName + "_2");
 }
 
@@ -231,7 +231,7 @@ bool FileLogSink::HasReachedMaxSize()
         const std::lock_guard lock(m_mutex);
         path = m_currentPath;
     }
-    // Asked of the file system: other processes may write to the file as well.
+    // The file system knows the size even if other processes write to the file as well.
     return GetFileSize(path) >= m_maxFileSize;
 }
 

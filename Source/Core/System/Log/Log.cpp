@@ -36,7 +36,7 @@ RegisteredContext s_snipBenchContext(StreamID::SnipBench);
 RegisteredContext s_systemContext(StreamID::System);
 RegisteredContext s_graphicsContext(StreamID::Graphics);
 
-/// Sets a flag when the scope is left, by whatever way.
+/// Sets a flag at the end of the scope, however it is left.
 class Opening
 {
 public:
@@ -49,7 +49,7 @@ private:
     std::atomic<bool>& m_isOpen;
 };
 
-/// Counts a thread for as long as the scope lasts, by whatever way it is left.
+/// Counts a thread during the scope, however it is left.
 class Counted
 {
 public:
@@ -97,7 +97,7 @@ bool Logger::Initialize(const Runtime::IConfig* config)
     m_sinks.resize(2);
     m_failedSinks = 0;
     m_sinks[0] = std::make_shared<ConsoleLogSink>();
-    const Opening opening(m_isOpen); // with the console alone if the file can't be opened
+    const Opening opening(m_isOpen); // with only the console if the file can't be opened
     const auto fileSink = std::make_shared<FileLogSink>(settings.m_logDirectory, settings.m_logFileName, maxFileSize,
                                                         static_cast<std::uint32_t>(maxFileAge));
     if (!fileSink->Open())

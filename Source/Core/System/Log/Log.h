@@ -14,9 +14,9 @@
 namespace Orvik::System::Log
 {
 
-/// The System that turns messages into lines and hands them to its sinks, on the thread that logs. It is the receiver
-/// of all log sites from its construction to its destruction, and drops what comes while it has no sinks.
-/// Lines may come from any thread at any time; everything else belongs to the main thread.
+/// The System that turns messages into lines and passes them to its sinks, on the thread that logs. It receives all
+/// messages from its construction to its destruction, and drops them while it has no sinks. Lines may come from any
+/// thread at any time; everything else belongs to the main thread.
 class Logger final
     : public Runtime::SystemBase<Logger, "LogSystem", 9, GUID{0x4392DED52813410E, 0xA3BB393A4153F1F9}, LoggerConfig>,
       public IMessageReceiver
@@ -27,18 +27,18 @@ public:
     Logger();
     ~Logger() override;
 
-    /// Opens the sinks: the console, then the file. Throws if the file can't be opened; the console then stays.
+    /// Opens the sinks: the console, then the file. Throws if the file can't be opened; the console stays open then.
     [[nodiscard]] bool Initialize(const Runtime::IConfig* config) override;
     void OnConfigured() override;
-    /// Releases the sinks, once no other thread writes to them any more.
+    /// Releases the sinks once no other thread is writing to them.
     void OnShutdown() override;
 
     [[nodiscard]] bool AcceptsStream(std::uint32_t stream) const override;
-    /// Builds the line and gives it to every sink. A sink that throws is reported on the error stream and left out
-    /// from then on: a log line never ends the program.
+    /// Builds the line and gives it to every sink. If a sink throws, that is reported on standard error and the sink
+    /// gets no more lines: a log line never ends the program.
     void Receive(std::uint32_t stream, MessageTypeID severity, const std::string& text) override;
 
-    /// Writes a message past the severity gate; the stream gate holds.
+    /// Writes a message without the severity gate; the stream gate still applies.
     template <std::uint32_t stream, MessageTypeID severity, typename... Pieces>
     void Write(const Pieces&... pieces)
     {
@@ -47,8 +47,8 @@ public:
         Receive(stream, severity, JoinPieces(pieces...));
     }
 
-    /// Sets the threshold of `context` to the least severity that its stream is configured with. A stream without one
-    /// leaves it as it is.
+    /// Sets the threshold of `context` to the least severity that is configured for its stream. Without one it stays as
+    /// it is.
     void ApplySeverity(Context& context) const override;
 
     /// The console sink, then the file sink. An entry is empty if its sink couldn't be opened.
@@ -61,20 +61,20 @@ private:
     std::atomic<std::uint32_t> m_enabledStreams{0};
     std::vector<std::uint32_t> m_streamSeverities;
     std::vector<std::shared_ptr<Sink>> m_sinks;
-    std::atomic<std::uint32_t> m_failedSinks{0}; ///< a bit for each entry of `m_sinks` that is left out
-    std::atomic<std::uint32_t> m_writers{0};     ///< threads that are between the sinks
+    std::atomic<std::uint32_t> m_failedSinks{0}; ///< a bit for each entry of `m_sinks` that gets no more lines
+    std::atomic<std::uint32_t> m_writers{0};     ///< threads that are writing to the sinks
     std::atomic<bool> m_isOpen = false;          ///< lines may go to the sinks
 };
 
-/// Adds a context to those that the `Logger` sets up when it is initialised, and sets it up at once if that is over.
-/// `context` has to live as long as the process. May be called by static constructors in any order.
+/// Registers a context that the `Logger` sets up at its initialisation, or at once if that is over. `context` has to
+/// live as long as the process. Static constructors may call this in any order.
 void RegisterContext(Context* context);
 
-// The registered contexts of two streams: for lines that only a configuration can switch on.
+// The registered contexts of two streams, for lines that only a configuration can enable.
 [[nodiscard]] const Context& GetSystemContext() noexcept;
 [[nodiscard]] const Context& GetSnipBenchContext() noexcept;
 
-/// Gives `context` the threshold that the configuration has for its stream. Does nothing without a `Logger`.
+/// Gives `context` the threshold that is configured for its stream. Does nothing without a `Logger`.
 void UpdateContext(Context* context);
 
 } // namespace Orvik::System::Log

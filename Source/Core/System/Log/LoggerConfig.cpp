@@ -37,7 +37,7 @@ std::uint32_t FindStream(std::string_view name)
     return 0;
 }
 
-/// The streams that a rule is for; 0 for none. A number under "id" goes before the rule's name.
+/// The streams that a rule applies to; 0 for none. A number under "id" overrides the rule's name.
 std::uint32_t GetMask(std::string_view name, const rapidjson::Value& rule)
 {
     const rapidjson::Value* const id = FindMember(rule, "id");

@@ -12,7 +12,7 @@
 namespace Orvik::System::Log
 {
 
-/// What the `Logger` can be told. A document's section sets severities of streams; the rest has no key.
+/// The configuration of the `Logger`. A document's section sets severities of streams; the rest has no key.
 class LoggerConfig final
     : public Runtime::Config<LoggerConfig, "Log System Configuration", 24, GUID{0xF165167543884C6E, 0xBE369051BA999E28}>
 {
@@ -21,10 +21,11 @@ public:
     static constexpr std::string_view s_systemName = "LogSystem"; ///< the section's name
 
     LoggerConfig() = default;
-    /// Of the application that writes the log.
+    /// Both belong to the application that writes the log.
     LoggerConfig(std::filesystem::path dataDirectory, const std::wstring& applicationName);
 
-    /// Log files go to "Logs" in the data directory and bear the application's name; every stream is at severity Info.
+    /// Log files go to "Logs" in the data directory and have the application's name; every stream has the severity
+    /// Info.
     void SetDefaults() override;
 
     /// Applies the rules of the member "streams". False if there is no such object.
@@ -35,7 +36,7 @@ public:
     std::uint64_t m_maxFileSize = 0x6400000;     ///< bytes at which a log file is split
     std::uint32_t m_maxFileAge = 10;             ///< days after which a log file is deleted; compared as signed
     std::uint32_t m_enabledStreams = AllStreams; ///< streams that may write at all
-    /// Stream masks, one for each `MessageTypeID`: a bit says that the stream was configured with that severity.
+    /// Stream masks, one for each `MessageTypeID`: a bit means that the stream was configured with that severity.
     std::vector<std::uint32_t> m_streamSeverities;
 
 private:

@@ -5,7 +5,7 @@ namespace Orvik::System::Log
 namespace
 {
 
-/// Counted up before each use, so that the first sink is 0.
+/// Incremented before each use, so that the first sink is 0.
 std::uint32_t s_lastId = 0xFFFFFFFF;
 
 } // namespace

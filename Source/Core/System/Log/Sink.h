@@ -6,7 +6,7 @@
 namespace Orvik::System::Log
 {
 
-/// Takes finished log lines and puts them somewhere.
+/// Writes finished log lines to some place.
 class Sink
 {
 public:
@@ -15,7 +15,7 @@ public:
     Sink& operator=(const Sink&) = delete;
     virtual ~Sink() = default;
 
-    /// `line` is written as it is, its line end included. From any thread.
+    /// `line` is written unchanged; it includes its line end. From any thread.
     virtual void Write(const std::string& line) = 0;
 
     /// The sinks of a process are numbered from 0 in the order of their construction.

@@ -8,8 +8,8 @@
 namespace Orvik::System::Log
 {
 
-/// The name of one stream bit, as configuration keys and log lines have it. Any other value is an assertion failure,
-/// and empty where the handler returns.
+/// The name of one stream bit, as in configuration keys and log lines. Any other value is an assertion failure, and
+/// gives an empty name if the handler returns.
 [[nodiscard]] std::string_view GetStreamName(std::uint32_t stream);
 
 } // namespace Orvik::System::Log

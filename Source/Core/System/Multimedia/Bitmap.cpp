@@ -21,7 +21,7 @@ namespace
 
 constexpr std::size_t s_maximumBytes = std::numeric_limits<std::int32_t>::max();
 
-// Bytes of a row; more than a bitmap's stride can hold are cut.
+// Bytes of a row, cut to what a bitmap's stride can hold.
 constexpr std::uint16_t GetCutStride(std::uint16_t width, std::uint8_t bytesPerPixel)
 {
     return static_cast<std::uint16_t>(std::uint32_t{width} * bytesPerPixel);
@@ -68,7 +68,7 @@ void Bitmap::SetSize(std::uint16_t width, std::uint16_t height, std::uint8_t bit
     Reallocate(width, height, bitsPerPixel, &AllocateToFill);
 }
 
-// Asks for at least one byte: no memory for none would look like a failure.
+// Asks for at least one byte: getting no memory for zero bytes would look like a failure.
 bool Bitmap::TryReallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel, Allocate allocate)
 {
     *this = Bitmap();
@@ -94,8 +94,8 @@ void Bitmap::Reallocate(std::uint16_t width, std::uint16_t height, std::uint8_t 
     ORVIK_ASSERT(m_imageBuffer != nullptr, "Failed to allocate buffer for bitmap.");
 }
 
-// The system hands out great blocks as zeros already, without touching them; so a file that merely claims to be huge
-// takes no memory until it is filled.
+// The system hands out large blocks already filled with zeros, without touching them. So a file that only claims to be
+// huge takes no memory until it is filled.
 Bitmap::Pixels Bitmap::AllocateCleared(std::size_t bytes)
 {
     return Pixels(static_cast<std::uint8_t*>(std::calloc(bytes, 1)));
@@ -116,7 +116,7 @@ Bitmap Bitmap::MakeCleared(std::uint16_t width, std::uint16_t height, std::uint8
     return bitmap;
 }
 
-// The sizes are a file's word: they have to fit the fields and the number of bytes before anything is asked for.
+// The sizes come from a file: before memory is requested they must fit the fields and the number of bytes.
 std::optional<Bitmap> Bitmap::MakeForFile(std::int64_t width, std::int64_t height, std::int64_t bitsPerPixel)
 {
     constexpr std::int64_t maximumField = std::numeric_limits<std::uint16_t>::max();
@@ -139,7 +139,7 @@ std::optional<Bitmap> Bitmap::MakeForFile(std::int64_t width, std::int64_t heigh
 
 void Bitmap::CopyFromImageBuffer(const std::uint8_t* data, std::uint64_t byteCount)
 {
-    // Signed like `GetSize`; a count beyond that is too large all the same.
+    // Signed like `GetSize`; a count beyond that is too large anyway.
     constexpr auto maximum = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     const auto bytes = static_cast<std::int64_t>(std::min(byteCount, maximum));
     ORVIK_ASSERT(bytes <= GetSize(), "Buffer overflow detected.");
@@ -148,7 +148,7 @@ void Bitmap::CopyFromImageBuffer(const std::uint8_t* data, std::uint64_t byteCou
         std::memcpy(m_imageBuffer.get(), data, static_cast<std::size_t>(copied));
 }
 
-// Everything is counted in 64 bits, so that no position is too far away.
+// All counting is in 64 bits, so that no position is too far away.
 Bitmap Bitmap::Crop(std::int32_t x, std::int32_t y, std::uint32_t width, std::uint32_t height) const
 {
     Bitmap result = MakeCleared(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), m_bitsPerPixel);
@@ -216,7 +216,7 @@ bool Bitmap::Load(const std::string& path)
     if (dot == std::string::npos || dot == 0)
         return false;
 
-    // Opening a pipe that nobody writes to would never end.
+    // Opening a pipe without a writer would never return.
     std::error_code error;
     if (!std::filesystem::is_regular_file(Text::PathFromUtf8(path), error))
         return false;

@@ -16,13 +16,13 @@ namespace Orvik::System::Multimedia
 using ResizeMethod = Utilities::Image::ResizeMethod;
 
 /// An image: interleaved 8-bit channels, rows from the top without padding. In a 24- or 32-bit image the channels are
-/// blue, green, red and, with 32, alpha. It owns its pixels, can be moved and not copied. A row has 65,535 bytes at
-/// most. One thread at a time.
+/// blue, green, red and, with 32, alpha. It owns its pixels, and can be moved but not copied. A row has at most 65,535
+/// bytes. One thread at a time.
 class Bitmap
 {
 public:
     Bitmap() = default;
-    /// Empty, then `SetSize`.
+    /// Calls `SetSize` on an empty bitmap.
     Bitmap(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel);
     Bitmap(Bitmap&& other) noexcept;
     /// Assigning to itself is an assertion failure.
@@ -31,14 +31,14 @@ public:
     Bitmap& operator=(const Bitmap&) = delete;
     ~Bitmap() = default;
 
-    /// Gives the bitmap a size. With unchanged values it keeps its pixels; otherwise the new ones are not cleared.
-    /// Memory that can't be had, more than 2 GiB included, is an assertion failure and leaves an empty bitmap. The
-    /// bytes of a row are cut to 16 bits; of an image with such rows `Resize` makes zeros, `ClearOutsidePolygon` leaves
-    /// the pixels as they are, and `SavePng` answers false.
+    /// Sets the size. With unchanged values the pixels stay; otherwise the new ones are not cleared. If the memory
+    /// isn't available, or more than 2 GiB would be needed, that is an assertion failure and leaves an empty bitmap.
+    /// The bytes of a row are cut to 16 bits; for an image with such rows `Resize` makes zeros, `ClearOutsidePolygon`
+    /// leaves the pixels as they are, and `SavePng` returns false.
     void SetSize(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel);
 
-    /// Copies `byteCount` bytes to the beginning of the pixels. More than `GetSize` is an assertion failure; fewer
-    /// leave the rest as it was.
+    /// Copies `byteCount` bytes to the beginning of the pixels. More than `GetSize` is an assertion failure; after
+    /// fewer the rest is unchanged.
     void CopyFromImageBuffer(const std::uint8_t* data, std::uint64_t byteCount);
 
     /// Bytes of all pixels.
@@ -52,8 +52,8 @@ public:
     [[nodiscard]] const std::uint8_t* GetPixels() const { return m_imageBuffer.get(); }
     [[nodiscard]] std::uint8_t* GetPixels() { return m_imageBuffer.get(); }
 
-    /// A new bitmap of that size, cut to 16 bits, with the part of this one that begins at x, y. What lies beyond this
-    /// one is 0.
+    /// A new bitmap of that size, cut to 16 bits, with the part of this one that begins at x, y. Pixels outside of this
+    /// one are 0.
     [[nodiscard]] Bitmap Crop(std::int32_t x, std::int32_t y, std::uint32_t width, std::uint32_t height) const;
 
     /// Scales the image to a new size, cut to 16 bits.
@@ -62,22 +62,22 @@ public:
     /// The same as a new bitmap; this one stays as it is.
     [[nodiscard]] Bitmap Resized(std::uint32_t width, std::uint32_t height, ResizeMethod method) const;
 
-    /// Sets to 0, alpha included, every pixel whose place relative to the ring equals `valueToClear`: false clears
-    /// outside, true inside. `polygon` is closed by repeating its first point and in this bitmap's pixels. Even-odd
-    /// rule. Only images of 3 and 4 bytes to the pixel are changed.
+    /// Sets to 0, alpha included, all pixels outside of the polygon if `valueToClear` is false, inside if it is true.
+    /// `polygon` is in this bitmap's pixels and closed by repeating its first point. Even-odd rule. Only images of 3
+    /// and 4 bytes per pixel are changed.
     void ClearOutsidePolygon(std::span<const Math::Point> polygon, bool valueToClear);
 
-    /// Reads a file whose name ends in ".bmp" or ".png", in lower case. False, without a word, if it is no file (a
-    /// directory or a pipe), can't be read, or is larger than a bitmap can hold; the bitmap is then unchanged. `path`
-    /// is UTF-8 on every platform. A PNG becomes 32 bits to the pixel. A BMP keeps its own number of bits, which may be
-    /// one that nothing can show; pixels that its file is too short for are 0.
+    /// Reads a file whose name ends in ".bmp" or ".png", in lower case. False, without a log line, if it is no file (a
+    /// directory or a pipe), can't be read, or is larger than a bitmap can hold; the bitmap is unchanged then. `path`
+    /// is UTF-8 on every platform. A PNG becomes 32 bits per pixel. A BMP keeps its own number of bits, even one that
+    /// can't be shown; pixels that are missing from its file are 0.
     [[nodiscard]] bool Load(const std::string& path);
 
-    /// Write a file, in place of one that exists. False, without a word, if it can't be opened or is not written whole;
-    /// what was written until then stays. A BMP gets the rows as they lie in memory, without the padding that the
-    /// format asks for, so that only rows of a multiple of 4 bytes read back equal. A PNG has no picture without
-    /// pixels, and 3 or 4 bytes to the pixel. What has fewer is refused; of what has more, each row gives as many bytes
-    /// from its beginning as 4 to the pixel take.
+    /// Write a file, or replace an existing one. False, without a log line, if it can't be opened or not be written
+    /// completely; what was written until then stays. A BMP gets the rows as they are in memory, without the padding of
+    /// the format: only rows of a multiple of 4 bytes read back equal. A PNG needs pixels, with 3 or 4 bytes each.
+    /// Fewer bytes per pixel are refused; if there are more, each row contributes as many bytes from its beginning as 4
+    /// per pixel would take.
     [[nodiscard]] bool SaveBmp(const std::string& path) const;
     [[nodiscard]] bool SavePng(const std::string& path) const;
 
@@ -94,7 +94,7 @@ private:
     static std::optional<Bitmap> MakeForFile(std::int64_t width, std::int64_t height, std::int64_t bitsPerPixel);
     static Pixels AllocateCleared(std::size_t bytes);
     static Pixels AllocateToFill(std::size_t bytes);
-    /// False, and empty, if the memory can't be had.
+    /// False, and the bitmap is empty, if the memory isn't available.
     [[nodiscard]] bool TryReallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
                                      Allocate allocate);
     void Reallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel, Allocate allocate);

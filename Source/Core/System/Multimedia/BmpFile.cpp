@@ -23,7 +23,7 @@ constexpr std::size_t s_headerBytes = s_fileHeaderBytes + s_informationHeaderByt
 
 using HeaderBytes = std::array<std::uint8_t, s_headerBytes>;
 
-// What a reader has to know of the headers.
+// What reading needs of the headers.
 struct Header
 {
     std::int32_t width;
@@ -53,8 +53,8 @@ void WriteUInt32(HeaderBytes& bytes, std::size_t offset, std::uint32_t value)
     WriteUInt16(bytes, offset + 2, static_cast<std::uint16_t>(value >> 16));
 }
 
-// The place of the pixels, the size of the information header and the number of planes go unread: the pixels are taken
-// from right behind the two headers.
+// The offset of the pixels, the size of the information header and the number of planes aren't read: the pixels are
+// expected directly after the two headers.
 std::optional<Header> ReadHeader(std::FILE& file)
 {
     HeaderBytes bytes{};
@@ -85,13 +85,13 @@ HeaderBytes MakeHeader(const Bitmap& bitmap)
     return bytes;
 }
 
-// Rows in the file take a multiple of 4 bytes.
+// The padding that makes a row in the file a multiple of 4 bytes.
 long GetPadding(std::uint16_t stride)
 {
     return (4 - stride % 4) % 4;
 }
 
-// A file that ends early leaves the rest of the pixels as they are.
+// If the file ends early, the rest of the pixels is unchanged.
 void ReadRows(std::FILE& file, Bitmap& bitmap, bool isTopDown)
 {
     const std::size_t stride = bitmap.GetStride();

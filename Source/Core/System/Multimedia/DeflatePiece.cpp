@@ -10,26 +10,26 @@ namespace Orvik::System::Multimedia
 namespace
 {
 
-/// Photographs become as small as at zlib's default level, in a fifth of its time.
+/// Photographs become as small as with zlib's default level, in a fifth of its time.
 constexpr int s_fastLevel = 5;
 /// For pages of text, flat interfaces and gradients.
 constexpr int s_thoroughLevel = 8;
-/// What becomes this many times smaller is worth the other level, which is fast with it.
+/// What becomes this many times smaller is worth the other level, which is fast for such data.
 constexpr std::size_t s_worthwhileRatio = 8;
 
-/// What taking an end back adds at most: an empty block that ends at a whole byte.
+/// `TakeEndBack` adds at most this: an empty block that ends at a whole byte.
 constexpr std::array<std::uint8_t, 4> s_emptyBlockLengths = {0, 0, 0xFF, 0xFF};
 constexpr std::size_t s_blockHeaderBits = 3;
 constexpr std::size_t s_maxAddedBytes = s_emptyBlockLengths.size() + 1;
 
-/// Where the parts of a complete deflate stream lie, in bits from its beginning.
+/// Where the parts of a complete deflate stream are, in bits from its beginning.
 struct StreamEnd
 {
     std::size_t lastBlock; ///< its header
     std::size_t end;
 };
 
-/// Reads a raw stream block by block, into memory of `bytes` and one more. None if it isn't that long.
+/// Reads a raw stream block by block, into memory of `bytes` and one more. Empty if the stream isn't that long.
 std::optional<StreamEnd> FindStreamEnd(std::span<std::uint8_t> data, std::uint8_t* output, std::size_t bytes)
 {
     constexpr int rawWindow = -15;
@@ -105,14 +105,14 @@ std::span<std::uint8_t> DeflatePiece::Improve(std::size_t bytes, std::size_t pac
         m_thorough.reset(libdeflate_alloc_compressor(s_thoroughLevel));
     if (m_thorough == nullptr)
         return known;
-    // Behind the first result, which an end that is taken back must not reach.
+    // After the first result, because an end that is taken back mustn't overwrite it.
     std::uint8_t* const target = m_output.get() + packedBytes + s_maxAddedBytes;
     const std::size_t room = m_outputCapacity - packedBytes - 2 * s_maxAddedBytes;
     const std::size_t packed = libdeflate_deflate_compress(m_thorough.get(), m_input.get(), bytes, target, room);
     return packed != 0 && packed < packedBytes ? std::span(target, packed) : known;
 }
 
-// The last block's mark is cleared, and an empty block that is stored as it is fills the last byte.
+// Clears the last block's mark, and fills the last byte with an empty stored block.
 std::size_t DeflatePiece::TakeEndBack(std::span<std::uint8_t> data, std::size_t bytes)
 {
     const std::optional<StreamEnd> place = FindStreamEnd(data, m_input.get(), bytes);

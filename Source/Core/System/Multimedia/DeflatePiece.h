@@ -19,7 +19,7 @@ struct PackedPiece
     std::uint32_t adler; ///< of the input
 };
 
-/// The checksum of a zlib stream out of those of its pieces.
+/// The checksum of a zlib stream, computed from those of its pieces.
 class AdlerSum
 {
 public:
@@ -30,19 +30,19 @@ private:
     std::uint32_t m_adler = 1;
 };
 
-/// Compresses a part of a deflate stream by itself, so that parts can be made at the same time and put together. Its
-/// library knows whole streams only: the end of one that goes on is taken back afterwards. One thread at a time.
+/// Compresses a part of a deflate stream separately, so that parts can be made at the same time and joined. The library
+/// can only make whole streams: if the stream goes on, the end is taken back. One thread at a time.
 class DeflatePiece
 {
 public:
-    /// For `maxBytes` at most. Throws `std::bad_alloc`.
+    /// `maxBytes` is the most that a piece has. Throws `std::bad_alloc`.
     DeflatePiece(std::size_t maxBytes, std::size_t spareBytes);
 
-    /// Where to put what is to be compressed: `maxBytes`, and as many more as may be spoilt.
+    /// Where to put the input: `maxBytes`, and the spare bytes, which may be overwritten.
     [[nodiscard]] std::uint8_t* GetInput() { return m_input.get(); }
 
-    /// Compresses the first bytes of the input, and may spoil them. Anything but the stream's last piece ends with a
-    /// whole byte and goes on. The data is valid until the next call. None if the library has no memory.
+    /// Compresses the first bytes of the input, and may overwrite them. All pieces but the stream's last one end with a
+    /// whole byte. The data is valid until the next call. Empty if the library has no memory.
     [[nodiscard]] std::optional<PackedPiece> Pack(std::size_t bytes, bool isLast);
 
 private:
@@ -52,9 +52,9 @@ private:
     };
     using Compressor = std::unique_ptr<libdeflate_compressor, FreeCompressor>;
 
-    /// Compresses again what may become much smaller. The better of both results.
+    /// Compresses again if the result may become much smaller. Returns the better of both results.
     [[nodiscard]] std::span<std::uint8_t> Improve(std::size_t bytes, std::size_t packedBytes);
-    /// Bytes of the data that goes on, or 0.
+    /// The number of bytes of the data without its end, or 0.
     [[nodiscard]] std::size_t TakeEndBack(std::span<std::uint8_t> data, std::size_t bytes);
 
     std::size_t m_inputCapacity;

@@ -39,7 +39,7 @@ struct Pictures
     }
 };
 
-// A float is coarser than the greatest sizes; rounding must not lead behind the last pixel.
+// A float is less exact than the greatest sizes; rounding mustn't lead beyond the last pixel.
 std::int64_t Truncate(float position, std::int64_t count)
 {
     return std::min(static_cast<std::int64_t>(position), count - 1);
@@ -77,7 +77,7 @@ Neighbours FindNeighbours(std::int64_t targetIndex, float ratio, std::int64_t co
     return {first, std::min(first + 1, count - 1), position - whole};
 }
 
-// The order of the terms is part of the result: the sum is one of 32-bit floats, and it is truncated.
+// The order of the terms changes the result: the sum is one of 32-bit floats, and it is truncated.
 void MixPixel(const Pictures& pictures, std::uint8_t* target, const Neighbours& x, const Neighbours& y)
 {
     const std::uint8_t* topLeft = pictures.GetSource(x.first, y.first);
@@ -109,7 +109,7 @@ void ScaleBilinear(const Pictures& pictures)
     }
 }
 
-// The source indices that one target index covers on one axis: at least one.
+// The source indices that one target index covers on one axis, at least one.
 struct Range
 {
     std::int64_t begin;
@@ -124,7 +124,7 @@ Range FindRange(std::int64_t targetIndex, std::int64_t sourceCount, std::int64_t
 
 void AverageBlock(const Pictures& pictures, std::uint8_t* target, const Range& columns, const Range& rows)
 {
-    // 255 bits per pixel are 31 channels. Only those in use are cleared: most blocks are of a few pixels.
+    // 255 bits per pixel are 31 channels. Only the used ones are cleared, because most blocks have only a few pixels.
     std::array<std::uint32_t, 32> sums;
     std::fill_n(sums.begin(), pictures.channels, 0U);
     for (std::int64_t y = rows.begin; y < rows.end; ++y)
@@ -143,7 +143,7 @@ void AverageBlock(const Pictures& pictures, std::uint8_t* target, const Range& c
 
 void ScaleBox(const Pictures& pictures)
 {
-    // The same for each row. Found once, since two divisions for every pixel take longer than adding up its block.
+    // Every row has the same. Computed once, because two divisions per pixel take longer than adding up its block.
     std::vector<Range> columns;
     columns.reserve(static_cast<std::size_t>(pictures.targetWidth));
     for (std::int64_t x = 0; x < pictures.targetWidth; ++x)

@@ -13,7 +13,7 @@ enum class ResizeMethod : std::uint8_t
     Box,      ///< averages the block that the pixel covers
 };
 
-/// Scales tightly packed rows of interleaved 8-bit channels from `source` to `target`, which has targetWidth by
+/// Scales rows of interleaved 8-bit channels, without padding, from `source` to `target`, which has targetWidth by
 /// targetHeight pixels. A target height of 0 or less does nothing; an unknown method is an assertion failure.
 void Resize(std::uint8_t* target, const std::uint8_t* source, std::int32_t sourceWidth, std::int32_t sourceHeight,
             std::int32_t targetWidth, std::int32_t targetHeight, std::uint8_t bitsPerPixel, ResizeMethod method);

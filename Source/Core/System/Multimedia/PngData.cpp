@@ -17,7 +17,8 @@ namespace Orvik::System::Multimedia
 namespace
 {
 
-/// Of stored rows in a piece, about. Smaller pieces would compress worse: none knows what the one before it holds.
+/// About how many bytes of stored rows are in a piece. Smaller pieces compress worse, because none knows the one
+/// before.
 constexpr std::size_t s_pieceBytes = std::size_t{1} << 20;
 /// More threads than this would take more memory than the picture.
 constexpr std::size_t s_maxThreads = 4;
@@ -32,7 +33,7 @@ struct RowRange
     std::size_t end;
 };
 
-/// Makes one piece after the other in the same memory.
+/// Makes the pieces one after the other in the same memory.
 class PieceMaker
 {
 public:
@@ -43,7 +44,7 @@ public:
     {
     }
 
-    /// What came of it stays valid until the next call. None if the library has no memory.
+    /// The result is valid until the next call. Empty if the library has no memory.
     [[nodiscard]] std::optional<PackedPiece> Make(const RowRange& rows)
     {
         const std::size_t stride = m_bitmap.GetStride();
@@ -65,7 +66,7 @@ private:
     DeflatePiece m_piece;
 };
 
-/// Of about the same number of rows each.
+/// Divides the rows into ranges of about the same length.
 std::vector<RowRange> Divide(std::size_t rows, std::size_t rowBytes)
 {
     const std::size_t wanted = (rows * rowBytes + s_pieceBytes - 1) / s_pieceBytes;
@@ -82,7 +83,7 @@ std::array<std::uint8_t, 4> ToBigEndian(std::uint32_t value)
             static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value)};
 }
 
-/// Several pieces are under way at once; each maker has every so-manieth of them.
+/// Makes several pieces at once; with n makers, each makes every nth piece.
 class PieceQueue
 {
 public:
@@ -103,7 +104,7 @@ public:
 
     [[nodiscard]] std::size_t GetCount() const { return m_ranges.size(); }
 
-    /// Waits for a piece; one after the other from the first on. The piece before it is gone.
+    /// Waits for a piece. They are taken in their order, and the one before is gone then.
     [[nodiscard]] std::optional<PackedPiece> Take(std::size_t index)
     {
         if (index > 0 && index - 1 + m_makers.size() < m_ranges.size())
@@ -114,7 +115,7 @@ public:
 private:
     void Start(std::size_t index)
     {
-        // Where no thread can be had the piece is made when it is taken.
+        // Without threads, a piece is made when it is taken.
         const std::launch policy =
             m_makers.size() > 1 ? std::launch::async | std::launch::deferred : std::launch::deferred;
         PieceMaker& maker = *m_makers[index % m_makers.size()];
@@ -124,7 +125,7 @@ private:
 
     std::vector<RowRange> m_ranges;
     std::vector<std::unique_ptr<PieceMaker>> m_makers;
-    std::vector<std::future<std::optional<PackedPiece>>> m_pieces; ///< last: their ends are awaited first
+    std::vector<std::future<std::optional<PackedPiece>>> m_pieces; ///< last, so that their ends are awaited first
 };
 
 } // namespace

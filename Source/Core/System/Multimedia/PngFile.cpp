@@ -1,4 +1,4 @@
-// PNG files through libpng, which nothing else knows; the compressed rows of a written one are made elsewhere.
+// PNG files through libpng, which no other unit uses. The compressed rows of a written file are made elsewhere.
 
 #include "Core/System/Multimedia/Bitmap.h"
 
@@ -19,7 +19,7 @@ namespace Orvik::System::Multimedia
 namespace
 {
 
-// libpng compares the first two numbers with its own and refuses to work with another release line.
+// libpng compares the first two numbers with its own and refuses to work with another release.
 constexpr const char* s_libraryVersion = "1.6.46";
 
 // libpng must not get control back from here.
@@ -28,7 +28,7 @@ constexpr const char* s_libraryVersion = "1.6.46";
     png_longjmp(png, 1);
 }
 
-// A picture that reads in spite of a flaw is good enough, and nobody waits for the text on standard error.
+// A picture that can be read in spite of a flaw is good enough, and the text on standard error wouldn't be read.
 void IgnoreWarning(png_structp /*png*/, png_const_charp /*message*/)
 {
 }
@@ -39,8 +39,8 @@ void WriteBytes(png_structp png, png_bytep data, std::size_t bytes)
         png_error(png, "Write Error");
 }
 
-// Runs calls of libpng. False if one of them failed. libpng leaves a failed call by a jump back to here, which skips
-// destructors: what needs one stays outside of the step.
+// Runs calls of libpng. False if one of them failed. After a failure libpng jumps back to here without calling
+// destructors, so objects with a destructor must be outside of the step.
 template <typename Step>
 [[nodiscard]] bool RunStep(png_structp png, const Step& step)
 {
@@ -93,8 +93,8 @@ bool Reader::RequestBgra() const
     return RunStep(m_png, [this] { RequestTransformations(); });
 }
 
-// Everything becomes blue, green, red, alpha with 8 bits, except for a palette without transparency: that one gets no
-// alpha and stays at three bytes to the pixel.
+// Everything becomes blue, green, red, alpha with 8 bits, except a palette without transparency: it gets no alpha and
+// stays at three bytes per pixel.
 void Reader::RequestTransformations() const
 {
     const png_byte colourType = png_get_color_type(m_png, m_info);
@@ -116,8 +116,8 @@ void Reader::RequestTransformations() const
     png_read_update_info(m_png, m_info);
 }
 
-// The rows lie one behind the other at libpng's size of a row, which is smaller than the bitmap's for a palette without
-// transparency.
+// The rows are stored one after the other in libpng's size of a row, which for a palette without transparency is
+// smaller than the bitmap's.
 bool Reader::ReadRows(std::uint8_t* pixels, std::size_t pixelBytes) const
 {
     const std::size_t rowBytes = png_get_rowbytes(m_png, m_info);
@@ -152,7 +152,7 @@ private:
     png_infop m_info;
 };
 
-// Only the rows are compressed by other means: libpng's own take most of the time that saving a picture takes.
+// Only the rows are compressed in another way, because libpng's takes most of the time of saving a picture.
 bool Writer::Write(std::FILE* file, const Bitmap& bitmap, std::size_t pixelBytes) const
 {
     if (!WriteHeader(file, bitmap, pixelBytes == 3 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA))

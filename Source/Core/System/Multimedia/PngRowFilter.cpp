@@ -11,13 +11,13 @@ namespace Orvik::System::Multimedia
 namespace
 {
 
-// The compilers' own vectors, which become instructions of whatever processor is built for.
+// The compilers' own vectors, which become instructions of the processor that is built for.
 constexpr std::size_t s_blockBytes = 16;
 using Block = std::uint8_t __attribute__((vector_size(s_blockBytes)));
 using Words = std::uint16_t __attribute__((vector_size(s_blockBytes)));
 using Pixels = std::uint32_t __attribute__((vector_size(s_blockBytes)));
 
-/// The predictions, by the format's numbers.
+/// The predictions, with the format's numbers.
 enum Prediction : std::uint8_t
 {
     None,
@@ -28,7 +28,7 @@ enum Prediction : std::uint8_t
     PredictionCount
 };
 
-/// Adding the bytes of one more block could overflow the sums of 16 bits.
+/// The bytes of one more block could overflow the 16-bit sums.
 constexpr std::size_t s_maxSummedBlocks = 255;
 
 Block Load(const std::uint8_t* bytes)
@@ -53,7 +53,7 @@ Block GetHigher(Block first, Block second)
     return first > second ? first : second;
 }
 
-/// What lies around the bytes of a block.
+/// The neighbours of the bytes of a block.
 struct Neighbours
 {
     Block left;
@@ -61,14 +61,14 @@ struct Neighbours
     Block upLeft;
 };
 
-/// The mean without the carry that the sum would need.
+/// The mean, without the carry that the sum would need.
 Block PredictAverage(const Neighbours& around)
 {
     return (around.left & around.up) + ((around.left ^ around.up) >> 1);
 }
 
-/// The neighbour that is nearest to left + up - upLeft; of equal ones the first of left, up, upLeft. Where `upLeft`
-/// isn't between the two others, that is the one further from it. Where it is, no distance needs more than 8 bits.
+/// The neighbour that is nearest to left + up - upLeft; of equal ones the first of left, up, upLeft. If `upLeft` isn't
+/// between the two others, that is the one farther from it. If it is, every distance fits into 8 bits.
 Block PredictPaeth(const Neighbours& around)
 {
     const Block lower = GetLower(around.left, around.up);
@@ -97,7 +97,7 @@ Block Subtract(Block bytes, const Neighbours& around)
         return bytes;
 }
 
-/// A row to be stored, with what lies above it. Both begin with zeros at -16 and end with at least 15.
+/// A row to be stored, and the row above it. Both begin with zeros at -16 and end with at least 15.
 struct RowPair
 {
     const std::uint8_t* row;
@@ -111,7 +111,7 @@ struct RowPair
     }
 };
 
-/// Sums of the bytes of blocks as distances from 0, each at most 128.
+/// Sums of the bytes of blocks, as distances from 0, each at most 128.
 class DistanceSum
 {
 public:
@@ -135,7 +135,7 @@ private:
 
 using RowSums = std::array<std::uint64_t, PredictionCount>;
 
-/// Adds what each prediction leaves of the blocks from `begin` on, of the bytes that `mask` lets through.
+/// Adds what each prediction leaves of the blocks from `begin` on. Only the bytes in `mask` count.
 void AddSums(const RowPair& rows, std::size_t begin, std::size_t end, Block mask, RowSums& sums)
 {
     std::array<DistanceSum, PredictionCount> distances;
@@ -185,7 +185,7 @@ void StoreRow(const RowPair& rows, std::uint8_t* target)
 constexpr std::array<void (*)(const RowPair&, std::uint8_t*), PredictionCount> s_storeRow = {
     &StoreRow<None>, &StoreRow<Left>, &StoreRow<Up>, &StoreRow<Average>, &StoreRow<Paeth>};
 
-/// Exchanges blue and red of whole blocks of pixels of 4 bytes. Turning a pixel by half moves each byte by two places.
+/// Exchanges blue and red of whole blocks of pixels of 4 bytes. Rotating a pixel by half moves each byte by two places.
 std::size_t ExchangeBlocks(const std::uint8_t* source, std::size_t bytes, std::uint8_t* target)
 {
     constexpr auto kept = std::bit_cast<std::uint32_t>(std::array<std::uint8_t, 4>{0, 255, 0, 255});

@@ -7,30 +7,30 @@
 namespace Orvik::System::Multimedia
 {
 
-/// Makes the rows of a PNG file out of those of a bitmap: red before blue, and each less what its neighbours let
-/// expect. Of the five predictions that the format knows, a row takes the one that leaves the least sum of absolute
-/// differences, and the first of those that leave as much. A picture of one row is not predicted from above, one of one
-/// column not from the left: libpng's rule, whose rows are the same to the byte.
+/// Makes the rows of a PNG file from those of a bitmap: red before blue, and each byte minus its prediction from its
+/// neighbours. Of the format's five predictions, a row takes the one with the least sum of absolute differences, and
+/// the first of several equals. A picture of one row isn't predicted from above, one of one column not from the left:
+/// these are libpng's rules, and the rows are the same to the byte.
 class PngRowFilter
 {
 public:
-    /// A row is stored behind the number of its prediction; `Filter` may write this much further.
+    /// A row is stored after the number of its prediction; `Filter` may write this many bytes more.
     static constexpr std::size_t Overrun = 15;
 
-    /// Of a picture of that size, with 3 or 4 bytes to the pixel.
+    /// For a picture of that size, with 3 or 4 bytes per pixel.
     PngRowFilter(std::size_t width, std::size_t height, std::size_t pixelBytes);
 
     /// Bytes of a stored row.
     [[nodiscard]] std::size_t GetStoredBytes() const { return m_rowBytes + 1; }
 
-    /// The next row is the one below this one. Null: it is the picture's first.
+    /// Says which row is above the next one. Null: the next one is the picture's first.
     void Begin(const std::uint8_t* rowAbove);
 
-    /// Writes the next row, `GetStoredBytes` and up to `Overrun` more, which mean nothing.
+    /// Writes the next row: `GetStoredBytes`, and up to `Overrun` more, which have no meaning.
     void Filter(const std::uint8_t* row, std::uint8_t* target);
 
 private:
-    /// Bytes in front of a row's first, for what its pixels have to their left.
+    /// Bytes before a row's first one, for the neighbours on its left.
     static constexpr std::size_t s_margin = 16;
 
     void Take(const std::uint8_t* row, std::uint8_t* target) const;

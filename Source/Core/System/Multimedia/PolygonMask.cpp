@@ -7,7 +7,7 @@ namespace Orvik::System::Multimedia
 namespace
 {
 
-// A vertex on the row counts as being under it. So each vertex counts once, and the top of every edge is left out.
+// A vertex on the row counts as below it. So each vertex counts once, and the top of every edge is left out.
 bool IsCrossing(const Math::Point& from, const Math::Point& to, std::int32_t y)
 {
     return (from.y < y) != (to.y < y);
@@ -64,8 +64,8 @@ std::uint16_t PolygonMask::FindRunEnd(std::uint16_t x, std::uint16_t y) const
     return static_cast<std::uint16_t>(end);
 }
 
-// An edge along row 0 crosses no row, and the edges that meet it leave out their tops: a shape that touches the top of
-// the image would lose its first row.
+// An edge along row 0 crosses no row, and the edges that meet it leave out their tops: without this, a shape at the top
+// of the image would lose its first row.
 void PolygonMask::CoverTopEdges(std::span<const Math::Point> polygon)
 {
     for (std::size_t i = 0; i < polygon.size(); ++i)
@@ -77,7 +77,7 @@ void PolygonMask::CoverTopEdges(std::span<const Math::Point> polygon)
     }
 }
 
-// Crossings come in pairs. One without a partner would reach to the image's edge.
+// Crossings come in pairs. A single one would reach to the image's edge.
 void PolygonMask::CoverRow(std::int32_t y, std::vector<std::int32_t>& crossings)
 {
     if (crossings.size() % 2 != 0)
@@ -86,7 +86,7 @@ void PolygonMask::CoverRow(std::int32_t y, std::vector<std::int32_t>& crossings)
         CoverRun(y, crossings[i], crossings[i + 1]);
 }
 
-// Both ends belong to the run. What lies beyond the image is left out.
+// Both ends belong to the run. The part outside of the image is left out.
 void PolygonMask::CoverRun(std::int32_t y, std::int32_t first, std::int32_t last)
 {
     const std::int32_t begin = std::max(first, 0);

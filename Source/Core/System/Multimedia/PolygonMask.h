@@ -10,19 +10,19 @@
 namespace Orvik::System::Multimedia
 {
 
-/// The pixels of an image that a polygon covers, one bit to the pixel. Crossing an edge toggles between inside and
-/// outside (even-odd), so a polygon that crosses itself has holes.
+/// The pixels of an image that a polygon covers, one bit per pixel. Crossing an edge toggles between inside and outside
+/// (even-odd), so a polygon that crosses itself has holes.
 class PolygonMask
 {
 public:
     /// `width` and `height` are the image's, in pixels. The last vertex of `polygon` is joined with the first. Vertices
-    /// are in the image's pixels and may lie beyond it.
+    /// are in the image's pixels and may be outside of it.
     PolygonMask(std::uint16_t width, std::uint16_t height, std::span<const Math::Point> polygon);
 
     /// Whether the polygon covers a pixel of the image.
     [[nodiscard]] bool Contains(std::uint16_t x, std::uint16_t y) const { return m_bits[GetRowStart(y) + x]; }
 
-    /// The column behind the last pixel from `x` on that is as covered as the one at x, y; at most the image's width.
+    /// The column after the last pixel from `x` on that is as covered as the one at x, y; at most the image's width.
     [[nodiscard]] std::uint16_t FindRunEnd(std::uint16_t x, std::uint16_t y) const;
 
 private:

@@ -24,8 +24,8 @@ struct Run
     }
 };
 
-/// The other runs under that name. In the list of processes one without a name goes under the one before, so each is
-/// asked for its own once more.
+/// The other runs with that name. `EnumerateProcesses` gives a process without a name the name of the one before, so
+/// each is asked for its own once more.
 std::vector<Run> FindOtherRuns(const Process& current, const std::string& name)
 {
     std::vector<Run> runs;
@@ -50,7 +50,7 @@ bool EndOlderRuns(const std::function<bool()>& isAskedToEnd)
     std::string name;
     GetName(current, name);
     ProcessRecord record;
-    // Without its own name the program would end everything, and without its own id or age itself.
+    // Without its own name the program would end all processes, and without its own id or age itself.
     if (name.empty() || current.id == 0 || !IsOwnExecutablePlatform() || !ReadProcessRecordPlatform(current.id, record))
         return true;
 

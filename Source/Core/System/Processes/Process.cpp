@@ -37,7 +37,7 @@ std::string& GetName(const Process& process, std::string& text)
         Log::Write(Log::s_system, Log::MessageTypeID::Error, "Failed to get name of process '", process.id,
                    "': ", Error::FormatLastError());
         break;
-    case ProcessResult::Interrupted: // nothing is awaited here
+    case ProcessResult::Interrupted: // this wait can't be interrupted
         break;
     }
     return text;
@@ -73,7 +73,7 @@ std::uint32_t EnumerateProcesses(std::string_view name, const std::function<void
         return 0;
     }
     std::uint32_t count = 0;
-    // One string for all: where a process has no name to be found, that of the one before stands in.
+    // One string for all: a process whose name can't be found keeps that of the one before.
     std::string processName;
     for (const std::uint64_t id : ids)
     {

@@ -16,19 +16,19 @@ struct Process
 
 [[nodiscard]] Process GetCurrentProcess();
 
-/// Writes the base name of the process's executable to `text`, UTF-8, and returns it. `text` stays as it was if the
-/// name can't be found; a log line tells why.
+/// Writes the base name of the process's executable to `text`, UTF-8, and returns it. If the name can't be found,
+/// `text` is unchanged and a log line says why.
 std::string& GetName(const Process& process, std::string& text);
 
-/// What narrows the end of a process.
+/// Limits how a process is ended.
 struct Termination
 {
-    std::uint64_t startTime = 0; ///< only the process that was made then, whatever has its number now; 0 for any
-    /// Asked every few milliseconds while the end is awaited: true gives up the wait, though not the end. May be empty.
+    std::uint64_t startTime = 0; ///< only the process that was made then, even if another now has its number; 0 for any
+    /// Called every few milliseconds during the wait: true stops the wait, but not the process's end. May be empty.
     std::function<bool()> isInterrupted;
 };
 
-/// Ends the process and sets its id to 0, whether that worked or not; a log line tells.
+/// Ends the process and sets its id to 0, even after a failure, which is logged.
 void Terminate(Process& process, const Termination& termination = {});
 
 /// Calls `callback` for each running process of that name, case sensitive, or for all if `name` is empty. Returns the

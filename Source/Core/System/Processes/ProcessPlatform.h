@@ -9,44 +9,44 @@
 namespace Orvik::System::Processes
 {
 
-// What each operating system gives to the process functions. None of these logs; where one fails, the system's
-// last error tells why.
+// What each operating system provides for the process functions. None of these logs; after a failure the system's last
+// error says why.
 
-/// How far a step on another process came.
+/// The result of a step on another process.
 enum class ProcessResult : std::uint8_t
 {
     Done,
-    NoHandle, ///< the process is gone, or isn't ours to touch
+    NoHandle, ///< the process is gone, or we may not touch it
     Failed,
-    Interrupted, ///< the caller didn't want to wait any more
+    Interrupted, ///< the caller stopped the wait
 };
 
-/// What tells the run of a program from another of the same name.
+/// What distinguishes a run of the program from another process with the same name.
 struct ProcessRecord
 {
-    std::uint64_t startTime = 0; ///< when the system made the process; greater is later, the unit is the system's
+    std::uint64_t startTime = 0; ///< when the system made the process; greater is later, in the system's unit
     bool isOfSameUser = false;   ///< runs as this process's user; on Windows in its session as well
-    bool hasEnded = false;       ///< is only kept until its parent asks for the result
+    bool hasEnded = false;       ///< has ended, and is kept until its parent asks for the result
 };
 
-/// The id of the calling process, 0 if the system doesn't tell.
+/// The id of the calling process, 0 if it can't be found.
 [[nodiscard]] std::uint64_t GetCurrentProcessIdPlatform();
 
 /// Appends the ids of the running processes.
 [[nodiscard]] bool ListProcessIdsPlatform(std::vector<std::uint64_t>& ids);
 
-/// Writes the base name of the process's executable, UTF-8, to `name`, which is unchanged after any failure.
+/// Writes the base name of the process's executable, UTF-8, to `name`, which is unchanged after a failure.
 [[nodiscard]] ProcessResult ReadProcessNamePlatform(std::uint64_t id, std::string& name);
 
-/// False if the process is gone or isn't ours to look at; `record` is unchanged then.
+/// False if the process is gone or we may not look at it; `record` is unchanged then.
 [[nodiscard]] bool ReadProcessRecordPlatform(std::uint64_t id, ProcessRecord& record);
 
-/// Whether this process's executable is the file that holds its code. Under an emulator, a checker of memory or a
-/// loader that was called by name it is that program, and what has its name needn't be one of ours.
+/// Whether this process's executable is the file that contains its code. Under an emulator, a memory checker or a
+/// loader it isn't, and other processes with the executable's name needn't be runs of ours.
 [[nodiscard]] bool IsOwnExecutablePlatform();
 
-/// Ends the process. On Linux it returns when the process is gone or won't go, or the caller doesn't want to wait any
-/// more; Windows ends a process on its own, a moment later.
+/// Ends the process. On Linux it returns when the process is gone or doesn't end, or when the caller stops the wait;
+/// Windows ends a process by itself a moment later.
 [[nodiscard]] ProcessResult EndProcessPlatform(std::uint64_t id, const Termination& termination);
 
 } // namespace Orvik::System::Processes

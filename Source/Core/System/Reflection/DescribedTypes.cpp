@@ -1,5 +1,5 @@
-// Registers the value types before `main`. Nothing refers to this unit: it is linked as an object, as a linker leaves
-// out the members of an archive that nobody asks for.
+// Registers the value types before `main`. No other unit refers to this one, so it is linked as an object: a linker
+// leaves out the members of an archive that are not referred to.
 #include "Core/System/Reflection/DescribedTypes.h"
 
 #include "Core/System/Reflection/TypeRegistry.h"
@@ -55,7 +55,7 @@ const Registration<Image> s_image("Image", "{10C2B4D2-BE1D-4CD6-863E-890F32BA555
 const Registration<GUID> s_guid("Guid", "{601D319D-5E22-4C9E-9F84-3492796DE067}", "A 128-bit guid",
                                 {{"m_lowPart", UnsignedTypeId, offsetof(GUID, m_lowPart)},
                                  {"m_highPart", UnsignedTypeId, offsetof(GUID, m_highPart)}});
-// Shares its GUID with Int64; the ids alone have to differ.
+// Has the same GUID as Int64; only the ids have to differ.
 const Registration<Coordinate2> s_coordinate2("Coordinate2", "{164B6651-C16C-46A5-AE1C-2A75C90F93D3}",
                                               "A 2-dimensional coordinate",
                                               {{"y", Id<std::int64_t>, offsetof(Coordinate2, y)},

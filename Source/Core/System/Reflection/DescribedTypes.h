@@ -9,7 +9,7 @@ namespace Orvik::System::Reflection
 /// The unsigned 64-bit type of a GUID's halves. It has an id, and no description.
 inline constexpr std::uint32_t UnsignedTypeId = 0x1E599FAF;
 
-// Type ids are constants: no rule makes them from the names, so a type that is renamed keeps its own.
+// Type ids are constants and don't follow from the names, so a type that is renamed keeps its id.
 
 template <>
 struct TypeIdentity<Runtime::Execution::PodArray<Runtime::Execution::PodString>>

@@ -32,7 +32,7 @@ struct TypeDescription
     std::vector<FieldDescription> fields; ///< in the order of registration
 };
 
-/// What the registry has to know of a type before it is registered: specialise it with the constants `typeId` (32
+/// What the registry has to know about a type before it is registered: a specialisation has the constants `typeId` (32
 /// bits) and `typeName` (its full name).
 template <typename T>
 struct TypeIdentity;

@@ -17,8 +17,8 @@ struct TypeIdHash
     [[nodiscard]] std::size_t operator()(std::uint32_t typeId) const noexcept;
 };
 
-/// The descriptions of the framework's value types, one for each type id. The types of this program are registered
-/// before `main`; it only grows. From any thread.
+/// The descriptions of the framework's value types, one for each type id. This program's types are registered before
+/// `main`; types are never removed. From any thread.
 class TypeRegistry
 {
 public:
@@ -29,8 +29,8 @@ public:
     TypeRegistry(const TypeRegistry&) = delete;
     TypeRegistry& operator=(const TypeRegistry&) = delete;
 
-    /// Enters a type, which has a `TypeIdentity`. `name` and the names in `fields` have to be constants. The same
-    /// type with the same `guid` a second time changes nothing; with another one it is an assertion failure.
+    /// Adds a type, which has a `TypeIdentity`. `name` and the names in `fields` have to be constants. The same type
+    /// with the same `guid` a second time changes nothing; with another one it is an assertion failure.
     template <typename T>
     void RegisterType(std::string_view name, std::string_view description, const GUID& guid,
                       std::span<const FieldDescription> fields)
@@ -53,7 +53,7 @@ private:
     static constexpr std::size_t s_initialBuckets = 8;
 
     void Register(TypeDescription description);
-    /// False, and nothing changes, if there is a type with that id. Look-up and entry are one step for other threads.
+    /// False, and nothing changes, if there is a type with that id. Other threads see look-up and entry as one step.
     [[nodiscard]] bool Enter(TypeDescription description);
 
     mutable std::mutex m_mutex;

@@ -16,7 +16,7 @@ constexpr std::int64_t s_shutdownPollPeriod = 16'000'000; // nanoseconds
 
 } // namespace
 
-// A constant from the start: the application itself may be constructed before `main`.
+// Constant from the start, because the application itself may be constructed before `main`.
 constinit Application* Application::s_instance = nullptr;
 
 Application::Application(std::wstring name) : m_name(std::move(name))

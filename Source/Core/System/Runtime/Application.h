@@ -35,20 +35,19 @@ class DisplayCache;
 namespace Orvik::System::Runtime
 {
 
-/// Owns a System that is known by name only. The deleter holds the plain function that deletes it.
+/// Owns a System of which only the name is known. The deleter holds the function that deletes it.
 template <typename T>
 using SystemPointer = std::unique_ptr<T, std::function<void(T*)>>;
 
-/// The process-wide singleton of the framework. It owns the Systems, the configuration and the exit code, and says in
-/// which order a run goes. The program derives from it. Everything here runs on the main thread unless it says
-/// otherwise.
+/// The process-wide singleton of the framework. It owns the Systems, the configuration and the exit code, and defines
+/// the order of a run. The program derives from it. Everything here runs on the main thread unless it says otherwise.
 class Application
 {
 public:
-    /// What `m_returnCode` is while nobody has set it.
+    /// The value of `m_returnCode` while no code has been set.
     static constexpr std::int32_t UnsetReturnCode = std::numeric_limits<std::int32_t>::min();
 
-    /// Told before a System is initialised; a handler that clears `proceed` leaves the System as it is.
+    /// Raised before a System is initialised; a handler that clears `proceed` leaves the System as it is.
     struct PreSystemInitializationEvent
     {
         ISystem* system;
@@ -56,19 +55,19 @@ public:
         bool proceed = true;
     };
 
-    /// Told when a System is initialised.
+    /// Raised when a System is initialised.
     struct PostSystemInitializationEvent
     {
         ISystem* system;
     };
 
-    /// A second application at a time is an assertion failure.
+    /// A second application at the same time is an assertion failure.
     explicit Application(std::wstring name);
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
     virtual ~Application();
 
-    /// The program's own work. The base version starts the frame: directories, configuration, error handling.
+    /// The program's own work. The base version sets up directories, configuration and error handling.
     virtual void Main(const ApplicationParameters& parameters);
     virtual void OnPreSystemInitialization(Application& sender, PreSystemInitializationEvent& event);
     virtual void OnPostSystemInitialization(Application& sender, PostSystemInitializationEvent& event);
@@ -77,15 +76,15 @@ public:
     [[nodiscard]] virtual bool IsHeadless() const; ///< nothing calls it
     /// Asks a program without a main-loop System to end by itself. From any thread.
     virtual void OnShutdownRequested();
-    /// The display is gone, and the system's library for it can't be called again, not even by the call under way: if
+    /// The display is gone, and the system's library for it can't be called again, not even by the current call: if
     /// this returns, that call may fault. A program with a screen ends the process here. Main thread.
     virtual void OnDisplayLost();
 
-    /// A whole run: ends older instances if asked to, starts the frame, runs the program, ends the Systems. The exit
-    /// code is in `m_returnCode` afterwards. What the program's `Main` throws leaves here.
+    /// A whole run: ends older runs if asked to, sets up the framework, runs the program, ends the Systems. The exit
+    /// code is in `m_returnCode` then. Exceptions of the program's `Main` are passed on.
     static void Run(const ApplicationParameters& parameters);
 
-    /// The singleton. Without one: an assertion failure.
+    /// The singleton. An assertion failure if there is none.
     [[nodiscard]] static Application& GetInstance()
     {
         ORVIK_ASSERT(s_instance != nullptr, "Ilegal attempt to access a non-existent application instance.");
@@ -107,11 +106,11 @@ public:
     template <typename T>
     [[nodiscard]] static T& GetSystem();
 
-    /// Creates the Systems in their order. Reports and swallows what their initialisation throws.
+    /// Creates the Systems in their order. Reports exceptions of their initialisation and doesn't pass them on.
     void InitializeSystems();
 
-    /// Ends the Systems in reverse order and settles the exit code. Called from another thread than the one that
-    /// brought the Systems up: an assertion failure.
+    /// Ends the Systems in reverse order and sets the final exit code. An assertion failure on another thread than the
+    /// one that created the Systems.
     void ShutdownSystems();
 
     /// Appends the usage text.
@@ -126,7 +125,7 @@ public:
     [[nodiscard]] const std::wstring& GetName() const { return m_name; }
     [[nodiscard]] ApplicationConfigCache& GetConfigCache() { return m_configCache; }
 
-    /// The exit code of the process. Read by fault reporting without a lock.
+    /// The exit code of the process. Fault reporting reads it without a lock.
     std::int32_t m_returnCode = UnsetReturnCode;
 
 protected:
@@ -141,10 +140,10 @@ protected:
     template <typename T>
     void CreateAndInitialize(SystemPointer<T>& slot, const IConfig* config);
 
-    /// False if the System doesn't come up and doesn't tolerate that.
+    /// False if the System doesn't start and doesn't tolerate that.
     [[nodiscard]] bool InitializeSystem(SystemLifecycle& system, const IConfig* config);
 
-    Log::Context m_context{Log::StreamID::System}; ///< of what the frame logs about the end of its Systems
+    Log::Context m_context{Log::StreamID::System}; ///< for the log lines about the end of its Systems
     std::wstring m_name;
     SystemPointer<Log::Logger> m_logSystem;
     SystemPointer<Threads::ThreadManager> m_threadManager;
@@ -153,10 +152,10 @@ protected:
     ApplicationConfigCache m_configCache;
     Execution::CapabilityListeners m_capabilityListeners;
     Execution::CommandRegistry m_commandRegistry;
-    CurrentThreadPointer m_mainThreadState;  ///< keeps the main thread known to the thread layer
+    CurrentThreadPointer m_mainThreadState;  ///< keeps the main thread registered
     CommandLine* m_commandLine = nullptr;    ///< not owned
     void* m_extension = nullptr;             ///< not owned
-    Threads::Thread* m_mainThread = nullptr; ///< set while the Systems come up; not owned
+    Threads::Thread* m_mainThread = nullptr; ///< set while the Systems start; not owned
     ISystem* m_mainLoopSystem = nullptr;     ///< not owned
 
 private:

@@ -23,7 +23,7 @@ using Log::MessageTypeID;
 
 constexpr const char* s_schemaName = "Zentrov-Configuration-2501.json";
 
-/// Opens a file for reading. Not a directory, which some platforms open and can't read.
+/// Opens a file for reading. Refuses directories, which some platforms open but can't read.
 std::ifstream OpenFile(const std::filesystem::path& path)
 {
     std::error_code ignored;
@@ -43,7 +43,7 @@ void WarnOfMissingSchema()
                "No configuration schema loaded, configuration might be invalid.");
 }
 
-/// The first member with exactly that name, if it is an object; null otherwise. `object` may be any value.
+/// The first member with exactly that name, if it is an object; otherwise null. `object` may be any value.
 const rapidjson::Value* FindObject(const rapidjson::Value& object, std::string_view name)
 {
     if (!object.IsObject())
@@ -201,7 +201,7 @@ bool ApplicationConfigCache::ValidateDocument(const JsonSchema* schema, const Js
         return false;
     }
     rapidjson::SchemaValidator validator(*schema->schema);
-    // The walk through the document recurses.
+    // Walking through the document recurses.
     if (IsShallow(*document->document) && document->document->Accept(validator) && validator.IsValid())
         return true;
     error = "Failed to validate against schema";

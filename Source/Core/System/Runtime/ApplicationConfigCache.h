@@ -17,8 +17,8 @@ namespace Orvik::System::Runtime
 struct JsonDocument; ///< holds a parsed document
 struct JsonSchema;   ///< holds a compiled schema
 
-/// The configuration document, its schema, the typed configurations, and the two directories that everything else is
-/// found from. Main thread only.
+/// The configuration document, its schema, the typed configurations, and the two directories from which everything else
+/// is found. Main thread only.
 class ApplicationConfigCache
 {
 public:
@@ -27,31 +27,31 @@ public:
     ApplicationConfigCache(const ApplicationConfigCache&) = delete;
     ApplicationConfigCache& operator=(const ApplicationConfigCache&) = delete;
 
-    /// Finds the directories and loads the schema. `executablePath` is the first command-line argument or null; it
-    /// serves where the system doesn't tell the program's path. Always true: a missing or broken schema is logged
-    /// and leaves the cache without validation.
+    /// Finds the directories and loads the schema. `executablePath` is the first command-line argument or null; it is
+    /// used if the system doesn't report the program's path. Always true: a missing or broken schema is logged, and
+    /// documents aren't validated then.
     bool Initialize(const char* executablePath);
 
-    /// Replaces the document by the parsed text. False if it can't be parsed or doesn't match the schema; there is
-    /// no document then, and `GetError` tells why.
+    /// Replaces the document by the parsed text. False if it can't be parsed or doesn't match the schema; there is no
+    /// document then, and `GetError` says why.
     bool LoadFromString(const std::string& json);
 
-    /// Replaces the document by a file's. False if the file can't be opened, which leaves the document as it was, or
-    /// parsed, which leaves an empty one, or doesn't match the schema, which leaves none. `GetError` tells why; the
+    /// Replaces the document by a file's. False if the file can't be opened, which leaves the document as it was; can't
+    /// be parsed, which leaves an empty one; or doesn't match the schema, which leaves none. `GetError` says why; the
     /// first two are logged as well.
     bool LoadFromFile(const std::filesystem::path& file);
 
-    /// Looks for a schema file below "Resources/Schemas" beside the directory "Binaries" that the program lies in, and
-    /// from the working directory if it lies in none. False if there is no such file; `path` is untouched then. Throws
-    /// the file-system error "exists" if that can't be told.
+    /// Looks for a schema file below "Resources/Schemas" beside the directory "Binaries" that contains the program, or
+    /// below the working directory if there is no "Binaries". False if there is no such file; `path` is unchanged then.
+    /// Throws the file-system error "exists" if that can't be found out.
     [[nodiscard]] bool FindSchemaFile(const std::string& name, std::filesystem::path& path) const;
 
-    /// Checks a document. False if it doesn't match, or is nested too deeply to be checked; `error` tells why.
+    /// Checks a document. False if it doesn't match, or is nested too deeply to be checked; `error` says why.
     [[nodiscard]] static bool ValidateDocument(const JsonSchema* schema, const JsonDocument* document,
                                                std::string& error);
 
-    /// The directory of the running program, from which resources and default output directories are found. Empty
-    /// if it can't be told.
+    /// The directory of the running program, from which resources and default output directories are found. Empty if it
+    /// is unknown.
     [[nodiscard]] const std::filesystem::path& GetRootPath() const { return m_executableDirectory; }
 
     /// The user's data directory: ".orvik" in the home directory.
@@ -78,11 +78,11 @@ public:
         return config;
     }
 
-    /// Gives `config` its defaults and applies the section `name` if the document has it. False if the section
-    /// is refused.
+    /// Gives `config` its defaults and applies the section `name` if the document has it. False if the section is
+    /// refused.
     [[nodiscard]] bool InitializeConfig(IConfig* config, std::string_view name);
 
-    /// The object under "configuration" with that name, or null. A section of another type is as good as none.
+    /// The object under "configuration" with that name, or null. A section that is no object counts as missing.
     [[nodiscard]] const rapidjson::Value* FindSection(std::string_view name) const;
 
 private:
@@ -93,7 +93,7 @@ private:
     };
 
     void LoadSchema(const std::filesystem::path& path);
-    /// Parses and validates. Null after a failure; `m_error` tells why.
+    /// Parses and validates. Null after a failure; `m_error` says why.
     [[nodiscard]] std::unique_ptr<JsonDocument> ReadDocument(const std::string& json);
     /// Keeps the text of a failure, logs it and returns false.
     bool FailLoading(std::string error);

@@ -13,7 +13,7 @@ struct CommandDescription
     std::string_view name;
 };
 
-/// Something that a device can do. This program has none; whoever adds one adds to this what it needs.
+/// Something that a device can do. This program has none; a program that adds one extends this class.
 class CapabilityBase
 {
 public:

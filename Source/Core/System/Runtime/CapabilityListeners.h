@@ -10,17 +10,17 @@
 namespace Orvik::System::Runtime::Execution
 {
 
-/// Who is told of a newly made capability. From any thread.
+/// The listeners that hear of a new capability. From any thread.
 class CapabilityListeners
 {
 public:
     using Callback = std::function<void(CapabilityBase& capability)>;
 
-    /// Adds a listener. `owner` is a key only; a second listener of the same owner is not added: false.
+    /// Adds a listener. `owner` is only a key; false, and nothing is added, if the owner already has one.
     bool Add(const void* owner, Callback callback);
 
-    /// Calls the listeners in the order in which they were added, on the calling thread. A listener may add another,
-    /// which is not called this time.
+    /// Calls the listeners in the order in which they were added, on the calling thread. A listener that is added
+    /// meanwhile isn't called this time.
     void Notify(CapabilityBase& capability);
 
 private:

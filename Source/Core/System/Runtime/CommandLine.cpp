@@ -11,7 +11,7 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-/// The option's name without its dashes; empty where there is nothing behind them.
+/// The option's name without its dashes; empty if nothing follows them.
 std::string_view StripPrefix(std::string_view argument)
 {
     return argument.substr(argument.starts_with("--") ? 2 : 1);

@@ -21,7 +21,7 @@ struct CommandLineOption
     std::string defaultValue; ///< empty: no default
 };
 
-/// Callers test only for `Success`.
+/// Callers only test for `Success`.
 enum class ParseResult : std::uint8_t
 {
     Success = 1,
@@ -40,8 +40,8 @@ public:
     void AddOption(std::uint64_t id, bool required, bool hasValue, std::string name, std::string shortName,
                    std::string description, std::string defaultValue);
 
-    /// Reads the arguments behind the first against the options. Stops at the first error: `values` then holds what
-    /// was found so far, without defaults.
+    /// Reads the arguments after the first as options. Stops at the first error: `values` then holds what was found so
+    /// far, without defaults.
     [[nodiscard]] ParseResult Parse();
 
     /// True if every required option has a value.
@@ -65,8 +65,8 @@ private:
     void ApplyDefaults();
 };
 
-/// The text that `Help` prints: the usage line with the application's name and, if options are declared, a line each.
-/// Appends to `text`. `commandLine` may be null.
+/// Appends the text that `Help` prints: the usage line with the application's name and, if options are declared, a line
+/// for each. `commandLine` may be null.
 void AppendUsage(std::string& text, std::wstring_view applicationName, const CommandLine* commandLine);
 
 } // namespace Orvik::System::Runtime

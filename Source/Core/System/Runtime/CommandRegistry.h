@@ -11,7 +11,7 @@
 namespace Orvik::System::Runtime::Execution
 {
 
-/// The commands of all capabilities, to be found by name and by capability. It only grows. It has no lock: commands
+/// The commands of all capabilities, by name and by capability. Commands are never removed. It has no lock: commands
 /// are registered while the application starts, on the main thread.
 class CommandRegistry
 {
@@ -20,8 +20,8 @@ public:
     using CommandMap = std::unordered_map<std::string, const CommandDescription*, Types::StringHash>;
     using CapabilityMap = std::unordered_map<std::string, CommandList, Types::StringHash>;
 
-    /// Enters a command. A name that exists already stands for the new command from then on. The description is kept
-    /// by pointer and has to outlive the registry. One without a command is an assertion failure. Always true.
+    /// Adds a command. If the name exists already, it means the new command from then on. The description isn't copied
+    /// and has to outlive the registry. One without a command is an assertion failure. Always true.
     bool Register(const CapabilityBase& capability, const CommandDescription& commandDescription);
 
     /// In the order of registration.

@@ -23,11 +23,11 @@ public:
     virtual std::uint32_t GetTypeId(std::uint32_t& typeId) const = 0;
     /// Gives all fields their default values. Runs once, before any `Load`.
     virtual void SetDefaults() = 0;
-    /// Applies a section, a JSON object borrowed for the call. False refuses it.
+    /// Applies a section, a JSON object that is only valid during the call. False refuses it.
     [[nodiscard]] virtual bool Load(const rapidjson::Value* section) = 0;
 };
 
-/// The base of every configuration: who it is, at compile time. `Derived` has a static constant `s_typeID`.
+/// The base of every configuration: its identity at compile time. `Derived` has a static constant `s_typeID`.
 template <typename Derived, Constexpr::CharacterArray<128> Name, std::uint64_t NameLength, GUID Guid>
 class Config : public IConfig
 {

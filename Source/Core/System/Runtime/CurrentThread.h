@@ -10,20 +10,20 @@ class Thread;
 namespace Orvik::System::Runtime
 {
 
-/// The `Thread` of the calling thread, or null if the thread layer doesn't know it. Below the thread layer, so that
-/// Systems can compare threads without it.
+/// The `Thread` of the calling thread, or null if the thread layer doesn't know it. It is below the thread layer so
+/// that Systems can compare threads without that layer.
 [[nodiscard]] Threads::Thread* FindCurrentThread() noexcept;
 
-/// Makes the calling thread known. Not owned.
+/// Registers the calling thread. Not owned.
 void SetCurrentThread(Threads::Thread* thread) noexcept;
 
-/// Ends what `SetCurrentThread` began, if the calling thread is still known by that object.
+/// Undoes `SetCurrentThread`, if the calling thread is still registered with that object.
 struct CurrentThreadForgetter
 {
     void operator()(Threads::Thread* thread) const noexcept;
 };
 
-/// The calling thread's object while somebody answers for it. Not an owner of the `Thread`: it is only forgotten.
+/// Registers the calling thread's object as long as this lives. It doesn't own the `Thread`: it only unregisters it.
 using CurrentThreadPointer = std::unique_ptr<Threads::Thread, CurrentThreadForgetter>;
 
 } // namespace Orvik::System::Runtime

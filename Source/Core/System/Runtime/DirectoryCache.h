@@ -9,8 +9,8 @@
 namespace Orvik::System::Runtime
 {
 
-/// Where things lie: the user's directories, read once from the environment, and the program's own, below which its
-/// resource files are found. One object for the process; written while a run comes up, only read afterwards.
+/// Where files are: the user's directories, read once from the environment, and the program's own, below which its
+/// resource files are found. One object per process; written during the start, only read afterwards.
 class DirectoryCache
 {
 public:
@@ -23,10 +23,10 @@ public:
 
     [[nodiscard]] static DirectoryCache& GetInstance();
 
-    /// Reads the environment. False if a directory isn't told; it is empty then, and the rest stands.
+    /// Reads the environment. False if a directory isn't given; it is empty then, and the others are set.
     bool Initialize();
 
-    /// Where the running program lies; empty if that is unknown.
+    /// The directory of the running program; empty if it is unknown.
     void SetProgramDirectory(std::filesystem::path directory) { m_programDirectory = std::move(directory); }
     [[nodiscard]] const std::filesystem::path& GetProgramDirectory() const { return m_programDirectory; }
 
@@ -50,14 +50,14 @@ private:
     std::filesystem::path m_programDirectory;
 };
 
-/// The directory that holds the nearest directory called `name`, from `path` upward, `path` itself included. Empty if
-/// there is none. Throws the file-system error "absolute" if `path` can't be made absolute.
+/// The directory that contains the nearest directory called `name`, from `path` upward, `path` itself included. Empty
+/// if there is none. Throws the file-system error "absolute" if `path` can't be made absolute.
 [[nodiscard]] std::filesystem::path FindRootDirectory(const std::filesystem::path& path,
                                                       const std::filesystem::path& name);
 
-/// Where a file lies in an installation: below the directory that holds "Binaries", in which the program lies, then in
-/// `directories`, each in the one before. Relative to the working directory for a program that lies in no such
-/// directory or whose own is unknown. The file need not exist.
+/// The place of a file in an installation: below the directory that contains "Binaries", which contains the program,
+/// then down through `directories`. Relative to the working directory if the program isn't in such a directory, or its
+/// own is unknown. The file need not exist.
 [[nodiscard]] std::filesystem::path ResolveResource(const std::filesystem::path& programDirectory,
                                                     std::initializer_list<const char*> directories,
                                                     const std::filesystem::path& file);

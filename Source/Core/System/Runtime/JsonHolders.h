@@ -7,11 +7,11 @@
 namespace Orvik::System::Runtime
 {
 
-// What `ApplicationConfigCache` keeps of the JSON library, out of its header.
+// What `ApplicationConfigCache` keeps of the JSON library, outside of its header.
 
 struct JsonDocument
 {
-    std::unique_ptr<rapidjson::Document> document; ///< null if there wasn't the memory for one
+    std::unique_ptr<rapidjson::Document> document; ///< null if there wasn't enough memory
 };
 
 struct JsonSchema

@@ -11,9 +11,9 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-/// Levels of nesting that are left to recursion; a configuration has four.
+/// The most levels of nesting that functions here recurse through; a configuration has four.
 constexpr int s_maxDepth = 512;
-/// Steps of a reference to a reference in a schema.
+/// The most references to references that are followed in a schema.
 constexpr int s_maxReferences = 64;
 
 constexpr std::array<const char*, 18> s_parseErrorTexts = {
@@ -42,8 +42,8 @@ JsonParseResult Parse(Stream& stream, rapidjson::Document& document)
 {
     document.ParseStream<rapidjson::kParseIterativeFlag>(stream);
     JsonParseResult result{document.GetParseError(), document.GetErrorOffset()};
-    // The one error that the iterative parser names differently: it calls a document empty that begins with what can't
-    // begin a value.
+    // The one error that the iterative parser reports differently: if a document begins with a character that no value
+    // begins with, it calls the document empty.
     if (result.error == rapidjson::kParseErrorDocumentEmpty && stream.Peek() != '\0')
         result.error = rapidjson::kParseErrorValueInvalid;
     return result;
@@ -63,8 +63,8 @@ bool IsWithinDepth(const rapidjson::Value& value, int levels)
     return true;
 }
 
-/// The library takes it for granted that the keyword "patternProperties" is an object, and that "dependencies" lists
-/// names.
+/// The library expects, without checking, that the keyword "patternProperties" is an object, and that "dependencies"
+/// lists names.
 bool IsKeywordSound(const rapidjson::Value::Member& member)
 {
     const std::string_view name(member.name.GetString(), member.name.GetStringLength());
@@ -80,7 +80,7 @@ bool IsKeywordSound(const rapidjson::Value::Member& member)
                        });
 }
 
-/// Whether the references that begin with `object` lead to something else than a reference, or nowhere.
+/// Whether the references that begin with `object` end at something other than a reference, or nowhere.
 bool DoReferencesEnd(const rapidjson::Value& object, const rapidjson::Document& schema)
 {
     const rapidjson::Value* target = &object;
@@ -102,7 +102,7 @@ bool DoReferencesEnd(const rapidjson::Value& object, const rapidjson::Document& 
     return false;
 }
 
-/// `value` is shallow.
+/// `value` must be shallow.
 bool IsPartCompilable(const rapidjson::Value& value, const rapidjson::Document& schema)
 {
     const auto isCompilable = [&schema](const rapidjson::Value& child) { return IsPartCompilable(child, schema); };

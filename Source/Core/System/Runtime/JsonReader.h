@@ -8,8 +8,8 @@
 namespace Orvik::System::Runtime
 {
 
-// Reading JSON that anybody may have written. The library recurses where it parses by default, validates and compiles
-// a schema, and takes some of a schema's types for granted; nothing here does.
+// Reads JSON from untrusted sources. The library by default recurses where it parses, validates and compiles a schema,
+// and doesn't check some of a schema's types; nothing here relies on that.
 
 struct JsonParseResult
 {
@@ -24,10 +24,10 @@ struct JsonParseResult
 /// Describes a parse error in English, with a full stop.
 [[nodiscard]] const char* GetParseErrorText(rapidjson::ParseErrorCode error) noexcept;
 
-/// Whether the value is nested little enough for operations that recurse.
+/// Whether the value's nesting is flat enough for operations that recurse.
 [[nodiscard]] bool IsShallow(const rapidjson::Value& value);
 
-/// Whether the library can compile the schema without running into an assertion of its own or round in circles.
+/// Whether the library can compile the schema without failing an assertion of its own or running in circles.
 [[nodiscard]] bool IsCompilable(const rapidjson::Document& schema);
 
 } // namespace Orvik::System::Runtime

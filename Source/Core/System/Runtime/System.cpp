@@ -11,8 +11,8 @@ namespace Orvik::System::Runtime
 namespace
 {
 
-/// The calling thread. One that the thread layer doesn't know is told apart from "no thread": it owns no System,
-/// not even one that was never given a thread.
+/// The calling thread. An unknown thread is different from "no thread": it owns no System, not even one that never got
+/// a thread.
 const Threads::Thread* GetCallingThread()
 {
     static const char s_unknownThread = 0;
@@ -30,10 +30,10 @@ void SystemLifecycle::ShutdownSignal::Raise() noexcept
 
 void SystemLifecycle::ShutdownSignal::WaitFor(std::int64_t nanoseconds)
 {
-    // The library yields the processor even if it is only asked, which takes long on a busy machine.
+    // The library yields the processor even for a wait of 0, which takes long on a busy machine.
     if (nanoseconds <= 0)
         return;
-    // The next round reads the state anyway: which of the two ended the wait makes no difference.
+    // The next round reads the state anyway, so it doesn't matter which of the two ended the wait.
     (void)m_semaphore.try_acquire_for(std::chrono::nanoseconds(nanoseconds));
 }
 
@@ -68,7 +68,7 @@ void SystemLifecycle::OnEvent(Application& sender, const SystemEvent& event)
     }
     else
     {
-        // Without a loop nobody is there to finish the walk.
+        // Without a loop, no other thread ends the System.
         if (m_state.exchange(State::Shutdown_Requested) == State::Initialized)
             m_state.store(State::Shutdown);
         m_shutdownSignal->Raise();

@@ -22,13 +22,13 @@ namespace Orvik::System::Runtime
 
 class Application;
 
-/// Marks a System that takes no configuration; it is initialised with null, and none of these is ever made.
+/// Marks a System without configuration; it is initialised with null, and no object of this type is ever made.
 class EmptyConfig : public IConfig
 {
 };
 
-/// A long-lived service of the application. The `Application` creates, initialises and ends it. A System with a
-/// thread of its own is driven by that thread: `SetThread`, `PreUpdateLoop`, `UpdateLoop`, `PostUpdateLoop`.
+/// A long-lived service of the application. The `Application` creates, initialises and ends it. A System with a thread
+/// of its own is driven by that thread: `SetThread`, `PreUpdateLoop`, `UpdateLoop`, `PostUpdateLoop`.
 class ISystem
 {
 public:
@@ -50,19 +50,19 @@ public:
     virtual const GUID& GetGuid(GUID& guid) const = 0;
     /// Writes the type id to `typeId` and returns it.
     virtual std::uint32_t GetTypeId(std::uint32_t& typeId) const = 0;
-    /// Whether a failing `Initialize` is no error.
+    /// Whether a failed `Initialize` is no error.
     [[nodiscard]] virtual bool ToleratesInitializationFailure() const = 0;
-    /// Brings the System up. `config` is borrowed for the call, and null for a System without configuration.
+    /// Starts the System. `config` is only valid during the call, and null for a System without configuration.
     [[nodiscard]] virtual bool Initialize(const IConfig* config) = 0;
     virtual void OnConfigured() = 0;                  ///< nothing calls it
     virtual void OnStarted() = 0;                     ///< nothing calls it
     [[nodiscard]] virtual State GetState() const = 0; ///< from any thread
     /// One round of the update cycle, on the owning thread. A System that enters the cycle overrides it.
     virtual void Update() = 0;
-    /// Takes an event from any thread. The shutdown event moves the state; everything else goes to `OnUnhandledEvent`.
+    /// Takes an event from any thread. The shutdown event changes the state; all others go to `OnUnhandledEvent`.
     virtual void OnEvent(Application& sender, const SystemEvent& event) = 0;
     virtual void OnUnhandledEvent(Application& sender, std::uint32_t typeId, const SystemEvent& event) = 0;
-    /// False lets the cycle begin paused.
+    /// False starts the cycle paused.
     [[nodiscard]] virtual bool OnPreUpdateLoop() = 0;
     virtual bool OnPostUpdateLoop() = 0; ///< the result is ignored
     /// Releases what the System holds. A System that is shut down overrides it.
@@ -99,7 +99,7 @@ public:
     void Shutdown() override;
     void SetThread(Threads::Thread* thread) override;
 
-    /// Exchanges the state as a whole and returns the one before. For the `Application`, which initialises Systems.
+    /// Exchanges the whole state and returns the previous one. For the `Application`, which initialises Systems.
     State ExchangeState(State state) noexcept;
 
 protected:
@@ -107,7 +107,7 @@ protected:
     class ShutdownSignal
     {
     public:
-        /// Ends the wait under way or the next one. Only the first call does.
+        /// Ends the current wait or the next one. Only the first call does.
         void Raise() noexcept;
         /// Waits until raised, for `nanoseconds` at most; 0 doesn't wait.
         void WaitFor(std::int64_t nanoseconds);
@@ -129,7 +129,7 @@ private:
     void RunUpdateRound();
 };
 
-/// The base of every System: who it is, at compile time. `Derived` has a static constant `s_typeID`.
+/// The base of every System: its identity at compile time. `Derived` has a static constant `s_typeID`.
 template <typename Derived, Constexpr::CharacterArray<128> Name, std::uint64_t NameLength, GUID Guid,
           std::derived_from<IConfig> Configuration>
 class SystemBase : public SystemLifecycle

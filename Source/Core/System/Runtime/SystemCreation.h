@@ -1,5 +1,5 @@
-// How an `Application` makes a System: apart from Application.h, since only the units that know the System as a whole
-// have a use for it.
+// How an `Application` makes a System.
+// It isn't in Application.h because only units that know the whole System need it.
 #pragma once
 
 #include "Core/System/Error/Exception.h"
@@ -20,7 +20,7 @@ void Application::CreateAndInitialize(SystemPointer<T>& slot, const IConfig* con
 
     const Time::TraceScope step(T::s_name.data());
     void (*const deleteSystem)(T*) = [](T* system) { delete system; };
-    // No memory leaves the slot empty: that is the one way in which a creation fails.
+    // No memory leaves the slot empty: creation can only fail like that.
     slot = SystemPointer<T>(new (std::nothrow) T, deleteSystem);
     if (slot == nullptr)
     {

@@ -7,14 +7,14 @@
 namespace Orvik::System::Runtime
 {
 
-/// What Systems are told. A concrete event derives from it and names its id as `TypeID_V`.
+/// An event for Systems. A concrete event derives from it and names its id as `TypeID_V`.
 struct SystemEvent
 {
     explicit constexpr SystemEvent(std::uint32_t typeId) noexcept : m_eventTypeID(typeId) {}
 
     std::uint32_t m_eventTypeID;
 
-    /// The event as the concrete type. Another type's id is an assertion failure.
+    /// The event as the concrete type. An assertion failure if its id is that of another type.
     template <typename Event>
     [[nodiscard]] const Event& As() const
     {
@@ -24,7 +24,7 @@ struct SystemEvent
     }
 };
 
-/// The id that stands for the event base type where a hook is told the type.
+/// The id of the event base type, for hooks that get a type.
 inline constexpr std::uint32_t SystemEventBaseTypeID = 0x6C1D0F86;
 
 /// Asks a System to stop.

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-// The value types that commands take and give, and the enums around them. This program knows them by their descriptions
-// only: what a handle stands for is the business of whoever adds commands.
+// The value types of commands' arguments and results, and the enums around them. This program only knows their
+// descriptions: the code that adds commands gives the handles their meaning.
 
 namespace Orvik::System::Types
 {

@@ -5,7 +5,7 @@
 namespace Orvik::System::Constexpr
 {
 
-/// A text that can be a template argument: up to `Capacity` - 1 characters, zero-terminated, zeros behind.
+/// A text that can be a template argument: up to `Capacity` - 1 characters, filled up with zeros.
 template <std::size_t Capacity>
 struct CharacterArray
 {

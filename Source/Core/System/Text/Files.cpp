@@ -12,17 +12,18 @@ namespace Orvik::System::Text
 namespace
 {
 
-/// Even a slow disk takes as much within a second.
+/// Even a slow disk writes this many bytes within a second.
 constexpr std::size_t s_partBytes = std::size_t{64} * 1024;
 
-/// Of the process, like the request to end that asks for it.
+/// One for the process, like the request to end that reads it.
 std::atomic<std::uint64_t> s_writeProgress = 0;
 
-/// How long another program may keep a file from being replaced, and how often that is tried.
+/// How long to wait for another program that keeps the file from being replaced, and how often to try.
 constexpr std::chrono::seconds s_heldLimit{1};
 constexpr std::chrono::milliseconds s_heldPeriod{20};
 
-/// Gives the written part the file's name. A reader that doesn't share the file, a search or a backup, is done soon.
+/// Gives the written part the file's name. A reader that doesn't share the file, such as a search or a backup, soon
+/// ends.
 Replacement PutInPlace(const std::filesystem::path& part, const std::filesystem::path& path)
 {
     const auto end = std::chrono::steady_clock::now() + s_heldLimit;

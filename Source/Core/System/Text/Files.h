@@ -16,57 +16,55 @@ struct CloseOnDestruction
     void operator()(std::FILE* file) const noexcept;
 };
 
-/// An open file of the C library, closed with the object. Whoever wrote to it ends with `Close` instead, which tells
-/// whether the bytes arrived.
+/// An open file of the C library, closed with the object. After writing, call `Close` instead, which reports whether
+/// all bytes were written.
 using File = std::unique_ptr<std::FILE, CloseOnDestruction>;
 
 /// Opens a file; `mode` is that of `fopen`. Null if it can't be opened; the last system error then says why. Programs
 /// that this one starts don't inherit the file.
 [[nodiscard]] File OpenFile(const std::filesystem::path& path, const char* mode);
 
-/// A file that was made just now.
+/// A file that was just made.
 struct NewFile
 {
     File file;                  ///< open for writing, as text
     std::filesystem::path path; ///< the name that was free
 };
 
-/// Makes a file that nothing stands in the place of and opens it. A name that is taken, by a link too, isn't touched or
-/// followed: the next is tried, with "_1", "_2" and so on ahead of the extension. Nothing is open if the system
-/// refuses.
+/// Makes a new file and opens it. An existing file or link of that name isn't touched or followed: the next name is
+/// tried, with "_1", "_2" and so on before the extension. Nothing is open if the system refuses.
 [[nodiscard]] NewFile OpenNewFile(const std::filesystem::path& path);
 
-/// The same under this name alone. Null if that can't be, with `isTaken` set if something of that name is there.
+/// The same with this name only. Null on failure; `isTaken` is set if something of that name exists.
 [[nodiscard]] File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken);
 
-/// Writes bytes to a file. False if not all of them went there, as on a full disk.
+/// Writes bytes to a file. False if not all of them were written, as on a full disk.
 [[nodiscard]] bool Write(std::FILE& file, const void* data, std::size_t bytes);
 
-/// How many parts of files `Write` has written in this process: who waits for a file's end sees by it that it gets on.
-/// On any thread.
+/// How many parts of files `Write` has written in this process. If the number grows, writing goes on. From any thread.
 [[nodiscard]] std::uint64_t GetWriteProgress();
 
 enum class Replacement : std::uint8_t
 {
     Done,
     NotOpened,  ///< the file can't be made, or not be replaced
-    NotWritten, ///< the text doesn't fit on the disk, say
+    NotWritten, ///< the text couldn't be written completely, for example on a full disk
     Held,       ///< another program keeps the file from being replaced, for longer than a second
 };
 
-/// Gives the file this text, bytes as they are. Whoever reads it meanwhile finds the old text or the new one, whole;
-/// after a failure the old one is still there. The text is written beside the file first, under its name with ".part"
-/// behind it. Waits a second at the most for a program that keeps the file from being replaced.
+/// Replaces the file's content by this text, bytes as they are. A reader finds the whole old text or the whole new one;
+/// after a failure the old one is still there. The text is first written beside the file, under its name with ".part"
+/// added. Waits at most a second for a program that keeps the file from being replaced.
 [[nodiscard]] Replacement ReplaceFile(const std::filesystem::path& path, const std::string& text);
 
-/// Whether this error of giving a file the name `path` says that another program has it open, and so may pass.
+/// Whether this error, from giving a file the name `path`, means that another program has it open, and so may pass.
 [[nodiscard]] bool IsHeldPlatform(const std::filesystem::path& path, const std::error_code& error);
 
 /// The beginning of 1601, where the file times of Windows begin, in ticks since 1970.
 inline constexpr std::int64_t WindowsFileTimeBegin = -0x19DB1DED53E8000;
 
-/// When a file was last written, in 100-nanosecond ticks since the beginning of 1970 in UTC, as fine as its file system
-/// keeps it. 0 with `error` set if that can't be found out.
+/// When a file was last written, in 100-nanosecond ticks since the beginning of 1970 in UTC, as exact as its file
+/// system keeps it. 0 with `error` set if that can't be read.
 [[nodiscard]] std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error);
 
 /// Closes a file. False if not all that was written to it reached the system, as on a full disk.

@@ -11,8 +11,8 @@ namespace Orvik::System::Text
 namespace
 {
 
-// Templates, so that only the platform's own kind of path is compiled. The conversions are ours: the library's throw
-// for what isn't valid.
+// Templates, so that only the platform's own kind of path is compiled. The conversions are written here because the
+// library's throw for invalid text.
 
 template <typename Path_Type>
 Path_Type MakePath(std::string_view text)
@@ -49,8 +49,8 @@ std::filesystem::path Join(const std::filesystem::path& directory, const std::fi
     return (directory / name).make_preferred();
 }
 
-// The standard library words its own errors differently from platform to platform. These texts reach users, so they
-// are made here.
+// The standard library's own error texts differ from platform to platform. Users read these texts, so they are made
+// here.
 
 std::filesystem::path MakeAbsolute(const std::filesystem::path& path)
 {

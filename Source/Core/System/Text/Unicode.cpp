@@ -61,7 +61,7 @@ void AppendWide(std::wstring& text, char32_t code)
     text += static_cast<wchar_t>(code);
 }
 
-/// Length of the sequence that the lead byte announces, 0 if it is no lead byte.
+/// Length of the sequence that the lead byte begins, 0 if it is no lead byte.
 constexpr std::size_t GetSequenceLength(unsigned char lead)
 {
     if (lead < 0x80)

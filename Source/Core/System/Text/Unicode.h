@@ -6,10 +6,10 @@
 namespace Orvik::System::Text
 {
 
-/// Wide text (UTF-16 or UTF-32, as wide as the platform's `wchar_t`) to UTF-8. What isn't valid becomes U+FFFD.
+/// Converts wide text (UTF-16 or UTF-32, depending on `wchar_t`) to UTF-8. What isn't valid becomes U+FFFD.
 [[nodiscard]] std::string ToUtf8(std::wstring_view text);
 
-/// UTF-8 to wide text. Each byte that belongs to no valid sequence becomes U+FFFD.
+/// Converts UTF-8 to wide text. Each byte that belongs to no valid sequence becomes U+FFFD.
 [[nodiscard]] std::wstring ToWide(std::string_view text);
 
 } // namespace Orvik::System::Text

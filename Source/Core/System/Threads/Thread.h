@@ -13,7 +13,7 @@ namespace Orvik::System::Threads
 
 class ThreadManager;
 
-/// The layer's object for one thread of execution. Every thread that the framework knows has one.
+/// The framework's object for a thread. Every thread that the framework knows has one.
 class Thread
 {
 public:
@@ -23,23 +23,24 @@ public:
     /// No thread.
     Thread();
 
-    /// Takes over a running thread. `manager` is told when the object ends; not owned, may be null.
+    /// Takes over a running thread. `manager` is called when the object ends; not owned, may be null.
     Thread(std::thread thread, ThreadManager* manager);
 
     Thread(const Thread&) = delete;
     Thread& operator=(const Thread&) = delete;
 
-    /// Waits for the thread to end. One that would have to wait for itself ends the process with the standard
+    /// Waits for the thread to end. A thread that would wait for itself ends the process with the standard
     /// resource-deadlock error.
     ~Thread();
 
-    /// The object of the calling thread. A thread that the layer doesn't know is an assertion failure.
+    /// The object of the calling thread. An assertion failure for a thread that the framework doesn't know.
     [[nodiscard]] static Thread& GetCurrent();
 
     [[nodiscard]] std::uint16_t GetId() const { return m_id; }
     [[nodiscard]] std::uint32_t GetPriority() const { return m_priority; }
 
-    /// 0, 1, 5 and 6: nothing runs here; 2, 3 and 4: the thread is active; there are no others. From any thread.
+    /// 0, 1, 5 and 6: the object runs no thread; 2, 3 and 4: the thread is active; there are no others. From any
+    /// thread.
     [[nodiscard]] std::uint64_t GetState() const { return m_state.load(); }
     void SetState(std::uint64_t state) { m_state.store(state); }
 
@@ -49,7 +50,7 @@ private:
     Thread(std::uint64_t state, std::uint32_t priority);
 
     std::thread m_thread;
-    ThreadManager* m_manager = nullptr;       ///< told at the end of the thread; not owned
+    ThreadManager* m_manager = nullptr;       ///< called at the end of the thread; not owned
     std::unique_ptr<std::byte[]> m_workspace; ///< data of the thread
     std::function<void()> m_function;         ///< what the thread runs
     std::uint16_t m_id = InvalidId;           ///< number of the slot
@@ -58,10 +59,10 @@ private:
     std::atomic<std::uint64_t> m_state{0};
 };
 
-/// The object of the main thread. It is made at the first call, from any thread, and lives until the process ends.
+/// The object of the main thread. The first call, from any thread, makes it; it lives until the process ends.
 [[nodiscard]] Thread* GetMainThread();
 
-/// Makes the calling thread known as the main thread.
+/// Registers the calling thread as the main thread.
 void SetCurrentToMainThread();
 
 } // namespace Orvik::System::Threads

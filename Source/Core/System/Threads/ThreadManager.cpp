@@ -37,7 +37,7 @@ ThreadManager::~ThreadManager()
 bool ThreadManager::Initialize(const Runtime::IConfig* /*config*/)
 {
     ORVIK_ASSERT(GetMainThread() == &Thread::GetCurrent(), "Initialization must be executes on the main thread.");
-    // Waits for whoever changes the slots at this moment.
+    // Waits while another thread changes the slots.
     const std::shared_lock lock(m_slotsLock);
     return true;
 }
@@ -49,7 +49,7 @@ void ThreadManager::OnConfigured()
 void ThreadManager::Leave()
 {
     const std::unique_lock lock(m_slotsLock);
-    // A thread that was handed over as it ran was never counted.
+    // A thread that was already running when it was handed over was never counted.
     if (m_activeCount.load() > 0)
         m_activeCount.fetch_sub(1);
 }

@@ -12,7 +12,7 @@
 namespace Orvik::System::Threads
 {
 
-/// Owns the program's threads, in a pool of fixed size. The program runs on its main thread alone, which isn't in the
+/// Owns the program's threads, in a pool of fixed size. The program runs only on its main thread, which isn't in the
 /// pool: all slots stay free.
 class ThreadManager : public Runtime::SystemBase<ThreadManager, "ThreadingSystem", 15,
                                                  GUID{0x1A6C3547235045D0, 0xB8BEE0C8D835363C}, Runtime::EmptyConfig>
@@ -23,14 +23,14 @@ public:
 
     ThreadManager();
 
-    /// Waits until no more than one thread is active. A slot whose thread still runs is an assertion failure.
+    /// Waits until no more than one thread is active. An assertion failure if the thread of a slot still runs.
     ~ThreadManager() override;
 
-    /// On the main thread only; another one is an assertion failure.
+    /// Main thread only; another one is an assertion failure.
     [[nodiscard]] bool Initialize(const Runtime::IConfig* config) override;
     void OnConfigured() override;
 
-    /// What a `Thread` tells its manager at its end. From any thread.
+    /// A `Thread` calls this at its end. From any thread.
     void Leave();
 
 protected:

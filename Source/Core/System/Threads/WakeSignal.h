@@ -5,8 +5,8 @@
 namespace Orvik::System::Threads
 {
 
-/// Wakes a thread that waits for something else as well: a desktop's message, a time. Stays raised until it is waited
-/// for. Where the system has none left to give, waits are short ones in its place.
+/// Wakes a thread that also waits for something else: a desktop's message, a time. Stays raised until a wait ends with
+/// it. If the system can't provide a signal, waits are short ones instead.
 class WakeSignal
 {
 public:
@@ -18,18 +18,18 @@ public:
     /// From any thread.
     void Raise() noexcept;
 
-    /// Waits for at most that many nanoseconds; less than 0 is without a limit. Takes the signal back.
+    /// Waits at most that many nanoseconds; less than 0 means without a limit. Resets the signal.
     void Wait(std::int64_t nanoseconds) noexcept;
 
-    /// Takes the signal back without waiting.
+    /// Resets the signal without waiting.
     void Reset() noexcept;
 
-    /// For a wait for several things at once: a file descriptor that becomes readable, or an event handle. -1 where
-    /// there is none.
+    /// For a wait for several things at once: a file descriptor that becomes readable, or an event handle. -1 if there
+    /// is none.
     [[nodiscard]] std::intptr_t GetHandle() const noexcept { return m_handle; }
 
-    /// How long a wait may last at most, in nanoseconds, given how long it should: `nanoseconds` itself, unless there
-    /// is no handle to be woken by.
+    /// The longest time that a wait may take, in nanoseconds: `nanoseconds` itself, or a short time if there is no
+    /// handle that could end the wait.
     [[nodiscard]] std::int64_t LimitWait(std::int64_t nanoseconds) const noexcept
     {
         constexpr std::int64_t shortWait = 10'000'000;

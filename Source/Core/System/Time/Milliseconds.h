@@ -6,8 +6,8 @@
 namespace Orvik::System::Time
 {
 
-/// Nanoseconds as Windows takes a time to wait: whole milliseconds, rounded up so that nothing is waited for in vain;
-/// less than 0 is without a limit.
+/// Converts nanoseconds to a Windows waiting time: whole milliseconds, rounded up so that a wait never ends too early;
+/// less than 0 means without a limit.
 [[nodiscard]] constexpr std::uint32_t ToMilliseconds(std::int64_t nanoseconds) noexcept
 {
     constexpr std::int64_t millisecond = 1'000'000;

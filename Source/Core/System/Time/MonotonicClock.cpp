@@ -22,9 +22,9 @@ std::int64_t ScaleToNanoseconds(std::int64_t count, std::int64_t frequency)
     if (frequency == 10'000'000)
         return count * 100;
     if (frequency == 24'000'000)
-        return count / 3 * 125 + count % 3 * 125 / 3; // 125/3 of it, without a product beyond the result's size
+        return count / 3 * 125 + count % 3 * 125 / 3; // 125/3 of it, without a product that is greater than the result
 
-    // Whole seconds and the remainder apart: their products stay within 64 bits where the count's would not.
+    // Whole seconds and the remainder separately: their products fit into 64 bits, that of the whole count may not.
     const std::int64_t seconds = count / frequency;
     const std::int64_t remainder = count % frequency;
     return seconds * s_nanosecondsPerSecond + remainder * s_nanosecondsPerSecond / frequency;

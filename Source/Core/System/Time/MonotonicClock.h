@@ -5,11 +5,11 @@
 namespace Orvik::System::Time
 {
 
-/// Nanoseconds of a clock that only goes forward; its zero means nothing. From any thread.
+/// Nanoseconds of a clock that only goes forward; its zero has no meaning. From any thread.
 [[nodiscard]] std::int64_t GetMonotonicNanoseconds();
 
-/// Scales a performance counter to nanoseconds within 64 bits. `frequency` is in counts per second; 0 is an
-/// assertion failure.
+/// Converts a performance counter to nanoseconds within 64 bits. `frequency` is in counts per second; 0 is an assertion
+/// failure.
 [[nodiscard]] std::int64_t ScaleToNanoseconds(std::int64_t count, std::int64_t frequency);
 
 /// The system's counter and its frequency.

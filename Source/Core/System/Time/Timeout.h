@@ -9,7 +9,7 @@
 namespace Orvik::System::Time
 {
 
-/// Nanoseconds as system calls take them; less than none is none.
+/// Nanoseconds in the form of system calls; a negative number becomes 0.
 [[nodiscard]] inline timespec ToTimespec(std::int64_t nanoseconds) noexcept
 {
     constexpr std::int64_t second = 1'000'000'000;

@@ -22,7 +22,7 @@ std::int64_t GetSystemTicks()
 std::string FormatTimestamp(std::int64_t ticks)
 {
     using namespace std::chrono;
-    // By hand: the library's rounding to days overflows on the earliest day of 64 bits.
+    // Computed here because the library's rounding to days overflows on the earliest day of 64 bits.
     constexpr std::int64_t ticksPerDay = Ticks(days(1)).count();
     std::int64_t day = ticks / ticksPerDay;
     std::int64_t ticksOfDay = ticks % ticksPerDay;

@@ -14,11 +14,11 @@ namespace
 {
 
 constexpr std::string_view s_head = R"({"displayTimeUnit":"ms","traceEvents":[)";
-/// Written after each event, and over by the next.
+/// Written after each event; the next event overwrites it.
 constexpr std::string_view s_tail = "\n]}\n";
 constexpr std::size_t s_maximumEvent = 256; ///< bytes: a name of 100 and five numbers
 
-/// Another run that still traces into a file of that name goes on with the one it has opened.
+/// Another run that still traces to a file of that name keeps writing to its own.
 void RemoveFormer(const std::filesystem::path& file)
 {
     std::error_code error;
@@ -69,7 +69,7 @@ void Trace::Write(const char* name, std::int64_t begin, std::int64_t end) noexce
     m_hasEvents = true;
 }
 
-// The end is written at once and then stepped back over: a file is whole even if nothing follows.
+// The end is written immediately and then overwritten: so the file is whole even if nothing follows.
 void Trace::Append(std::string_view text) noexcept
 {
     if (m_file == nullptr)

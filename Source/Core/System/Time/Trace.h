@@ -12,16 +12,17 @@
 namespace Orvik::System::Time
 {
 
-/// Writes which step took how long into a file, in Chrome's trace format: a JSON object with one complete event a
-/// step, in microseconds of the monotonic clock. The file is whole after each event, however the process ends.
+/// Writes how long each step took to a file, in Chrome's trace format: a JSON object with one complete event per step,
+/// in microseconds of the monotonic clock. The file is whole after each event, however the process ends.
 ///
-/// The first event is the time from the start of the process to the making of the trace, where the system tells that.
-/// There is one trace at a time, and it outlives the scopes that begin in its time. Events may come from any thread.
+/// The first event is the time from the start of the process to the construction of the trace, if the system reports
+/// that. There is one trace at a time, and it outlives the scopes that begin during its life. Events may come from any
+/// thread.
 class Trace
 {
 public:
-    /// Traces into `file`, in place of one that exists, until the object's end; an empty path traces nothing. A file
-    /// that can't be written doesn't either (`TakeFailure`).
+    /// Traces to `file`, which is replaced if it exists, until the object's end; an empty path traces nothing. A file
+    /// that can't be written isn't an exception here (`TakeFailure`).
     explicit Trace(const std::filesystem::path& file);
     ~Trace();
     Trace(const Trace&) = delete;
@@ -30,11 +31,11 @@ public:
     /// The trace that steps go to; null for none.
     [[nodiscard]] static Trace* GetCurrent() noexcept { return s_current.load(std::memory_order_acquire); }
 
-    /// Adds the step from `begin` to `end`, nanoseconds of the monotonic clock. `name` is written as it is: it has no
-    /// quotes, backslashes and control characters, and 100 bytes at most.
+    /// Adds the step from `begin` to `end`, nanoseconds of the monotonic clock. `name` is written unchanged: it must
+    /// have no quotes, backslashes and control characters, and at most 100 bytes.
     void Write(const char* name, std::int64_t begin, std::int64_t end) noexcept;
 
-    /// Whether the file couldn't be opened or written. True once: the caller reports it.
+    /// Whether the file couldn't be opened or written. True only once: the caller reports it.
     [[nodiscard]] bool TakeFailure() noexcept;
     [[nodiscard]] const std::filesystem::path& GetPath() const { return m_path; }
 
@@ -52,7 +53,7 @@ private:
     bool m_hasFailed = false;
 };
 
-/// Traces the step from here to the object's end, or to `End`. Without a trace it costs the look at a pointer.
+/// Traces the step from here to the object's end, or to `End`. Without a trace it only reads a pointer.
 class TraceScope
 {
 public:
@@ -74,7 +75,7 @@ public:
         m_trace = nullptr;
     }
 
-    /// Ends the step; another one begins.
+    /// Ends the step and begins another.
     void Next(const char* name)
     {
         End();
@@ -93,7 +94,7 @@ private:
 [[nodiscard]] std::filesystem::path GetTraceFilePlatform();
 
 /// Nanoseconds since the start of this process, as exactly as the system knows it (Linux: 10 milliseconds, rounded up);
-/// 0 if it doesn't tell.
+/// 0 if the system doesn't report it.
 [[nodiscard]] std::int64_t GetProcessAgePlatform();
 
 [[nodiscard]] std::uint32_t GetProcessNumberPlatform() noexcept;

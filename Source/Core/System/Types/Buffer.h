@@ -5,7 +5,7 @@
 namespace Orvik::System::Types
 {
 
-/// A view on memory that somebody else owns. Passed by value; nobody frees anything through it.
+/// A view of memory that another object owns. Passed by value; it frees nothing.
 template <typename T>
 struct Buffer
 {

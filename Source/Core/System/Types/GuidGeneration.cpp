@@ -14,11 +14,11 @@ constexpr std::int64_t s_nanosecondsPerMillisecond = 1'000'000;
 
 std::uint32_t NextRandom()
 {
-    return static_cast<std::uint32_t>(std::rand()); // an identifier, no secret
+    return static_cast<std::uint32_t>(std::rand()); // only an identifier, not a secret
 }
 
-/// Two numbers of the C library's generator in one word. The second seed mixes in where the stack lies, so that two
-/// processes of one instant differ.
+/// Two numbers of the C library's generator in one word. The second seed also depends on the address of the stack, so
+/// that two processes that start at the same moment differ.
 std::uint32_t DrawTwo(std::uint32_t seed)
 {
     const std::uint32_t local = seed;

@@ -17,7 +17,7 @@ struct Vector4
     constexpr bool operator==(const Vector4&) const = default;
 };
 
-/// A 4 by 4 matrix of floats in column-major order, as OpenGL takes it: element 12 is the translation in x.
+/// A 4 by 4 matrix of floats in column-major order, as OpenGL expects it: element 12 is the translation in x.
 struct Matrix4
 {
     std::array<float, 16> elements = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}; ///< the identity at first
@@ -36,14 +36,15 @@ struct Matrix4
         return Matrix4{{scaleX, 0, 0, 0, 0, scaleY, 0, 0, 0, 0, scaleZ, 0, x, y, z, 1}};
     }
 
-    /// Sends every point to the origin: all zero but for the last element. What has this placement isn't seen.
+    /// Moves every point to the origin: everything is 0 except the last element. An object with this placement is
+    /// invisible.
     [[nodiscard]] static constexpr Matrix4 Collapse() noexcept
     {
         return ScaleAndTranslation(0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F);
     }
 
-    /// An orthographic projection with the origin at the bottom left corner, y upward, and z from -10 to 10, a greater
-    /// z nearer the viewer. Width and height are in pixels and not 0.
+    /// An orthographic projection with the origin at the bottom left corner, y upward, and z from -10 to 10; a greater
+    /// z is nearer to the viewer. Width and height are in pixels and not 0.
     [[nodiscard]] static constexpr Matrix4 Orthographic(float width, float height) noexcept
     {
         return ScaleAndTranslation(2.0F / width, 2.0F / height, -0.1F, -1.0F, -1.0F, 0.0F);

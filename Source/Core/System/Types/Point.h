@@ -5,7 +5,7 @@
 namespace Orvik::System::Math
 {
 
-/// A position. Whoever holds one says in which space: screen, window or capture pixels; y counts downward.
+/// A position. The owner says in which space: screen, window or capture pixels; y counts downward.
 struct Point
 {
     std::int32_t x = 0;

@@ -9,7 +9,7 @@
 namespace Orvik::System::Math
 {
 
-/// Four sides. `right` and `bottom` are the first column and row behind the area: a rectangle from 10 to 20 is ten
+/// Four sides. `right` and `bottom` are the first column and row after the area: a rectangle from 10 to 20 is ten
 /// pixels wide.
 struct Rectangle
 {
@@ -20,8 +20,8 @@ struct Rectangle
 
     constexpr bool operator==(const Rectangle&) const = default;
 
-    /// The distance between left and right, whichever is greater. Only the most negative 32-bit difference can't be
-    /// told, and is an assertion failure.
+    /// The distance between left and right, whichever is greater. The most negative 32-bit difference is an assertion
+    /// failure, because its absolute value doesn't fit.
     [[nodiscard]] std::uint32_t GetWidth() const
     {
         const std::uint64_t width = GetDistance(left, right);
@@ -51,8 +51,8 @@ private:
     }
 };
 
-/// What two areas have in common; `Area` has the four sides of a rectangle. Where they have nothing in common, `right`
-/// isn't greater than `left`, or `bottom` than `top`.
+/// The common part of two areas; `Area` has the four sides of a rectangle. If they have nothing in common, `right`
+/// isn't greater than `left`, or `bottom` isn't greater than `top`.
 template <typename Area>
 [[nodiscard]] constexpr Area Intersect(const Area& first, const Area& second) noexcept
 {

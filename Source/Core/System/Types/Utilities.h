@@ -13,7 +13,7 @@ namespace Orvik::System::Types
 template <std::integral Target, std::integral Source>
 [[nodiscard]] constexpr Target SafeCast(Source source)
 {
-    // Comparisons between signed and unsigned values have to mean what they say.
+    // Comparisons between signed and unsigned values have to be correct.
     struct Value
     {
         Source value;

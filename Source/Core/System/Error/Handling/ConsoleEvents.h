@@ -3,12 +3,12 @@
 namespace Orvik::System::Error
 {
 
-/// Windows tells a console's programs on a thread of its own that the user interrupts them, closes the console, or ends
-/// the session. From now on the first is SIGINT, and the others are SIGTERM, raised on that thread. A program
-/// that attaches to a console later calls it again, since that forgets who listened.
+/// On a thread of its own, Windows reports to a console's programs that the user interrupts them, closes the console,
+/// or ends the session. From now on the first raises SIGINT on that thread, and the others SIGTERM. A program that
+/// attaches to a console later has to call it again, because attaching removes the listeners.
 void ListenToConsole() noexcept;
 
-/// Gives the events back to the system.
+/// Leaves the events to the system again.
 void StopListeningToConsole() noexcept;
 
 } // namespace Orvik::System::Error

@@ -5,9 +5,9 @@
 namespace Orvik::System::Error
 {
 
-/// Makes the `ErrorHandling` by being constructed. A program has one as a static object with the first priority that
-/// isn't the system's own, 101: it is there ahead of all other static objects then, whatever order their units are
-/// linked in, and what goes wrong in their construction is reported.
+/// Makes the `ErrorHandling` by being constructed. A program has one as a static object with priority 101, the first
+/// that isn't reserved for the system. So it exists before all other static objects, in whatever order the units are
+/// linked, and failures in their construction are reported.
 struct EarlyErrorHandling
 {
     EarlyErrorHandling() { (void)ErrorHandling::GetInstance(); }

@@ -23,7 +23,7 @@ namespace Orvik::System::Error
 namespace
 {
 
-/// The thread has reported why it ends, or tries to: a report that can't be made terminates again.
+/// Whether the thread has reported why it ends, or tries to. A report that fails terminates a second time.
 thread_local bool t_isTerminating = false;
 
 void WriteCallstack(std::ostream& stream, const SourceLocation& location)
@@ -35,7 +35,7 @@ void WriteCallstack(std::ostream& stream, const SourceLocation& location)
 
 ErrorHandling& ErrorHandling::GetInstance()
 {
-    // It may be made before the unit is initialised that makes the streams, and has to be destroyed ahead of them.
+    // This may be constructed before the streams are, and has to be destroyed before them.
     static const std::ios_base::Init s_streams;
     static ErrorHandling s_instance;
     return s_instance;
@@ -80,26 +80,26 @@ bool ErrorHandling::MakeReportPath(std::int64_t time, std::filesystem::path& pat
         m_reportDirectory.empty() ? std::filesystem::current_path(ignored) : m_reportDirectory;
     if (!std::filesystem::exists(directory, ignored))
         return false;
-    // A second report of the same second replaces the first.
+    // A second report in the same second replaces the first.
     const std::string prefix = m_applicationName.empty() ? "ERROR_" : m_applicationName + "_ERROR_";
     path = Text::Join(directory, Text::PathFromUtf8(prefix + Time::FormatLocalFileTime(time) + ".log"));
     return true;
 }
 
-/// An unwritable file is ignored: nobody is left to tell.
+/// An unwritable file is ignored: there is no other place left to report that.
 void ErrorHandling::WriteReportFile(const std::filesystem::path& path,
                                     const std::function<void(std::ostream&)>& writeReport)
 {
     std::ostringstream text;
-    text.imbue(std::locale::classic()); // numbers as on the error stream
+    text.imbue(std::locale::classic()); // numbers as on standard error
     writeReport(text);
     if (!m_reportDirectory.empty())
     {
         std::ofstream(path, std::ios::out | std::ios::trunc) << text.str();
         return;
     }
-    // The working directory may be one where everybody writes. What stands there under the report's name may be a link
-    // to another file of the user's, so only a file that this process has made is replaced.
+    // In a working directory that every user can write to, a link with the report's name may point to another file of
+    // the user's. So only a file that this process has made is replaced.
     std::error_code ignored;
     if (path == m_wantedReportPath)
         std::filesystem::remove(m_reportPath, ignored);
@@ -137,7 +137,7 @@ void ErrorHandling::ReportAssertion(const AssertionInfo& info)
             "', function '", info.location->function, "' with message: ", info.message);
     }
     m_terminating = true;
-    t_isTerminating = true; // an exception that is being handled just now is no news
+    t_isTerminating = true; // so that an exception that is being handled right now isn't reported as well
     std::terminate();
 }
 
@@ -218,7 +218,7 @@ void ErrorHandling::OnTerminate()
     std::abort();
 }
 
-/// An exception of any other type leaves.
+/// An exception of any other type is thrown on.
 void ErrorHandling::ReportCurrentException()
 {
     if (!std::current_exception())

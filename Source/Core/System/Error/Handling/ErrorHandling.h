@@ -25,55 +25,55 @@ namespace Orvik::System::Error
 
 class Exception;
 
-/// Turns a failed assertion, an exception or a signal into a report that survives the process: on the error stream, in
-/// a report file, and in the log once a `Logger` is given. It needs nothing of the application for the first two.
+/// Turns a failed assertion, an exception or a signal into a report that survives the process: on standard error, in a
+/// report file, and in the log once a `Logger` is set. The first two need nothing of the application.
 ///
-/// The instance installs its handlers of assertions, of exceptions and of faults when it is constructed and takes them
-/// back when it is destroyed. The program touches it before `main`, ahead of all other static objects
-/// (`EarlyErrorHandling`). Nothing here takes a lock: two threads that report at once interleave.
+/// The constructor installs the handlers of assertions, exceptions and faults, the destructor removes them. The program
+/// makes the instance before `main`, before all other static objects (`EarlyErrorHandling`). Nothing here takes a lock:
+/// the reports of two threads may interleave.
 class ErrorHandling
 {
 public:
-    /// Touching it is enough to make it.
+    /// The first call makes the instance.
     static ErrorHandling& GetInstance();
     ErrorHandling(const ErrorHandling&) = delete;
     ErrorHandling& operator=(const ErrorHandling&) = delete;
 
-    /// Sends report files to "Logs" in the data directory, created if need be, and names them after the application.
-    /// Before that they go to the working directory. False if there is no such directory. Throws the file-system
-    /// errors "exists" and "create_directories". Without an application there has to be the singleton.
+    /// Sends report files to "Logs" in the data directory, which is created if needed, and names them after the
+    /// application. Before that they go to the working directory. False if there is no such directory. Throws the
+    /// file-system errors "exists" and "create_directories". Null stands for the singleton, which must exist then.
     [[nodiscard]] bool Initialize(Runtime::Application* application);
 
-    /// The run that is asked to end by an interruption or a termination; null for none. Not owned: an application that
-    /// gave itself takes itself back before it goes.
+    /// Sets the run that an interruption or a termination asks to end; null for none. Not owned: the application has to
+    /// set null before its end.
     void SetApplication(Runtime::Application* application) { m_application = application; }
 
-    /// Reports are also logged from now on. Not owned, and never taken back.
+    /// From now on reports are logged too. Not owned, and never reset.
     void SetLogger(Log::Logger* logger) { m_logger = logger; }
 
     /// Reports and ends the process.
     [[noreturn]] void ReportAssertion(const AssertionInfo& info);
-    /// Ends the process if no report file can be named.
+    /// Ends the process if there is no name for a report file.
     void ReportException(const Exception& exception);
     void ReportStdException(const std::exception& exception, bool handled);
 
-    /// Where a report of `time`, in seconds since 1970, is written. False if the directory doesn't exist; `path` is
-    /// untouched then.
+    /// The path for a report of `time`, in seconds since 1970. False if the directory doesn't exist; `path` is
+    /// unchanged then.
     [[nodiscard]] bool MakeReportPath(std::int64_t time, std::filesystem::path& path) const;
 
-    /// To be called when the run is over, on the main thread: nobody is asked to end any more. On Linux, where a thread
-    /// of this process takes requests, what asks from then on ends the process with `exitCode`. On Windows there is
-    /// nothing to do, and the program doesn't call it: a request is passed over then, see `HandleRequest`.
+    /// To be called on the main thread when the run is over, because from then on it can't be asked to end. On Linux,
+    /// where a thread of this process takes requests, a later request ends the process with `exitCode`. On Windows it
+    /// does nothing, and the program doesn't call it: a request is ignored then, see `HandleRequest`.
     void EndRequests(int exitCode) { EndRequestsPlatform(exitCode); }
 
     /// Reports a signal of the C library and aborts. An interruption or a termination first asks the run to end by
-    /// itself, and aborts only one that doesn't within two seconds. They begin anew with each part of a file that the
-    /// run writes. Returns from an abort under way, and on Linux to the handler of a fault, which ends the process by
-    /// the signal itself.
+    /// itself, and aborts it only if it doesn't end within two seconds. The two seconds begin again with each part of a
+    /// file that the run writes. Returns if an abort is under way, and on Linux to the handler of a fault, which ends
+    /// the process by the signal itself.
     void HandleSignal(int signal);
 
     /// The same for a request to end that arrives on another thread than the run's. A run that is over isn't asked any
-    /// more. False if nothing is there that could end by itself.
+    /// more. False if there is no run that could end by itself.
     bool HandleRequest(int signal);
 
 private:
@@ -100,12 +100,12 @@ private:
     std::atomic<Runtime::Application*> m_application = nullptr; ///< read where requests arrive
     std::string m_applicationName;                              ///< UTF-8; begins the name of a report file
     std::filesystem::path m_reportDirectory;
-    std::filesystem::path m_wantedReportPath; ///< the name, by the time, of the last report in the working directory
-    std::filesystem::path m_reportPath;       ///< the name that it got
+    std::filesystem::path m_wantedReportPath; ///< the last report in the working directory, named only by time
+    std::filesystem::path m_reportPath;       ///< the name that this report got
     std::string m_lastMessage;                ///< of the exception being reported
     std::ostringstream m_messageStream;
     std::atomic<bool> m_unhandledException = false; ///< an exception has been reported as unhandled
-    std::atomic<bool> m_terminating = false;        ///< the process goes down on purpose: an abort is expected
+    std::atomic<bool> m_terminating = false;        ///< the process ends on purpose: an abort is expected
     AssertionHandler m_previousAssertionHandler = nullptr;
     std::terminate_handler m_previousTerminateHandler = nullptr;
 };

@@ -1,4 +1,4 @@
-// Apart from Exception.cpp: an exception lies below everything, and only its report knows the object that writes it.
+// Not in Exception.cpp: an exception is in the lowest layer, and only its report needs the object that writes it.
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Error/Handling/ErrorHandling.h"
 

@@ -1,4 +1,4 @@
-// What ErrorHandling does about signals; how they arrive is the operating system's.
+// What ErrorHandling does about signals. How they arrive is the operating system's part.
 #include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/Application.h"
@@ -14,14 +14,14 @@ namespace Orvik::System::Error
 namespace
 {
 
-/// How often a run that is asked to end is looked at, and how long each time: about two seconds, which begin anew when
-/// a part of a file is written meanwhile.
+/// How often to look whether a run that was asked to end has ended, and how long to wait each time: about two seconds
+/// in all. They begin again when a part of a file is written meanwhile.
 constexpr int s_shutdownPolls = 64;
-/// After about half a second another interruption is meant as one.
+/// After about half a second a second interruption is taken as impatience.
 constexpr int s_firstImpatientPoll = 16;
 constexpr std::int64_t s_shutdownPollPeriod = 32'000'000; // nanoseconds
 
-/// To the error stream and the log.
+/// To standard error and the log.
 void ReportError(const char* text)
 {
     std::cerr << text << std::endl;
@@ -48,7 +48,7 @@ bool ErrorHandling::HandleRequest(int signal)
     Runtime::Application* const application = m_application;
     if (application == nullptr)
         return false;
-    // A run that is over takes its Systems down, and needs neither to be asked nor to be logged about.
+    // A run that is over is ending its Systems: it can't be asked to end, and there may be no log any more.
     if (std::atomic_ref(application->m_returnCode) == Runtime::Application::UnsetReturnCode)
         HandleSignal(signal);
     return true;

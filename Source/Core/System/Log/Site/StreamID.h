@@ -7,8 +7,8 @@
 namespace Orvik::System::Log
 {
 
-/// The streams a message can belong to, one bit each, so that a word holds a set of them. The names are shared with
-/// other programs of the family; this one writes to Default, System, Graphics, SnipBench and DisplayCache.
+/// The streams that a message can belong to, one bit each, so that an integer holds a set of them. The names are shared
+/// with other programs of the family; this one writes to Default, System, Graphics, SnipBench and DisplayCache.
 enum StreamID : std::uint32_t
 {
     Default = 0x1,
@@ -42,7 +42,7 @@ enum StreamID : std::uint32_t
 inline constexpr std::uint32_t AllStreams = 0x3FFFFFF;
 inline constexpr std::uint32_t StreamCount = 26;
 
-/// The severities, in rising order. `Always` has no gate and no word in the line.
+/// The severities, in rising order. `Always` always passes and has no word in the line.
 enum class MessageTypeID : std::uint8_t
 {
     Debug,
