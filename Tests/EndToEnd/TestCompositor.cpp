@@ -16,6 +16,13 @@ std::shared_ptr<NestedCompositor>& GetSlot()
     return compositor;
 }
 
+/// Of sway.
+std::string GetConfiguration()
+{
+    const char* const scale = std::getenv("ORVIK_TEST_SCALE");
+    return scale == nullptr || *scale == '\0' ? std::string() : "output * scale " + std::string(scale);
+}
+
 } // namespace
 
 std::optional<CompositorKind> GetTestCompositorKind()
@@ -36,7 +43,8 @@ std::shared_ptr<NestedCompositor> BorrowTestCompositor(int width, int height)
         return slot;
     slot.reset(); // ahead of the next one: the machine needn't hold two
     constexpr int seed = 9;
-    slot = std::make_shared<NestedCompositor>(CompositorOptions{GetTestCompositorKind().value(), width, height, {}});
+    slot = std::make_shared<NestedCompositor>(
+        CompositorOptions{GetTestCompositorKind().value(), width, height, GetConfiguration()});
     if (slot->GetKind() == CompositorKind::Gnome)
         slot->AnswerPortal("yes");
     slot->ShowGround(MakeTestPicture(width, height, seed));

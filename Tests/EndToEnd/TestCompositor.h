@@ -12,7 +12,8 @@ namespace Orvik::Tests
 /// `std::runtime_error` for a name that is none.
 [[nodiscard]] std::optional<CompositorKind> GetTestCompositorKind();
 
-/// The one compositor of this process: of that size, running, and with a picture on it. It outlives the cases, which
+/// The one compositor of this process: of that size in physical pixels, at the scale that `ORVIK_TEST_SCALE` says (1 if
+/// it doesn't), running, and with a picture on it. It outlives the cases, which
 /// begin on it one after the other. Only where there is a kind.
 [[nodiscard]] std::shared_ptr<NestedCompositor> BorrowTestCompositor(int width, int height);
 

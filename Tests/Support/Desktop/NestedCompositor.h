@@ -7,7 +7,9 @@
 #include "Tests/Support/VirtualDisplay.h"
 
 #include <array>
+#include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -75,6 +77,7 @@ public:
 
     /// Makes a picture of the output's size the desktop's, below all windows, and returns once it is on the screen, or
     /// throws `std::runtime_error` after a minute. Returns what the whole screen shows then: GNOME has a bar above it.
+    /// Where sway's configuration scales or turns what it shows, the picture isn't known, but that it is another one.
     /// Not for Weston. The screen of one without an X server below isn't looked at, nor waited for.
     Picture ShowGround(const Picture& picture);
     /// What the screen has shown then; empty before.
@@ -87,6 +90,11 @@ private:
     void StartBuses();
     void StartCompositor();
     void SetGround(const std::filesystem::path& file);
+    void WaitForGround(const Screen& screen, const Picture& picture);
+    /// The same where it isn't known how the picture is shown: whether there is any.
+    void WaitForGround(const Screen& screen, bool isThere);
+    /// `help` is called after each look that finds the condition false.
+    void WaitFor(const std::function<bool()>& condition, const std::function<void(int attempt)>& help);
     /// Sets GNOME's settings: of each a schema, a key and a value, as a shell takes them.
     void Configure(const std::vector<std::array<std::string, 3>>& settings) const;
     /// Runs a shell's script in the session to its end.
@@ -107,7 +115,7 @@ private:
     std::optional<PrivateBus> m_systemBus; ///< in place of the system's
     std::optional<PrivateBus> m_sessionBus;
     std::optional<ProcessFamily> m_compositor;
-    std::optional<ProcessFamily> m_ground; ///< the client that shows the picture
+    std::unique_ptr<ProcessFamily> m_ground; ///< the client that shows the picture
     int m_groundCount = 0;
     Picture m_shown;
 };

@@ -231,6 +231,7 @@ void NestedCompositor::StartCompositor()
 {
     if (m_options.kind == CompositorKind::Gnome)
         Configure({{"org.gnome.desktop.interface", "enable-animations", "false"},
+                   {"org.gnome.desktop.interface", "enable-hot-corners", "false"},
                    {"org.gnome.desktop.background", "picture-options", "stretched"},
                    {"org.gnome.desktop.notifications", "show-banners", "false"},
                    {"org.gnome.desktop.lockdown", "disable-lock-screen", "true"}});
@@ -248,12 +249,13 @@ void NestedCompositor::SetGround(const std::filesystem::path& file)
 {
     if (m_options.kind != CompositorKind::Gnome)
     {
-        m_ground.reset();
-        m_ground.emplace(ChildOptions{"swaybg",
-                                      {"-i", file.string(), "-m", "stretch"},
-                                      MakeEnvironment({"WAYLAND_DISPLAY=" + m_environment["WAYLAND_DISPLAY"]}),
-                                      "/"},
-                         m_directory.GetPath() / "log", m_user);
+        m_ground.reset(); // the next would lie below it
+        m_ground = std::make_unique<ProcessFamily>(
+            ChildOptions{"swaybg",
+                         {"-i", file.string(), "-m", "stretch"},
+                         MakeEnvironment({"WAYLAND_DISPLAY=" + m_environment["WAYLAND_DISPLAY"]}),
+                         "/"},
+            m_directory.GetPath() / "log", m_user);
         return;
     }
     const std::string uri = "'file://" + file.string() + "'";
@@ -292,25 +294,71 @@ Picture NestedCompositor::ShowGround(const Picture& picture)
     const std::filesystem::path file = m_directory.GetPath() / ("ground" + std::to_string(++m_groundCount) + ".png");
     SavePng(picture, file);
     std::filesystem::permissions(file, static_cast<std::filesystem::perms>(0644));
-    SetGround(file);
     m_shown = picture;
     if (!m_display)
+    {
+        SetGround(file);
         return m_shown;
-    const bool isGnome = m_options.kind == CompositorKind::Gnome;
+    }
     const Screen screen(m_display->GetName());
+    if (m_options.configuration.empty())
+    {
+        SetGround(file);
+        WaitForGround(screen, picture);
+        return m_shown;
+    }
+    m_ground.reset();
+    WaitForGround(screen, false);
+    SetGround(file);
+    WaitForGround(screen, true);
+    return m_shown;
+}
+
+void NestedCompositor::WaitForGround(const Screen& screen, const Picture& picture)
+{
+    const bool isGnome = m_options.kind == CompositorKind::Gnome;
     InputDriver input(m_display->GetName());
+    const Position pointer = input.GetPointer();
+    if (isGnome)
+        input.MoveTo({picture.width / 4, s_barHeight / 4}); // it draws the pointer, too: into its bar
+    WaitFor([&] { return Shows(screen, picture, isGnome ? s_barHeight : 0); },
+            [&input, isGnome](int attempt)
+            {
+                // GNOME starts with an overview, and is deaf for a while before.
+                if (isGnome && attempt % 50 == 49)
+                    input.TapKey("Escape");
+            });
+    m_shown = screen.CaptureAll();
+    if (isGnome)
+        input.MoveTo(pointer);
+}
+
+void NestedCompositor::WaitForGround(const Screen& screen, bool isThere)
+{
+    Picture last;
+    WaitFor(
+        [&]
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            const std::vector<std::uint32_t>& pixels = m_shown.pixels;
+            last = std::exchange(m_shown, screen.CaptureAll());
+            const bool isPlain = std::all_of(pixels.begin(), pixels.end(),
+                                             [&pixels](std::uint32_t pixel) { return pixel == pixels.front(); });
+            return isPlain != isThere && m_shown == last;
+        },
+        [](int /*attempt*/) {});
+}
+
+void NestedCompositor::WaitFor(const std::function<bool()>& condition, const std::function<void(int attempt)>& help)
+{
     const auto end = std::chrono::steady_clock::now() + s_limit;
-    for (int attempt = 0; !Shows(screen, picture, isGnome ? s_barHeight : 0); ++attempt)
+    for (int attempt = 0; !condition(); ++attempt)
     {
         if (std::chrono::steady_clock::now() > end || !IsRunning())
             throw std::runtime_error("The compositor doesn't show the picture.\n" + ReadLog());
-        // GNOME starts with an overview, and is deaf for a while before.
-        if (isGnome && attempt % 50 == 49)
-            input.TapKey("Escape");
+        help(attempt);
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-    m_shown = screen.CaptureAll();
-    return m_shown;
 }
 
 void NestedCompositor::AddDesktopEntry(const std::string& name, const std::string& text) const
