@@ -192,9 +192,10 @@ class Package(unittest.TestCase):
             [prefix] = folder.iterdir()
             give_own_name(prefix)
             self.assertEqual(self.snip(prefix), ["Fotos/Screenshots/{}.json", "Fotos/Screenshots/{}.png"])
-        libraries = run("ldd", prefix / "lib/snipbench/Binaries/Linux-x64/SnipBench").stdout
-        self.assertRegex(libraries, r"libfmt\.so\.\d+ => .*/and there, ünder/.*/Libraries/")
-        self.assertNotIn("not found", libraries)
+        for program in ("SnipBench", "snipbench-data"):
+            libraries = run("ldd", prefix / "lib/snipbench/Binaries/Linux-x64" / program).stdout
+            self.assertRegex(libraries, r"libfmt\.so\.\d+ => .*/and there, ünder/.*/Libraries/")
+            self.assertNotIn("not found", libraries)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 #include "Data/Painting/Marks.h"
 #include "Data/Records/PictureFile.h"
 #include "Data/Run/OutputFiles.h"
+#include "Data/Run/Pool.h"
 #include "Data/Verbs/RecordRun.h"
 #include "Data/Verbs/Verb.h"
 
@@ -12,10 +13,9 @@ namespace
 constexpr std::uint32_t s_textSize = 14;
 constexpr std::int32_t s_thickness = 2;
 
-bool DrawFile(const RecordFile& file, const std::filesystem::path& folder, bool hasText, const OutputFiles& output,
+bool DrawFile(const RecordFile& file, const std::filesystem::path& folder, TextPen* pen, const OutputFiles& output,
               Findings& findings)
 {
-    thread_local const std::unique_ptr<TextPen> s_pen = TextPen::Open(s_textSize); // opening a font takes long
     std::optional<System::Multimedia::Bitmap> picture = LoadPicture(file.picture);
     if (!picture)
     {
@@ -23,7 +23,7 @@ bool DrawFile(const RecordFile& file, const std::filesystem::path& folder, bool 
         return false;
     }
     const bool isSnip = file.record.kind == Record::Kind::Snip;
-    DrawMarks(*picture, file.record.annotations, hasText && !isSnip ? s_pen.get() : nullptr, s_thickness);
+    DrawMarks(*picture, file.record.annotations, isSnip ? nullptr : pen, s_thickness);
     const std::filesystem::path path = folder / (file.record.id + ".png");
     const std::string error = output.SavePng(path, *picture);
     if (!error.empty())
@@ -37,10 +37,11 @@ std::string Run(const Arguments& arguments, Report& report)
     if (hasText && TextPen::Open(s_textSize) == nullptr)
         report.AddFinding("Mulish-Regular.ttf", "the font isn't there; the pictures bear no names");
     const OutputFiles output(arguments.Has("--force"));
+    Pool<TextPen> pens([hasText] { return hasText ? TextPen::Open(s_textSize) : nullptr; });
     RunIntoFolder(
         "draw", arguments,
         [&](const RecordFile& file, const std::filesystem::path& folder, Findings& findings)
-        { return DrawFile(file, folder, hasText, output, findings) ? 1 : 0; },
+        { return DrawFile(file, folder, pens.Borrow().Get(), output, findings) ? 1 : 0; },
         "pictures", "pictures written", report);
     return {};
 }

@@ -6,6 +6,7 @@
 #include "Data/Records/PictureFile.h"
 #include "Data/Records/RecordReader.h"
 #include "Data/Run/OutputFiles.h"
+#include "Data/Run/Pool.h"
 
 #include <fmt/format.h>
 
@@ -28,8 +29,9 @@ std::vector<std::filesystem::path> ListRecordFiles(const std::vector<std::string
 
 std::optional<RecordFile> ReadRecordFile(const std::filesystem::path& json, Findings& findings)
 {
-    thread_local const RecordSchemas s_schemas; // costs more than most files
-    ReadRecord read = LoadRecord(json, s_schemas);
+    // Compiling the schemas costs more than most files.
+    static Pool<RecordSchemas> s_schemas([] { return std::make_unique<RecordSchemas>(); });
+    ReadRecord read = LoadRecord(json, *s_schemas.Borrow().Get());
     for (std::string& finding : read.findings)
         findings.push_back({json, std::move(finding)});
     if (!read.record)

@@ -17,8 +17,6 @@ namespace Orvik::Desktops::Wayland
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 /// How long other programs get to draw what a hidden window leaves open: six frames at 60 Hz.
 constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
 
@@ -99,8 +97,8 @@ Failure CaptureContext::CopyScreen()
                                   [](const std::unique_ptr<ScreenCapture>& each) { return each->IsOffered(); });
     if (way == m_ways.end())
         return "The compositor offers no way to take a picture of a display";
-    System::Log::Write(s_context, System::Log::MessageTypeID::Verbose, "The picture of the display is taken by ",
-                       (*way)->GetName(), ".");
+    System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Verbose,
+                       "The picture of the display is taken by ", (*way)->GetName(), ".");
     return ReadOutput(**way);
 }
 

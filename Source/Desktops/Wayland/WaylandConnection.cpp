@@ -16,8 +16,6 @@ namespace Orvik::Desktops::Wayland
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 /// What the library writes on standard error by itself is said in the log.
 void IgnoreMessage(const char* /*format*/, va_list /*arguments*/)
 {
@@ -76,7 +74,7 @@ void WaylandConnection::ReportLoss()
 {
     if (std::exchange(m_isLost, true))
         return;
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error,
+    System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Error,
                        "The connection to the compositor is lost: ", DescribeError(m_display));
     if (m_lossHandler != nullptr)
         m_lossHandler();

@@ -10,11 +10,10 @@ namespace Orvik::Desktops::Wayland
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 NativeWindow ReportFailedCreation(const std::string& text)
 {
-    System::Log::Write(s_context, System::Log::MessageTypeID::Error, "Failed to create window: ", text, ".");
+    System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Error, "Failed to create window: ", text,
+                       ".");
     return NativeWindow::None;
 }
 

@@ -15,8 +15,6 @@ namespace Orvik::Desktops::Wayland
 namespace
 {
 
-constexpr System::Log::Context s_context{System::Log::StreamID::System};
-
 // As the window's events number them.
 constexpr std::uint8_t s_leftButton = 1;
 constexpr std::uint8_t s_rightButton = 3;
@@ -224,7 +222,7 @@ void Window::Native::OnKey(const InputEvent& event)
     if (key == KeyCode::Undefined)
     {
         const KeyboardDevice* const keyboard = surface.GetSession().seat.GetKeyboard();
-        System::Log::Write(s_context, System::Log::MessageTypeID::Warning, "Found undefined virtual key: ",
+        System::Log::Write(System::Log::s_system, System::Log::MessageTypeID::Warning, "Found undefined virtual key: ",
                            keyboard != nullptr ? keyboard->GetUnshiftedSymbol(event.code) : 0U);
         return;
     }
