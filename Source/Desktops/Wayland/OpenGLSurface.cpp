@@ -43,8 +43,9 @@ OpenGLCreation OpenGLSurface::Create(NativeWindow window, const char* /*classNam
         Egl::InitializeDisplay(display) ? Egl::ChooseConfigs(display, s_alphaBits) : std::vector<void*>();
     if (configs.empty())
         return {": Missing an EGL configuration for OpenGL with 4 samples.", {}};
-    const WindowSize& size = surface->GetSize();
-    m_window = wl_egl_window_create(surface->GetProxy(), static_cast<int>(size.width), static_cast<int>(size.height));
+    // What a buffer has more in height would be above: OpenGL counts from below.
+    m_window = wl_egl_window_create(surface->GetProxy(), static_cast<int>(surface->GetBufferSize().width),
+                                    static_cast<int>(surface->GetSize().height));
     OpenGLCreation creation =
         m_context.Create(display, configs.front(), CreateSurface(display, configs.front(), m_window), s_swapInterval);
     if (creation.failure != nullptr)

@@ -4,6 +4,7 @@
 #include "Desktops/Wayland/ShownMemory.h"
 #include "Desktops/Wayland/WindowSurface.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -59,13 +60,15 @@ PixelSurface::~PixelSurface()
 bool PixelSurface::Create(NativeWindow window, std::uint32_t width, std::uint32_t height)
 {
     Destroy();
-    if (m_session == nullptr || !m_session->connection->IsUsable() || m_session->FindSurface(window) == nullptr)
+    const bool isUsable = m_session != nullptr && m_session->connection->IsUsable();
+    const WindowSurface* const surface = isUsable ? m_session->FindSurface(window) : nullptr;
+    if (surface == nullptr)
         return false;
     auto native = std::make_unique<Native>();
     native->window = window;
-    native->width = width;
-    native->height = height;
-    if (!native->GetCurrent().Create(m_session->globals.shm, width, height))
+    native->width = std::max(width, surface->GetBufferSize().width);
+    native->height = std::max(height, surface->GetBufferSize().height);
+    if (!native->GetCurrent().Create(m_session->globals.shm, native->width, native->height))
         return false;
     m_native = std::move(native);
     m_session->lentMemory.Offer(m_native->GetCurrent().GetMemory());

@@ -105,8 +105,8 @@ DisplayList WaylandDesktop::ListDisplays()
 
 Failure WaylandDesktop::CheckCapture()
 {
-    if (const Failure failure = Connect())
-        return "There is no Wayland compositor: " + *failure;
+    if (Connect())
+        return std::nullopt; // which ends the run by itself
     const auto ways = MakeScreenCaptures(*m_session);
     const bool isOffered = std::any_of(ways.begin(), ways.end(),
                                        [](const std::unique_ptr<ScreenCapture>& way) { return way->IsOffered(); });

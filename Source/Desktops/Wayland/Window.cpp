@@ -62,16 +62,15 @@ NativeWindow Window::Create(const WindowDescription& description)
         return ReportFailedCreation("the compositor has no surfaces (wl_compositor)");
     System::Math::Point origin = description.position;
     WindowSize size = description.size;
-    wl_output* covered = nullptr;
+    const Output* covered = nullptr;
     if (description.type == WindowType::Overlay)
     {
-        const Output* const output = FindCoveredOutput(m_session->globals, description);
-        if (output == nullptr)
+        covered = FindCoveredOutput(m_session->globals, description);
+        if (covered == nullptr)
             return ReportFailedCreation("the display is gone");
-        const System::Math::Rectangle area = output->GetDescription().GetArea();
+        const System::Math::Rectangle area = covered->GetDescription().GetArea();
         origin = {area.left, area.top};
         size = {area.GetWidth(), area.GetHeight()};
-        covered = output->GetProxy();
     }
     m_native = std::make_unique<Native>(m_owner, m_session, origin, size);
     if (covered != nullptr)

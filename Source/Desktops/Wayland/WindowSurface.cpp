@@ -12,6 +12,30 @@ namespace
 /// How long a frame waits for the one before. What can't be seen isn't shown, and input goes on all the same.
 constexpr std::int64_t s_frameLimit = 100'000'000;
 
+/// One side of a surface.
+struct Side
+{
+    std::uint32_t units;
+    std::uint32_t pixels; ///< that the compositor shows the units on
+};
+
+/// The side in units that covers so many pixels, at the size that the compositor gives and larger by a unit at most: it
+/// cuts the size of a display to whole units, and a part of one may be left.
+Side FindSide(std::uint32_t pixels, std::uint32_t units, double scale)
+{
+    const auto toPixels = [scale](std::uint32_t count)
+    { return static_cast<std::uint32_t>(std::lround(count * scale)); };
+    if (toPixels(units) >= pixels)
+        return {units, toPixels(units)};
+    return {units + 1, toPixels(units + 1)};
+}
+
+/// The scale by which both sides come out to less than two pixels; else there is no such scale.
+bool IsScaleOf(double scale, const WindowSize& pixels, const WindowSize& units)
+{
+    return std::abs(units.width * scale - pixels.width) < 2.0 && std::abs(units.height * scale - pixels.height) < 2.0;
+}
+
 } // namespace
 
 WindowSurface* Session::FindSurface(NativeWindow window) const
@@ -33,6 +57,8 @@ WindowSurface::WindowSurface(std::shared_ptr<Session> session, const System::Mat
     : m_session(std::move(session)),
       m_origin(origin),
       m_size(size),
+      m_bufferSize(size),
+      m_scale(1.0),
       m_surface(wl_compositor_create_surface(m_session->globals.compositor)),
       m_claim(*this)
 {
@@ -61,9 +87,10 @@ NativeWindow WindowSurface::GetHandle() const
     return static_cast<NativeWindow>(reinterpret_cast<std::uintptr_t>(this));
 }
 
-Failure WindowSurface::TakeRole(wl_output* output, const std::string& title)
+Failure WindowSurface::TakeRole(const Output* output, const std::string& title)
 {
-    m_output = output;
+    m_output = output != nullptr ? output->GetProxy() : nullptr;
+    m_scale = output != nullptr ? output->GetDescription().GetScale() : 1.0;
     m_title = title;
     return Configure();
 }
@@ -106,17 +133,37 @@ void WindowSurface::FollowSize()
     WindowSize units = m_role.GetSize();
     if (units.width == 0 || units.height == 0)
         units = m_size;
-    if (m_viewport != nullptr)
-        wp_viewport_set_destination(m_viewport.get(), static_cast<std::int32_t>(units.width),
-                                    static_cast<std::int32_t>(units.height));
+    if (m_viewport == nullptr)
+        ScaleByWhole(units);
+    else if (IsScaleOf(m_scale, m_size, units))
+        CoverPixels(units);
     else
     {
-        // Without viewports there are whole scales alone.
-        const std::uint32_t scale = std::max((m_size.width + units.width / 2) / units.width, 1U);
-        wl_surface_set_buffer_scale(m_surface.get(), static_cast<std::int32_t>(scale));
-        units = {m_size.width / scale, m_size.height / scale};
+        // Not the display's size: what there is, is shown as large as it is to be.
+        m_bufferSize = m_size;
+        wp_viewport_set_destination(m_viewport.get(), static_cast<std::int32_t>(units.width),
+                                    static_cast<std::int32_t>(units.height));
+        m_pointer.SetSpace(m_size, {static_cast<double>(units.width), static_cast<double>(units.height)});
     }
-    m_pointer.SetSpace(m_size, {static_cast<double>(units.width), static_cast<double>(units.height)});
+}
+
+void WindowSurface::CoverPixels(const WindowSize& units)
+{
+    const Side width = FindSide(m_size.width, units.width, m_scale);
+    const Side height = FindSide(m_size.height, units.height, m_scale);
+    m_bufferSize = {std::max(width.pixels, m_size.width), std::max(height.pixels, m_size.height)};
+    wp_viewport_set_destination(m_viewport.get(), static_cast<std::int32_t>(width.units),
+                                static_cast<std::int32_t>(height.units));
+    m_pointer.SetSpace(m_size, {m_size.width / m_scale, m_size.height / m_scale});
+}
+
+// Without viewports there are whole scales alone.
+void WindowSurface::ScaleByWhole(const WindowSize& units)
+{
+    const std::uint32_t scale = std::max((m_size.width + units.width / 2) / units.width, 1U);
+    wl_surface_set_buffer_scale(m_surface.get(), static_cast<std::int32_t>(scale));
+    m_bufferSize = m_size;
+    m_pointer.SetSpace(m_size, {static_cast<double>(m_size.width) / scale, static_cast<double>(m_size.height) / scale});
 }
 
 void WindowSurface::SetClickThrough(bool enabled)

@@ -33,7 +33,7 @@ public:
 
     /// Takes its role and waits until the compositor has given it a size; nothing is to be seen of it then. `output` is
     /// null for an ordinary window. Else why not.
-    [[nodiscard]] Failure TakeRole(wl_output* output, const std::string& title);
+    [[nodiscard]] Failure TakeRole(const Output* output, const std::string& title);
     /// Takes what is shown off the screen. It can be shown again after that, from the next frame on.
     void Unmap();
 
@@ -46,6 +46,9 @@ public:
     [[nodiscard]] InputClaim& GetClaim() { return m_claim; }
     [[nodiscard]] const System::Math::Point& GetOrigin() const { return m_origin; }
     [[nodiscard]] const WindowSize& GetSize() const { return m_size; } ///< in pixels
+    /// The size that its buffers need, in pixels: larger to the right and below where the compositor's units end
+    /// beyond the display's last pixels.
+    [[nodiscard]] const WindowSize& GetBufferSize() const { return m_bufferSize; }
     /// Whether there is a compositor to show it.
     [[nodiscard]] bool IsUsable() const { return m_session->connection->IsUsable(); }
 
@@ -66,10 +69,14 @@ public:
 
 private:
     [[nodiscard]] Failure Configure();
+    void CoverPixels(const WindowSize& units);
+    void ScaleByWhole(const WindowSize& units);
 
     std::shared_ptr<Session> m_session;
     System::Math::Point m_origin;
     WindowSize m_size;
+    WindowSize m_bufferSize;
+    double m_scale; ///< pixels of the display to a unit of the surface
     std::string m_title;
     wl_output* m_output = nullptr;
     ProxyHandle<wl_surface> m_surface;

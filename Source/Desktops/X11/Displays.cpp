@@ -222,6 +222,9 @@ bool X11Desktop::PrepareDisplays(const System::Log::Context& log)
     if (GetXDisplay() != nullptr)
         return true;
     System::Log::Write(log, System::Log::MessageTypeID::Error, "No X server to ask for displays.");
+    if (!m_waylandFailure.empty())
+        System::Log::Write(log, System::Log::MessageTypeID::Error, "WAYLAND_DISPLAY is set, but ", m_waylandFailure,
+                           ".");
     return false;
 }
 
@@ -231,8 +234,10 @@ Failure X11Desktop::CheckCapture()
     ::Display* const display = GetXDisplay();
     if (display == nullptr || (!m_hasXwaylandMonitor && !HasXwaylandExtension(display)))
         return std::nullopt;
-    return "This X server is the one of a Wayland session (Xwayland): the screen isn't on it. Start SnipBench with "
-           "WAYLAND_DISPLAY set";
+    const std::string reason = "This X server is the one of a Wayland session (Xwayland): the screen isn't on it. ";
+    if (m_waylandFailure.empty())
+        return reason + "Start SnipBench with WAYLAND_DISPLAY set";
+    return reason + "WAYLAND_DISPLAY is set, but " + m_waylandFailure;
 }
 
 DisplayList X11Desktop::ListDisplays()

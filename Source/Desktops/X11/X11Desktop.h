@@ -4,6 +4,9 @@
 #include "Desktops/X11/LentMemory.h"
 #include "Desktops/X11/Pointer.h"
 
+#include <string>
+#include <utility>
+
 namespace Orvik::Desktops::X11
 {
 
@@ -11,6 +14,9 @@ namespace Orvik::Desktops::X11
 class X11Desktop final : public Desktop
 {
 public:
+    /// Why there is no Wayland compositor though one is named, for those who miss it. No full stop.
+    void SetWaylandFailure(std::string failure) { m_waylandFailure = std::move(failure); }
+
     [[nodiscard]] const char* GetName() const override { return "X11"; }
     void SetLossHandler(void (*handler)()) override;
     [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
@@ -24,6 +30,7 @@ public:
     [[nodiscard]] std::unique_ptr<Desktops::OpenGLSurface> MakeOpenGLSurface() override;
 
 private:
+    std::string m_waylandFailure; ///< empty if none is missed
     Pointer m_pointer;
     bool m_hasXwaylandMonitor = false; ///< as far as displays were listed
     LentMemory m_lentMemory;           ///< of the surface that is drawn in next

@@ -36,6 +36,7 @@ DesktopChoice ChooseDesktop()
     const Failure failure = s_wayland.Connect();
     if (!failure)
         return {s_wayland, "the compositor that WAYLAND_DISPLAY names answers"};
+    s_x11.SetWaylandFailure(*failure);
     return {s_x11, "WAYLAND_DISPLAY is set, but " + *failure};
 }
 

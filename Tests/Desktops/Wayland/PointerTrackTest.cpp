@@ -1,0 +1,142 @@
+#include "Desktops/Wayland/PointerTrack.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace Orvik::Desktops::Wayland
+{
+namespace
+{
+
+using System::Math::Point;
+
+/// As a compositor does it that stops its pointer at the surface's edge and tells the way all the same.
+class Mouse
+{
+public:
+    Mouse(PointerTrack& track, const SurfaceVector& place, const SurfaceVector& last)
+        : m_track(track), m_place(place), m_last(last)
+    {
+        m_track.Enter(m_place);
+    }
+
+    void Move(double x, double y)
+    {
+        m_place = {std::clamp(m_place.x + x, 0.0, m_last.x), std::clamp(m_place.y + y, 0.0, m_last.y)};
+        m_track.Move(m_place, SurfaceVector{x, y});
+    }
+
+private:
+    PointerTrack& m_track;
+    SurfaceVector m_place;
+    SurfaceVector m_last;
+};
+
+TEST(PointerTrack, IsInTheMiddleBeforeThereIsAPointer)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    EXPECT_EQ(track.GetPixel(), (Point{640, 360}));
+    // The compositor may say later how large the surface is.
+    track.SetSpace({1280, 720}, {640, 360});
+    EXPECT_EQ(track.GetPixel(), (Point{640, 360}));
+}
+
+TEST(PointerTrack, BeginsWhereThePointerEnters)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    track.Enter({300.0, 200.0});
+    EXPECT_EQ(track.GetPixel(), (Point{300, 200}));
+}
+
+TEST(PointerTrack, FindsEachPixelAtAFractionalScale)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {853, 480});
+    for (std::int32_t pixel = 0; pixel < 1280; ++pixel)
+    {
+        // The protocol tells places in 256ths.
+        const double place = std::round(pixel * 853.0 / 1280.0 * 256.0) / 256.0;
+        track.Enter({place, 0.0});
+        ASSERT_EQ(track.GetPixel().x, pixel);
+    }
+}
+
+TEST(PointerTrack, IsMovedByPixelsAndGoesOnFromThere)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    Mouse mouse(track, {400.0, 250.0}, {1279.0, 719.0});
+    track.Place({401, 250});
+    track.Place({402, 251});
+    EXPECT_EQ(track.GetPixel(), (Point{402, 251}));
+    mouse.Move(100.0, 50.0);
+    EXPECT_EQ(track.GetPixel(), (Point{502, 301}));
+    mouse.Move(-100.0, -50.0);
+    EXPECT_EQ(track.GetPixel(), (Point{402, 251}));
+}
+
+TEST(PointerTrack, StaysOnTheSurface)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    track.Enter({400.0, 250.0});
+    track.Place({-5, 10'000});
+    EXPECT_EQ(track.GetPixel(), (Point{0, 719}));
+    // Of a surface that has implicitly grabbed the pointer, places beyond are told.
+    track.Enter({-20.0, 900.0});
+    EXPECT_EQ(track.GetPixel(), (Point{0, 719}));
+}
+
+TEST(PointerTrack, ReachesAllColumnsAndRowsBesideTheCompositorsPointer)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    Mouse mouse(track, {400.0, 250.0}, {1279.0, 719.0});
+    track.Place({700, 100}); // 300 to the right, 150 up
+    for (int step = 0; step < 200; ++step)
+        mouse.Move(-10.0, 10.0);
+    EXPECT_EQ(track.GetPixel(), (Point{0, 719}));
+    // They have come together at the edges: the way back is the same.
+    mouse.Move(50.0, -60.0);
+    EXPECT_EQ(track.GetPixel(), (Point{50, 659}));
+    for (int step = 0; step < 200; ++step)
+        mouse.Move(10.0, -10.0);
+    EXPECT_EQ(track.GetPixel(), (Point{1279, 0}));
+}
+
+TEST(PointerTrack, ReachesTheLastColumnOfAScaledSurfaceWhoseEdgeStopsThePointerAUnitEarly)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {640, 360});
+    Mouse mouse(track, {600.0, 300.0}, {639.0, 359.0});
+    mouse.Move(100.0, 100.0);
+    EXPECT_EQ(track.GetPixel(), (Point{1279, 719}));
+    // Slowly as well.
+    mouse.Move(-20.0, -20.0);
+    EXPECT_EQ(track.GetPixel(), (Point{1238, 678}));
+    for (int step = 0; step < 80; ++step)
+        mouse.Move(0.3, 0.3);
+    EXPECT_EQ(track.GetPixel(), (Point{1279, 719}));
+    mouse.Move(-39.0, -59.0);
+    EXPECT_EQ(track.GetPixel(), (Point{1200, 600}));
+}
+
+TEST(PointerTrack, ReachesTheEdgeWhereNoWayIsTold)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    track.Enter({400.0, 250.0});
+    track.Place({390, 260});
+    track.Move({500.0, 300.0}, std::nullopt);
+    EXPECT_EQ(track.GetPixel(), (Point{490, 310}));
+    track.Move({1279.0, 300.0}, std::nullopt);
+    EXPECT_EQ(track.GetPixel(), (Point{1279, 310}));
+    track.Move({1200.0, 0.0}, std::nullopt);
+    EXPECT_EQ(track.GetPixel(), (Point{1200, 0}));
+}
+
+} // namespace
+} // namespace Orvik::Desktops::Wayland
