@@ -63,6 +63,7 @@ void DesktopTest::BorrowCompositor()
     }
     const std::string name = m_compositor->GetDisplayName();
     m_input.emplace(name);
+    m_input->StopKeyRepeat();
     m_screen.emplace(name);
     m_overlay.emplace(name, m_compositor->GetShown());
 }

@@ -31,6 +31,9 @@ public:
     void PressKey(const std::string& name);
     void ReleaseKey(const std::string& name);
     void TapKey(const std::string& name);
+    /// Held keys repeat no more, whatever `SetKeyRepeat` says from now on: a compositor repeats them itself, and takes
+    /// a repeat of the server's for a release and a press.
+    void StopKeyRepeat();
     /// How a held key repeats.
     void SetKeyRepeat(unsigned delayMilliseconds, unsigned intervalMilliseconds);
 
@@ -48,6 +51,7 @@ private:
     void SendKey(const std::string& name, bool isPressed);
 
     std::unique_ptr<XSession> m_session;
+    bool m_repeatsKeys = true;
 };
 
 } // namespace Orvik::Tests
