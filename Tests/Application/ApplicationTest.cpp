@@ -280,6 +280,31 @@ TEST_F(ApplicationTest, AFailedCaptureLeavesAnInactiveToolUntilEscape)
     EXPECT_THAT(ReadLog(), HasSubstr(" | Graphics] Error: Failed to get display capture.\n"));
 }
 
+TEST_F(ApplicationTest, WhereNoDisplayCanBeCapturedThereIsNoRunForIt)
+{
+    desktop.captureObstacle = "The screen is elsewhere";
+    UseOutput();
+    EXPECT_EQ(Run(), -3);
+    EXPECT_EQ(printed.substr(printed.find('{')), MakeCodeObject("Failed to initialize systems", -3));
+    EXPECT_THAT(desktop.windowCalls, IsEmpty());
+    EXPECT_THAT(desktop.captures, IsEmpty());
+    EXPECT_THAT(ReadLog(), HasSubstr(" | SnipBench] Error: The screen is elsewhere.\n"));
+}
+
+TEST_F(ApplicationTest, APictureFromAFileNeedsNoDisplayThatCanBeCaptured)
+{
+    desktop.captureObstacle = "The screen is elsewhere";
+    Bitmap bitmap;
+    bitmap.SetSize(40, 30, 32);
+    const std::string file = (output.GetPath() / "picture.bmp").string();
+    ASSERT_TRUE(bitmap.SaveBmp(file));
+    UseOutput();
+    AddArguments({"-f", file});
+    Escape();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(ReadLog(), Not(HasSubstr("The screen is elsewhere")));
+}
+
 TEST_F(ApplicationTest, AWindowClosedByTheSystemDoesNotEndTheLoop)
 {
     UseOutput();

@@ -110,23 +110,6 @@ TEST_F(DisplaysOnWayland, AreCapturedEachForItself)
     EXPECT_EQ(Capture(m_desktop->Get(), first), rightPixels);
 }
 
-TEST_F(DisplaysOnWayland, OneThatIsTakenAwayClosesItsOverlay)
-{
-    Start(2, {"output HEADLESS-1 position 0 0", "output HEADLESS-2 resolution 800x600 position 640 0"});
-    const DisplayDescriptor display = m_desktop->GetDisplay(1);
-    TestOverlay overlay(display);
-    ASSERT_TRUE(overlay.Open());
-    ASSERT_TRUE(overlay.Draw(MakeNoise(800 * 600, 1), overlay.GetArea()));
-    ASSERT_TRUE(m_desktop->Command("output HEADLESS-2 disable"));
-    EXPECT_TRUE(
-        overlay.UpdateUntil([&] { return overlay.GetWindow().GetState() == System::Desktop::WindowState::Closed; }));
-    // What draws on it has nothing to draw on.
-    EXPECT_FALSE(overlay.GetPixels().BeginFrame());
-    const auto context = m_desktop->Get().MakeCaptureContext();
-    ASSERT_TRUE(context->Initialize({640, 0, 1440, 600}));
-    EXPECT_EQ(context->CopyScreen(), Desktops::Failure("The display is gone"));
-}
-
 TEST_F(DisplaysOnWayland, WithoutACardOfTheCompositorsThereIsNoneToDrawWith)
 {
     Start(1, {});

@@ -1,5 +1,6 @@
 #include "Core/System/Device/Display/DisplayCache.h"
 
+#include "Desktops/X11/X11Desktop.h"
 #include "Tests/Support/AssertionTrap.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/VirtualDisplay.h"
@@ -87,6 +88,14 @@ std::vector<std::string> DescribeAll(const DisplayCache& cache)
     return texts;
 }
 
+/// Why the server's displays can't be captured; empty if they can be.
+std::string FindObstacle()
+{
+    Desktops::Desktop& desktop = Desktops::GetDesktop();
+    [[maybe_unused]] const Desktops::DisplayList list = desktop.ListDisplays();
+    return desktop.CheckCapture().value_or("");
+}
+
 /// For cases with a server of their own: they run in a process of their own, for a process has one connection.
 int Fail(const std::string& what)
 {
@@ -122,6 +131,22 @@ int CheckMissingServer(const char* name)
 }
 
 } // namespace
+
+TEST_F(DisplayCacheX11Test, CanBeCaptured)
+{
+    EXPECT_EQ(FindObstacle(), "");
+    m_client.AddMonitor("DP-XWAYLAND", {0, 0, 1280, 720}, true, m_client.GetOutput());
+    EXPECT_EQ(FindObstacle(), "");
+}
+
+TEST_F(DisplayCacheX11Test, OfAWaylandSessionAreNotTheScreen)
+{
+    m_client.AddMonitor("XWAYLAND0", {0, 0, 1280, 720}, true, m_client.GetOutput());
+    EXPECT_THAT(FindObstacle(), testing::StartsWith("This X server is the one of a Wayland session (Xwayland)"));
+    static_cast<Desktops::X11::X11Desktop&>(Desktops::GetDesktop()).SetWaylandFailure("nobody is there");
+    EXPECT_THAT(FindObstacle(), testing::EndsWith(" WAYLAND_DISPLAY is set, but nobody is there"));
+    static_cast<Desktops::X11::X11Desktop&>(Desktops::GetDesktop()).SetWaylandFailure("");
+}
 
 TEST_F(DisplayCacheX11Test, TheServersOwnMonitorIsTheWholeScreen)
 {

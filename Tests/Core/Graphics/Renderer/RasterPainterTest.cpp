@@ -90,6 +90,20 @@ protected:
     Renderer m_renderer;
 };
 
+TEST_F(RasterPainting, EndsEachFrameThatItHasBegunAndNoOther)
+{
+    const NullDesktop& desktop = NullDesktop::GetInstance();
+    Render();
+    EXPECT_EQ(desktop.frames, 1U);
+    EXPECT_EQ(desktop.finishedFrames, 1U);
+    Render(); // nothing has changed
+    EXPECT_EQ(desktop.finishedFrames, desktop.frames);
+    m_renderer.Invalidate();
+    Render();
+    EXPECT_EQ(desktop.frames, 2U);
+    EXPECT_EQ(desktop.finishedFrames, 2U);
+}
+
 TEST_F(RasterPainting, TheFirstFrameIsShownWholeAndNothingAfterIt)
 {
     AddLine(10, 20, 30);
