@@ -152,7 +152,7 @@ TEST_F(KWinPicture, ThatIsNotThereIsNotOffered)
 {
     const CaptureAnswer answer = Capture();
     EXPECT_EQ(answer.outcome, CaptureOutcome::NotOffered);
-    EXPECT_EQ(answer.reason, "KWin isn't there");
+    EXPECT_EQ(answer.reason, "KWin's ScreenShot2 isn't there");
 }
 
 TEST_F(KWinPicture, ThatDoesNotKnowThisProgramLeavesItToOthersAndSaysWhatToDo)
