@@ -63,6 +63,7 @@ void DesktopTest::BorrowCompositor()
     }
     const std::string name = m_compositor->GetDisplayName();
     m_input.emplace(name);
+    m_input->StopKeyRepeat();
     m_screen.emplace(name);
     m_overlay.emplace(name, m_compositor->GetShown());
 }
@@ -119,6 +120,12 @@ ChildProcess DesktopTest::StartOverlay(const Arguments& arguments, Position curs
     {
         const ChildResult result = process.Wait(std::chrono::milliseconds(0));
         throw std::runtime_error("The overlay doesn't come up.\n" + result.standardOutput + result.standardError);
+    }
+    // GNOME doesn't say that the pointer is there before it has moved, and then the cursor is put to it.
+    if (m_compositor != nullptr && m_compositor->GetKind() == CompositorKind::Gnome)
+    {
+        MoveTo({cursor.x + 1, cursor.y});
+        MoveTo(cursor);
     }
     return process;
 }

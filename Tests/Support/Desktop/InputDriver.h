@@ -36,6 +36,9 @@ public:
     void PressKey(unsigned code);
     void ReleaseKey(unsigned code);
     void TapKey(unsigned code);
+    /// Held keys repeat no more, whatever `SetKeyRepeat` says from now on: a compositor repeats them itself, and takes
+    /// a repeat of the server's for a release and a press.
+    void StopKeyRepeat();
     /// Sets how a held key repeats.
     void SetKeyRepeat(unsigned delayMilliseconds, unsigned intervalMilliseconds);
 
@@ -57,6 +60,7 @@ private:
     void SendKey(unsigned code, bool isPressed);
 
     std::unique_ptr<XSession> m_session;
+    bool m_repeatsKeys = true;
 };
 
 } // namespace Orvik::Tests

@@ -71,8 +71,17 @@ void InputDriver::TapKey(unsigned code)
     ReleaseKey(code);
 }
 
+void InputDriver::StopKeyRepeat()
+{
+    XAutoRepeatOff(m_session->GetDisplay());
+    m_session->Synchronize();
+    m_repeatsKeys = false;
+}
+
 void InputDriver::SetKeyRepeat(unsigned delayMilliseconds, unsigned intervalMilliseconds)
 {
+    if (!m_repeatsKeys)
+        return;
     XAutoRepeatOn(m_session->GetDisplay());
     XkbSetAutoRepeatRate(m_session->GetDisplay(), XkbUseCoreKbd, delayMilliseconds, intervalMilliseconds);
     m_session->Synchronize();

@@ -18,6 +18,7 @@
 namespace Orvik::Tests
 {
 
+class InputDriver;
 class Screen;
 
 enum class CompositorKind
@@ -91,9 +92,10 @@ private:
     void StartCompositor();
     void SetGround(const std::filesystem::path& file);
     void WaitForGround(const Screen& screen, const Picture& picture);
+    void TakePointerOutOfBar(const Screen& screen, InputDriver& input);
     /// The same where it isn't known how the picture is shown: whether there is any.
     void WaitForGround(const Screen& screen, bool isThere);
-    /// `help` is called after each look that finds the condition false.
+    /// Waits for a minute at most. `help` is called after each look that finds the condition false.
     void WaitFor(const std::function<bool()>& condition, const std::function<void(int attempt)>& help);
     /// Sets GNOME's settings: of each a schema, a key and a value, as a shell takes them.
     void Configure(const std::vector<std::array<std::string, 3>>& settings) const;

@@ -318,7 +318,6 @@ void NestedCompositor::WaitForGround(const Screen& screen, const Picture& pictur
 {
     const bool isGnome = m_options.kind == CompositorKind::Gnome;
     InputDriver input(m_display->GetName());
-    const Position pointer = input.GetPointer();
     if (isGnome)
         input.MoveTo({picture.width / 4, s_barHeight / 4}); // it draws the pointer, too: into its bar
     WaitFor([&] { return Shows(screen, picture, isGnome ? s_barHeight : 0); },
@@ -330,7 +329,28 @@ void NestedCompositor::WaitForGround(const Screen& screen, const Picture& pictur
             });
     m_shown = screen.CaptureAll();
     if (isGnome)
-        input.MoveTo(pointer);
+        TakePointerOutOfBar(screen, input);
+}
+
+// Of each half of the bar there is a picture without it.
+void NestedCompositor::TakePointerOutOfBar(const Screen& screen, InputDriver& input)
+{
+    const int middle = m_shown.width / 2;
+    input.MoveTo({middle + middle / 2, s_barHeight / 4});
+    Picture last = m_shown;
+    Picture now = screen.CaptureAll();
+    WaitFor(
+        [&]
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            last = std::exchange(now, screen.CaptureAll());
+            return now == last && now != m_shown;
+        },
+        [](int /*attempt*/) {});
+    for (int y = 0; y < s_barHeight; ++y)
+        for (int x = 0; x < middle; ++x)
+            m_shown.pixels[static_cast<std::size_t>(y * m_shown.width + x)] = now.At(x, y);
+    input.MoveTo({middle, m_shown.height / 2}); // where cases begin
 }
 
 void NestedCompositor::WaitForGround(const Screen& screen, bool isThere)

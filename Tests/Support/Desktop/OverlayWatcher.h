@@ -62,6 +62,8 @@ private:
     /// The X window, 0 if there is none.
     [[nodiscard]] unsigned long FindWindow(State& state) const;
     [[nodiscard]] bool HasCrosshair(Position cursor) const;
+    /// Whether there are lines everywhere.
+    [[nodiscard]] bool IsBright() const;
     /// The part of the monitor that is on the screen.
     [[nodiscard]] Area GetVisiblePart() const;
 

@@ -166,6 +166,17 @@ Area OverlayWatcher::GetVisiblePart() const
     return {left, top, right - left, bottom - top};
 }
 
+// GNOME lights the whole screen up for a moment when a picture of it is taken.
+bool OverlayWatcher::IsBright() const
+{
+    const auto [left, top, width, height] = GetVisiblePart();
+    constexpr int columns = 8;
+    for (int column = 0; column < columns; ++column)
+        if (!IsLine(m_screen.Capture({left + column * width / columns, top, 1, height})))
+            return false;
+    return true;
+}
+
 bool OverlayWatcher::HasCrosshair(Position cursor) const
 {
     if (!m_ground && GetState() != State::Visible)
@@ -175,7 +186,7 @@ bool OverlayWatcher::HasCrosshair(Position cursor) const
                                                        : !IsCrossed(m_screen.Capture({left, top, width, 1}));
     const bool hasRow = cursor.y + 1 < top + height ? IsLine(m_screen.Capture({left, cursor.y + 1, width, 1}))
                                                     : !IsCrossed(m_screen.Capture({left, top, 1, height}));
-    return hasColumn && hasRow;
+    return hasColumn && hasRow && !IsBright();
 }
 
 } // namespace Orvik::Tests
