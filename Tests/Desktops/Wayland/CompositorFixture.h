@@ -157,9 +157,12 @@ private:
                                                         const System::Device::Display::DisplayDescriptor& display)
 {
     const auto context = desktop.MakeCaptureContext();
-    if (!context->Initialize({display.x, display.y, display.x + display.width, display.y + display.height}) ||
-        context->CopyScreen())
+    EXPECT_TRUE(context->Initialize({display.x, display.y, display.x + display.width, display.y + display.height}));
+    if (const Desktops::Failure failure = context->CopyScreen())
+    {
+        ADD_FAILURE() << *failure;
         return {};
+    }
     const auto bytes = context->GetPixels();
     const auto* const first = reinterpret_cast<const std::uint32_t*>(bytes.data);
     std::vector<std::uint32_t> pixels(first, first + bytes.GetSize() / 4);
