@@ -29,6 +29,11 @@ bool InitializeDisplay(void* display)
            eglBindAPI(EGL_OPENGL_API) != EGL_FALSE;
 }
 
+void TerminateDisplay(void* display)
+{
+    eglTerminate(display);
+}
+
 std::int32_t GetAttribute(void* display, void* config, std::int32_t attribute)
 {
     EGLint value = 0;

@@ -19,4 +19,7 @@ namespace Orvik::Desktops::Egl
 /// Whether the display is one, and has desktop OpenGL.
 [[nodiscard]] bool InitializeDisplay(void* display);
 
+/// Ends what `InitializeDisplay` has begun, and the driver's use of the connection below.
+void TerminateDisplay(void* display);
+
 } // namespace Orvik::Desktops::Egl

@@ -48,11 +48,9 @@ OpenGLCreation OpenGLSurface::Create(NativeWindow window, const char* /*classNam
                                     static_cast<int>(surface->GetSize().height));
     OpenGLCreation creation =
         m_context.Create(display, configs.front(), CreateSurface(display, configs.front(), m_window), s_swapInterval);
+    m_display = display;
     if (creation.failure != nullptr)
-    {
-        wl_egl_window_destroy(m_window);
-        m_window = nullptr;
-    }
+        DestroyWindow();
     else if (!creation.version.empty())
         surface->SetTitle(creation.version);
     return creation;
@@ -60,8 +58,18 @@ OpenGLCreation OpenGLSurface::Create(NativeWindow window, const char* /*classNam
 
 void OpenGLSurface::Destroy(NativeWindow /*window*/)
 {
+    // With the compositor gone there is nothing left to free but memory.
+    if (!m_session->connection->IsUsable())
+        return;
     m_context.Destroy();
+    DestroyWindow();
+}
+
+// The driver knows displays by the addresses of connections: a later one may have this one's.
+void OpenGLSurface::DestroyWindow()
+{
     wl_egl_window_destroy(std::exchange(m_window, nullptr));
+    Egl::TerminateDisplay(m_display);
 }
 
 // The driver commits the surface, with all that has been asked for it.

@@ -26,7 +26,10 @@ public:
     [[nodiscard]] OpenGLFunction FindFunction(const char* name) const override;
 
 private:
+    void DestroyWindow();
+
     std::shared_ptr<Session> m_session;
+    void* m_display = nullptr; ///< EGL's
     wl_egl_window* m_window = nullptr;
     Egl::EglContext m_context;
 };

@@ -83,6 +83,8 @@ DisplayList WaylandDesktop::ListDisplays()
 {
     DisplayList list;
     const std::shared_ptr<Session>& session = GetSession();
+    if (session == nullptr)
+        return list;
     const Output* const active = FindActiveOutput(*session);
     std::uint32_t index = 0;
     for (const std::unique_ptr<Output>& output : session->globals.GetOutputs())

@@ -5,6 +5,7 @@
 #include "Core/System/Desktop/PixelSurface.h"
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Desktops/Wayland/WaylandConnection.h"
 #include "Desktops/Wayland/WaylandDesktop.h"
 #include "Tests/Support/Desktop/NestedCompositor.h"
 #include "Tests/Support/EnvironmentVariable.h"
@@ -16,6 +17,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -30,6 +32,14 @@ public:
     {
         for (const auto& [name, value] : m_compositor.GetEnvironment())
             m_environment.push_back(std::make_unique<EnvironmentVariable>(name.c_str(), value.c_str()));
+        // Its socket is there before it answers, and on a busy machine that takes longer than the program waits.
+        constexpr int mostTries = 60;
+        std::string failure;
+        for (int count = 0; Desktops::Wayland::WaylandConnection::Open(failure) == nullptr; ++count)
+        {
+            if (count == mostTries)
+                throw std::runtime_error(failure);
+        }
         Desktops::SetDesktop(m_desktop);
     }
     ~CompositorDesktop() { Desktops::SetDesktop(NullDesktop::GetInstance()); }
@@ -157,9 +167,12 @@ private:
                                                         const System::Device::Display::DisplayDescriptor& display)
 {
     const auto context = desktop.MakeCaptureContext();
-    if (!context->Initialize({display.x, display.y, display.x + display.width, display.y + display.height}) ||
-        context->CopyScreen())
+    EXPECT_TRUE(context->Initialize({display.x, display.y, display.x + display.width, display.y + display.height}));
+    if (const Desktops::Failure failure = context->CopyScreen())
+    {
+        ADD_FAILURE() << *failure;
         return {};
+    }
     const auto bytes = context->GetPixels();
     const auto* const first = reinterpret_cast<const std::uint32_t*>(bytes.data);
     std::vector<std::uint32_t> pixels(first, first + bytes.GetSize() / 4);
