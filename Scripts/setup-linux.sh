@@ -7,7 +7,7 @@
 #   Scripts/setup-linux.sh --demo       and what the demo on a virtual display needs
 #   Scripts/setup-linux.sh --benchmark  and what the benchmarks need beside that
 #   Scripts/setup-linux.sh --test       and what the tests need
-#   Scripts/setup-linux.sh --wayland    and GNOME beside the other compositors that they run on
+#   Scripts/setup-linux.sh --wayland    and KWin and GNOME beside sway, which the tests install anyway
 #   Scripts/setup-linux.sh --coverage   and what counting the lines they run needs
 #   Scripts/setup-linux.sh --package    what building and packing the program needs
 set -euo pipefail
@@ -30,8 +30,8 @@ demo_packages=(xvfb)
 benchmark_packages=(libbenchmark-dev valgrind python3)
 test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock-dev clang-format python3)
 # Compositors, which are needed by tests alone; they skip what isn't there.
-compositor_packages=(sway swaybg kwin-wayland dbus-daemon)
-gnome_packages=(gnome-shell xdg-desktop-portal-gnome libglib2.0-bin)
+compositor_packages=(sway swaybg dbus-daemon)
+desktop_compositor_packages=(kwin-wayland gnome-shell xdg-desktop-portal-gnome libglib2.0-bin)
 coverage_packages=(gcovr)
 # What the tests of packages, documents and recipes use: they skip what is missing.
 installed_packages=(
@@ -59,7 +59,7 @@ case "${1:-}" in
     --benchmark) packages+=("${demo_packages[@]}" "${benchmark_packages[@]}") ;;
     --test | --wayland)
         packages+=("${test_packages[@]}" "${package_packages[@]}" "${installed_packages[@]}" "${compositor_packages[@]}")
-        [ "$1" = --test ] || packages+=("${gnome_packages[@]}")
+        [ "$1" = --test ] || packages+=("${desktop_compositor_packages[@]}")
         ;;
     --coverage) packages+=("${test_packages[@]}" "${coverage_packages[@]}") ;;
     --package) packages+=("${package_packages[@]}") ;;
