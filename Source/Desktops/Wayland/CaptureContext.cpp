@@ -5,6 +5,7 @@
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/Wayland/BusCapture.h"
 #include "Desktops/Wayland/ImageCopyCapture.h"
+#include "Desktops/Wayland/OutputTransform.h"
 #include "Desktops/Wayland/Session.h"
 #include "Desktops/Wayland/WlrScreenCapture.h"
 
@@ -19,8 +20,6 @@ namespace
 
 /// How long other programs get to draw what a hidden window leaves open: six frames at 60 Hz.
 constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
-
-constexpr std::size_t s_pixelBytes = 4;
 
 std::size_t GetBytes(const System::Math::Rectangle& area)
 {

@@ -1,4 +1,5 @@
 #include "Desktops/Wayland/DesktopPicture.h"
+#include "Desktops/Wayland/OutputTransform.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -8,8 +9,6 @@ namespace Orvik::Desktops::Wayland
 {
 namespace
 {
-
-constexpr std::size_t s_pixelBytes = 4;
 
 /// Far above all desktops, and far below where products of two overflow.
 constexpr std::int64_t s_longestSide = 1 << 20;

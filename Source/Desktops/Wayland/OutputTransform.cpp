@@ -8,8 +8,6 @@ namespace Orvik::Desktops::Wayland
 namespace
 {
 
-constexpr std::size_t s_pixelBytes = 4;
-
 /// A way through the source: where it begins, and how far it is to the next pixel of a row and of a column, bytes.
 struct Walk
 {

@@ -6,6 +6,8 @@
 namespace Orvik::Desktops::Wayland
 {
 
+inline constexpr std::size_t s_pixelBytes = 4;
+
 /// How an output shows what is drawn for it: turned against the clock, after it was mirrored left to right where it is.
 /// The numbers are those of `wl_output`.
 enum class OutputTransform : std::uint8_t

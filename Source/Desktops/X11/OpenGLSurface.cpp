@@ -4,16 +4,12 @@
 #include "Desktops/X11/ServerWatch.h"
 #include "Desktops/X11/WindowHints.h"
 #include "Desktops/X11/XConnection.h"
+#include "Desktops/X11/XWindow.h"
 
 namespace Orvik::Desktops::X11
 {
 namespace
 {
-
-::Window ToXWindow(NativeWindow window)
-{
-    return static_cast<::Window>(window);
-}
 
 /// The X server's connection, or null if the server is gone. The driver doesn't check that: without a server it never
 /// stops sending a picture.

@@ -4,6 +4,7 @@
 #include "Desktops/X11/XConnection.h"
 #include "Desktops/X11/XHandle.h"
 #include "Desktops/X11/XSharedMemory.h"
+#include "Desktops/X11/XWindow.h"
 
 #include <X11/extensions/XShm.h>
 #include <cstdlib>
@@ -27,11 +28,6 @@ struct ImageDeleter
 using ImagePointer = std::unique_ptr<XImage, ImageDeleter>;
 
 constexpr int s_scanlinePad = 32;
-
-::Window ToXWindow(NativeWindow window)
-{
-    return static_cast<::Window>(window);
-}
 
 } // namespace
 
