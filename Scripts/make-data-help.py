@@ -7,12 +7,10 @@ page.
 The table is what the program's `--help --json` prints. DATE is the page's, such as 2026-11-22.
 """
 import json
-import re
 import subprocess
-import sys
-from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
+from help_files import escape_manual, fill_template, quote_fish, quote_zsh, read_template, write_files
+
 FORMATS = ("coco", "yolo", "voc")
 
 
@@ -60,17 +58,14 @@ complete -F _snipbench_data snipbench-data
 
 
 def make_zsh(table):
-    def quote(text):
-        return text.replace("'", "'\\''").replace("[", "\\[").replace("]", "\\]").replace(":", "\\:")
-
     verbs, cases = [], []
     for verb in table["verbs"]:
-        verbs.append(f"        '{verb['name']}:{quote(verb['summary'])}'")
+        verbs.append(f"        '{verb['name']}:{quote_zsh(verb['summary'])}'")
         lines = []
         for option in verb["options"]:
             value = option.get("value")
             action = "" if value is None else f":{value.lower()}:" + ("_files" if value == "FILE" else " ")
-            lines.append(f"                '{option['name']}[{quote(option['description'])}]{action}'")
+            lines.append(f"                '{option['name']}[{quote_zsh(option['description'])}]{action}'")
         if has_formats(verb):
             lines.append(f"                '1:format:({' '.join(FORMATS)})'")
         lines.append("                '*:file:_files'")
@@ -100,64 +95,97 @@ _snipbench_data "$@"
 
 
 def make_fish(table):
-    def quote(text):
-        return "'" + text.replace("\\", "\\\\").replace("'", "\\'") + "'"
-
     lines = ["# fish completion of snipbench-data. Generated from the program's own table of verbs."]
     for verb in table["verbs"]:
         lines.append(f"complete -c snipbench-data -n __fish_use_subcommand -f -a {verb['name']} "
-                     f"-d {quote(verb['summary'])}")
+                     f"-d {quote_fish(verb['summary'])}")
         condition = f"-n '__fish_seen_subcommand_from {verb['name']}'"
         for option in verb["options"]:
             value = option.get("value")
             kind = "" if value is None else (" -r" if value == "FILE" else " -x")
             lines.append(f"complete -c snipbench-data {condition} -l {option['name'][2:]}{kind} "
-                         f"-d {quote(option['description'])}")
+                         f"-d {quote_fish(option['description'])}")
         if has_formats(verb):
             lines.append(f"complete -c snipbench-data {condition} -a '{' '.join(FORMATS)}'")
     return "\n".join(lines) + "\n"
 
 
-def escape(text):
-    """Text of the manual page; a line may not begin with what the formatter takes for a request."""
-    return re.sub(r"(?m)^(?=[.'])", r"\\&", text.replace("\\", "\\e").replace("-", "\\-"))
-
-
-def make_manual(table, version, date):
+def make_manual(table, date):
     verbs = []
     for verb in table["verbs"]:
-        rows = [f".TP\n\\fB{escape(option['name'])}\\fR" +
-                (f" \\fI{escape(option['value'])}\\fR" if "value" in option else "") +
-                f"\n{escape(option['description'])}.\n" for option in verb["options"] if option not in table["options"]]
-        verbs.append(f".SS {escape(verb['name'])}\n.B snipbench\\-data {escape(verb['name'])}\n"
-                     f".RI [ options ] \" {escape(verb['operands'])}\"\n.PP\n{escape(verb['summary'])}.\n"
-                     f"{escape(verb['details'])}" + "".join(rows))
-    common = "".join(f".TP\n\\fB{escape(option['name'])}\\fR\n{escape(option['description'])}.\n"
+        own = [option for option in verb["options"] if option not in table["options"]]
+        rows = [f".TP\n\\fB{escape_manual(option['name'])}\\fR" +
+                (f" \\fI{escape_manual(option['value'])}\\fR" if "value" in option else "") +
+                f"\n{escape_manual(option['description'])}.\n" for option in own]
+        verbs.append(f"        '{verb['name']}:{quote_zsh(verb['summary'])}'")
+        lines = []
+        for option in verb["options"]:
+            value = option.get("value")
+            action = "" if value is None else f":{value.lower()}:" + ("_files" if value == "FILE" else " ")
+            lines.append(f"                '{option['name']}[{quote_zsh(option['description'])}]{action}'")
+        if has_formats(verb):
+            lines.append(f"                '1:format:({' '.join(FORMATS)})'")
+        lines.append("                '*:file:_files'")
+        cases.append(f"        {verb['name']})\n            _arguments \\\n" + " \\\n".join(lines) +
+                     "\n            ;;\n")
+    body = "\n".join(verbs)
+    return f"""#compdef snipbench-data
+# zsh completion of snipbench-data. Generated from the program's own table of verbs.
+
+_snipbench_data()
+{{
+    local -a verbs=(
+{body}
+    )
+    if (( CURRENT == 2 )); then
+        _describe verb verbs
+        return
+    fi
+    shift words
+    (( CURRENT-- ))
+    case $words[1] in
+{''.join(cases)}    esac
+}}
+
+_snipbench_data "$@"
+"""
+
+
+def make_fish(table):
+    lines = ["# fish completion of snipbench-data. Generated from the program's own table of verbs."]
+    for verb in table["verbs"]:
+        lines.append(f"complete -c snipbench-data -n __fish_use_subcommand -f -a {verb['name']} "
+                     f"-d {quote_fish(verb['summary'])}")
+        condition = f"-n '__fish_seen_subcommand_from {verb['name']}'"
+        for option in verb["options"]:
+            value = option.get("value")
+            kind = "" if value is None else (" -r" if value == "FILE" else " -x")
+            lines.append(f"complete -c snipbench-data {condition} -l {option['name'][2:]}{kind} "
+                         f"-d {quote_fish(option['description'])}")
+        if has_formats(verb):
+            lines.append(f"complete -c snipbench-data {condition} -a '{' '.join(FORMATS)}'")
+    return "\n".join(lines) + "\n"
+
+
+def make_manual(table, date):
+    verbs = []
+    for verb in table["verbs"]:
+        rows = [f".TP\n\\fB{escape_manual(option['name'])}\\fR" +
+                (f" \\fI{escape_manual(option['value'])}\\fR" if "value" in option else "") +
+                f"\n{escape_manual(option['description'])}.\n" for option in verb["options"] if option not in table["options"]]
+        verbs.append(f".SS {escape_manual(verb['name'])}\n.B snipbench\\-data {escape_manual(verb['name'])}\n"
+                     f".RI [ options ] \" {escape_manual(verb['operands'])}\"\n.PP\n{escape_manual(verb['summary'])}.\n"
+                     f"{escape_manual(verb['details'])}" + "".join(rows))
+    common = "".join(f".TP\n\\fB{escape_manual(option['name'])}\\fR\n{escape_manual(option['description'])}.\n"
                      for option in table["options"])
-    template = (ROOT / "Packaging/Linux/snipbench-data.1.in").read_text(encoding="utf-8")
-    for mark, text in (("@VERSION@", version), ("@DATE@", date), ("@OPTIONS@\n", common), ("@VERBS@\n", "".join(verbs))):
-        if mark not in template:
-            sys.exit(f"make-data-help.py: the manual page has no {mark.strip()}")
-        template = template.replace(mark, text)
-    return template
+    return fill_template(read_template("snipbench-data.1"), date, {"@OPTIONS@\n": common, "@VERBS@\n": "".join(verbs)})
 
 
-def read_version():
-    text = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
-    return re.search(r"^project\(SnipBench VERSION ([0-9.]+)", text, re.MULTILINE).group(1)
-
-
-def main():
-    if len(sys.argv) not in (3, 4):
-        sys.exit("usage: make-data-help.py PROGRAM FOLDER [DATE]")
-    table, folder = read_table(sys.argv[1]), Path(sys.argv[2])
-    date = sys.argv[3] if len(sys.argv) == 4 else ""
-    folder.mkdir(parents=True, exist_ok=True)
-    for name, text in (("snipbench-data.bash", make_bash(table)), ("_snipbench-data", make_zsh(table)),
-                       ("snipbench-data.fish", make_fish(table)),
-                       ("snipbench-data.1", make_manual(table, read_version(), date))):
-        (folder / name).write_text(text, encoding="utf-8")
+def make_files(program, date):
+    table = read_table(program)
+    return {"snipbench-data.bash": make_bash(table), "_snipbench-data": make_zsh(table),
+            "snipbench-data.fish": make_fish(table), "snipbench-data.1": make_manual(table, date)}
 
 
 if __name__ == "__main__":
-    main()
+    write_files(make_files)

@@ -16,7 +16,7 @@ import tempfile
 from pathlib import Path
 from typing import NamedTuple
 
-ROOT = Path(__file__).resolve().parent.parent
+from help_files import escape_manual, fill_template, quote_fish, quote_zsh, read_template, write_files
 
 # What `-h` doesn't say: which kind of value an option takes. An option that is missing here is an error.
 VALUES = {
@@ -124,9 +124,6 @@ complete -F _snipbench snipbench
 
 
 def make_zsh(options):
-    def quote(text):
-        return text.replace("'", "'\\''").replace("[", "\\[").replace("]", "\\]").replace(":", "\\:")
-
     lines = []
     for option in options:
         action = ""
@@ -138,7 +135,7 @@ def make_zsh(options):
                 "milliseconds": ":milliseconds: ",
                 "json": ":JSON: ",
             }.get(option.value) if isinstance(option.value, str) else f":value:({' '.join(option.value)})"
-        text = quote(option.description)
+        text = quote_zsh(option.description)
         lines.append(f"    '(-{option.short})-{option.name}[{text}]{action}'")
         lines.append(f"    '(-{option.name})-{option.short}[{text}]{action}'")
     body = " \\\n".join(lines)
@@ -166,18 +163,13 @@ def make_fish(options):
                 "json": None,
             }[option.value] if isinstance(option.value, str) else f"'{' '.join(option.value)}'"
             parts.append("-x" if arguments is None else f"-x -a {arguments}")
-        description = option.description.replace("\\", "\\\\").replace("'", "\\'")
-        parts.append(f"-d '{description}'")
+        parts.append(f"-d {quote_fish(option.description)}")
         lines.append(" ".join(parts))
     return "\n".join(lines) + "\n"
 
 
-def escape_manual(text):
-    return text.replace("\\", "\\e").replace("-", "\\-")
-
-
-def make_manual(options, codes, version, date):
-    template = (ROOT / "Packaging/Linux/snipbench.1.in").read_text(encoding="utf-8")
+def make_manual(options, codes, date):
+    template = read_template("snipbench.1")
     details = dict(re.findall(r"^@DETAIL (\w+)@\n(.*?)(?=^@)", template, re.DOTALL | re.MULTILINE))
     template = re.sub(r"^@DETAIL \w+@\n.*?^@END@\n", "", template, flags=re.DOTALL | re.MULTILINE)
     rows = []
@@ -194,31 +186,14 @@ def make_manual(options, codes, version, date):
         sys.exit(f"make-help.py: the manual page has details of options that aren't there: {', '.join(details)}")
     endings = [f".TP\n\\fB{escape_manual(str(code))}\\fR (in a shell {code & 0xFF})\n{escape_manual(name)}\n"
                for code, name in codes]
-    for mark, text in (("@VERSION@", version), ("@DATE@", date), ("@OPTIONS@\n", "".join(rows)),
-                       ("@CODES@\n", "".join(endings))):
-        if mark not in template:
-            sys.exit(f"make-help.py: the manual page has no {mark.strip()}")
-        template = template.replace(mark, text)
-    return template
+    return fill_template(template, date, {"@OPTIONS@\n": "".join(rows), "@CODES@\n": "".join(endings)})
 
 
-def read_version():
-    text = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
-    return re.search(r"^project\(SnipBench VERSION ([0-9.]+)", text, re.MULTILINE).group(1)
-
-
-def main():
-    if len(sys.argv) not in (3, 4):
-        sys.exit("usage: make-help.py PROGRAM FOLDER [DATE]")
-    program, folder = sys.argv[1], Path(sys.argv[2])
-    date = sys.argv[3] if len(sys.argv) == 4 else ""
+def make_files(program, date):
     options, codes = read_options(program), read_codes(program)
-    folder.mkdir(parents=True, exist_ok=True)
-    for name, text in (("snipbench.bash", make_bash(options)), ("_snipbench", make_zsh(options)),
-                       ("snipbench.fish", make_fish(options)),
-                       ("snipbench.1", make_manual(options, codes, read_version(), date))):
-        (folder / name).write_text(text, encoding="utf-8")
+    return {"snipbench.bash": make_bash(options), "_snipbench": make_zsh(options), "snipbench.fish": make_fish(options),
+            "snipbench.1": make_manual(options, codes, date)}
 
 
 if __name__ == "__main__":
-    main()
+    write_files(make_files)

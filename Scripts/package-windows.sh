@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds both programs for Windows and packs it with all they need: build/SnipBench-<version>-Windows-x64.zip, whose path
-# is printed. Unpacked anywhere they run.
+# Builds both programs for Windows and packs them with all they need: build/SnipBench-<version>-Windows-x64.zip, whose
+# path is printed. Unpacked anywhere they run.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)

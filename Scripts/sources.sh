@@ -2,7 +2,7 @@
 # beside packages.sh.
 
 # apt with the configured archives, but their source packages, and with its lists in a folder of ours: the system's own
-# stay as they are, and nobody needs to be root.
+# stay as they are, and no step needs root.
 make_source_lists() # FOLDER
 {
     local file

@@ -82,7 +82,7 @@ TEST_F(ApplicationInput, IntoMemoryAtMostOneFrameIsDrawnInARefreshPeriod)
     constexpr std::int64_t period = 1'000'000'000 / 60;
     constexpr std::int32_t moves = 60;
     desktop.hasGraphicsCard = false;
-    // Each move comes when all work for the one before is done: nothing waits behind it.
+    // Each move comes when all work for the one before is done: nothing waits after it.
     std::int32_t moved = 0;
     desktop.onWait = [&]
     {

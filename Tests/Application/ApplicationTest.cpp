@@ -393,7 +393,7 @@ TEST_F(ApplicationTest, ADelayWithoutDigitsLeavesAsAnError)
 
 TEST_F(ApplicationTest, ConfigJsonGoesBeforeConfigFile)
 {
-    // Whoever reads this file fails on its section.
+    // A reader of this file fails on its section.
     const std::string file = (output.GetPath() / "refused.json").string();
     std::ofstream(file) << R"({"configuration":{"LogSystem":{}}})";
     UseOutput();

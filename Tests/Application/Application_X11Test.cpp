@@ -28,8 +28,8 @@ std::size_t GetAllocatedBytes()
 class ApplicationX11 : public testing::Test
 {
 protected:
-    /// Runs the program, with somebody at the desktop on a thread of his own, after whom the run is asked to end. What
-    /// fails there is told here: the program's output is caught meanwhile.
+    /// Runs the program, with a person at the desktop on a thread of its own, after which the run is asked to end. What
+    /// fails there is reported here: the program's output is caught meanwhile.
     std::int32_t RunWith(const std::function<void(Tests::XClient&)>& user)
     {
         Tests::XClient desktop; // before the program, so that a server that doesn't answer fails the test

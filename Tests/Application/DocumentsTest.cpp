@@ -109,7 +109,7 @@ std::string GetLine(const std::string& text, int number)
     return line;
 }
 
-// What a report names is told as it is today: the line has that assertion, or throws that exception.
+// What a report names is as it is today: the line has that assertion, or throws that exception.
 TEST(Documents, TheReportsPointToTheirPlacesInTheSources)
 {
     const std::string page = Tests::ReadText("Docs/Logs.md");

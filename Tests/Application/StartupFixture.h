@@ -16,7 +16,7 @@
 namespace Orvik::Tests
 {
 
-/// A program that notes down what the frame does with it, and does what a test tells it.
+/// A program that notes down what the frame does with it, and does what a test asks of it.
 class FrameApplication : public System::Runtime::Application
 {
 public:

@@ -154,7 +154,7 @@ private:
     [[nodiscard]] static Picture Make(int number) { return MakeTestPicture(Width, Height, number); }
 
     PaintedWindow m_window;
-    std::vector<Clock::time_point> m_begins; ///< of the pictures behind the first
+    std::vector<Clock::time_point> m_begins; ///< of the pictures after the first
 };
 
 class DelayedCapture : public Capture
@@ -186,7 +186,7 @@ TEST_F(DelayedCapture, HoldsWhatChangedDuringTheDelay)
     const auto start = Clock::now();
     const int number = CaptureWithDelay(window);
     ASSERT_GE(number, 0) << "The picture is none of those that were shown.";
-    // The capture was taken while this one was on the screen, and that is behind the delay.
+    // The capture was taken while this one was on the screen, and that is after the delay.
     EXPECT_GE(window.GetEnd(number) - start, std::chrono::milliseconds(500));
 }
 

@@ -14,8 +14,8 @@
 namespace Orvik::Tests
 {
 
-/// Runs the built program on a virtual display, of 800 by 600 pixels unless told otherwise, with a person at it; or on
-/// a compositor in one, if the tests are told so.
+/// Runs the built program on a virtual display, of 800 by 600 pixels unless a case asks for another size, with a person
+/// at it; or on a compositor in one, if the environment says so.
 ///
 /// These operations wait for the crosshair of each step before the next, as a person does. They throw
 /// `std::runtime_error` if it doesn't come.

@@ -23,7 +23,7 @@ public:
     [[nodiscard]] const std::filesystem::path& GetProgram() const { return m_program; }
     /// How the program is started in its working directory with its home; the environment is left to the caller.
     [[nodiscard]] ChildOptions MakeStart(const std::vector<std::string>& arguments) const;
-    /// The same for a program for Windows that is started from a console: `mode` is one of the launcher's, which tells
+    /// The same for a program for Windows that is started from a console: `mode` is one of the launcher's, which says
     /// of the console on standard output.
     [[nodiscard]] ChildOptions MakeStartFromConsole(const std::string& mode,
                                                     const std::vector<std::string>& arguments) const;

@@ -9,9 +9,9 @@
 //                                                 screen than the one that is shown
 //   Launcher --null HOME PROGRAM [arguments]      the same with its output to the null device
 //   Launcher --alone HOME PROGRAM [arguments]     without a console anywhere
-//   Launcher --broadcast                          tells all windows of a change; 0 if each has answered in time
+//   Launcher --broadcast                          sends all windows a change; 0 if each has answered in time
 //
-// Those with and without a console tell the whole exit code, whether the program was on the console at any time, what
+// Those with and without a console print the whole exit code, whether the program was on the console at any time, what
 // stands on it in the end, and the console's output page if it isn't what it was. A file `interrupt` in the home
 // directory is a Ctrl+C on the console.
 #include "Systems/Windows/WindowsHandle.h"

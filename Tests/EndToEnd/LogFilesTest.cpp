@@ -236,7 +236,7 @@ protected:
 
     [[nodiscard]] std::vector<std::uintmax_t> RunAndGetSizes() const
     {
-        // Wine has a display where there is none, but nobody can have a window on it.
+        // Wine has a display where there is none, but no program can have a window on it.
         if (Installation::IsForWindows())
             ExpectAnswer(Run({}), 252, Answer::CreateWindowFailed);
         else

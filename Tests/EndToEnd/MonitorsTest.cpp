@@ -65,7 +65,7 @@ protected:
         return true;
     }
 
-    /// For an overlay that shows nothing: nobody can see from outside when it has taken the keyboard.
+    /// For an overlay that shows nothing: it can't be seen from outside when it has taken the keyboard.
     [[nodiscard]] ChildResult EndByEscapes(ChildProcess& process)
     {
         const auto end = std::chrono::steady_clock::now() + s_endLimit;

@@ -16,7 +16,7 @@ protected:
         return StartWith(m_installation.MakeStartFromConsole(mode, arguments));
     }
 
-    /// What the launcher tells of a run.
+    /// What the launcher reports of a run.
     [[nodiscard]] std::string RunFromConsole(const std::string& mode, const Arguments& arguments) const
     {
         const ChildResult result = StartFromConsole(mode, arguments).Wait(s_endLimit);

@@ -39,7 +39,7 @@ TEST_F(OnWindows, ARunUnderAnotherNameIsLeftAlone)
     ExpectAnswer(EndByEscape(first), 0, Answer::Success);
 }
 
-// Who tells all windows of a change, and the end of the session, waits for each.
+// The sender of a change to all windows, and the end of the session, wait for each window.
 TEST_F(OnWindows, ABroadcastIsAnsweredDuringADelay)
 {
     const ChildProcess process = Start({"-f", AddPicture(m_picture), "-o", GetOutput().string(), "-d", "600000"});

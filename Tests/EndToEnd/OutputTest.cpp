@@ -186,7 +186,7 @@ TEST_F(Output, ASecondRunContinuesTheLogFile)
 
 TEST_F(Output, ALogDirectoryThatTakesNoFilesDoesNotStopTheRun)
 {
-    // A directory in which nobody, root included, can make a file.
+    // A directory in which no user, root included, can make a file.
     std::filesystem::create_directory(m_installation.GetHome() / ".orvik");
     std::filesystem::create_directory_symlink("/sys/kernel", m_installation.GetLogs());
     ExpectAnswer(Snip({"-o", "out"}), 0, Answer::Success);

@@ -18,7 +18,7 @@ namespace Orvik::Tests
 
 using Arguments = std::vector<std::string>;
 
-/// The JSON objects that tell how a run ended, as they stand on standard output.
+/// The JSON objects that say how a run ended, as they stand on standard output.
 namespace Answer
 {
 inline constexpr const char* Success = "{\n    \"name\": \"Success\",\n    \"code\": 0\n}\n";
@@ -58,7 +58,7 @@ void ExpectOutput(const ChildResult& result, int exitCode, const std::string& ou
 /// The run ended as the C library's `abort` ends one.
 void ExpectAbort(const ChildResult& result);
 /// The run ended through an unhandled exception with this in its message, which the error stream and a report file
-/// below `logs` tell. There is no answer then.
+/// below `logs` say. There is no answer then.
 void ExpectFatalEnd(const ChildResult& result, const std::string& message, const std::filesystem::path& logs);
 
 /// A program for Windows ends its lines in two characters; here they are one again.

@@ -1,4 +1,4 @@
-// What a run that goes wrong leaves for whoever looks into it later: the error stream, the report file, the log.
+// What a run that goes wrong leaves for those who look into it later: the error stream, the report file, the log.
 #include "Tests/Core/System/Error/Handling/ReportText.h"
 #include "Tests/EndToEnd/DesktopTest.h"
 #include "Tests/EndToEnd/OutputFiles.h"

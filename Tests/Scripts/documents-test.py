@@ -16,9 +16,11 @@ from pathlib import Path
 from desktop_helper import ROOT, run_tests
 
 PROGRAM = ROOT / sys.argv.pop(1)
+sys.path.insert(0, str(ROOT / "Scripts"))
 MAKE_HELP = importlib.util.spec_from_file_location("make_help", ROOT / "Scripts/make-help.py")
 make_help = importlib.util.module_from_spec(MAKE_HELP)
 MAKE_HELP.loader.exec_module(make_help)
+import help_files  # noqa: E402: among the scripts
 
 OPTIONS = make_help.read_options(PROGRAM)
 CODES = make_help.read_codes(PROGRAM)
@@ -252,7 +254,7 @@ class Pages(unittest.TestCase):
         self.assertGreater(count, 20)
 
     def test_version_is_the_same_everywhere(self):
-        version = make_help.read_version()
+        version = help_files.read_version()
         self.assertIn(f"\nversion: {version}\n", read("CITATION.cff"))
         self.assertIn(f"\n## [{version}]", read("CHANGELOG.md"))
         self.assertIn(f'VersionText = "{version}"', read("Source/Application/Application.h"))

@@ -11,10 +11,10 @@ int main(int argc, char** argv)
     testing::InitGoogleTest(&argc, argv);
     UseEnvironmentLocale();
     const auto kind = GetTestCompositorKind();
-    if (const auto program = kind ? FindMissingProgram(*kind) : std::nullopt)
+    if (const auto reason = kind ? FindReasonToSkip(*kind) : std::nullopt)
     {
         constexpr int skipped = 77;
-        std::printf("%s isn't installed.\n", program->c_str());
+        std::puts(reason->c_str());
         return skipped;
     }
     return RUN_ALL_TESTS();

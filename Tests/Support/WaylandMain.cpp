@@ -41,7 +41,7 @@ int main(int argc, char** argv)
     unsetenv("WAYLAND_DISPLAY");
     unsetenv("DISPLAY");
     std::optional<NestedCompositor> compositor;
-    if (!FindMissingProgram(CompositorKind::HeadlessSway))
+    if (!FindReasonToSkip(CompositorKind::HeadlessSway))
     {
         compositor.emplace(CompositorOptions{.kind = CompositorKind::HeadlessSway, .configuration = {}});
         for (const auto& [name, value] : compositor->GetEnvironment())

@@ -68,7 +68,7 @@ public:
                                    {"images", [this](const Value& value) { return AddImage(value); }}});
         if (!error.empty())
             return error;
-        // Categories and pictures may stand behind the annotations.
+        // Categories and pictures may stand after the annotations.
         for (const auto& [id, name] : m_categories)
         {
             m_classNumbers.emplace(id, m_classes.size());

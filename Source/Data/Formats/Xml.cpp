@@ -99,7 +99,7 @@ private:
         return true;
     }
 
-    /// Goes on behind the next `end`.
+    /// Goes on after the next `end`.
     [[nodiscard]] bool SkipTo(std::string_view end)
     {
         const std::size_t place = m_text.find(end);

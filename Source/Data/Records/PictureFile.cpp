@@ -60,7 +60,7 @@ std::optional<Head> ReadHead(std::FILE& file)
     return head;
 }
 
-/// Whether a chunk of that type stands ahead of the pixels. The file stands behind its head.
+/// Whether a chunk of that type stands ahead of the pixels. The file stands after its head.
 bool HasChunk(std::FILE& file, std::string_view type)
 {
     std::array<std::uint8_t, s_chunkHeadBytes> chunk = {};

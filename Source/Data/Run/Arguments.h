@@ -50,7 +50,7 @@ private:
     std::vector<std::pair<std::string, std::string>> m_options;
 };
 
-/// The arguments behind the verb, or what is wrong with them. Options may stand between the operands; what follows "--"
+/// The arguments after the verb, or what is wrong with them. Options may stand between the operands; what follows "--"
 /// are operands. `--option=value` is the same as `--option value`.
 struct ParsedArguments
 {

@@ -13,7 +13,7 @@ namespace Orvik::Data
 {
 
 /// How the files of one run are written: nothing that exists is touched unless it may be replaced, and none is written
-/// twice. A file is written beside its place, under its name with ".part" behind it, and then renamed, so that what
+/// twice. A file is written beside its place, under its name with ".part" after it, and then renamed, so that what
 /// bears the name is whole. On any thread.
 class OutputFiles
 {

@@ -22,7 +22,7 @@ std::string MakeValid(std::string_view text)
 void PrintLine(std::FILE* stream, const std::string& line)
 {
     const std::string text = line + "\n";
-    (void)std::fwrite(text.data(), 1, text.size(), stream); // `Finish` tells
+    (void)std::fwrite(text.data(), 1, text.size(), stream); // `Finish` reports it
 }
 
 rapidjson::SizeType GetLength(std::string_view text)

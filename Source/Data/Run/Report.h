@@ -41,7 +41,7 @@ public:
     /// What kept the run from its work: it ends with `CannotRun`.
     void Fail(const std::filesystem::path& file, std::string_view message);
 
-    /// A figure of the whole run, behind all findings. `name` is a JSON member's, and `title` what the text says.
+    /// A figure of the whole run, after all findings. `name` is a JSON member's, and `title` what the text says.
     void AddFigure(std::string_view name, std::string_view title, std::int64_t value);
 
     /// A figure's place for a value that has been written as JSON.

@@ -12,7 +12,7 @@ namespace
 using Complex = std::complex<float>;
 using Plan = kissfft<float>;
 
-/// Transforms the first `count` of the rows, which lie one behind the other.
+/// Transforms the first `count` of the rows, which lie one after the other.
 void TransformRows(const Plan& plan, ComplexArea& rows, std::size_t length, std::size_t count)
 {
     std::vector<Complex> row(length);

@@ -17,7 +17,7 @@ struct SymbolKey
     KeyCode key;
 };
 
-/// Letters, digits and the function keys are told by their distance from the first; everything else stands here.
+/// Letters, digits and the function keys follow from their distance from the first; everything else stands here.
 constexpr SymbolKey s_symbolKeys[] = {
     {XK_Escape, KeyCode::Escape},
     {XK_0, KeyCode::Digit0},

@@ -79,7 +79,7 @@ extern "C" void OnSignal(int signal) noexcept
 void ErrorHandling::InstallSignalHandlersPlatform()
 {
     s_errorHandling = this;
-    // A program with windows would get a message box, which nobody sees below the overlay.
+    // A program with windows would get a message box, which the overlay hides.
     s_previousErrorMode = _set_error_mode(_OUT_TO_STDERR);
     for (std::size_t index = 0; index < s_signals.size(); ++index)
         s_previousHandlers[index] = std::signal(s_signals[index], &OnSignal);

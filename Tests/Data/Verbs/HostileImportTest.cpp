@@ -1,4 +1,4 @@
-// Data sets that somebody else has made, and doesn't mean well with.
+// Data sets from strangers who don't mean well.
 #include "Tests/Data/Verbs/SampleSet.h"
 
 namespace Orvik::Data

@@ -103,8 +103,8 @@ class KWinSession : public testing::Test
 protected:
     void SetUp() override
     {
-        if (const auto program = Tests::FindMissingProgram(CompositorKind::VirtualKWin))
-            GTEST_SKIP() << *program << " isn't installed.";
+        if (const auto reason = Tests::FindReasonToSkip(CompositorKind::VirtualKWin))
+            GTEST_SKIP() << *reason;
         m_compositor.emplace(Tests::CompositorOptions{CompositorKind::VirtualKWin, s_width, s_height, {}});
     }
 
@@ -130,8 +130,8 @@ class GnomeSession : public testing::Test
 protected:
     void SetUp() override
     {
-        if (const auto program = Tests::FindMissingProgram(CompositorKind::Gnome))
-            GTEST_SKIP() << *program << " isn't installed.";
+        if (const auto reason = Tests::FindReasonToSkip(CompositorKind::Gnome))
+            GTEST_SKIP() << *reason;
         m_compositor.emplace(Tests::CompositorOptions{CompositorKind::Gnome, s_width, s_height, {}});
         m_shown = m_compositor->ShowGround(Tests::MakeTestPicture(s_width, s_height));
     }

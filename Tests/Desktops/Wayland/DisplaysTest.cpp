@@ -21,8 +21,8 @@ class DisplaysOnWayland : public testing::Test
 protected:
     void SetUp() override
     {
-        if (const auto program = FindMissingProgram(CompositorKind::HeadlessSway))
-            GTEST_SKIP() << "There is no " << *program << " here.";
+        if (const auto reason = FindReasonToSkip(CompositorKind::HeadlessSway))
+            GTEST_SKIP() << *reason;
     }
 
     /// A compositor with so many displays, and the desktop on it.

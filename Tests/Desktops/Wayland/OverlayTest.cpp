@@ -30,8 +30,8 @@ class OverlayOnWayland : public testing::TestWithParam<DisplayCase>
 protected:
     void SetUp() override
     {
-        if (const auto program = FindMissingProgram(CompositorKind::HeadlessSway))
-            GTEST_SKIP() << "There is no " << *program << " here.";
+        if (const auto reason = FindReasonToSkip(CompositorKind::HeadlessSway))
+            GTEST_SKIP() << *reason;
         m_desktop.emplace(CompositorOptions{.kind = CompositorKind::HeadlessSway,
                                             .width = 640,
                                             .height = 360,

@@ -71,8 +71,8 @@ class WaylandConnectionTest : public testing::Test
 protected:
     void SetUp() override
     {
-        if (const auto program = Tests::FindMissingProgram(CompositorKind::HeadlessSway))
-            GTEST_SKIP() << "There is no " << *program << " here.";
+        if (const auto reason = Tests::FindReasonToSkip(CompositorKind::HeadlessSway))
+            GTEST_SKIP() << *reason;
         s_losses = 0;
         m_desktop.emplace(Tests::CompositorOptions{.kind = CompositorKind::HeadlessSway, .configuration = {}});
         std::string failure;

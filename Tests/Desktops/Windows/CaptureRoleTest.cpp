@@ -1,4 +1,4 @@
-// This program as what CaptureUnderWine starts: it captures what it is told to and tests nothing.
+// This program as what CaptureUnderWine starts: it captures what it is asked for and tests nothing.
 #include "Core/System/Desktop/CaptureContext.h"
 #include "Systems/Windows/WindowsHeaders.h"
 

@@ -47,7 +47,7 @@ struct Desktop
 {
     std::vector<Device> devices;
     std::vector<Monitor> monitors;
-    const wchar_t* activeName = nullptr; ///< null: the system doesn't tell
+    const wchar_t* activeName = nullptr; ///< null: the system doesn't say
     HRESULT getResult = S_OK;
     int awareness = 0;
     HRESULT setResult = S_OK;
@@ -244,7 +244,7 @@ TEST_F(DisplayCacheWindows, ADeviceWithoutSettingsTakesNoIdAndLeavesTheNext)
     EXPECT_EQ(m_cache.GetActiveDisplayId(), 2);
 }
 
-// Displays of remote sessions and virtual ones tell less than a card does.
+// Displays of remote sessions and virtual ones report less than a card does.
 TEST_F(DisplayCacheWindows, WhatTheSettingsLackIsTheMonitors)
 {
     s_desktop.devices = {{L"A"}, {L"B", 1, 7, 8, 9, 10, 75}};

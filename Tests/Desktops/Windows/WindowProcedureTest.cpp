@@ -67,7 +67,7 @@ TEST_F(WindowProcedureTest, EachKeyOfTheTableComesWithItsCode)
     }
 }
 
-/// What the system answers for an ordinary keyboard. Wine doesn't tell the right keys.
+/// What the system answers for an ordinary keyboard. Wine doesn't report the right keys.
 UINT WINAPI MapScanCode(UINT scanCode, UINT kind)
 {
     EXPECT_EQ(kind, 3U);
@@ -273,7 +273,7 @@ TEST_F(WindowProcedureTest, AHotKeyCarriesItsValue)
     EXPECT_EQ(m_events[0].data.hotKey, 0x123456789ABCDEF0U);
 }
 
-// A hidden window is told of changes like any other, and who tells waits for it.
+// A hidden window hears of changes like any other, and their sender waits for it.
 TEST_F(WindowProcedureTest, WhatOthersWaitForIsAnsweredAndWhatIsQueuedStays)
 {
     HWND const window = GetHwnd(m_window);
@@ -320,7 +320,7 @@ TEST_F(WindowProcedureTest, WhatTheHandlerLeavesGoesToTheSystem)
     EXPECT_TRUE(m_events.empty());
 }
 
-/// Whether the system has been told to close the window, by a message that waits for it.
+/// Whether the system has been asked to close the window, by a message that waits for it.
 bool TakeCloseCommand(HWND window)
 {
     MSG message = {};

@@ -142,7 +142,7 @@ TEST_F(WindowWaitWindows, AClosedWindowWaitsForTheSignalAndTheTime)
     EXPECT_LT(Wait(s_long), s_long);
 }
 
-// A window that has to be painted is reported until it has been: by an endless row of messages if nobody says so.
+// A window that has to be painted is reported until it has been: by an endless row of messages if it isn't said.
 TEST_F(WindowWaitWindows, ALostPictureIsReportedAndThenItIsQuiet)
 {
     m_window.Show(m_window.Lock());

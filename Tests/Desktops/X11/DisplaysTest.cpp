@@ -17,7 +17,7 @@
 namespace
 {
 
-/// Changes what the server tells of its monitors; where there is one, it stands between the program and the library.
+/// Changes what the server reports of its monitors; where there is one, it stands between the program and the library.
 std::function<XRRMonitorInfo*(XRRMonitorInfo* monitors)> s_changeMonitors;
 
 } // namespace
@@ -50,7 +50,7 @@ protected:
         m_client.AddMonitor("RIGHT", {640, 100, 640, 480}, true);
     }
 
-    /// The active id of a cache that is made now, where the names of the displays tell more than their order.
+    /// The active id of a cache that is made now, where the names of the displays say more than their order.
     std::string GetActiveName()
     {
         DisplayCache cache;
@@ -62,7 +62,7 @@ protected:
     Tests::XClient m_client;
 };
 
-/// Lets the server tell something else of its monitors, for as long as it lives.
+/// Lets the server report other monitors, for as long as it lives.
 class ChangedMonitors
 {
 public:

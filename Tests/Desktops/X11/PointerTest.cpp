@@ -80,7 +80,8 @@ TEST_F(CursorX11, MovingThePointerGivesTheWindowAMotion)
 
 TEST_F(CursorX11, HiddenPictureComesBackAfterOneShowHoweverOftenItWasHidden)
 {
-    // The server tells only who asks for the picture itself; hidden, it is a picture of nothing for other clients too.
+    // The server answers only a client that asks for the picture itself; hidden, it is a picture of nothing for other
+    // clients too.
     ShowCursor(false);
     ShowCursor(false);
     ShowCursor(true);

@@ -351,7 +351,7 @@ TEST_F(CaptureContextX11Test, UnderACompositingManagerAVisibleWindowIsNotInThePi
     CapturedPicture picture;
     ASSERT_TRUE(context.Initialize(1, {0, 0, 1280, 720}));
     context.SetWindow(&window);
-    // Nothing tells when a manager has drawn; a machine with other work to do takes its time.
+    // Nothing says when a manager has drawn; a machine with other work to do takes its time.
     for (int attempt = 0; attempt < 20 && (attempt == 0 || picture.At(300, 300) != SlowProgram::Color); ++attempt)
         ASSERT_TRUE(Capture(context, picture));
     EXPECT_EQ(picture.At(300, 300), SlowProgram::Color);

@@ -1,4 +1,4 @@
-// That the tests' own desktop keeps nobody waiting: each of its waits for another process has an end.
+// That the tests' own desktop keeps no test waiting: each of its waits for another process has an end.
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/Desktop/ChildProcess.h"
 #include "Tests/Support/Desktop/InputDriver.h"

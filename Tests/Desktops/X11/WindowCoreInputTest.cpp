@@ -23,7 +23,7 @@ namespace Orvik::System::Desktop
 namespace
 {
 
-/// What an overlay is told, as text: "move 63 29", "button 1 down", "wheel -1".
+/// What an overlay gets, as text: "move 63 29", "button 1 down", "wheel -1".
 class Listener
 {
 public:

@@ -40,7 +40,7 @@ protected:
         return windows;
     }
 
-    /// Whether Escape, typed behind all that has come, is there after an update for its press and one for its release.
+    /// Whether Escape, typed after all that has come, is there after an update for its press and one for its release.
     [[nodiscard]] testing::AssertionResult EscapeComesAtOnce()
     {
         m_user.TapKey("Escape");

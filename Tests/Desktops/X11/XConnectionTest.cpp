@@ -103,7 +103,7 @@ void Require(bool holds, const char* what)
     std::exit(1);
 }
 
-/// A frame loop whose server goes away, and everything that may be called behind it.
+/// A frame loop whose server goes away, and everything that may be called after it.
 [[noreturn]] void RunUntilTheServerIsGone(Desktop::WindowType type)
 {
     auto server = std::make_unique<Tests::VirtualDisplay>();

@@ -34,8 +34,9 @@ enum class CompositorKind
 /// "sway", "sway-headless", "kwin", "kwin-virtual", "gnome", "weston"; nothing for another name.
 [[nodiscard]] std::optional<CompositorKind> FindCompositorKind(std::string_view name);
 
-/// The program that such a compositor needs and this machine lacks; nothing if all are there.
-[[nodiscard]] std::optional<std::string> FindMissingProgram(CompositorKind kind);
+/// Why tests on such a compositor are skipped, as a sentence: a program isn't installed, or the environment variable
+/// ORVIK_TEST_COMPOSITORS, a list of kinds with commas, leaves it out. Nothing if they run.
+[[nodiscard]] std::optional<std::string> FindReasonToSkip(CompositorKind kind);
 
 struct CompositorOptions
 {

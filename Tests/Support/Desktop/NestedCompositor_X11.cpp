@@ -85,6 +85,19 @@ std::optional<UserNumbers> FindUser()
     return UserNumbers{nobody->pw_uid, nobody->pw_gid};
 }
 
+/// Whether the tests are to run on others alone.
+bool IsLeftOut(CompositorKind kind)
+{
+    const char* const list = std::getenv("ORVIK_TEST_COMPOSITORS");
+    if (list == nullptr)
+        return false;
+    std::istringstream names(list);
+    for (std::string name; std::getline(names, name, ',');)
+        if (FindCompositorKind(name) == kind)
+            return false;
+    return true;
+}
+
 /// Whether the screen shows the picture from that row on.
 bool Shows(const Screen& screen, const Picture& picture, int firstRow)
 {
@@ -110,11 +123,13 @@ std::optional<CompositorKind> FindCompositorKind(std::string_view name)
     return std::nullopt;
 }
 
-std::optional<std::string> FindMissingProgram(CompositorKind kind)
+std::optional<std::string> FindReasonToSkip(CompositorKind kind)
 {
+    if (IsLeftOut(kind))
+        return "ORVIK_TEST_COMPOSITORS leaves it out.";
     for (const std::string& program : ListPrograms(kind))
         if (FindProgram(program).empty())
-            return program;
+            return program + " isn't installed.";
     return std::nullopt;
 }
 

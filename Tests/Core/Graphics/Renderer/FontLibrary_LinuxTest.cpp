@@ -11,7 +11,7 @@ bool s_isRefused = false;
 
 } // namespace
 
-/// Takes the place of the library's own, which is loaded behind the program, and refuses where a test wants it.
+/// Takes the place of the library's own, which is loaded after the program, and refuses where a test wants it.
 FT_Error FT_Init_FreeType(FT_Library* library)
 {
     if (s_isRefused)

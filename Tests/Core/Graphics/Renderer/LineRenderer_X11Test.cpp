@@ -303,7 +303,7 @@ TEST(LinePixels, EveryDirectionDraws)
             for (std::int32_t column = 0; column < s_size; ++column)
                 light += picture.At(column, row).red;
         }
-        // A line covers its length times its thickness; four samples to the pixel tell that to a seventh.
+        // A line covers its length times its thickness; four samples to the pixel give that to a seventh.
         EXPECT_NEAR(static_cast<double>(light) / 255.0, 40.0, 6.0) << angle << picture.Describe();
         scene.GetRenderer().GetLineRenderer().Remove(id);
     }

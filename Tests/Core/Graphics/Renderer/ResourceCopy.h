@@ -31,7 +31,7 @@ public:
     ResourceCopy(const ResourceCopy&) = delete;
     ResourceCopy& operator=(const ResourceCopy&) = delete;
 
-    // The rest is told by file name. What exists is replaced.
+    // The rest is named by file name. What exists is replaced.
 
     static void WriteShader(const std::string& name, const std::string& text)
     {

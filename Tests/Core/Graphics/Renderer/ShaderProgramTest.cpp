@@ -62,7 +62,7 @@ TEST_F(RecordedShaders, ADirectoryInPlaceOfAFileHasNoSize)
     ResourceCopy::MakeShaderDirectory("quad.vert");
     std::vector<char> text;
     EXPECT_FALSE(LoadShaderFile("quad.vert", text));
-    // Some systems open a directory and tell no size, and some don't open it.
+    // Some systems open a directory and give no size, and some don't open it.
     EXPECT_THAT(m_log.GetLines(),
                 ElementsAre(testing::AnyOf(AllOf(StartsWith("Graphics Error: Failed to load shader: "),
                                                  HasSubstr("file_size"), HasSubstr("quad.vert")),

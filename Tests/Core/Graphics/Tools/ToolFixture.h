@@ -28,7 +28,7 @@ using System::Multimedia::Bitmap;
 using System::Tools::ToolContext;
 using System::Tools::ToolEventType;
 
-/// A picture whose pixels tell where they lie: blue and green are the low bytes of column and row, red has four more
+/// A picture whose pixels say where they lie: blue and green are the low bytes of column and row, red has four more
 /// bits of each.
 inline Bitmap MakePicture(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel = 32)
 {

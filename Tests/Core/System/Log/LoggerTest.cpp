@@ -215,7 +215,7 @@ TEST_F(LoggerTest, ShutsDownAfterALineThatCouldNotBeMade)
     Initialize();
     EXPECT_ASSERTION(Write(Context{0x3}, MessageTypeID::Error, "two streams"), "false",
                      "Implementation of case directive is missing.");
-    m_logger.OnShutdown(); // waits for nobody
+    m_logger.OnShutdown(); // waits for no one
     EXPECT_EQ(TakeOutput(), "");
 }
 

@@ -29,7 +29,7 @@ protected:
     Bitmap m_bitmap;
 };
 
-// Names without a directory are told from the working directory.
+// Names without a directory start in the working directory.
 class WorkingDirectory
 {
 public:

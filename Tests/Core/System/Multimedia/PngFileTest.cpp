@@ -215,7 +215,7 @@ TEST_F(PngFile, WithAWrongChecksumInACriticalChunkIsRefused)
 {
     const Bytes file = MakeRgba();
     Bytes wrongHeader = file;
-    wrongHeader[8 + 8 + 13] ^= 1; // behind signature, length, type and the header's fields
+    wrongHeader[8 + 8 + 13] ^= 1; // after signature, length, type and the header's fields
     ExpectRefused(wrongHeader);
     Bytes wrongData = file;
     wrongData[file.size() - 12 - 1] ^= 1; // before the end chunk

@@ -57,7 +57,7 @@ public:
 };
 testing::Environment* const s_runRole = testing::AddGlobalTestEnvironment(new RunRole);
 
-/// A run of the program that looks for others when it is told to.
+/// A run of the program that looks for others when it is asked to.
 class OwnRun
 {
 public:

@@ -21,11 +21,11 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// What the system tells of a process.
+/// What the system reports of a process.
 struct Known
 {
     DWORD startTime = 0;
-    std::wstring name = L"snip.exe"; ///< empty if it isn't told
+    std::wstring name = L"snip.exe"; ///< empty if it isn't known
     DWORD session = 1;
     DWORD owner = 7;
     DWORD exitCode = STILL_ACTIVE;

@@ -50,7 +50,7 @@ std::uint64_t GetEndedId(const Tests::TemporaryDirectory& directory)
     return process.GetId();
 }
 
-/// Terminates a process and tells how long that took.
+/// Terminates a process and returns how long that took.
 std::chrono::milliseconds TimeTermination(std::uint64_t id)
 {
     const auto start = std::chrono::steady_clock::now();

@@ -53,7 +53,7 @@ public:
 
     [[nodiscard]] std::uint64_t GetId() const { return static_cast<std::uint64_t>(m_id); }
 
-    /// Ends the process for good; its number is free behind this.
+    /// Ends the process for good; its number is free after this.
     void Kill()
     {
         if (m_isReaped)

@@ -132,7 +132,7 @@ TEST(TypeRegistry, ServesSeveralThreads)
 }
 
 /// How many registries have other than one record after two threads have registered a type in all of them. The thread
-/// that is behind finds what is entered already and catches up: both are at the same registry time and again.
+/// that comes later finds what is entered already and catches up: both are at the same registry time and again.
 std::ptrdiff_t CountDoubleEntries()
 {
     std::vector<TypeRegistry> registries(10'000);

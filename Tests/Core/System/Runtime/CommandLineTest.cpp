@@ -17,7 +17,7 @@ using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 
-/// The program's options and these arguments behind the program's path.
+/// The program's options and these arguments after the program's path.
 CommandLine MakeCommandLine(std::vector<std::string> arguments)
 {
     CommandLine commandLine;

@@ -72,7 +72,7 @@ TEST(DirectoryCacheWindows, AMissingVariableLeavesTheOthers)
                                                           "from environment."));
 }
 
-// What would be derived from a directory that isn't told is not told either: a relative path would lie anywhere.
+// What would be derived from a directory that isn't known isn't known either: a relative path would lie anywhere.
 TEST(DirectoryCacheWindows, WithoutLocalDataThereIsNoLocalLow)
 {
     const EnvironmentVariable home("USERPROFILE", "C:\\home");

@@ -370,7 +370,7 @@ TEST_F(SystemTest, UpdateThatOverrunsIsFollowedByTheNextAtOnce)
         end = steady_clock::now();
     };
     m_system.UpdateLoop();
-    // The fastest gap tells: a busy machine only makes others longer.
+    // The fastest gap counts: a busy machine only makes others longer.
     EXPECT_LT(*std::min_element(gaps.begin() + 1, gaps.end()), milliseconds(5));
 }
 

@@ -73,7 +73,7 @@ TEST(ErrorHandlingRequests, ARunThatDoesNotEndIsAbortedAfterTwoSeconds)
     EXPECT_GE(elapsed, 64 * 32'000'000);
 }
 
-/// Writes part after part of a file for as long as told.
+/// Writes part after part of a file for as long as asked.
 void WriteParts(std::chrono::milliseconds time)
 {
     const Text::File file = Text::OpenFile("/dev/null", "wb");

@@ -53,7 +53,7 @@ void FailAnAssertion()
     ORVIK_ASSERT(1 == 2, "One is two.");
 }
 
-/// A log that nobody reads.
+/// A log without a reader.
 class BlockedReceiver final : public Log::IMessageReceiver
 {
 public:
@@ -83,7 +83,7 @@ void RunWithLog(bool listens, int signal, int times = 1)
     RunAndRaise(listens, signal, times);
 }
 
-/// Each plays its role behind a made `ErrorHandling`.
+/// Each plays its role after an `ErrorHandling` was made.
 const std::map<std::string, void (*)()> s_roles = {
     {"read", &ReadNowhere},
     {"divide", &Divide},

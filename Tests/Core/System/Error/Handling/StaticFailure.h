@@ -37,8 +37,8 @@ struct OrdinaryObject
     }
 };
 
-/// Makes the program's `ErrorHandling` where the role has one. In the other roles it fails, ahead of whoever makes the
-/// standard streams.
+/// Makes the program's `ErrorHandling` where the role has one. In the other roles it fails, ahead of the object that
+/// makes the standard streams.
 struct FirstObject
 {
     FirstObject()

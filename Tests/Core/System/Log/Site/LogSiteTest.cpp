@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 constexpr Context s_context{StreamID::System};
 
-/// Takes no stream at all, and tells whether it got a message nevertheless.
+/// Takes no stream at all, and knows whether it got a message nevertheless.
 class DeafReceiver final : public IMessageReceiver
 {
 public:
