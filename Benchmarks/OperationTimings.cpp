@@ -3,6 +3,7 @@
 //   OperationTimings WIDTHxHEIGHT [RUNS]      prints the median of each in microseconds
 //
 // and of the capture of the display also the ratio to one copy of its bytes in memory.
+#include "Application/DesktopChoice.h"
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Tools/SnipBench.h"
 #include "Core/System/Desktop/CaptureContext.h"
@@ -11,7 +12,6 @@
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
-#include "Desktops/DesktopChoice.h"
 #include "Tests/Support/Desktop/Screen.h"
 #include "Tests/Support/SnipBenchProbe.h"
 #include "Tests/Support/VirtualDisplay.h"

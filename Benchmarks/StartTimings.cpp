@@ -4,13 +4,13 @@
 //   StartTimings WIDTHxHEIGHT [RUNS]      prints the median of each step in milliseconds
 //
 // A run is a child process of its own, so that every run starts cold in the way a new process does.
+#include "Application/DesktopChoice.h"
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Tools/SnipBench.h"
 #include "Core/System/Desktop/DisplayCache.h"
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
-#include "Desktops/DesktopChoice.h"
 #include "Tests/Support/VirtualDisplay.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks what Docs/Architecture.md says about the structure of the sources, and names each line that breaks it:
 
-  no include points to a layer above its own, and no two folders need each other, directly or through others;
+  no include points to a layer above its own, and no units of two folders need each other, directly or through others;
   no unit that all systems share reaches a system's header, includes one of a desktop's or an operating system's folder,
     or asks which system it is;
   the operations of a desktop are those that the page lists;
@@ -70,34 +70,32 @@ def check_layers(files, layers):
                 yield f"{name}:{line}: the include points upward, to {include}"
 
 
-def find_circles(edges):
-    """The folders that reach themselves through other folders, with the others of the circle."""
-    def reach(start):
-        seen, rest = set(), list(edges.get(start, ()))
-        while rest:
-            folder = rest.pop()
-            if folder not in seen:
-                seen.add(folder)
-                rest.extend(edges.get(folder, ()))
-        return seen
-
-    reached = {folder: reach(folder) for folder in edges}
-    circles = {frozenset(other for other in reached[folder] if folder in reached.get(other, ()))
-               for folder in edges if folder in reached[folder]}
-    return sorted(sorted(circle) for circle in circles)
+def get_unit(name):
+    """A header and its sources, those of all systems included, are one unit."""
+    return re.sub(r"(_(Linux|X11|Windows))?\.(h|cpp)$", "", name.removeprefix("Source/"))
 
 
 def check_circles(files):
+    """Units of one folder may need each other; those of several may not."""
     edges = {}
     for name, text in files.items():
         if name.startswith("Source/"):
-            for _, include, is_ours in find_includes(text):
-                if is_ours and get_folder(include) != get_folder(name):
-                    edges.setdefault(get_folder(name), {}).setdefault(get_folder(include), (name, include))
-    for circle in find_circles(edges):
-        steps = [f"{a} includes {b}" for folder in circle
-                 for other, (a, b) in sorted(edges[folder].items()) if other in circle]
-        yield "these folders need each other: " + ", ".join(circle) + "".join("\n    " + step for step in steps)
+            needed = edges.setdefault(get_unit(name), set())
+            needed.update(get_unit(include) for _, include, is_ours in find_includes(text) if is_ours)
+
+    def reach(start):
+        seen, rest = set(), [start]
+        while rest:
+            for unit in edges.get(rest.pop(), set()) - seen:
+                seen.add(unit)
+                rest.append(unit)
+        return seen
+
+    reached = {unit: reach(unit) for unit in edges}
+    circles = {tuple(sorted(other for other in reached[unit] if unit in reached.get(other, ()))) for unit in edges}
+    for circle in sorted(circles):
+        if len({get_folder(unit) for unit in circle}) > 1:
+            yield "these units need each other: " + ", ".join(circle)
 
 
 def is_shared(name):

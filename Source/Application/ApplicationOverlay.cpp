@@ -7,7 +7,7 @@
 #include "Core/System/Desktop/Cursor.h"
 #include "Core/System/Desktop/DisplayCache.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Core/System/Time/Trace.h"
 #include "Core/System/Time/Wait.h"

@@ -1,4 +1,4 @@
-#include "Desktops/DesktopChoice.h"
+#include "Application/DesktopChoice.h"
 
 #include "Desktops/Wayland/WaylandDesktop.h"
 #include "Desktops/X11/X11Desktop.h"
@@ -13,7 +13,7 @@ namespace
 
 constexpr const char* s_byHand = "ORVIK_DESKTOP says so";
 
-/// Empty for one that isn't set.
+/// The value of an environment variable, or an empty text if it isn't set.
 std::string_view GetVariable(const char* name)
 {
     const char* const value = std::getenv(name);

@@ -1,4 +1,4 @@
-#include "Desktops/DesktopChoice.h"
+#include "Application/DesktopChoice.h"
 
 #include "Desktops/Windows/WindowsDesktop.h"
 

@@ -1,8 +1,8 @@
 // Where the process starts on Linux. There is no console to attach to: standard output and standard error stay as they
 // are.
 #include "Application/Application.h"
-#include "Core/System/Error/Handling/EarlyErrorHandling.h"
-#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/EarlyErrorHandling.h"
+#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Processes/Process.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"

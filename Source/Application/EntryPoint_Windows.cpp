@@ -1,6 +1,6 @@
 // Where the process starts on Windows: a program with windows that consoles and other programs can still run.
 #include "Application/Application.h"
-#include "Core/System/Error/Handling/EarlyErrorHandling.h"
+#include "Core/System/Error/EarlyErrorHandling.h"
 #include "Core/System/Processes/Process.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"

@@ -1,9 +1,9 @@
 // The order of a run. It is in this layer because a run begins and ends with folders above the `Application`: threads,
 // processes, error handling.
+#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/Exception.h"
-#include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Processes/OtherRuns.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Runtime/CommandLine.h"

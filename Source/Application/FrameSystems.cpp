@@ -1,14 +1,14 @@
 // How the Systems come up and go down: the one place that knows all of them.
+#include "Application/DesktopChoice.h"
 #include "Core/System/Desktop/DisplayCache.h"
+#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/Exception.h"
-#include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Runtime/SystemCreation.h"
 #include "Core/System/Threads/ThreadManager.h"
 #include "Core/System/Time/Trace.h"
-#include "Desktops/DesktopChoice.h"
 
 #include <atomic>
 #include <exception>

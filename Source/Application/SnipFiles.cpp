@@ -1,7 +1,7 @@
 #include "Application/SnipFiles.h"
 
 #include "Application/SnipJson.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Text/Files.h"
 #include "Core/System/Text/Paths.h"
 #include "Core/System/Time/Trace.h"

@@ -1,5 +1,4 @@
-// The whole program on the desktop of the null halves: real options, Systems, tool and files; input and screen are
-// values.
+// The whole program on the null desktop: real options, Systems, tool and files; input and screen are values.
 #pragma once
 
 #include "Application/Application.h"

@@ -14,45 +14,9 @@ using System::Desktop::Window;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-class ApplicationInput : public ApplicationTest
-{
-protected:
-    void Wheel(float notches)
-    {
-        desktop.messages.emplace_back([notches](Window& window) { window.DeliverMouseWheel(notches); });
-    }
+using ApplicationInput = ApplicationTest;
 
-    /// The widths of the magnifier's textures, in the order in which they were made.
-    [[nodiscard]] static std::vector<double> GetMagnifierWidths()
-    {
-        std::vector<double> widths;
-        for (const Tests::GLCall& call : Tests::GLRecorder::GetInstance().GetCalls("glTexImage2D"))
-        {
-            constexpr std::size_t widthIndex = 3;
-            constexpr double captureWidth = 200;
-            if (call.arguments.at(widthIndex) != captureWidth)
-                widths.push_back(call.arguments.at(widthIndex));
-        }
-        return widths;
-    }
-};
-
-TEST_F(ApplicationInput, TheWheelChangesTheMagnification)
-{
-    UseOutput();
-    Wheel(1.0F);
-    Wheel(-1.0F);
-    Wheel(-1.0F);
-    Escape();
-    EXPECT_EQ(Run(), 0);
-    const std::vector<double> widths = GetMagnifierWidths();
-    ASSERT_EQ(widths.size(), 4U) << "one for the start and one a notch";
-    EXPECT_LT(widths[1], widths[0]) << "nearer";
-    EXPECT_EQ(widths[2], widths[0]);
-    EXPECT_GT(widths[3], widths[2]) << "farther";
-}
-
-TEST_F(ApplicationInput, AMotionWhosePlaceIsNotToldIsLeftOut)
+TEST_F(ApplicationInput, AMotionWhosePlaceIsNotKnownIsLeftOut)
 {
     UseOutput();
     AddArguments({"-s", "true"});

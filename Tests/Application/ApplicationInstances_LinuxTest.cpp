@@ -43,7 +43,7 @@ TEST_F(ApplicationInstances, RootPathIsTheProgramsDirectoryWithOrWithoutArgument
     EXPECT_EQ(m_application.calls.size(), 3U);
 }
 
-TEST_F(ApplicationInstances, RootPathIsThatOfTheFirstArgumentWhereTheSystemDoesNotTell)
+TEST_F(ApplicationInstances, RootPathIsThatOfTheFirstArgumentWhereTheSystemDoesNotSay)
 {
     const Tests::ForkedResult result = Tests::RunForked(
         [this]

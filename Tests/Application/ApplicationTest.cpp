@@ -38,15 +38,6 @@ TEST_F(ApplicationTest, HelpPrintsTheUsageAndNoCode)
     EXPECT_EQ(ReadLog(), "");
 }
 
-TEST_F(ApplicationTest, ShowReturnCodesPrintsTheTableAlone)
-{
-    AddArguments({"-src"});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_THAT(printed, testing::StartsWith("{\n    \"parameters\": ["));
-    EXPECT_THAT(printed, EndsWith("    ]\n}\n"));
-    EXPECT_EQ(ReadLog(), "");
-}
-
 TEST_F(ApplicationTest, ABadArgumentEndsAsWrongParameters)
 {
     AddArguments({"-x"});
@@ -138,27 +129,6 @@ TEST_F(ApplicationTest, AnUntouchedOverlayWaits)
     EXPECT_LT(desktop.waits, 1000U);
 }
 
-TEST_F(ApplicationTest, ADragOnTheCapturedDisplayLeavesTwoFiles)
-{
-    UseOutput();
-    Drag({10, 20}, {110, 70});
-    Escape();
-    EXPECT_EQ(Run(), 0);
-    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
-    const auto files = ListFiles(output.GetPath());
-    ASSERT_EQ(files.size(), 2U);
-    const auto& image = files[files[0].extension() == ".png" ? 0 : 1];
-    Bitmap snip;
-    ASSERT_TRUE(snip.Load(image.string()));
-    ASSERT_EQ(snip.GetWidth(), 100);
-    ASSERT_EQ(snip.GetHeight(), 50);
-    EXPECT_EQ(snip.GetPixels()[0], 10);
-    EXPECT_EQ(snip.GetPixels()[1], 20);
-    EXPECT_EQ(snip.GetPixels()[3], 255) << "opaque";
-    EXPECT_EQ(snip.GetPixels()[snip.GetSize() - 4], 109);
-    EXPECT_EQ(snip.GetPixels()[snip.GetSize() - 3], 69);
-}
-
 TEST_F(ApplicationTest, TheLogBeginsWithVersionAndFile)
 {
     UseOutput();
@@ -242,31 +212,6 @@ TEST_F(ApplicationTest, DuringADelayOthersGetTheirAnswersAndInputWaits)
     EXPECT_EQ(Run(), 0);
     EXPECT_GE(desktop.answers, 2U);
     EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U) << "the drag came to the tool";
-}
-
-TEST_F(ApplicationTest, EscapeActsOnTheRelease)
-{
-    UseOutput();
-    Key(KeyCode::Escape, true);
-    Drag({10, 10}, {20, 20});
-    Key(KeyCode::Escape, true);
-    Drag({10, 10}, {30, 30});
-    Key(KeyCode::Escape, false);
-    Drag({10, 10}, {40, 40});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(ListFiles(output.GetPath()).size(), 4U);
-    EXPECT_EQ(desktop.messages.size(), 4U) << "the last drag is never pumped";
-}
-
-TEST_F(ApplicationTest, OneShotEndsWithTheFirstSelection)
-{
-    UseOutput();
-    AddArguments({"-s", "true"});
-    Drag({10, 10}, {20, 20});
-    Drag({10, 10}, {30, 30});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U);
-    EXPECT_EQ(desktop.messages.size(), 4U);
 }
 
 TEST_F(ApplicationTest, AFailedCaptureLeavesAnInactiveToolUntilEscape)
@@ -359,38 +304,6 @@ TEST_F(ApplicationTest, TheActiveDisplayIsTheOneThatIsSnipped)
     EXPECT_EQ(snip.GetPixels()[0], 210);
 }
 
-TEST_F(ApplicationTest, AMissingOutputDirectoryIsMadeWithItsParents)
-{
-    const std::filesystem::path directory = output.GetPath() / "a/b/c";
-    AddArguments({"-o", directory.string(), "-s", "true"});
-    Drag({10, 10}, {20, 20});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(ListFiles(directory).size(), 2U);
-}
-
-TEST_F(ApplicationTest, AnOutputDirectoryThatCannotBeMadeLeavesAsAnError)
-{
-    std::ofstream(output.GetPath() / "file") << "in the way";
-    AddArguments({"-o", (output.GetPath() / "file/directory").string()});
-    try
-    {
-        Run();
-        ADD_FAILURE();
-    }
-    catch (const std::filesystem::filesystem_error& error)
-    {
-        printed = testing::internal::GetCapturedStdout();
-        EXPECT_THAT(error.what(), HasSubstr("create_directories"));
-    }
-}
-
-TEST_F(ApplicationTest, ADelayWithoutDigitsLeavesAsAnError)
-{
-    AddArguments({"-d", "abc"});
-    EXPECT_THROW(Run(), std::invalid_argument);
-    printed = testing::internal::GetCapturedStdout();
-}
-
 TEST_F(ApplicationTest, ConfigJsonGoesBeforeConfigFile)
 {
     // A reader of this file fails on its section.
@@ -403,7 +316,7 @@ TEST_F(ApplicationTest, ConfigJsonGoesBeforeConfigFile)
     EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
 }
 
-TEST_F(ApplicationTest, AnIgnoredConfigurationIsAWarningBehindTheBanner)
+TEST_F(ApplicationTest, AnIgnoredConfigurationIsAWarningAfterTheBanner)
 {
     const std::string file = (output.GetPath() / "broken.json").string();
     std::ofstream(file) << "{";
@@ -436,24 +349,6 @@ TEST_F(ApplicationTest, AConfigurationThatIsTakenIsNoWarning)
     Escape();
     EXPECT_EQ(Run(), 0);
     EXPECT_THAT(printed, Not(HasSubstr("Configuration")));
-}
-
-TEST_F(ApplicationTest, ThePolygonModeOfTheConfigurationIsTheTools)
-{
-    UseOutput();
-    AddArguments({"-s", "true", "-cj", R"({"configuration":{"SnipBench":{"mode":"Polygon"}}})"});
-    for (const Point vertex : {Point{50, 20}, Point{90, 20}, Point{90, 60}, Point{52, 22}})
-    {
-        Move(vertex);
-        Button(1, true);
-        Button(1, false);
-    }
-    EXPECT_EQ(Run(), 0);
-    std::string meta;
-    for (const auto& file : ListFiles(output.GetPath()))
-        if (file.extension() == ".json")
-            meta = Tests::ReadText(file);
-    EXPECT_THAT(meta, HasSubstr("\"mask\""));
 }
 
 TEST_F(ApplicationDeathTest, ConfigFileIsReadWhereThereIsNoConfigJson)

@@ -1,7 +1,7 @@
+#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/Exception.h"
-#include "Core/System/Error/Handling/ErrorHandling.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CommandLine.h"
 #include "Core/System/Runtime/CurrentThread.h"
@@ -128,7 +128,7 @@ private:
     Log::IMessageReceiver* m_previous;
 };
 
-TEST_F(ApplicationRun, ExceptionWhileTheFrameStartsIsToldAndTheProgramRunsAllTheSame)
+TEST_F(ApplicationRun, ExceptionWhileTheFrameStartsIsReportedAndTheProgramRunsAllTheSame)
 {
     const ThrowingReceiver receiver;
     testing::internal::CaptureStderr();
@@ -138,7 +138,7 @@ TEST_F(ApplicationRun, ExceptionWhileTheFrameStartsIsToldAndTheProgramRunsAllThe
     EXPECT_FALSE(std::filesystem::exists(GetLogDirectory()));
 }
 
-TEST_F(ApplicationRun, FileSystemErrorWhileTheFrameStartsIsToldAndTheProgramRuns)
+TEST_F(ApplicationRun, FileSystemErrorWhileTheFrameStartsIsReportedAndTheProgramRuns)
 {
     std::ofstream(m_home.GetPath() / ".orvik") << "a file in the directory's place";
     testing::internal::CaptureStderr();

@@ -105,7 +105,7 @@ TEST_F(ApplicationSystems, FailingLoggerIsReportedAndTheOthersComeUp)
     EXPECT_EQ(m_application.m_returnCode, 0);
 }
 
-TEST_F(ApplicationSystems, StandardExceptionOfTheLoggerIsToldTwiceOnTheErrorStream)
+TEST_F(ApplicationSystems, StandardExceptionOfTheLoggerIsReportedTwiceOnTheErrorStream)
 {
     DoBefore("LogSystem", [] { throw std::runtime_error("no log"); });
     EXPECT_EQ(Initialize(), "Exception: no log\nException: std::exception\n\tMessage: no log\n");
@@ -129,7 +129,7 @@ TEST_F(ApplicationSystems, OwnExceptionOfTheLoggerIsReported)
     EXPECT_EQ(m_application.m_displaySystem->GetState(), State::Initialized);
 }
 
-TEST_F(ApplicationSystems, UnknownExceptionOfTheLoggerIsToldOnTheErrorStream)
+TEST_F(ApplicationSystems, UnknownExceptionOfTheLoggerIsReportedOnTheErrorStream)
 {
     DoBefore("LogSystem", [] { throw 42; });
     EXPECT_EQ(Initialize(), "Unkown exception.\n");
@@ -215,7 +215,7 @@ TEST_F(ApplicationSystems, FarewellIsBelowTheSeverityOfTheLog)
     EXPECT_THAT(recorder.GetLines(), IsEmpty());
 }
 
-TEST_F(ApplicationSystems, EachStepOfTheEndIsToldWhereTheSeverityAllowsIt)
+TEST_F(ApplicationSystems, EachStepOfTheEndIsReportedWhereTheSeverityAllowsIt)
 {
     m_application.m_context.severity = static_cast<std::uint32_t>(Log::MessageTypeID::Verbose);
     FakeSystem& system = AddSystem(true);
@@ -228,7 +228,7 @@ TEST_F(ApplicationSystems, EachStepOfTheEndIsToldWhereTheSeverityAllowsIt)
                                                  "System Verbose: Successful shutdown. See you soon!"));
 }
 
-TEST_F(ApplicationSystems, OnlyTheStepsOfTheMainThreadsSystemsAreToldOneByOne)
+TEST_F(ApplicationSystems, OnlyTheStepsOfTheMainThreadsSystemsAreReportedOneByOne)
 {
     m_application.m_context.severity = static_cast<std::uint32_t>(Log::MessageTypeID::Verbose);
     AddSystem().m_state = State::Initialized;

@@ -21,7 +21,7 @@ SnipMode GetModeAfter(const char* text)
     return config.m_mode;
 }
 
-TEST(SnipBenchConfig, TellsItsIdentity)
+TEST(SnipBenchConfig, HasItsIdentity)
 {
     const SnipBenchConfig config;
     EXPECT_EQ(config.GetName(), "SnipBench Configuration");

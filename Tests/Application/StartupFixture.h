@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Runtime/SystemCreation.h"
 #include "Core/System/Threads/ThreadManager.h"

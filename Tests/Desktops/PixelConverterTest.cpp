@@ -108,7 +108,7 @@ TEST(PixelConverter, ScalesTenBitsDownToTheNearest)
     EXPECT_THAT(Convert(s_rgb30, {0x00, 0x00, 0x00, 0xC0}), ElementsAre(0, 0, 0));
 }
 
-TEST(PixelConverter, WritesNothingBehindTheRow)
+TEST(PixelConverter, WritesNothingAfterTheRow)
 {
     const std::optional<PixelConverter> converter = PixelConverter::Create(s_rgb565);
     ASSERT_TRUE(converter.has_value());

@@ -19,7 +19,7 @@ TEST(RateLimit, RefusesBeyondTheCountUntilThePeriodIsOver)
     EXPECT_FALSE(limit.Take(1102));
 }
 
-TEST(RateLimit, TellsWhatIsLeftWithoutCounting)
+TEST(RateLimit, ReturnsWhatIsLeftWithoutCounting)
 {
     RateLimit limit(1, 100);
     EXPECT_TRUE(limit.HasLeft(1000));

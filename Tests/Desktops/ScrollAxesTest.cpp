@@ -15,7 +15,7 @@ TEST(ScrollAxes, WayTowardsTheUserIsNegative)
     EXPECT_EQ(axes.Move(9, 3, 1000.0), 1.0F);
 }
 
-TEST(ScrollAxes, FractionsOfANotchAreTold)
+TEST(ScrollAxes, FractionsOfANotchAreReported)
 {
     ScrollAxes axes;
     axes.Assign({{.device = 9, .valuator = 3, .increment = 120.0, .position = 0.0}});

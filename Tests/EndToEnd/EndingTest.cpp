@@ -426,7 +426,7 @@ TEST_F(Ending, ARunUnderAnotherNameIsLeftAlone)
     ExpectAnswer(EndByEscape(first), 0, Answer::Success);
 }
 
-TEST_F(Ending, AKeyboardThatSomebodyElseHoldsIsWaitedFor)
+TEST_F(Ending, AKeyboardThatAnotherProgramHoldsIsWaitedFor)
 {
     // As a hot-key daemon does while its key is down.
     ASSERT_TRUE(m_input->Grab());
@@ -436,7 +436,7 @@ TEST_F(Ending, AKeyboardThatSomebodyElseHoldsIsWaitedFor)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
-TEST_F(Ending, AKeyboardThatNobodyGivesBackDoesNotStopTheRun)
+TEST_F(Ending, AKeyboardThatNoOneGivesBackDoesNotStopTheRun)
 {
     ASSERT_TRUE(m_input->Grab());
     ChildProcess process = StartOnPicture();

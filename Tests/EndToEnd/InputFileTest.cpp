@@ -190,7 +190,7 @@ TEST_F(InputFile, ADeviceThatNeverEnds)
     ExpectRefused("zero.bmp");
 }
 
-TEST_F(InputFile, APipeThatNobodyWritesTo)
+TEST_F(InputFile, APipeThatIsNotWrittenTo)
 {
     ASSERT_EQ(mkfifo((m_installation.GetWork() / "pipe.png").c_str(), 0600), 0);
     ASSERT_EQ(mkfifo((m_installation.GetWork() / "pipe.bmp").c_str(), 0600), 0);

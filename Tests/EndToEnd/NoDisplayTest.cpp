@@ -55,7 +55,7 @@ TEST_F(NoDisplay, APictureThatCanBeLoadedMakesNoDifference)
     ExpectRefused({"-f", "picture.png"});
 }
 
-TEST_F(NoDisplay, TheLogTellsWhy)
+TEST_F(NoDisplay, TheLogSaysWhy)
 {
     const ChildResult result = Run({});
     EXPECT_NE(result.standardOutput.find("No valid display info for valid display id 65535."), std::string::npos)

@@ -146,7 +146,7 @@ TEST_F(Output, ADelayPutsTheCaptureOff)
     EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), later.Crop({10, 20, 100, 50}));
 }
 
-TEST_F(Output, AShortDelayWithLettersBehindIt)
+TEST_F(Output, AShortDelayWithLettersAfterIt)
 {
     const auto start = std::chrono::steady_clock::now();
     ExpectAnswer(Snip({"-d", "300ms", "-o", "out"}), 0, Answer::Success);

@@ -1,5 +1,5 @@
 // What a run that goes wrong leaves for those who look into it later: the error stream, the report file, the log.
-#include "Tests/Core/System/Error/Handling/ReportText.h"
+#include "Tests/Core/System/Error/ReportText.h"
 #include "Tests/EndToEnd/DesktopTest.h"
 #include "Tests/EndToEnd/OutputFiles.h"
 #include "Tests/Support/PrivateMounts.h"
@@ -96,7 +96,7 @@ TEST_F(Reports, ALogDirectoryThatCannotBeMade)
     EXPECT_EQ(Normalize(files.front().filename().string()), "ERROR_<time>.log");
 }
 
-TEST_F(Reports, AStandardExceptionThatNobodyCaught)
+TEST_F(Reports, AStandardExceptionThatIsNotCaught)
 {
     const ChildResult result = Run({"-d", "abc"});
     ExpectAbort(result);

@@ -60,18 +60,20 @@ class CheckStructure(unittest.TestCase):
     def test_a_folder_without_a_layer(self):
         self.assertIn("has no layer", self.find("Source/New/New.h", ""))
 
-    def test_two_folders_of_one_layer_that_need_each_other(self):
+    def test_units_of_two_folders_that_need_each_other(self):
         found = self.check({"Source/Low/New.h": '#include "Other/Other.h"\n',
-                                  "Source/Other/Other.h": '#include "Low/Low.h"\n'})
-        self.assertEqual(found, ["these folders need each other: Low, Other",
-                                 "    Source/Low/New.h includes Other/Other.h",
-                                 "    Source/Other/Other.h includes Low/Low.h"])
+                            "Source/Other/Other_Linux.cpp": '#include "Low/New.h"\n'})
+        self.assertEqual(found, ["these units need each other: Low/New, Other/Other"])
 
-    def test_folders_that_need_each_other_over_a_third(self):
-        found = self.check({"Docs/Architecture.md": "| 1 | `Low`, `Middle`, `High`, `Other`, `Top`, "
-                                                          "`Desktops/X11` |\n",
-                                  "Source/Other/Other.h": '#include "High/High.h"\n'})
-        self.assertEqual(found[0], "these folders need each other: High, Middle, Other")
+    def test_units_that_need_each_other_over_a_third(self):
+        found = self.check({"Docs/Architecture.md": "| 1 | `Low`, `Middle`, `High`, `Other`, `Top`, `Desktops/X11` |\n",
+                            "Source/Other/Other.h": '#include "High/High.h"\n'})
+        self.assertEqual(found, ["these units need each other: High/High, Middle/Middle, Other/Other"])
+
+    def test_units_of_one_folder_may_need_each_other(self):
+        found = self.check({"Source/Low/Low.cpp": '#include "Low/New.h"\n', "Source/Low/New.cpp": '#include "Low/Low.h"\n',
+                            "Source/Other/New.h": '#include "Low/Low.h"\n'})
+        self.assertIn("nothing found", found[0])
 
     def test_a_system_header_in_a_shared_unit(self):
         self.assertEqual(self.find("Source/Low/New.cpp", "#include <windows.h>\n"),

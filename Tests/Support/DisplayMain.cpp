@@ -1,5 +1,5 @@
 // The main function of tests that need a screen: they get a virtual one of their own.
-#include "Desktops/DesktopChoice.h"
+#include "Application/DesktopChoice.h"
 #include "Tests/Support/EnvironmentLocale.h"
 #include "Tests/Support/VirtualDisplay.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 
 #include <string>
 #include <vector>

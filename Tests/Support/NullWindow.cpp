@@ -1,6 +1,6 @@
 #include "Tests/Support/NullWindow.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Tests/Support/NullDesktop.h"
 
 #include <algorithm>

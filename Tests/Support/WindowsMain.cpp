@@ -1,5 +1,5 @@
 // The main function of tests on the desktop of Windows.
-#include "Desktops/DesktopChoice.h"
+#include "Application/DesktopChoice.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "Desktops/Wayland/CaptureContext.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/Wayland/BusCapture.h"

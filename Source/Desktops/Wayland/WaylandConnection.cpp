@@ -1,7 +1,7 @@
 #include "Desktops/Wayland/WaylandConnection.h"
 
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Core/System/Time/Timeout.h"
 

@@ -1,7 +1,7 @@
 #include "Desktops/Wayland/WaylandDesktop.h"
 
 #include "Core/System/Desktop/DisplayMode.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/Wayland/ActiveOutput.h"
 #include "Desktops/Wayland/CaptureContext.h"
 #include "Desktops/Wayland/GraphicsCard.h"

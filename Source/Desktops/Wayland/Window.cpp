@@ -1,6 +1,6 @@
 #include "Desktops/Wayland/Window.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/Wayland/WindowNative.h"
 
 #include <utility>

@@ -1,6 +1,6 @@
 // What comes to a window: what of it is the next message, and what is told of it.
 #include "Core/System/Desktop/PointerEvent.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Threads/WakeSignal.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Core/System/Time/Wait.h"

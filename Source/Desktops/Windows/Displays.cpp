@@ -3,7 +3,7 @@
 #include "Core/System/Desktop/DisplayMode.h"
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Text/Unicode.h"
 #include "Systems/Windows/SystemCall.h"
 

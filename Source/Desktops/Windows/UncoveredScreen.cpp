@@ -15,7 +15,7 @@ using Systems::SystemCall;
 /// How long other programs need to redraw what is uncovered. Nothing reports when they are done.
 constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
 
-/// Wine composes nothing. If it imitates a Windows version that always does, it still says that it does.
+/// Wine never composes. It says that it does where it imitates a version of Windows that always composes.
 bool IsWine()
 {
     return SystemCall<&::GetProcAddress>(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;

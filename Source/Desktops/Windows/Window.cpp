@@ -1,7 +1,7 @@
 #include "Desktops/Windows/Window.h"
 
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Text/Unicode.h"
 #include "Core/System/Time/Milliseconds.h"
 #include "Desktops/Windows/WindowProcedure.h"

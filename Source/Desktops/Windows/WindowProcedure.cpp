@@ -3,7 +3,7 @@
 #include "Core/System/Desktop/PointerEvent.h"
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/Windows/KeyMap.h"
 #include "Desktops/Windows/MessageNames.h"
 #include "Systems/Windows/SystemCall.h"

@@ -1,7 +1,7 @@
 #include "Desktops/X11/X11Desktop.h"
 
 #include "Core/System/Desktop/DisplayMode.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/X11/XConnection.h"
 #include "Desktops/X11/XHandle.h"
 

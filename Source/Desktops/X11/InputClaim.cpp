@@ -1,6 +1,6 @@
 #include "Desktops/X11/InputClaim.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/X11/XConnection.h"
 
@@ -129,7 +129,7 @@ int InputClaim::GrabKeyboard() const
     return XGrabKeyboard(m_display, m_window, False, GrabModeAsync, GrabModeAsync, CurrentTime);
 }
 
-// Events over our own windows come as before, those over others through the grab, with fractions of wheel notches.
+// Events over our own windows still come from XInput 2, with fractions of wheel notches; the others through the grab.
 int InputClaim::GrabPointer() const
 {
     constexpr unsigned int mask = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;

@@ -1,7 +1,7 @@
 #include "Desktops/X11/Pointer.h"
 
 #include "Core/System/Desktop/PointerEvent.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/X11/XConnection.h"
 
 #include <X11/extensions/XTest.h>

@@ -2,6 +2,7 @@
 
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Core/System/Types/PixelArea.h"
 #include "Core/System/Types/Rectangle.h"
 #include "Desktops/PixelConverter.h"
 #include "Desktops/X11/XConnection.h"
@@ -25,17 +26,8 @@ constexpr std::int64_t s_repaintNanoseconds = 100'000'000;
 
 constexpr std::size_t s_pixelBytes = 4;
 
-/// A part of the screen, half-open. In 64 bits, because the far sides of a region may be beyond 32.
-struct Area
-{
-    std::int64_t left = 0;
-    std::int64_t top = 0;
-    std::int64_t right = 0;
-    std::int64_t bottom = 0;
-
-    [[nodiscard]] bool IsEmpty() const { return left >= right || top >= bottom; }
-    bool operator==(const Area&) const = default;
-};
+/// A part of the screen. In 64 bits, because the far sides of a region may be beyond 32.
+using Area = System::Math::WidePixelArea;
 
 struct FreeMemory
 {
@@ -139,7 +131,7 @@ int ScreenCapture::Native::CopyScreen(::Display* display)
 {
     if (display == nullptr || reader == nullptr || !converter)
         return EINVAL;
-    const Area visible = System::Math::Intersect(region, GetRootArea(display));
+    const Area visible = Intersect(region, GetRootArea(display));
     if (visible.IsEmpty())
         return ENXIO;
     image = reader->Read(static_cast<int>(visible.left), static_cast<int>(visible.top),
@@ -167,7 +159,7 @@ bool ScreenCapture::Initialize(const System::Math::Rectangle& region)
         return false;
     Native& context = *m_native;
     context.region = GetArea(region);
-    const Area visible = System::Math::Intersect(context.region, GetRootArea(display));
+    const Area visible = Intersect(context.region, GetRootArea(display));
     const auto width = static_cast<unsigned int>(std::max<std::int64_t>(visible.right - visible.left, 1));
     const auto height = static_cast<unsigned int>(std::max<std::int64_t>(visible.bottom - visible.top, 1));
     context.reader = std::make_unique<XScreenReader>(display, width, height, &context.lender);

@@ -1,6 +1,6 @@
 #include "Desktops/X11/Window.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/X11/OverlayVisual.h"
 #include "Desktops/X11/WindowHints.h"

@@ -1,5 +1,5 @@
 #include "Core/System/Desktop/PointerEvent.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/X11/KeyMap.h"
 #include "Desktops/X11/WindowHints.h"
 #include "Desktops/X11/WindowNative.h"
@@ -14,11 +14,12 @@ namespace Orvik::Desktops::X11
 namespace
 {
 
-// An overlay comes back to the front when something covers it. Against a window that does the same it gives up.
+// An overlay that something covers raises itself. So many raises in that time mean that the other window does the same:
+// then the overlay stops.
 constexpr std::uint32_t s_raiseCount = 6;
 constexpr std::int64_t s_raisePeriod = 10'000'000'000;
 
-// Each look at the other windows waits for the server.
+// Finding out what covers the overlay waits for the server, so it is done at most so often in that time.
 constexpr std::uint32_t s_lookCount = 8;
 constexpr std::int64_t s_lookPeriod = 200'000'000;
 

@@ -1,5 +1,6 @@
 #include "Desktops/X11/WindowStack.h"
 
+#include "Core/System/Types/PixelArea.h"
 #include "Desktops/X11/XHandle.h"
 
 #include <X11/Xlib-xcb.h>
@@ -56,10 +57,9 @@ std::vector<Geometry> GetGeometries(xcb_connection_t* connection, std::span<cons
     return geometries;
 }
 
-bool HaveCommonPixels(const xcb_get_geometry_reply_t& left, const xcb_get_geometry_reply_t& right)
+System::Math::PixelArea GetArea(const xcb_get_geometry_reply_t& window)
 {
-    return left.x < right.x + right.width && right.x < left.x + left.width && left.y < right.y + right.height &&
-           right.y < left.y + left.height;
+    return {window.x, window.y, window.x + window.width, window.y + window.height};
 }
 
 } // namespace
@@ -81,7 +81,8 @@ bool IsCovered(::Display* display, ::Window window)
     const Geometry area(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, shown.front()), nullptr));
     const std::vector<Geometry> others = GetGeometries(connection, std::span(shown).subspan(1));
     return area != nullptr && std::any_of(others.begin(), others.end(),
-                                          [&area](const Geometry& other) { return HaveCommonPixels(*area, *other); });
+                                          [&area](const Geometry& other)
+                                          { return !Intersect(GetArea(*area), GetArea(*other)).IsEmpty(); });
 }
 
 } // namespace Orvik::Desktops::X11

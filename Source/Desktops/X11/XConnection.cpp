@@ -1,6 +1,6 @@
 #include "Desktops/X11/XConnection.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/X11/ServerWatch.h"
 
 #include <array>

@@ -19,9 +19,9 @@ using SymbolLookUp = std::function<std::uint32_t(unsigned int keycode)>;
 [[nodiscard]] KeyCode FindKey(std::uint32_t symbol);
 
 /// The key of a keycode, which XKB counts from 8, as Windows gives it in the same layout: by the unshifted keysym, or
-/// by the key's place where no key is named after that keysym. A key of the digits' row is a digit unless it bears a
-/// letter, and the keys right of both rows that bear no sign of ours are numbered one after the other where the layout
-/// moves plus or minus. `Undefined` if neither keysym nor place gives one.
+/// by the key's place where no key is named after that keysym. A key in the row of digits is a digit unless it has a
+/// letter. Where a layout moves plus or minus, the keys to the right of both rows whose keysym has no code are numbered
+/// one after the other. `Undefined` if neither keysym nor place gives one.
 [[nodiscard]] KeyCode TranslateKey(unsigned int keycode, const SymbolLookUp& getSymbol);
 
 } // namespace Orvik::Desktops::Xkb

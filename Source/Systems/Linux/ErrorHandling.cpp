@@ -1,5 +1,5 @@
-#include "Core/System/Error/Handling/ErrorHandling.h"
-#include "Core/System/Error/Handling/SignalThread.h"
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Error/SignalThread.h"
 #include "Core/System/Time/MonotonicClock.h"
 
 #include <array>

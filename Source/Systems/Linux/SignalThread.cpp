@@ -1,4 +1,4 @@
-#include "Core/System/Error/Handling/SignalThread.h"
+#include "Core/System/Error/SignalThread.h"
 
 #include <atomic>
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "Systems/Windows/ConsoleEvents.h"
 
-#include "Core/System/Error/Handling/ConsoleEvents.h"
+#include "Core/System/Error/ConsoleEvents.h"
 
 #include <csignal>
 

@@ -1,5 +1,5 @@
-#include "Core/System/Error/Handling/ErrorHandling.h"
-#include "Core/System/Error/Handling/ConsoleEvents.h"
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Error/ConsoleEvents.h"
 #include "Systems/Windows/WindowsHeaders.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 #include "Systems/Windows/ParentConsole.h"
 
-#include "Core/System/Error/Handling/ConsoleEvents.h"
+#include "Core/System/Error/ConsoleEvents.h"
 #include "Systems/Windows/SystemCall.h"
 
 #include <cstddef>

@@ -30,7 +30,7 @@ TEST(Arguments, OptionsStandBetweenTheOperands)
     EXPECT_FALSE(parsed.arguments.Has("--json"));
 }
 
-TEST(Arguments, AValueMayStandBehindASignOfEquality)
+TEST(Arguments, AValueMayStandAfterASignOfEquality)
 {
     EXPECT_EQ(ParseArguments(s_spec, {"a", "--size=5=6"}).arguments.Get("--size"), "5=6");
 }

@@ -1,5 +1,5 @@
 // The displays of a compositor, what it can do, and which desktop is chosen.
-#include "Desktops/DesktopChoice.h"
+#include "Application/DesktopChoice.h"
 #include "Tests/Desktops/Wayland/CompositorFixture.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/LogRecorder.h"

@@ -124,7 +124,7 @@ TEST(PointerTrack, ReachesTheLastColumnOfAScaledSurfaceWhoseEdgeStopsThePointerA
     EXPECT_EQ(track.GetPixel(), (Point{1200, 600}));
 }
 
-TEST(PointerTrack, ReachesTheEdgeWhereNoWayIsTold)
+TEST(PointerTrack, ReachesTheEdgeWhereNoWayIsReported)
 {
     PointerTrack track;
     track.SetSpace({1280, 720}, {1280, 720});

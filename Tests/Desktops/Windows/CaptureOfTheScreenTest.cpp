@@ -136,7 +136,7 @@ TEST(CaptureOfTheScreen, AnOverlayIsNotInThePictureWhereWineSaysThatItComposes)
     ExpectColor(pixels, RGB(200, 100, 50));
 }
 
-TEST(CaptureOfTheScreen, AWindowThatItIsToldOfIsShownAgain)
+TEST(CaptureOfTheScreen, AWindowThatItKnowsIsShownAgain)
 {
     Desktop::Window overlay(nullptr, "Orvik::Overlay", {0, 0}, {400, 300}, Desktop::WindowType::Overlay);
     ASSERT_TRUE(overlay.Create());

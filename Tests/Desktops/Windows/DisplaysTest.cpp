@@ -173,7 +173,7 @@ TEST_F(DisplayCacheWindows, AwarenessIsAskedForOnceAndSetOnce)
     EXPECT_EQ(s_desktop.setAwareness, std::vector<int>{2});
 }
 
-TEST_F(DisplayCacheWindows, AwarenessThatIsRightOrNotToldIsLeft)
+TEST_F(DisplayCacheWindows, AwarenessThatIsRightOrNotKnownIsLeft)
 {
     s_desktop.awareness = 2;
     EXPECT_TRUE(m_cache.Initialize(nullptr));
@@ -267,7 +267,7 @@ TEST_F(DisplayCacheWindows, WhatTheSettingsLackIsTheMonitors)
     }
 }
 
-TEST_F(DisplayCacheWindows, MissingFieldsThatNoMonitorTellsAreAssertionFailuresInTheirOrder)
+TEST_F(DisplayCacheWindows, MissingFieldsThatNoMonitorReportsAreAssertionFailuresInTheirOrder)
 {
     struct Row
     {

@@ -114,7 +114,7 @@ TEST_F(CursorWindows, ARefusedMoveIsLogged)
                 ElementsAre(Tests::MatchesPattern("System Error: SetPosition failed: .+ \\(5\\)\\.")));
 }
 
-TEST_F(CursorWindows, APlaceThatIsNotToldIsLoggedAndChangesNothing)
+TEST_F(CursorWindows, APlaceThatIsNotKnownIsLoggedAndChangesNothing)
 {
     m_calls.Of<&::GetCursorPos>() = [](LPPOINT) -> BOOL
     {

@@ -179,7 +179,7 @@ TEST_F(CaptureWithRefusals, ACopyComesFromTheRegionsPlaceAndIsTightlyPacked)
     EXPECT_EQ(pixels, std::vector<unsigned char>(s_bits.begin(), s_bits.end()));
 }
 
-TEST_F(CaptureWithRefusals, ARefusedCopyIsLoggedAndCallsNobody)
+TEST_F(CaptureWithRefusals, ARefusedCopyIsLoggedAndCallsNoOne)
 {
     const Tests::LogRecorder recorder;
     m_calls.Of<&::BitBlt>() = [](HDC, int, int, int, int, HDC, int, int, DWORD) -> BOOL
@@ -263,7 +263,7 @@ TEST_F(CaptureWithRefusals, AnInputDesktopThatCannotBeOpenedEndsIt)
     EXPECT_THAT(FailToInitialize(), IsEmpty());
 }
 
-TEST_F(CaptureWithRefusals, ADesktopThatIsNotToldEndsItUnlessTheSystemDoesNotKnowTheQuestion)
+TEST_F(CaptureWithRefusals, ADesktopThatIsNotKnownEndsItUnlessTheSystemDoesNotKnowTheQuestion)
 {
     m_calls.Of<&::GetUserObjectInformationW>() = [](HANDLE, int, void*, DWORD, DWORD*) -> BOOL
     {

@@ -328,7 +328,7 @@ bool TakeCloseCommand(HWND window)
            message.wParam == SC_CLOSE;
 }
 
-TEST_F(WindowProcedureTest, AnEventThatNobodyDealtWithGoesToTheSystem)
+TEST_F(WindowProcedureTest, AnEventThatIsNotDealtWithGoesToTheSystem)
 {
     constexpr LPARAM withAlt = 1 << 29;
     for (const bool isTaken : {true, false})

@@ -207,7 +207,7 @@ TEST_F(DisplayCacheX11Test, AMonitorOfNoSizeIsLeftOut)
     EXPECT_EQ(cache.GetDisplays()[1].deviceIndex, 2U);
 }
 
-TEST_F(DisplayCacheX11Test, TakesTheFarthestPlacesThatAServerCanTell)
+TEST_F(DisplayCacheX11Test, TakesTheFarthestPlacesThatAServerCanReport)
 {
     m_client.AddMonitor("FAR", {32767, -32768, 65535, 65535}, false, m_client.GetOutput());
     DisplayCache cache;
@@ -338,7 +338,7 @@ TEST_F(DisplayCacheX11Test, TheBorderCountsAsAPartOfTheWindow)
     EXPECT_EQ(GetActiveName(), "RIGHT");
 }
 
-TEST_F(DisplayCacheX11Test, WithoutAnActiveWindowTheFocusTells)
+TEST_F(DisplayCacheX11Test, WithoutAnActiveWindowTheFocusDecides)
 {
     AddPair();
     m_client.SetFocus(m_client.AddWindow({700, 200, 100, 100}));

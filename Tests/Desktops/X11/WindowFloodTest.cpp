@@ -95,7 +95,7 @@ TEST_F(WindowFloodX11, WhatMovesAboveTheOverlayIsPaintedOnceAndTakesNoTurn)
     EXPECT_GE(Count(WindowEventType::Paint), 1U);
 }
 
-TEST_F(WindowFloodX11, TheOverlaysOwnMovesAreToldOnceAndTakeNoTurn)
+TEST_F(WindowFloodX11, TheOverlaysOwnMovesAreReportedOnceAndTakeNoTurn)
 {
     for (int index = 0; index <= s_floodLength; ++index)
         XMoveResizeWindow(m_user.GetDisplay(), GetId(), 10 + index, 20, static_cast<unsigned int>(300 + index), 200);

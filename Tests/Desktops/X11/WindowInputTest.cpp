@@ -67,7 +67,7 @@ TEST_F(WindowInputX11, KeysOfTheFirstBlockFollowTheirScanCodes)
         static_cast<void>(TypeAndGetCode(lock));
 }
 
-TEST_F(WindowInputX11, KeysBehindTheFirstBlockHaveTheirCodes)
+TEST_F(WindowInputX11, KeysAfterTheFirstBlockHaveTheirCodes)
 {
     const std::vector<std::pair<unsigned int, int>> expected = {
         {94, 85},   {95, 86},   {96, 87},   {104, 28},  {105, 116}, {106, 124}, {107, 84},  {108, 125},
@@ -115,7 +115,7 @@ TEST_F(WindowInputX11, KeyOutsideTheTableIsLoggedAndMakesNoEvent)
                                               "System Warning: Found undefined virtual key: 269025089"));
 }
 
-TEST_F(WindowInputX11, LayoutWithUnknownLettersIsToldByThePlaceOfTheKey)
+TEST_F(WindowInputX11, LayoutWithUnknownLettersIsFoundByThePlaceOfTheKey)
 {
     // Cyrillic_shorti on the key of the letter Q.
     constexpr unsigned int keycode = 24;
@@ -172,7 +172,7 @@ TEST_F(WindowInputX11, RepeatsThatPileUpAreOnePress)
                                        std::pair(1, 0), std::pair(1, 1), std::pair(1, 0)));
 }
 
-TEST_F(WindowInputX11, ButtonsLeftAndRightAreTold)
+TEST_F(WindowInputX11, ButtonsLeftAndRightAreReported)
 {
     m_user.MoveTo({200, 100});
     m_user.Click(1);
@@ -238,7 +238,7 @@ TEST_F(WindowInputX11, GrabbedPointerIsFollowedOutsideTheWindow)
     EXPECT_EQ(moves[0].data.mouseMove.y, -20);
 }
 
-TEST_F(WindowInputX11, TenThousandMotionsDoNotRunBehind)
+TEST_F(WindowInputX11, TenThousandMotionsAreNotLate)
 {
     FloodWithMotions(10'000);
     m_user.MoveTo({321, 123});
@@ -326,7 +326,7 @@ TEST_F(WindowInputX11, ClickThroughLetsThePointerPassAndEndsWithFalse)
     EXPECT_THAT(m_log.GetLines(), IsEmpty());
 }
 
-TEST_F(WindowInputX11, PluggedDevicesAreTold)
+TEST_F(WindowInputX11, PluggedDevicesAreReported)
 {
     XIAddMasterInfo addition = {};
     addition.type = XIAddMaster;

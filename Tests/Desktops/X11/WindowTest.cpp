@@ -51,7 +51,7 @@ TEST_F(WindowX11, OverlayIsCreatedHiddenOnTheContextsVisual)
     EXPECT_THAT(m_log.GetLines(), IsEmpty());
 }
 
-TEST_F(WindowX11, OverlayTellsWindowManagersWhatItIs)
+TEST_F(WindowX11, OverlaySaysToWindowManagersWhatItIs)
 {
     ASSERT_TRUE(m_window.Create());
     EXPECT_EQ(m_user.GetText(GetId(), "_NET_WM_NAME"), "Orvik::Test");
@@ -152,7 +152,7 @@ TEST_F(WindowX11, OverlayLeavesAWindowBesideItAlone)
     EXPECT_EQ(m_user.GetTopWindows().back(), other);
 }
 
-TEST_F(WindowX11, OverlayGivesInToSomebodyWhoRaisesWithoutEnd)
+TEST_F(WindowX11, OverlayGivesInToAProgramThatRaisesWithoutEnd)
 {
     CreateAndShow();
     ::Window const other = m_user.AddUnmanagedWindow({0, 0, 1280, 720}, 0);
@@ -212,7 +212,7 @@ TEST_F(WindowX11, ExposuresInPiecesArePaintedOnce)
     EXPECT_EQ(Count(WindowEventType::Paint), 1U);
 }
 
-TEST_F(WindowX11, ChangedScreenIsTold)
+TEST_F(WindowX11, ChangedScreenIsReported)
 {
     CreateAndShow();
     UpdateAll();
@@ -286,7 +286,7 @@ TEST_F(WindowX11, CancelledCreationLeavesNothingOnTheServer)
     EXPECT_EQ(window.GetNativeWindow(), NativeWindow::None);
 }
 
-TEST_F(WindowX11, WindowThatSomebodyElseDestroyedEndsQuietly)
+TEST_F(WindowX11, WindowThatAnotherProgramDestroyedEndsQuietly)
 {
     CreateAndShow();
     XDestroyWindow(m_user.GetDisplay(), GetId());

@@ -76,7 +76,7 @@ TEST(XConnection, EarlierErrorIsNotTheScopes)
     EXPECT_EQ(log.GetLines().size(), 1U);
 }
 
-TEST(XConnection, ErrorThatNobodyAwaitsIsLoggedAndTheRunGoesOn)
+TEST(XConnection, ErrorThatIsNotAwaitedIsLoggedAndTheRunGoesOn)
 {
     const Tests::LogRecorder log;
     XMapWindow(GetXDisplay(), s_noWindow);

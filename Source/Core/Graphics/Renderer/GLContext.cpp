@@ -1,6 +1,6 @@
 #include "Core/Graphics/Renderer/GLContext.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/Desktop.h"
 
 #include <utility>

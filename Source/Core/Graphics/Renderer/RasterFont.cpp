@@ -1,6 +1,6 @@
 #include "Core/Graphics/Renderer/RasterFont.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 
 #include <optional>
 

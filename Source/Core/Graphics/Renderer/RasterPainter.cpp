@@ -2,7 +2,7 @@
 
 #include "Core/Graphics/Raster/Painter.h"
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 
 #include <algorithm>
 

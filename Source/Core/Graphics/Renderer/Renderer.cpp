@@ -1,7 +1,7 @@
 #include "Core/Graphics/Renderer/Renderer.h"
 
 #include "Core/Graphics/Renderer/ShaderProgram.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 
 #include <algorithm>
 

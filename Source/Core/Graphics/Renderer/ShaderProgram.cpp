@@ -1,6 +1,6 @@
 #include "Core/Graphics/Renderer/ShaderProgram.h"
 
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Core/System/Text/Paths.h"
 

@@ -4,7 +4,7 @@
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Renderer/ShaderProgram.h"
 #include "Core/Graphics/Renderer/UnitSquare.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Core/System/Text/Paths.h"
 

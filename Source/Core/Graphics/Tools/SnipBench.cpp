@@ -4,7 +4,7 @@
 #include "Core/Graphics/Tools/Truncate.h"
 #include "Core/System/Desktop/Cursor.h"
 #include "Core/System/Error/Assertion.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Time/Timestamp.h"
 #include "Core/System/Time/Trace.h"
 

@@ -2,7 +2,7 @@
 
 #include "Core/System/Desktop/Window.h"
 #include "Core/System/Error/Assertion.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/Desktop.h"
 
 #include <array>

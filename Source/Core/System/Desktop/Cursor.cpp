@@ -1,7 +1,7 @@
 #include "Core/System/Desktop/Cursor.h"
 
 #include "Core/System/Desktop/PointerEvent.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Desktops/Desktop.h"
 
 #include <string_view>

@@ -2,7 +2,7 @@
 
 #include "Core/System/Desktop/DisplayOverlap.h"
 #include "Core/System/Log/Log.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Types/Utilities.h"
 #include "Desktops/Desktop.h"
 

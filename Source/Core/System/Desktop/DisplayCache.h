@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Log/Site/Context.h"
+#include "Core/System/Log/Context.h"
 #include "Core/System/Runtime/System.h"
 #include "Core/System/Types/Rectangle.h"
 #include "Desktops/DisplayDescriptor.h"

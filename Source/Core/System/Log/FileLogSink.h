@@ -38,7 +38,7 @@ public:
     [[nodiscard]] const std::filesystem::path& GetCurrentPath() const { return m_currentPath; }
 
 private:
-    /// Throws with the location of the caller, which is about to open a file.
+    /// Throws if a file is open. The exception has the caller's location.
     void ExpectClosed(const Error::SourceLocation& location) const;
     [[nodiscard]] bool OpenNewLogFile();
     /// Makes an empty file of that name, or of the next name that no other program has taken.

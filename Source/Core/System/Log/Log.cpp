@@ -37,16 +37,16 @@ RegisteredContext s_systemContext(StreamID::System);
 RegisteredContext s_graphicsContext(StreamID::Graphics);
 
 /// Sets a flag at the end of the scope, however it is left.
-class Opening
+class SetAtEnd
 {
 public:
-    explicit Opening(std::atomic<bool>& isOpen) : m_isOpen(isOpen) {}
-    ~Opening() { m_isOpen = true; }
-    Opening(const Opening&) = delete;
-    Opening& operator=(const Opening&) = delete;
+    explicit SetAtEnd(std::atomic<bool>& flag) : m_flag(flag) {}
+    ~SetAtEnd() { m_flag = true; }
+    SetAtEnd(const SetAtEnd&) = delete;
+    SetAtEnd& operator=(const SetAtEnd&) = delete;
 
 private:
-    std::atomic<bool>& m_isOpen;
+    std::atomic<bool>& m_flag;
 };
 
 /// Counts a thread during the scope, however it is left.
@@ -97,7 +97,7 @@ bool Logger::Initialize(const Runtime::IConfig* config)
     m_sinks.resize(2);
     m_failedSinks = 0;
     m_sinks[0] = std::make_shared<ConsoleLogSink>();
-    const Opening opening(m_isOpen); // with only the console if the file can't be opened
+    const SetAtEnd opened(m_isOpen); // with only the console if the file can't be opened
     const auto fileSink = std::make_shared<FileLogSink>(settings.m_logDirectory, settings.m_logFileName, maxFileSize,
                                                         static_cast<std::uint32_t>(maxFileAge));
     if (!fileSink->Open())

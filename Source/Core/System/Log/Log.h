@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Log/LoggerConfig.h"
 #include "Core/System/Log/Sink.h"
-#include "Core/System/Log/Site/LogSite.h"
 #include "Core/System/Runtime/System.h"
 
 #include <atomic>

@@ -22,7 +22,8 @@ public:
     /// Whether the polygon covers a pixel of the image.
     [[nodiscard]] bool Contains(std::uint16_t x, std::uint16_t y) const { return m_bits[GetRowStart(y) + x]; }
 
-    /// The column after the last pixel from `x` on that is as covered as the one at x, y; at most the image's width.
+    /// Where the run of pixels that begins at x, y ends: the first column to its right that isn't covered as x, y is,
+    /// or the image's width.
     [[nodiscard]] std::uint16_t FindRunEnd(std::uint16_t x, std::uint16_t y) const;
 
 private:

@@ -1,7 +1,7 @@
 #include "Core/System/Processes/Process.h"
 
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Processes/ProcessPlatform.h"
 
 #include <vector>

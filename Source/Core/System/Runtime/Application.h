@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/System/Error/Assertion.h"
-#include "Core/System/Log/Site/Context.h"
+#include "Core/System/Log/Context.h"
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 #include "Core/System/Runtime/ApplicationParameters.h"
 #include "Core/System/Runtime/CapabilityListeners.h"

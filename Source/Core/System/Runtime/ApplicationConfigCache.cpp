@@ -1,7 +1,7 @@
 #include "Core/System/Runtime/ApplicationConfigCache.h"
 
 #include "Core/System/Error/SystemError.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Runtime/DirectoryCache.h"
 #include "Core/System/Runtime/ExecutablePath.h"
 #include "Core/System/Runtime/JsonHolders.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Core/System/Error/Assertion.h"
+#include "Core/System/Types/PixelArea.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -51,17 +51,13 @@ private:
     }
 };
 
-/// The common part of two areas; `Area` has the four sides of a rectangle. If they have nothing in common, `right`
-/// isn't greater than `left`, or `bottom` isn't greater than `top`.
-template <typename Area>
-[[nodiscard]] constexpr Area Intersect(const Area& first, const Area& second) noexcept
+/// The common part of two areas. If they have nothing in common, `right` isn't greater than `left`, or `bottom` isn't
+/// greater than `top`.
+[[nodiscard]] constexpr Rectangle Intersect(const Rectangle& first, const Rectangle& second) noexcept
 {
-    Area common = first;
-    common.left = std::max(first.left, second.left);
-    common.top = std::max(first.top, second.top);
-    common.right = std::min(first.right, second.right);
-    common.bottom = std::min(first.bottom, second.bottom);
-    return common;
+    const PixelArea common = Intersect(PixelArea{first.left, first.top, first.right, first.bottom},
+                                       PixelArea{second.left, second.top, second.right, second.bottom});
+    return {common.left, common.top, common.right, common.bottom};
 }
 
 } // namespace Orvik::System::Math

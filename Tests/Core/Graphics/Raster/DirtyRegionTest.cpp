@@ -10,7 +10,6 @@ namespace
 {
 
 using Graphics::Raster::DirtyRegion;
-using Graphics::Raster::Intersect;
 using Graphics::Raster::PixelArea;
 
 bool Contains(const DirtyRegion& region, const PixelArea& area)

@@ -17,7 +17,6 @@ using Graphics::Raster::FindDifferences;
 using Graphics::Raster::Glyph;
 using Graphics::Raster::GlyphPlace;
 using Graphics::Raster::Image;
-using Graphics::Raster::Intersect;
 using Graphics::Raster::Item;
 using Graphics::Raster::PackedColour;
 using Graphics::Raster::Painter;

@@ -53,10 +53,10 @@ public:
         {
             Graphics::Raster::GlyphPlace place;
             place.glyph = &m_glyphs[static_cast<std::size_t>(Pick(0, 2))];
-            place.area = Graphics::Raster::Intersect(MakeArea(), {0, 0, m_width, m_height});
+            place.area = Intersect(MakeArea(), {0, 0, m_width, m_height});
             place.column = {PickPart(-30, 30), PickPart(-3, 3), PickPart(-3, 3)};
             place.row = {PickPart(-30, 30), PickPart(-3, 3), PickPart(-3, 3)};
-            text.area = Graphics::Raster::Unite(text.area, place.area);
+            text.area = Unite(text.area, place.area);
             text.glyphs.push_back(place);
         }
         return text;
@@ -166,9 +166,10 @@ private:
             right = std::max(right, corner.x);
             bottom = std::max(bottom, corner.y);
         }
-        triangle.area = Graphics::Raster::Intersect({ToPixel(std::floor(left)), ToPixel(std::floor(top)),
-                                                     ToPixel(std::ceil(right)) + 1, ToPixel(std::ceil(bottom)) + 1},
-                                                    {0, 0, m_width, m_height});
+        triangle.area =
+            Intersect(Graphics::Raster::PixelArea{ToPixel(std::floor(left)), ToPixel(std::floor(top)),
+                                                  ToPixel(std::ceil(right)) + 1, ToPixel(std::ceil(bottom)) + 1},
+                      {0, 0, m_width, m_height});
         return triangle;
     }
 

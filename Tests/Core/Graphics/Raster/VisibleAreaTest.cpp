@@ -9,7 +9,6 @@ namespace Orvik::Tests
 namespace
 {
 
-using Graphics::Raster::Contains;
 using Graphics::Raster::PixelArea;
 using Graphics::Raster::Subtract;
 

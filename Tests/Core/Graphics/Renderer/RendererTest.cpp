@@ -237,7 +237,7 @@ TEST_F(RendererFrontEnd, ShutdownLeavesNothingBehind)
     EXPECT_EQ(m_renderer.GetLineRenderer().GetCount(), 0U);
 }
 
-TEST_F(RendererFrontEnd, AFailedContextIsToldTwice)
+TEST_F(RendererFrontEnd, AFailedContextIsReportedTwice)
 {
     m_gl.contextCreates = false;
     EXPECT_FALSE(m_renderer.Initialize(s_window, "TestClass"));

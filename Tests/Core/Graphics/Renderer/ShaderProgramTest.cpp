@@ -32,7 +32,7 @@ protected:
     GLContext m_context;
 };
 
-TEST_F(RecordedShaders, AFileIsLoadedWithAZeroBehindIt)
+TEST_F(RecordedShaders, AFileIsLoadedWithAZeroAfterIt)
 {
     ResourceCopy::WriteShader("quad.vert", std::string("a\0b\r\n", 5));
     std::vector<char> text(100, 'x');
@@ -120,7 +120,7 @@ TEST_F(RecordedShaders, AFailedCompileOfTheSecondStageEndsIt)
                 ElementsAre("Graphics Error: OpenGL: Failed to compile shader type 35632 with error 0:2: no"));
 }
 
-TEST_F(RecordedShaders, AFailedLinkIsToldWithBothNames)
+TEST_F(RecordedShaders, AFailedLinkIsReportedWithBothNames)
 {
     m_gl.programsLink = false;
     m_gl.infoLog = "mismatch";

@@ -84,7 +84,7 @@ TEST_F(RealShaders, AnEmptyFileFailsToCompile)
                 ElementsAre(StartsWith("Graphics Error: OpenGL: Failed to compile shader type 35632 with error ")));
 }
 
-TEST_F(RealShaders, ASyntaxErrorIsToldWithTheDriversWords)
+TEST_F(RealShaders, ASyntaxErrorIsReportedWithTheDriversWords)
 {
     ResourceCopy::WriteShader("quad.vert", "#version 330 core\nvoid main() { nonsense = 1; }\n");
     EXPECT_EQ(CreateProgram(m_context, "quad.vert", "quad.frag"), 0U);
@@ -94,7 +94,7 @@ TEST_F(RealShaders, ASyntaxErrorIsToldWithTheDriversWords)
                     HasSubstr("nonsense"))));
 }
 
-TEST_F(RealShaders, ALinkErrorIsToldWithTheDriversWords)
+TEST_F(RealShaders, ALinkErrorIsReportedWithTheDriversWords)
 {
     ResourceCopy::WriteShader(
         "quad.frag", "#version 330 core\nvec4 Absent();\nout vec4 result;\nvoid main() { result = Absent(); }\n");

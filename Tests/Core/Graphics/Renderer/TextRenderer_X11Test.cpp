@@ -112,7 +112,7 @@ TEST_P(GlyphAtFontSize, IsTheFontsOwnPicture)
 
 INSTANTIATE_TEST_SUITE_P(Characters, GlyphAtFontSize, testing::Values('A', 'g', '@', 'j', '~', '!', '.', 'W'));
 
-TEST(TextPixels, TheSecondGlyphStandsBehindTheFirstsAdvance)
+TEST(TextPixels, TheSecondGlyphStandsAfterTheFirstsAdvance)
 {
     RendererScene scene(s_textWidth, s_textHeight);
     AddText(scene, "Hi", Matrix4::Translation(20, 80, 1.0F));

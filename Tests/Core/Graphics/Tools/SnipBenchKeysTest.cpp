@@ -137,7 +137,7 @@ TEST_F(SnipBenchKeysTest, CursorKeysStopAtTheWindowsEdge)
     EXPECT_THAT(m_moves, IsEmpty());
 }
 
-TEST_F(SnipBenchKeysTest, ACursorBehindTheLastPixelIsPulledBackIn)
+TEST_F(SnipBenchKeysTest, ACursorBeyondTheLastPixelIsPulledBackIn)
 {
     StartFull(400, 300);
     Update(Move(1000, 50));

@@ -72,7 +72,7 @@ TEST_F(SnipBenchMagnifierPixelsTest, AtTheTopLeftCornerItsLeftAndUpperHalvesAreB
     }
 }
 
-TEST_F(SnipBenchMagnifierPixelsTest, BehindTheBottomRightCornerItIsBlack)
+TEST_F(SnipBenchMagnifierPixelsTest, BeyondTheBottomRightCornerItIsBlack)
 {
     StartFull(400, 300);
     Look(400, 300, 16);

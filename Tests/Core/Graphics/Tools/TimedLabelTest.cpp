@@ -71,7 +71,7 @@ TEST_F(TimedLabelTest, ShowAfterAMessageIsOverCreatesANewText)
     EXPECT_EQ(GetDrawnText(text->id), "Second");
 }
 
-TEST_F(TimedLabelTest, ShowTellsWhenItsTextHasGoneElsewhere)
+TEST_F(TimedLabelTest, ShowReturnsWhenItsTextHasGoneElsewhere)
 {
     const std::uint16_t id = m_label.Show("First", 10, m_renderer)->id;
     m_texts.Remove(id);

@@ -181,7 +181,7 @@ TEST_F(CaptureContextTest, RefusesASideThatIsTooLong)
     EXPECT_EQ(m_receiver.bytes, 262140U);
 }
 
-TEST_F(CaptureContextTest, ResourcesThatCannotBeHadAreToldWithoutALine)
+TEST_F(CaptureContextTest, ResourcesThatCannotBeHadAreReportedWithoutALine)
 {
     m_desktop.captureInitializes = false;
     const Tests::LogRecorder recorder;
@@ -189,7 +189,7 @@ TEST_F(CaptureContextTest, ResourcesThatCannotBeHadAreToldWithoutALine)
     EXPECT_THAT(recorder.GetLines(), IsEmpty());
 }
 
-TEST_F(CaptureContextTest, AFailingCopyIsLoggedAndCallsNobody)
+TEST_F(CaptureContextTest, AFailingCopyIsLoggedAndCallsNoOne)
 {
     ASSERT_TRUE(m_context.Initialize(1, {0, 0, 2, 2}));
     m_desktop.captureSucceeds = false;
@@ -291,7 +291,7 @@ TEST_F(CaptureWindowTest, AVisibleWindowComesBackAfterAFailedCopy)
     EXPECT_EQ(m_window.GetState(), WindowState::Visible);
 }
 
-TEST_F(CaptureWindowTest, NobodyElseGetsTheWindowsLockMeanwhile)
+TEST_F(CaptureWindowTest, NoOtherThreadGetsTheWindowsLockMeanwhile)
 {
     std::atomic<bool> hasLock = false;
     std::thread other;

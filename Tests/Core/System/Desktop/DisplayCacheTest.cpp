@@ -45,7 +45,7 @@ protected:
 
 } // namespace
 
-TEST_F(DisplayCacheTest, TellsWhoItIs)
+TEST_F(DisplayCacheTest, HasItsIdentity)
 {
     const DisplayCache cache;
     EXPECT_EQ(cache.GetName(), "DisplayCache");

@@ -8,7 +8,7 @@ namespace Orvik::System::Device::Cursor
 namespace
 {
 
-TEST(PointerEvent, ItsPlaceIsToldWhileItsScopeLasts)
+TEST(PointerEvent, ItsPlaceIsKnownWhileItsScopeLasts)
 {
     const Math::Point place = {-3, 4};
     EXPECT_EQ(PointerEventScope::GetPosition(), nullptr);
@@ -19,7 +19,7 @@ TEST(PointerEvent, ItsPlaceIsToldWhileItsScopeLasts)
     EXPECT_EQ(PointerEventScope::GetPosition(), nullptr);
 }
 
-TEST(PointerEvent, OtherThreadsAreNotToldOfIt)
+TEST(PointerEvent, OtherThreadsAreNotAsked)
 {
     const Math::Point place = {-3, 4};
     const PointerEventScope scope(place);

@@ -134,7 +134,7 @@ TEST_F(WindowTest, CreateRefusesAnUnknownType)
     EXPECT_ASSERTION(static_cast<void>(window.Create()), "false", "Illegal switch case.");
 }
 
-TEST_F(WindowTest, CreationTellsTheSubclassBeforeTheHandleIsStored)
+TEST_F(WindowTest, CreationReachesTheSubclassBeforeTheHandleIsStored)
 {
     RecordingWindow window;
     ASSERT_TRUE(window.Create());
@@ -255,7 +255,7 @@ TEST_F(WindowTest, UpdateOfAHiddenWindowHandlesOneMessageAndCallsNoHook)
     EXPECT_EQ(Tests::NullDesktop::GetInstance().messages.size(), 1U);
 }
 
-TEST_F(WindowTest, UpdateOfAVisibleWindowCallsTheHookTwiceBehindTheMessage)
+TEST_F(WindowTest, UpdateOfAVisibleWindowCallsTheHookTwiceAfterTheMessage)
 {
     RecordingWindow window;
     ASSERT_TRUE(window.Create());

@@ -76,7 +76,7 @@ TEST(Assertion, HandlerGetsTheConditionAsWrittenAndThePlace)
     }
 }
 
-TEST(Assertion, SiteGoesOnBehindAHandlerThatReturnsIfToldTo)
+TEST(Assertion, SiteGoesOnAfterAHandlerThatReturnsIfAskedTo)
 {
     const ReturningHandler handler;
     SetContinueAfterAssertion(true);

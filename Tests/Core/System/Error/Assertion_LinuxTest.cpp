@@ -1,7 +1,7 @@
 #include "Core/System/Error/Assertion.h"
 
-#include "Core/System/Error/Handling/ErrorHandling.h"
-#include "Tests/Core/System/Error/Handling/ReportText.h"
+#include "Core/System/Error/ErrorHandling.h"
+#include "Tests/Core/System/Error/ReportText.h"
 #include "Tests/Support/ForkedProcess.h"
 
 #include <csignal>

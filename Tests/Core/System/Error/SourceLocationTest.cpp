@@ -8,7 +8,7 @@ namespace Orvik::System::Error
 namespace
 {
 
-TEST(SourceLocation, PathIsCutBehindTheDirectorySource)
+TEST(SourceLocation, PathIsCutAfterTheDirectorySource)
 {
     EXPECT_STREQ(ShortenSourcePath("/home/someone/program/Source/Core/System/Log/Log.cpp"), "/Core/System/Log/Log.cpp");
     EXPECT_STREQ(ShortenSourcePath("./Source/a.cpp"), "/a.cpp");

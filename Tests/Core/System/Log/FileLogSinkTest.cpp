@@ -196,7 +196,7 @@ TEST_F(FileLogSinkTest, AFileBelowTheLimitIsContinuedAndOneAtTheLimitIsNot)
     EXPECT_EQ(Read("Name_2026-01-01T00-00-00.log"), "123456789");
 }
 
-TEST_F(FileLogSinkTest, ATenthOfASecondTellsWhichFileIsNewer)
+TEST_F(FileLogSinkTest, ATenthOfASecondDecidesWhichFileIsNewer)
 {
     const std::string early = "Name_2026-01-01T00-00-00.log";
     const std::string late = "Name_2026-01-01T00-00-01.log";

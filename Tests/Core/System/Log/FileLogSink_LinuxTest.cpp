@@ -51,7 +51,7 @@ TEST(FileLogSink, AFullDiskLosesLinesAndNothingElse)
     EXPECT_LE(text.size(), 10U);
 }
 
-TEST(FileLogSink, AFileWhoseKindIsNotToldIsThrown)
+TEST(FileLogSink, AFileWhoseKindIsNotKnownIsThrown)
 {
     const Tests::TemporaryDirectory directory;
     const std::filesystem::path loop = directory.GetPath() / "Name_2.log";

@@ -37,7 +37,7 @@ Masks ApplyRules(const std::string& streams)
     return config.m_streamSeverities;
 }
 
-TEST(LoggerConfig, TellsItsIdentity)
+TEST(LoggerConfig, HasItsIdentity)
 {
     const LoggerConfig config;
     EXPECT_EQ(config.GetName(), "Log System Configuration");

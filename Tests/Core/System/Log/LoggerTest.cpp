@@ -87,7 +87,7 @@ protected:
     Logger m_logger;
 };
 
-TEST_F(LoggerTest, TellsItsIdentity)
+TEST_F(LoggerTest, HasItsIdentity)
 {
     EXPECT_EQ(m_logger.GetName(), "LogSystem");
     GUID guid;

@@ -53,7 +53,7 @@ TEST_F(BitmapLoadLinux, AFileThatCanNotBeOpenedIsRefused)
     EXPECT_FALSE(m_bitmap.Load(bmp));
 }
 
-TEST_F(BitmapLoadLinux, APipeThatNobodyWritesToIsRefusedAtOnce)
+TEST_F(BitmapLoadLinux, APipeThatIsNotWrittenToIsRefusedAtOnce)
 {
     const std::string path = (m_directory.GetPath() / "pipe.png").string();
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);

@@ -50,7 +50,7 @@ TEST(Bitmap, IsEmptyAtFirst)
     ExpectEmpty(Bitmap());
 }
 
-TEST(Bitmap, TellsItsSize)
+TEST(Bitmap, KnowsItsSize)
 {
     const Bitmap bitmap(3, 2, 24);
     EXPECT_EQ(bitmap.GetWidth(), 3);

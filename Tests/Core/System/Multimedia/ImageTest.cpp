@@ -97,7 +97,7 @@ TEST(Image, BoxToALargerSizeRepeatsSourcePixels)
     EXPECT_EQ(Scale({7, 9}, {2, 1}, {5, 2}, 8, ResizeMethod::Box), (Bytes{7, 7, 7, 9, 9, 7, 7, 7, 9, 9}));
 }
 
-TEST(Image, BoxWorksOnAsManyChannelsAsTheNumberOfBitsCanTell)
+TEST(Image, BoxWorksOnAsManyChannelsAsTheNumberOfBitsCanSay)
 {
     const Bytes source(62, 200);
     EXPECT_EQ(Scale(source, {2, 1}, {1, 1}, 255, ResizeMethod::Box), Bytes(31, 200));

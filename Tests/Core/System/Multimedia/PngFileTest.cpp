@@ -241,7 +241,7 @@ TEST_F(PngFile, WithAnUnknownFilterIsRefused)
     ExpectRefused(MakePng({.colourType = s_gray}, {9, 1}));
 }
 
-TEST_F(PngFile, WithFewerRowsThanItsHeaderTellsIsRefused)
+TEST_F(PngFile, WithFewerRowsThanItsHeaderSaysIsRefused)
 {
     ExpectRefused(MakePng({.width = 1, .height = 3, .colourType = s_gray}, {0, 1, 0, 2}));
 }

@@ -36,7 +36,7 @@ std::string FindRootPathWithoutLinks(const char* argument)
     return result.output;
 }
 
-TEST(ApplicationConfigCache, WithoutTheSystemsAnswerTheFirstArgumentTellsTheDirectory)
+TEST(ApplicationConfigCache, WithoutTheSystemsAnswerTheFirstArgumentGivesTheDirectory)
 {
     const std::string line = "System Error: Failed to retrieve module file name: 'Permission denied (D)'.\n";
     EXPECT_EQ(FindRootPathWithoutLinks("/tool/program"), line + "/tool");

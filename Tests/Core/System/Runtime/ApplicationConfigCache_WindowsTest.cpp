@@ -30,7 +30,7 @@ std::filesystem::path FindRootPath(decltype(&GetModuleFileNameW) getModuleFileNa
     return cache.GetRootPath();
 }
 
-TEST(ApplicationConfigCacheWindows, WithoutTheSystemsAnswerTheFirstArgumentTellsTheDirectory)
+TEST(ApplicationConfigCacheWindows, WithoutTheSystemsAnswerTheFirstArgumentGivesTheDirectory)
 {
     const auto refuse = [](HMODULE, LPWSTR, DWORD) -> DWORD
     {

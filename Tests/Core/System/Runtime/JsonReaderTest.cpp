@@ -164,7 +164,7 @@ TEST(JsonReader, EveryParseErrorHasItsText)
     EXPECT_STREQ(getText(31), "Unknown error.");
 }
 
-TEST(JsonReader, SchemasThatTheLibraryStumblesOverAreTold)
+TEST(JsonReader, SchemasThatTheLibraryStumblesOverAreReported)
 {
     const auto isCompilable = [](const char* json)
     {

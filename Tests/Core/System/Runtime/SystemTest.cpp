@@ -76,7 +76,7 @@ TEST_F(SystemTest, StatesHaveTheirNumbers)
     EXPECT_EQ(static_cast<int>(State::Shutdown), 6);
 }
 
-TEST_F(SystemTest, TellsWhoItIs)
+TEST_F(SystemTest, HasItsIdentity)
 {
     EXPECT_EQ(m_system.GetName(), "FakeSystem");
     GUID guid;
@@ -170,7 +170,7 @@ TEST_F(SystemTest, StateStepsBelongToTheOwningThread)
     EXPECT_THAT(m_system.GetCalls(), IsEmpty());
 }
 
-TEST_F(SystemTest, SystemWithoutThreadBelongsToNobody)
+TEST_F(SystemTest, SystemWithoutThreadBelongsToNone)
 {
     m_system.m_state = State::Initialized;
     EXPECT_ASSERTION(m_system.PreUpdateLoop(), s_ownerCondition, s_ownerMessage);
@@ -268,7 +268,7 @@ TEST_F(SystemTest, ShutdownRunsTheHookOfARequestedOne)
     EXPECT_THAT(m_system.GetCalls(), ElementsAre("OnShutdown"));
 }
 
-TEST_F(SystemTest, ShutdownThatNobodyRequestedFailsAndStaysOverwritten)
+TEST_F(SystemTest, ShutdownThatWasNotRequestedFailsAndStaysOverwritten)
 {
     for (const State state : {State::Undefined, State::Initialized, State::Execution, State::Execution_Paused,
                               State::Shutdown_Pending, State::Shutdown})

@@ -21,7 +21,7 @@ TEST(CharacterArray, CarriesATextAsATemplateArgument)
     static_assert(!std::is_same_v<Named<"a">, Named<"b">>);
 }
 
-TEST(CharacterArray, IsZeroBehindItsText)
+TEST(CharacterArray, IsZeroAfterItsText)
 {
     constexpr CharacterArray<8> text("abc");
     EXPECT_EQ(std::string(text.characters, sizeof text.characters), std::string("abc\0\0\0\0\0", 8));

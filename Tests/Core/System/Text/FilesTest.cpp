@@ -48,7 +48,7 @@ TEST(Files, ADirectoryThatIsNotThereGetsNoFile)
     EXPECT_EQ(OpenFile((directory.GetPath() / "missing" / "file").string(), "wb"), nullptr);
 }
 
-TEST(Files, ClosingTellsThatTheDiskIsFull)
+TEST(Files, ClosingReportsThatTheDiskIsFull)
 {
     if (!std::filesystem::exists("/dev/full"))
         GTEST_SKIP() << "There is no full device here.";

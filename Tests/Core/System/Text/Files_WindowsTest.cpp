@@ -45,7 +45,7 @@ protected:
     const std::filesystem::path m_file = m_directory.GetPath() / "file";
 };
 
-TEST_F(FilesWindows, AFileThatAReaderKeepsStaysWholeAndThatIsToldAfterASecond)
+TEST_F(FilesWindows, AFileThatAReaderKeepsStaysWholeAndThatIsReportedAfterASecond)
 {
     {
         const Systems::WindowsHandle reader = OpenWithoutSharedDeletion(m_file);

@@ -41,7 +41,7 @@ void EndWithSlotIn(std::uint64_t state)
     manager.reset();
 }
 
-TEST(ThreadLayerDeathTest, ACurrentThreadThatNobodyKnows)
+TEST(ThreadLayerDeathTest, ACurrentThreadThatIsUnknown)
 {
     EXPECT_EXIT(
         {

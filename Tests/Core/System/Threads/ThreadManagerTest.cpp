@@ -58,7 +58,7 @@ private:
     Error::AssertionHandler m_previous;
 };
 
-TEST(ThreadManager, TellsWhoItIs)
+TEST(ThreadManager, HasItsIdentity)
 {
     const ThreadManager manager;
     EXPECT_EQ(manager.GetName(), "ThreadingSystem");
@@ -183,7 +183,7 @@ TEST(ThreadManager, EndWaitsWhileMoreThanOneThreadIsActive)
     worker.join();
 }
 
-TEST(ThreadManager, ThreadTellsItsManagerAtItsEnd)
+TEST(ThreadManager, ThreadReportsToItsManagerAtItsEnd)
 {
     OpenManager manager;
     manager.m_activeCount = 1;

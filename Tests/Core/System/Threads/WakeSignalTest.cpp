@@ -39,7 +39,7 @@ TEST(WakeSignal, WakesAThreadThatWaitsWithoutALimit)
     EXPECT_GE(Measure(signal, 30 * s_millisecond), 20 * s_millisecond) << "the wait has taken it back";
 }
 
-TEST(WakeSignal, WaitsNoLongerThanItIsToldTo)
+TEST(WakeSignal, WaitsNoLongerThanItIsAskedTo)
 {
     WakeSignal signal;
     EXPECT_LT(Measure(signal, 0), s_long);

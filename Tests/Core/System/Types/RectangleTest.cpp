@@ -32,7 +32,7 @@ TEST(Rectangle, SidesMayStandTheOtherWayRound)
     EXPECT_EQ(rectangle.GetHeight(), 25U);
 }
 
-TEST(Rectangle, GreatestDistanceIsTold)
+TEST(Rectangle, GreatestDistanceIsReturned)
 {
     EXPECT_EQ((Rectangle{0, s_max, s_max, 0}).GetWidth(), 2147483647U);
     EXPECT_EQ((Rectangle{0, s_max, s_max, 0}).GetHeight(), 2147483647U);

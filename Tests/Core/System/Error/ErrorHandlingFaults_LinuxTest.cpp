@@ -1,7 +1,7 @@
-#include "Core/System/Error/Handling/ErrorHandling.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Time/MonotonicClock.h"
-#include "Tests/Core/System/Error/Handling/SignalledProgram.h"
+#include "Tests/Core/System/Error/SignalledProgram.h"
 #include "Tests/Support/ForkedProcess.h"
 
 #include <array>
@@ -234,7 +234,7 @@ int FaultInTheAllocatorOfARun()
     return s_noAllocator;
 }
 
-TEST(ErrorHandlingFaults, AFaultWithinTheAllocatorIsToldAndEndsByItsOwnSignal)
+TEST(ErrorHandlingFaults, AFaultWithinTheAllocatorIsReportedAndEndsByItsOwnSignal)
 {
     const std::int64_t begin = Time::GetMonotonicNanoseconds();
     ForkedProcess process(&FaultInTheAllocatorOfARun);

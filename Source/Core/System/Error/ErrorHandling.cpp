@@ -1,4 +1,4 @@
-#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/ErrorHandling.h"
 
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/Log.h"

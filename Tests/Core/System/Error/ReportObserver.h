@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Runtime/DirectoryCache.h"
-#include "Tests/Core/System/Error/Handling/ReportText.h"
+#include "Tests/Core/System/Error/ReportText.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/TestApplication.h"

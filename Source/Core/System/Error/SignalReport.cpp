@@ -1,6 +1,6 @@
 // What ErrorHandling does about signals. How they arrive is the operating system's part.
-#include "Core/System/Error/Handling/ErrorHandling.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Runtime/Application.h"
 #include "Core/System/Text/Files.h"
 #include "Core/System/Time/MonotonicClock.h"

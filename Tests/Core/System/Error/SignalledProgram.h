@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/System/Error/Handling/ErrorHandling.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Log/Streams.h"
 #include "Core/System/Runtime/Application.h"
 

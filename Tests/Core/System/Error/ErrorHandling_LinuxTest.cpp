@@ -1,8 +1,8 @@
-#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/ErrorHandling.h"
 
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/Log.h"
-#include "Tests/Core/System/Error/Handling/ReportObserver.h"
+#include "Tests/Core/System/Error/ReportObserver.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/GroupingLocale.h"
 

@@ -1,13 +1,11 @@
-#include "Core/Graphics/Raster/PixelArea.h"
+#include "Core/System/Types/PixelArea.h"
 
 #include <gtest/gtest.h>
 
 namespace Orvik::Tests
 {
 
-using Graphics::Raster::Intersect;
-using Graphics::Raster::PixelArea;
-using Graphics::Raster::Unite;
+using System::Math::PixelArea;
 
 TEST(PixelAreas, WithoutColumnsOrRowsAnAreaIsEmpty)
 {
@@ -27,16 +25,16 @@ TEST(PixelAreas, AnEmptyAreaHasNoPixelsHoweverItsSidesLie)
 
 TEST(PixelAreas, TheCommonPixelsAreThoseOfBoth)
 {
-    EXPECT_EQ(Intersect({0, 0, 10, 10}, {5, -5, 20, 5}), (PixelArea{5, 0, 10, 5}));
-    EXPECT_TRUE(Intersect({0, 0, 10, 10}, {10, 0, 20, 10}).IsEmpty());
-    EXPECT_TRUE(Intersect({0, 0, 10, 10}, {}).IsEmpty());
+    EXPECT_EQ(Intersect(PixelArea{0, 0, 10, 10}, {5, -5, 20, 5}), (PixelArea{5, 0, 10, 5}));
+    EXPECT_TRUE(Intersect(PixelArea{0, 0, 10, 10}, {10, 0, 20, 10}).IsEmpty());
+    EXPECT_TRUE(Intersect(PixelArea{0, 0, 10, 10}, {}).IsEmpty());
 }
 
 TEST(PixelAreas, AnEmptyAreaAddsNothing)
 {
-    EXPECT_EQ(Unite({1, 2, 3, 4}, {100, 100, 90, 90}), (PixelArea{1, 2, 3, 4}));
-    EXPECT_EQ(Unite({100, 100, 90, 90}, {1, 2, 3, 4}), (PixelArea{1, 2, 3, 4}));
-    EXPECT_EQ(Unite({1, 2, 3, 4}, {-5, 3, 2, 9}), (PixelArea{-5, 2, 3, 9}));
+    EXPECT_EQ(Unite(PixelArea{1, 2, 3, 4}, {100, 100, 90, 90}), (PixelArea{1, 2, 3, 4}));
+    EXPECT_EQ(Unite(PixelArea{100, 100, 90, 90}, {1, 2, 3, 4}), (PixelArea{1, 2, 3, 4}));
+    EXPECT_EQ(Unite(PixelArea{1, 2, 3, 4}, {-5, 3, 2, 9}), (PixelArea{-5, 2, 3, 9}));
 }
 
 } // namespace Orvik::Tests

@@ -1,4 +1,4 @@
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Log/LogSite.h"
 
 #include <atomic>
 

@@ -1,6 +1,6 @@
 // Not in Exception.cpp: an exception is in the lowest layer, and only its report needs the object that writes it.
+#include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/Exception.h"
-#include "Core/System/Error/Handling/ErrorHandling.h"
 
 namespace Orvik::System::Error
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Log/Site/StreamID.h"
+#include "Core/System/Log/StreamID.h"
 
 namespace Orvik::System::Log
 {

@@ -1,8 +1,8 @@
-#include "Core/System/Error/Handling/ErrorHandling.h"
-#include "Core/System/Log/Site/LogSite.h"
+#include "Core/System/Error/ErrorHandling.h"
+#include "Core/System/Log/LogSite.h"
 #include "Core/System/Text/Files.h"
 #include "Core/System/Time/MonotonicClock.h"
-#include "Tests/Core/System/Error/Handling/SignalledProgram.h"
+#include "Tests/Core/System/Error/SignalledProgram.h"
 #include "Tests/Support/ForkedProcess.h"
 
 #include <array>
@@ -342,7 +342,7 @@ TEST(ErrorHandlingRequests, AForkedProcessIsTerminatedLikeAnyOther)
     EXPECT_EQ(result.exitCode, 0);
 }
 
-TEST(ErrorHandlingRequests, WritingToNobodyEndsNothing)
+TEST(ErrorHandlingRequests, WritingWithoutAReaderEndsNothing)
 {
     const ForkedResult result = Tests::RunForked(
         []

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Log/Site/Context.h"
+#include "Core/System/Log/Context.h"
 
 #include <locale>
 #include <sstream>

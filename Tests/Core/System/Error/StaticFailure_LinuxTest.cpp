@@ -1,6 +1,6 @@
-#include "Tests/Core/System/Error/Handling/StaticFailure.h"
+#include "Tests/Core/System/Error/StaticFailure.h"
 
-#include "Tests/Core/System/Error/Handling/ReportText.h"
+#include "Tests/Core/System/Error/ReportText.h"
 #include "Tests/Support/ForkedProcess.h"
 #include "Tests/Support/OwnProgram.h"
 
@@ -24,7 +24,7 @@ const Tests::OrdinaryObject s_ordinaryObject;
 [[gnu::init_priority(101)]] const Tests::FirstObject s_firstObject;
 
 constexpr const char* s_report = "Assertion: 1 == 2\n\tMessage: One is two.\n\nCallstack:\n"
-                                 "\t[0]: ./Tests/Core/System/Error/Handling/StaticFailure.h at 12: FailStatically\n";
+                                 "\t[0]: ./Tests/Core/System/Error/StaticFailure.h at 12: FailStatically\n";
 
 /// How this program ends in a role, and its reports.
 struct Outcome

@@ -1,10 +1,10 @@
-#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/ErrorHandling.h"
 
 #include "Core/System/Error/Exception.h"
 #include "Systems/Windows/WindowsHandle.h"
-#include "Tests/Core/System/Error/Handling/ReportText.h"
-#include "Tests/Core/System/Error/Handling/SignalledProgram.h"
-#include "Tests/Core/System/Error/Handling/StaticFailure.h"
+#include "Tests/Core/System/Error/ReportText.h"
+#include "Tests/Core/System/Error/SignalledProgram.h"
+#include "Tests/Core/System/Error/StaticFailure.h"
 #include "Tests/Support/OwnProgram.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/Texts.h"
@@ -190,7 +190,7 @@ void ExpectFault(const char* role, const std::string& line)
     EXPECT_TRUE(outcome.reports.empty());
 }
 
-TEST(ErrorHandlingWindows, AFaultIsToldAndAborts)
+TEST(ErrorHandlingWindows, AFaultIsReportedAndAborts)
 {
     ExpectFault("read", "Signal 'SIGSEGV' was raised due to an invalid memory access (segmentation fault).");
     ExpectFault("divide", "Signal 'SIGFPE' was raised to due to an erronouse arithmetic operation such as a divide by "
@@ -198,7 +198,7 @@ TEST(ErrorHandlingWindows, AFaultIsToldAndAborts)
     ExpectFault("illegal", "Signal 'SIGILL' was raised to due to an invalid instruction. Executable may be invalid.");
 }
 
-TEST(ErrorHandlingWindows, AnAbortOfUnknownCauseIsTold)
+TEST(ErrorHandlingWindows, AnAbortOfUnknownCauseIsReported)
 {
     ExpectFault("abort", "Signal 'SIGABRT' was raised due to an unknown abnormal condition.");
 }

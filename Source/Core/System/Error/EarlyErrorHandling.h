@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/System/Error/Handling/ErrorHandling.h"
+#include "Core/System/Error/ErrorHandling.h"
 
 namespace Orvik::System::Error
 {

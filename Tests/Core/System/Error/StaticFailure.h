@@ -2,7 +2,7 @@
 
 // For tests of what fails before `main`: a test program that is started with a role has static objects that fail.
 
-#include "Core/System/Error/Handling/EarlyErrorHandling.h"
+#include "Core/System/Error/EarlyErrorHandling.h"
 
 #include <cstdlib>
 #include <string_view>
