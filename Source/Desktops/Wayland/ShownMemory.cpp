@@ -1,16 +1,11 @@
 #include "Desktops/Wayland/ShownMemory.h"
 
+#include "Desktops/Wayland/OutputTransform.h"
+
 #include <cstring>
 
 namespace Orvik::Desktops::Wayland
 {
-namespace
-{
-
-constexpr std::size_t s_pixelBytes = 4;
-
-} // namespace
-
 bool ShownMemory::Create(wl_shm* shm, std::uint32_t width, std::uint32_t height)
 {
     static constexpr wl_buffer_listener s_listener = {.release = [](void* data, wl_buffer*)
