@@ -11,6 +11,7 @@ find_package(OpenGL REQUIRED COMPONENTS OpenGL EGL)
 find_library(WAYLAND_CLIENT_LIBRARY wayland-client REQUIRED)
 find_library(WAYLAND_EGL_LIBRARY wayland-egl REQUIRED)
 find_library(XKBCOMMON_LIBRARY xkbcommon REQUIRED)
-find_library(SYSTEMD_LIBRARY systemd REQUIRED) # its client of the message bus
+find_path(SYSTEMD_INCLUDE_DIR systemd/sd-bus.h REQUIRED) # a client of the message bus, loaded when it is needed
+find_library(SYSTEMD_LIBRARY systemd REQUIRED) # for the tests, which serve on a bus of their own
 find_path(KISSFFT_INCLUDE_DIR kissfft.hh PATH_SUFFIXES kissfft REQUIRED) # headers alone
 find_package(Threads REQUIRED)

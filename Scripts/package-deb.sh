@@ -53,7 +53,7 @@ Architecture: $architecture
 Maintainer: $maintainer
 Installed-Size: $(du -k -s --apparent-size "$stage/usr" | cut -f1)
 Depends: $(list_dependencies)
-Recommends: xdg-user-dirs
+Recommends: libsystemd0, xdg-user-dirs
 Section: graphics
 Priority: optional
 Description: cut regions out of the screen, to the pixel

@@ -146,6 +146,22 @@ TEST_F(Keyboard, MouseAndKeysMix)
     ExpectSnip(process, {100, 100, 51, 21});
 }
 
+TEST_F(Keyboard, StepsBeforeTheMouseMovesAreNotUndoneByIt)
+{
+    // A compositor may report the pointer only once it moves.
+    ChildProcess process = Start({"-f", AddPicture(m_picture), "-s", "true", "-o", GetOutput().string()});
+    ASSERT_TRUE(m_overlay->WaitForCrosshair({400, 300}));
+    for (int step = 1; step <= 5; ++step)
+        TapArrow("Right", {400 + step, 300});
+    const Position mouse = m_input->GetPointer();
+    m_input->MoveTo({mouse.x + 1, mouse.y});
+    const Position cursor = GetRestingCursor();
+    EXPECT_GE(cursor.x, 405);
+    EXPECT_LE(cursor.x, 406);
+    EXPECT_EQ(cursor.y, 300);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
 TEST_F(Keyboard, TheZoomKeysChangeTheMagnifierAndNothingElse)
 {
     ChildProcess process = StartOnPicture();

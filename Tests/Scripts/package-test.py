@@ -134,6 +134,11 @@ class Package(unittest.TestCase):
         self.assertNotRegex(libraries, "libX|libEGL|libGL|libOpenGL|libxcb|libwayland")
         self.assertNotIn("not found", libraries)
 
+    def test_the_library_of_the_message_bus_is_loaded_only_where_it_is_asked(self):
+        libraries = run("ldd", self.root / "usr/lib/snipbench/Binaries/Linux-x64/SnipBench").stdout
+        self.assertNotIn("libsystemd", libraries)
+        self.assertIn("libwayland-client", libraries)
+
     def test_the_second_program_draws_with_the_packages_font(self):
         folder = self.folder / "empty"
         folder.mkdir(exist_ok=True)

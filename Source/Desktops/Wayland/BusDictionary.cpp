@@ -1,33 +1,36 @@
 #include "Desktops/Wayland/BusDictionary.h"
 
+#include "Desktops/Wayland/BusFunctions.h"
+
 #include <string_view>
-#include <systemd/sd-bus.h>
 
 namespace Orvik::Desktops::Wayland
 {
 
 BusDictionary::BusDictionary(sd_bus_message* message)
 {
-    if (sd_bus_message_enter_container(message, 'a', "{sv}") <= 0)
+    const BusFunctions& bus = GetBusFunctions();
+    if (bus.enterContainer(message, 'a', "{sv}") <= 0)
         return;
-    while (sd_bus_message_enter_container(message, 'e', "sv") > 0)
-        if (!ReadEntry(message) || sd_bus_message_exit_container(message) < 0)
+    while (bus.enterContainer(message, 'e', "sv") > 0)
+        if (!ReadEntry(message) || bus.exitContainer(message) < 0)
             return;
 }
 
 bool BusDictionary::ReadEntry(sd_bus_message* message)
 {
+    const BusFunctions& bus = GetBusFunctions();
     const char* name = nullptr;
     char type = 0;
     const char* contents = nullptr;
-    if (sd_bus_message_read(message, "s", &name) <= 0 || sd_bus_message_peek_type(message, &type, &contents) <= 0)
+    if (bus.read(message, "s", &name) <= 0 || bus.peekType(message, &type, &contents) <= 0)
         return false;
     if (std::string_view(contents) == "u")
-        return sd_bus_message_read(message, "v", "u", &m_numbers[name]) > 0;
+        return bus.read(message, "v", "u", &m_numbers[name]) > 0;
     if (std::string_view(contents) != "s")
-        return sd_bus_message_skip(message, "v") >= 0;
+        return bus.skip(message, "v") >= 0;
     const char* text = nullptr;
-    if (sd_bus_message_read(message, "v", "s", &text) <= 0)
+    if (bus.read(message, "v", "s", &text) <= 0)
         return false;
     m_texts[name] = text;
     return true;

@@ -1,12 +1,13 @@
 #include "Desktops/Wayland/KWinCapture.h"
 
 #include "Desktops/Wayland/BusDictionary.h"
+#include "Desktops/Wayland/BusFunctions.h"
 #include "Desktops/Wayland/DesktopPicture.h"
+#include "Desktops/Wayland/OutputTransform.h"
 #include "Desktops/Wayland/PixelPipe.h"
 
 #include <cstddef>
 #include <optional>
-#include <systemd/sd-bus.h>
 #include <utility>
 #include <vector>
 
@@ -19,8 +20,7 @@ constexpr const char* s_service = "org.kde.KWin";
 constexpr const char* s_path = "/org/kde/KWin/ScreenShot2";
 constexpr const char* s_interface = "org.kde.KWin.ScreenShot2";
 
-constexpr std::size_t s_pixelBytes = 4;
-constexpr std::uint32_t s_longestSide = 65'535;
+constexpr std::uint32_t s_longestRow = 65'535;
 /// What a row may have behind its pixels.
 constexpr std::uint32_t s_greatestPadding = 65'536;
 constexpr std::size_t s_mostBytes = std::size_t{2} << 30;
@@ -71,7 +71,7 @@ std::optional<PictureHeader> ReadHeader(sd_bus_message* message)
     header.stride = values.GetNumber("stride").value_or(0);
     const std::optional<bool> isRedFirst = FindIsRedFirst(values.GetNumber("format").value_or(0));
     const bool isUsable = values.GetText("type") == "raw" && isRedFirst && header.width > 0 &&
-                          header.width <= s_longestSide && header.height > 0 && header.height <= s_longestSide &&
+                          header.width <= s_longestRow && header.height > 0 && header.height <= s_longestRow &&
                           header.stride >= header.width * s_pixelBytes &&
                           header.stride <= header.width * s_pixelBytes + s_greatestPadding &&
                           std::size_t{header.stride} * header.height <= s_mostBytes;
@@ -89,9 +89,9 @@ void SwapRedAndBlue(unsigned char* pixels, std::size_t count)
 
 bool AppendArguments(sd_bus_message* call, const std::string& name, int descriptor)
 {
-    return call != nullptr && sd_bus_message_set_auto_start(call, 0) >= 0 &&
-           sd_bus_message_append(call, "sa{sv}h", name.c_str(), 2, "include-cursor", "b", 0, "native-resolution", "b",
-                                 1, descriptor) >= 0;
+    return call != nullptr && GetBusFunctions().setAutoStart(call, 0) >= 0 &&
+           GetBusFunctions().append(call, "sa{sv}h", name.c_str(), 2, "include-cursor", "b", 0, "native-resolution",
+                                    "b", 1, descriptor) >= 0;
 }
 
 CaptureAnswer JudgeError(const BusReply& reply)
@@ -117,8 +117,8 @@ bool KWinCapture::IsOffered()
     if (bus == nullptr)
         return false;
     const BusMessage call = bus->MakeCall(s_service, s_path, "org.freedesktop.DBus.Properties", "Get");
-    if (call == nullptr || sd_bus_message_set_auto_start(call.get(), 0) < 0 ||
-        sd_bus_message_append(call.get(), "ss", s_interface, "Version") < 0)
+    if (call == nullptr || GetBusFunctions().setAutoStart(call.get(), 0) < 0 ||
+        GetBusFunctions().append(call.get(), "ss", s_interface, "Version") < 0)
         return false;
     return bus->Call(call, limit).message != nullptr;
 }

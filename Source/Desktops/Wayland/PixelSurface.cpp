@@ -108,6 +108,7 @@ void PixelSurface::Present(std::span<const System::Math::Rectangle> areas)
         return;
     for (const System::Math::Rectangle& area : areas)
     {
+        m_native->GetCurrent().MakeOpaque(area);
         if (m_native->hasSecond)
             m_native->GetOther().Outdate(area);
         wl_surface_damage_buffer(surface->GetProxy(), area.left, area.top, area.right - area.left,

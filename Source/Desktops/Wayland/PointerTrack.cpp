@@ -46,6 +46,13 @@ void PointerAxis::Enter(double place)
     m_own = Clamp(place * m_scale);
 }
 
+void PointerAxis::Attach(double place)
+{
+    m_place = place;
+    m_excess = 0.0;
+    m_offset = m_own - m_place * m_scale;
+}
+
 void PointerAxis::Move(double place, const std::optional<double>& relative)
 {
     const double way = place - m_place;
@@ -72,8 +79,7 @@ void PointerAxis::Move(double place, const std::optional<double>& relative)
 void PointerAxis::Place(std::int32_t pixel)
 {
     m_own = std::clamp(pixel, 0, static_cast<std::int32_t>(m_pixels) - 1) + 0.5;
-    m_excess = 0.0;
-    m_offset = m_own - m_place * m_scale;
+    Attach(m_place);
 }
 
 std::int32_t PointerAxis::GetPixel() const
@@ -87,7 +93,7 @@ void PointerTrack::SetSpace(const WindowSize& size, const SurfaceVector& units)
 {
     m_x.SetSpace(size.width, units.x);
     m_y.SetSpace(size.height, units.y);
-    if (m_isKnown)
+    if (m_hasEntered || m_isPlaced)
         return;
     m_x.Enter(units.x / 2.0);
     m_y.Enter(units.y / 2.0);
@@ -95,9 +101,17 @@ void PointerTrack::SetSpace(const WindowSize& size, const SurfaceVector& units)
 
 void PointerTrack::Enter(const SurfaceVector& place)
 {
-    m_x.Enter(place.x);
-    m_y.Enter(place.y);
-    m_isKnown = true;
+    if (m_isPlaced && !m_hasEntered)
+    {
+        m_x.Attach(place.x);
+        m_y.Attach(place.y);
+    }
+    else
+    {
+        m_x.Enter(place.x);
+        m_y.Enter(place.y);
+    }
+    m_hasEntered = true;
 }
 
 void PointerTrack::Move(const SurfaceVector& place, const std::optional<SurfaceVector>& relative)
@@ -110,7 +124,7 @@ void PointerTrack::Place(const System::Math::Point& pixel)
 {
     m_x.Place(pixel.x);
     m_y.Place(pixel.y);
-    m_isKnown = true;
+    m_isPlaced = true;
 }
 
 } // namespace Orvik::Desktops::Wayland

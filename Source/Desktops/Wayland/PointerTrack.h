@@ -21,6 +21,8 @@ public:
 
     /// Puts it where the compositor's is.
     void Enter(double place);
+    /// The compositor's is at a place, and from there this one follows it at the distance that it has to it.
+    void Attach(double place);
     /// The compositor's is at a place now; `relative` says how far its device wanted it to go, where that is known.
     void Move(double place, const std::optional<double>& relative);
     /// Puts it on a pixel, at most at the edge, and the compositor's stays where it is.
@@ -49,7 +51,8 @@ public:
     /// The surface has `size` pixels on so many units.
     void SetSpace(const WindowSize& size, const SurfaceVector& units);
 
-    /// The compositor's pointer has come to the surface: the own one is there.
+    /// The compositor's pointer has come to the surface: the own one is there. If the program has placed it before
+    /// there was any, it stays: some compositors report the first entry late, with the first motion.
     void Enter(const SurfaceVector& place);
 
     /// The compositor's pointer is at a place now; `relative` says how far its device wanted it to go, where that is
@@ -65,7 +68,8 @@ public:
 private:
     PointerAxis m_x;
     PointerAxis m_y;
-    bool m_isKnown = false; ///< where it is: it has entered, or the program has placed it
+    bool m_hasEntered = false;
+    bool m_isPlaced = false; ///< by the program
 };
 
 } // namespace Orvik::Desktops::Wayland

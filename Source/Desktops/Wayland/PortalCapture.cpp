@@ -2,6 +2,7 @@
 
 #include "Core/System/Multimedia/Bitmap.h"
 #include "Desktops/Wayland/BusDictionary.h"
+#include "Desktops/Wayland/BusFunctions.h"
 #include "Desktops/Wayland/DesktopPicture.h"
 #include "Desktops/Wayland/FileUri.h"
 
@@ -10,7 +11,6 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
-#include <systemd/sd-bus.h>
 
 namespace Orvik::Desktops::Wayland
 {
@@ -75,7 +75,7 @@ void Request::ListenAt(const std::string& path)
                                    [this](sd_bus_message* message)
                                    {
                                        Response response;
-                                       if (m_response || sd_bus_message_read(message, "u", &response.code) <= 0)
+                                       if (m_response || GetBusFunctions().read(message, "u", &response.code) <= 0)
                                            return;
                                        response.uri = BusDictionary(message).GetText("uri").value_or("");
                                        m_response = response;
@@ -90,7 +90,7 @@ void Request::ListenForTheEndOfThePortal()
                                     const char* name = nullptr;
                                     const char* before = nullptr;
                                     const char* now = nullptr;
-                                    if (sd_bus_message_read(message, "sss", &name, &before, &now) > 0 &&
+                                    if (GetBusFunctions().read(message, "sss", &name, &before, &now) > 0 &&
                                         std::string_view(name) == s_service && std::string_view(now).empty())
                                         m_hasPortalEnded = true;
                                 });
@@ -100,7 +100,7 @@ BusReply Request::Send()
 {
     const BusMessage call = m_bus.MakeCall(s_service, s_path, s_interface, "Screenshot");
     if (call == nullptr ||
-        sd_bus_message_append(call.get(), "sa{sv}", "", 2, "handle_token", "s", s_token, "interactive", "b", 0) < 0)
+        GetBusFunctions().append(call.get(), "sa{sv}", "", 2, "handle_token", "s", s_token, "interactive", "b", 0) < 0)
         return {};
     return m_bus.Call(call, s_limit);
 }
@@ -110,8 +110,8 @@ void Request::Close()
     const BusMessage call = m_bus.MakeCall(s_service, m_path.c_str(), s_requestInterface, "Close");
     if (call == nullptr)
         return;
-    sd_bus_message_set_auto_start(call.get(), 0);
-    sd_bus_message_set_expect_reply(call.get(), 0);
+    GetBusFunctions().setAutoStart(call.get(), 0);
+    GetBusFunctions().setExpectReply(call.get(), 0);
     m_bus.Send(call);
 }
 
@@ -141,7 +141,7 @@ std::optional<Response> Request::Await(CaptureAnswer& answer)
 void Request::AwaitResponse(sd_bus_message* reply)
 {
     const char* path = nullptr;
-    if (sd_bus_message_read(reply, "o", &path) > 0 && path != m_path && !m_response)
+    if (GetBusFunctions().read(reply, "o", &path) > 0 && path != m_path && !m_response)
         ListenAt(path); // portals before version 0.9 name it themselves
     (void)m_bus.WaitUntil([this] { return m_response || m_hasPortalEnded; }, s_noLimit);
 }

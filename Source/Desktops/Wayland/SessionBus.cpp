@@ -2,12 +2,12 @@
 
 #include "Core/System/Error/SystemError.h"
 #include "Core/System/Time/MonotonicClock.h"
+#include "Desktops/Wayland/BusFunctions.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string_view>
-#include <systemd/sd-bus.h>
 #include <utility>
 
 namespace Orvik::Desktops::Wayland
@@ -43,13 +43,13 @@ int OnReply(sd_bus_message* message, void* data, sd_bus_error* /*error*/)
 {
     auto& pending = *static_cast<PendingReply*>(data);
     pending.isThere = true;
-    if (const sd_bus_error* const error = sd_bus_message_get_error(message))
+    if (const sd_bus_error* const error = GetBusFunctions().getError(message))
     {
         pending.reply.errorName = error->name != nullptr ? error->name : "";
         pending.reply.errorText = WithoutFullStop(error->message != nullptr ? error->message : "");
     }
     else
-        pending.reply.message.reset(sd_bus_message_ref(message));
+        pending.reply.message.reset(GetBusFunctions().messageRef(message));
     return 0;
 }
 
@@ -69,12 +69,12 @@ int OnSubscribed(sd_bus_message* /*message*/, void* /*data*/, sd_bus_error* /*er
 
 void BusMessageDeleter::operator()(sd_bus_message* message) const noexcept
 {
-    sd_bus_message_unref(message);
+    GetBusFunctions().messageUnref(message);
 }
 
 void BusSlotDeleter::operator()(sd_bus_slot* slot) const noexcept
 {
-    sd_bus_slot_unref(slot);
+    GetBusFunctions().slotUnref(slot);
 }
 
 bool BusReply::IsMissing() const
@@ -88,14 +88,17 @@ bool BusReply::IsMissing() const
 
 std::unique_ptr<SessionBus> SessionBus::Open(Interrupt interrupt, std::string& failure)
 {
+    const BusFunctions* const functions = FindBusFunctions(failure);
+    if (functions == nullptr)
+        return nullptr;
     sd_bus* bus = nullptr;
-    if (const int result = sd_bus_open_user(&bus); result < 0)
+    if (const int result = functions->openUser(&bus); result < 0)
     {
         failure = "there is no session bus: " + System::Error::FormatError(static_cast<std::uint32_t>(-result));
         return nullptr;
     }
     std::unique_ptr<SessionBus> session(new SessionBus(bus, std::move(interrupt)));
-    if (session->WaitUntil([bus] { return sd_bus_is_ready(bus) > 0; }, s_welcomeLimit))
+    if (session->WaitUntil([bus, functions] { return functions->isReady(bus) > 0; }, s_welcomeLimit))
         return session;
     failure = "the session bus doesn't answer";
     return nullptr;
@@ -103,13 +106,13 @@ std::unique_ptr<SessionBus> SessionBus::Open(Interrupt interrupt, std::string& f
 
 SessionBus::~SessionBus()
 {
-    sd_bus_close_unref(m_bus);
+    GetBusFunctions().closeUnref(m_bus);
 }
 
 BusMessage SessionBus::MakeCall(const char* service, const char* path, const char* interface, const char* member)
 {
     sd_bus_message* message = nullptr;
-    if (m_isLost || sd_bus_message_new_method_call(m_bus, &message, service, path, interface, member) < 0)
+    if (m_isLost || GetBusFunctions().newMethodCall(m_bus, &message, service, path, interface, member) < 0)
         return nullptr;
     return BusMessage(message);
 }
@@ -120,9 +123,9 @@ bool SessionBus::HasService(const std::string& name)
     {
         const BusReply reply = Call(
             MakeCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", list), s_welcomeLimit);
-        if (reply.message == nullptr || sd_bus_message_enter_container(reply.message.get(), 'a', "s") <= 0)
+        if (reply.message == nullptr || GetBusFunctions().enterContainer(reply.message.get(), 'a', "s") <= 0)
             return false;
-        for (const char* each = nullptr; sd_bus_message_read(reply.message.get(), "s", &each) > 0;)
+        for (const char* each = nullptr; GetBusFunctions().read(reply.message.get(), "s", &each) > 0;)
             if (name == each)
                 return true;
     }
@@ -133,7 +136,7 @@ BusReply SessionBus::Call(const BusMessage& call, std::int64_t nanoseconds)
 {
     PendingReply pending;
     sd_bus_slot* slot = nullptr;
-    if (call == nullptr || sd_bus_call_async(m_bus, &slot, call.get(), &OnReply, &pending, s_noTimeout) < 0)
+    if (call == nullptr || GetBusFunctions().callAsync(m_bus, &slot, call.get(), &OnReply, &pending, s_noTimeout) < 0)
     {
         pending.reply.errorText = "the session bus is gone";
         return std::move(pending.reply);
@@ -152,7 +155,7 @@ BusReply SessionBus::Call(const BusMessage& call, std::int64_t nanoseconds)
 void SessionBus::Send(const BusMessage& call)
 {
     if (!m_isLost)
-        m_isLost |= sd_bus_send(m_bus, call.get(), nullptr) < 0;
+        m_isLost |= GetBusFunctions().send(m_bus, call.get(), nullptr) < 0;
 }
 
 BusSubscription SessionBus::Subscribe(const char* path, const char* interface, const char* member,
@@ -161,8 +164,8 @@ BusSubscription SessionBus::Subscribe(const char* path, const char* interface, c
     BusSubscription subscription;
     subscription.handler = std::make_unique<BusSubscription::Handler>(std::move(handler));
     sd_bus_slot* slot = nullptr;
-    if (m_isLost || sd_bus_match_signal_async(m_bus, &slot, nullptr, path, interface, member, &OnSignal, &OnSubscribed,
-                                              subscription.handler.get()) < 0)
+    if (m_isLost || GetBusFunctions().matchSignalAsync(m_bus, &slot, nullptr, path, interface, member, &OnSignal,
+                                                       &OnSubscribed, subscription.handler.get()) < 0)
         return {};
     subscription.slot.reset(slot);
     return subscription;
@@ -170,7 +173,7 @@ BusSubscription SessionBus::Subscribe(const char* path, const char* interface, c
 
 bool SessionBus::Process()
 {
-    const int result = sd_bus_process(m_bus, nullptr);
+    const int result = GetBusFunctions().process(m_bus, nullptr);
     m_isLost |= result < 0;
     return result > 0;
 }
@@ -180,7 +183,7 @@ void SessionBus::WaitForBus(std::int64_t nanoseconds)
     const std::int64_t period = std::min(nanoseconds, s_interruptPeriod);
     const auto microseconds =
         static_cast<std::uint64_t>(std::max<std::int64_t>(period / s_nanosecondsPerMicrosecond, 1));
-    const int result = sd_bus_wait(m_bus, microseconds);
+    const int result = GetBusFunctions().wait(m_bus, microseconds);
     m_isLost |= result < 0 && result != -EINTR;
 }
 
@@ -206,7 +209,7 @@ bool SessionBus::WaitUntil(const std::function<bool()>& isDone, std::int64_t nan
 std::string SessionBus::GetUniqueName() const
 {
     const char* name = nullptr;
-    return !m_isLost && sd_bus_get_unique_name(m_bus, &name) >= 0 && name != nullptr ? name : std::string();
+    return !m_isLost && GetBusFunctions().getUniqueName(m_bus, &name) >= 0 && name != nullptr ? name : std::string();
 }
 
 } // namespace Orvik::Desktops::Wayland

@@ -1,16 +1,12 @@
 #include "Desktops/Wayland/ShownMemory.h"
 
+#include "Desktops/Wayland/OutputTransform.h"
+
+#include <algorithm>
 #include <cstring>
 
 namespace Orvik::Desktops::Wayland
 {
-namespace
-{
-
-constexpr std::size_t s_pixelBytes = 4;
-
-} // namespace
-
 bool ShownMemory::Create(wl_shm* shm, std::uint32_t width, std::uint32_t height)
 {
     static constexpr wl_buffer_listener s_listener = {.release = [](void* data, wl_buffer*)
@@ -28,6 +24,19 @@ bool ShownMemory::Create(wl_shm* shm, std::uint32_t width, std::uint32_t height)
     wl_buffer_add_listener(m_buffer.get(), &s_listener, this);
     m_outdated.clear();
     return true;
+}
+
+void ShownMemory::MakeOpaque(const System::Math::Rectangle& area)
+{
+    constexpr std::uint32_t opaque = 0xFF000000U;
+    const auto width = static_cast<std::size_t>(area.right - area.left);
+    for (std::int32_t row = area.top; row < area.bottom; ++row)
+    {
+        std::uint32_t* const first =
+            GetPixels() + static_cast<std::size_t>(row) * m_width + static_cast<std::size_t>(area.left);
+        std::transform(first, first + width, first,
+                       [](std::uint32_t pixel) { return pixel | ((pixel & opaque) != 0 ? opaque : 0U); });
+    }
 }
 
 void ShownMemory::Outdate(const System::Math::Rectangle& area)

@@ -25,6 +25,10 @@ public:
     [[nodiscard]] std::uint32_t* GetPixels() const { return reinterpret_cast<std::uint32_t*>(m_memory.GetBytes()); }
     [[nodiscard]] wl_buffer* GetBuffer() const { return m_buffer.get(); }
 
+    /// Makes the pixels of the area opaque, except those that show nothing at all. What was blended over an opaque
+    /// picture has its final colour, but an alpha by which the compositor would mix in what is below the surface.
+    void MakeOpaque(const System::Math::Rectangle& area);
+
     /// Whether the compositor may be reading it.
     [[nodiscard]] bool IsHeld() const { return m_isHeld; }
     /// The compositor is about to get it.

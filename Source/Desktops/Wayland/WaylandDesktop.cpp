@@ -3,6 +3,7 @@
 #include "Core/System/Desktop/DisplayMode.h"
 #include "Core/System/Log/LogSite.h"
 #include "Desktops/Wayland/ActiveOutput.h"
+#include "Desktops/Wayland/BusFunctions.h"
 #include "Desktops/Wayland/CaptureContext.h"
 #include "Desktops/Wayland/GraphicsCard.h"
 #include "Desktops/Wayland/OpenGLSurface.h"
@@ -114,6 +115,9 @@ Failure WaylandDesktop::CheckCapture()
                                        [](const std::unique_ptr<ScreenCapture>& way) { return way->IsOffered(); });
     if (isOffered)
         return std::nullopt;
+    std::string missing;
+    if (FindBusFunctions(missing) == nullptr)
+        return "The compositor itself offers no way to take a picture of a display, and " + missing;
     return "The compositor offers no way to take a picture of a display: it has neither ext-image-copy-capture nor "
            "wlr-screencopy, and the session has neither KWin's ScreenShot2 nor a portal for screenshots";
 }

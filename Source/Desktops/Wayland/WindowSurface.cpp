@@ -154,7 +154,8 @@ void WindowSurface::CoverPixels(const WindowSize& units)
     m_bufferSize = {std::max(width.pixels, m_size.width), std::max(height.pixels, m_size.height)};
     wp_viewport_set_destination(m_viewport.get(), static_cast<std::int32_t>(width.units),
                                 static_cast<std::int32_t>(height.units));
-    m_pointer.SetSpace(m_size, {m_size.width / m_scale, m_size.height / m_scale});
+    // Devices that say places have the display's whole width on the units that the compositor gives, cut as they are.
+    m_pointer.SetSpace(m_size, {static_cast<double>(units.width), static_cast<double>(units.height)});
 }
 
 // Without viewports there are whole scales alone.

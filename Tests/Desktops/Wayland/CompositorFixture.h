@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
@@ -50,11 +49,7 @@ public:
     [[nodiscard]] Desktops::Wayland::WaylandDesktop& Get() { return m_desktop; }
 
     /// Has sway carry a command out. False if it refuses.
-    [[nodiscard]] bool Command(const std::string& command) const
-    {
-        const std::string folder = (m_compositor.GetDirectory() / "run").string();
-        return std::system(("swaymsg -q -s " + folder + "/sway-ipc.*.sock -- '" + command + "'").c_str()) == 0;
-    }
+    [[nodiscard]] bool Command(const std::string& command) const { return m_compositor.Command(command); }
 
     /// The display of that number, from 0.
     [[nodiscard]] System::Device::Display::DisplayDescriptor GetDisplay(std::size_t index)

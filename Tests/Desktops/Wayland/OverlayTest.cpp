@@ -98,6 +98,22 @@ TEST_P(OverlayOnWayland, LeavesNothingOnTheDisplay)
     EXPECT_EQ(Capture(m_desktop->Get(), display), before);
 }
 
+TEST_P(OverlayOnWayland, HidesWhatIsBelowItsPixelsHoweverTheyWereBlended)
+{
+    const DisplayDescriptor display = m_desktop->GetDisplay(0);
+    const auto below = Capture(m_desktop->Get(), display);
+    TestOverlay overlay(display);
+    ASSERT_TRUE(overlay.Open());
+    auto drawn = MakeNoise(below.size(), 1);
+    auto expected = drawn;
+    for (std::size_t index = 0; index < drawn.size(); index += 3)
+        drawn[index] = (drawn[index] & 0xFFFFFFU) | 0xC0000000U;
+    drawn[5] = 0; // where there is nothing, it shows what is below
+    expected[5] = below[5];
+    ASSERT_TRUE(overlay.Draw(drawn, overlay.GetArea()));
+    EXPECT_EQ(Capture(m_desktop->Get(), display), expected);
+}
+
 INSTANTIATE_TEST_SUITE_P(Displays, OverlayOnWayland,
                          testing::Values(DisplayCase{"Plain", "scale 1", 640, 360, 1.0},
                                          DisplayCase{"Quarter", "scale 1.25", 640, 360, 1.25},

@@ -51,6 +51,21 @@ TEST(PointerTrack, BeginsWhereThePointerEnters)
     EXPECT_EQ(track.GetPixel(), (Point{300, 200}));
 }
 
+TEST(PointerTrack, StaysWhereItWasPlacedBeforeThePointerEnters)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    track.Place({641, 360});
+    track.Place({642, 361});
+    track.Enter({300.0, 200.0});
+    EXPECT_EQ(track.GetPixel(), (Point{642, 361}));
+    track.Move({310.0, 195.0}, std::nullopt);
+    EXPECT_EQ(track.GetPixel(), (Point{652, 356}));
+    // One that was away and comes again is pointed with.
+    track.Enter({50.0, 60.0});
+    EXPECT_EQ(track.GetPixel(), (Point{50, 60}));
+}
+
 TEST(PointerTrack, FindsEachPixelAtAFractionalScale)
 {
     PointerTrack track;

@@ -121,10 +121,11 @@ TEST_F(WaylandConnectionTest, ARefusedRequestSaysWhatItWas)
 {
     // An object that was never made.
     wl_registry* const registry = wl_display_get_registry(m_connection->GetDisplay());
-    wl_registry_bind(registry, 0xFFFFFF, &wl_shm_interface, 1);
+    auto* const refused = static_cast<wl_proxy*>(wl_registry_bind(registry, 0xFFFFFF, &wl_shm_interface, 1));
     EXPECT_FALSE(m_connection->Roundtrip());
     EXPECT_EQ(s_losses, 1);
     EXPECT_THAT(m_log.GetLines(), ElementsAre(HasSubstr("The compositor refuses a request: wl_registry, error 0.")));
+    wl_proxy_destroy(refused);
     wl_registry_destroy(registry);
 }
 

@@ -45,6 +45,9 @@ struct CompositorOptions
     int height = 720;
     /// Lines for sway's configuration after the usual ones; the others take none.
     std::string configuration;
+    /// Of sway on an X server: where on its screen the windows of its outputs are, X11-1 and so on. They cover
+    /// it. None stands for one output as large as the screen.
+    std::vector<Area> windows = {};
 };
 
 /// A Wayland compositor in a private X server that no screen or graphics card belongs to, with a home, a runtime
@@ -71,6 +74,9 @@ public:
     [[nodiscard]] const std::filesystem::path& GetDirectory() const { return m_directory.GetPath(); }
     [[nodiscard]] bool IsRunning() { return m_compositor->IsRunning(); }
 
+    /// Has sway carry a command out. False if it refuses.
+    [[nodiscard]] bool Command(const std::string& command) const;
+
     /// Adds an application's desktop entry, a file of that name, to those that the session's user has.
     void AddDesktopEntry(const std::string& name, const std::string& text) const;
 
@@ -91,6 +97,7 @@ private:
     void MakeDirectories();
     void StartBuses();
     void StartCompositor();
+    void PlaceOutputs();
     void SetGround(const std::filesystem::path& file);
     void WaitForGround(const Screen& screen, const Picture& picture);
     void TakePointerOutOfBar(const Screen& screen, InputDriver& input);

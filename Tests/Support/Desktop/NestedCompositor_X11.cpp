@@ -1,6 +1,7 @@
 #include "Tests/Support/Desktop/NestedCompositor.h"
 
 #include "Tests/Support/Desktop/InputDriver.h"
+#include "Tests/Support/Desktop/OutputWindows.h"
 #include "Tests/Support/Desktop/Screen.h"
 #include "Tests/Support/Desktop/WaitForSocket.h"
 
@@ -189,16 +190,34 @@ void NestedCompositor::StartBuses()
 NestedCompositor::Launch NestedCompositor::MakeSwayLaunch() const
 {
     const bool isHeadless = m_options.kind == CompositorKind::HeadlessSway;
-    const std::string size = std::to_string(m_options.width) + "x" + std::to_string(m_options.height);
-    const std::filesystem::path configuration = m_directory.GetPath() / "sway";
-    std::ofstream(configuration) << "xwayland disable\ndefault_border none\noutput "
-                                 << (isHeadless ? "HEADLESS-1" : "X11-1") << " resolution " << size << " position 0,0\n"
-                                 << m_options.configuration << "\n";
+    const std::string backend = isHeadless ? "headless" : "x11";
+    std::vector<Area> windows = m_options.windows;
+    if (windows.empty())
+        windows.push_back({0, 0, m_options.width, m_options.height});
+    const std::filesystem::path path = m_directory.GetPath() / "sway";
+    std::ofstream configuration(path);
+    configuration << "xwayland disable\ndefault_border none\n";
+    for (std::size_t index = 0; index < windows.size(); ++index)
+        configuration << "output " << (isHeadless ? "HEADLESS-" : "X11-") << index + 1 << " resolution "
+                      << windows[index].width << "x" << windows[index].height << " position 0,0\n";
+    configuration << m_options.configuration << "\n";
     return {"sway",
-            {"-c", configuration.string()},
-            MakeEnvironment({"DISPLAY=" + GetDisplayName(),
-                             std::string("WLR_BACKENDS=") + (isHeadless ? "headless" : "x11"), "WLR_RENDERER=pixman",
+            {"-c", path.string()},
+            MakeEnvironment({"DISPLAY=" + GetDisplayName(), "WLR_BACKENDS=" + backend,
+                             "WLR_X11_OUTPUTS=" + std::to_string(windows.size()), "WLR_RENDERER=pixman",
                              "WLR_LIBINPUT_NO_DEVICES=1"})};
+}
+
+void NestedCompositor::PlaceOutputs()
+{
+    if (!m_options.windows.empty())
+        WaitFor([this] { return PlaceOutputWindows(GetDisplayName(), m_options.windows); }, [](int /*attempt*/) {});
+}
+
+bool NestedCompositor::Command(const std::string& command) const
+{
+    return std::system(("swaymsg -q -s " + GetRuntime().string() + "/sway-ipc.*.sock -- '" + command + "'").c_str()) ==
+           0;
 }
 
 // Its file has a capability, and where a container has taken that from all, the system doesn't start it. A copy has
@@ -258,6 +277,7 @@ void NestedCompositor::StartCompositor()
         m_directory.GetPath() / "log", m_user);
     if (!WaitForSocket(GetRuntime() / s_socket, *m_compositor))
         throw std::runtime_error("The compositor doesn't come up.\n" + ReadLog());
+    PlaceOutputs();
 }
 
 void NestedCompositor::SetGround(const std::filesystem::path& file)
@@ -390,7 +410,7 @@ void NestedCompositor::WaitFor(const std::function<bool()>& condition, const std
     for (int attempt = 0; !condition(); ++attempt)
     {
         if (std::chrono::steady_clock::now() > end || !IsRunning())
-            throw std::runtime_error("The compositor doesn't show the picture.\n" + ReadLog());
+            throw std::runtime_error("The compositor doesn't show what it shall.\n" + ReadLog());
         help(attempt);
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }

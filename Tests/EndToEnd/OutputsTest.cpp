@@ -1,0 +1,174 @@
+// The outputs of a compositor: several, at places of their own, scaled and turned.
+#include "Tests/EndToEnd/OutputFiles.h"
+#include "Tests/EndToEnd/ProgramTest.h"
+#include "Tests/Support/Desktop/InputDriver.h"
+#include "Tests/Support/Desktop/NestedCompositor.h"
+#include "Tests/Support/Desktop/Screen.h"
+#include "Tests/Support/Overlay/OverlayModel.h"
+
+#include <algorithm>
+#include <ostream>
+#include <sys/stat.h>
+#include <thread>
+
+namespace Orvik::Tests
+{
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+/// How an output's window shows what its user sees upright.
+enum class Turn
+{
+    None,
+    Quarter, ///< clockwise
+};
+
+struct OutputSetup
+{
+    Area window; ///< on the X server's screen
+    std::string configuration;
+    Turn turn = Turn::None;
+};
+
+struct OutputsCase
+{
+    std::string name;
+    std::vector<OutputSetup> outputs;
+    std::size_t used; ///< the one that the pointer is on
+};
+
+void PrintTo(const OutputsCase& value, std::ostream* stream)
+{
+    *stream << value.name;
+}
+
+/// One output at the origin, and a second one left of it and above.
+std::vector<OutputSetup> MakePair(const std::string& second)
+{
+    return {{{0, 0, 500, 450}, "position 0 0", Turn::None},
+            {{500, 0, 620, 450}, "position -700 -200 " + second, Turn::None}};
+}
+
+/// The program on a sway with outputs of the case's kind, and what is seen on one of them.
+class Outputs : public ProgramTest, public testing::WithParamInterface<OutputsCase>
+{
+protected:
+    void SetUp() override
+    {
+        Area screen;
+        CompositorOptions options;
+        for (const OutputSetup& output : GetParam().outputs)
+        {
+            options.windows.push_back(output.window);
+            options.configuration +=
+                "output X11-" + std::to_string(options.windows.size()) + " " + output.configuration + "\n";
+            screen.width = std::max(screen.width, output.window.x + output.window.width);
+            screen.height = std::max(screen.height, output.window.y + output.window.height);
+        }
+        options.width = screen.width;
+        options.height = screen.height;
+        m_compositor.emplace(options);
+        for (const auto& [name, value] : m_compositor->GetEnvironment())
+            m_environment[name] = value;
+        m_user = m_compositor->GetUser();
+        if (m_user)
+        {
+            m_installation.OpenToOthers();
+            umask(0); // what the test makes is the program's to change
+        }
+        m_screen.emplace(m_compositor->GetDisplayName());
+        m_input.emplace(m_compositor->GetDisplayName());
+        m_ground = m_compositor->ShowGround(MakeTestPicture(screen.width, screen.height, 3));
+    }
+
+    [[nodiscard]] const OutputSetup& GetUsed() const { return GetParam().outputs.at(GetParam().used); }
+    [[nodiscard]] bool IsTurned() const { return GetUsed().turn == Turn::Quarter; }
+
+    /// The part of the screen's picture in the used output's window, as its user sees it.
+    [[nodiscard]] Picture See(const Picture& screen) const
+    {
+        const Picture shown = screen.Crop(GetUsed().window);
+        if (!IsTurned())
+            return shown;
+        Picture seen{shown.height, shown.width, {}};
+        for (int y = 0; y < seen.height; ++y)
+            for (int x = 0; x < seen.width; ++x)
+                seen.pixels.push_back(shown.At(shown.width - 1 - y, x));
+        return seen;
+    }
+
+    /// The pointer is on a pixel's left and upper edge, and a turn makes its lower edge of the left one.
+    void Point(Position seen)
+    {
+        const Area& window = GetUsed().window;
+        const Position place = IsTurned() ? Position{window.width - seen.y, seen.x} : seen;
+        m_input->MoveTo({window.x + place.x, window.y + place.y});
+    }
+
+    /// Waits until the used output looks so.
+    void ExpectLook(const Look& look) const
+    {
+        const Area all{0, 0, look.picture.width, look.picture.height};
+        const auto end = Clock::now() + s_endLimit;
+        std::string difference = DescribeDifference(look, See(m_screen->CaptureAll()), all);
+        while (!difference.empty() && Clock::now() < end)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            difference = DescribeDifference(look, See(m_screen->CaptureAll()), all);
+        }
+        EXPECT_EQ(difference, "");
+    }
+
+    /// The windows of the other outputs show what they did before.
+    void ExpectOthersUntouched() const
+    {
+        const Picture now = m_screen->CaptureAll();
+        for (std::size_t index = 0; index < GetParam().outputs.size(); ++index)
+        {
+            const Area& window = GetParam().outputs[index].window;
+            if (index == GetParam().used)
+                continue;
+            EXPECT_EQ(now.Crop(window), m_ground.Crop(window)) << index;
+        }
+    }
+
+    std::optional<NestedCompositor> m_compositor;
+    std::optional<Screen> m_screen;
+    std::optional<InputDriver> m_input;
+    Picture m_ground; ///< the screen without the overlay
+};
+
+TEST_P(Outputs, TheOneWithThePointerIsCoveredAndItsPixelsAreSaved)
+{
+    const Picture desktop = See(m_ground);
+    const OverlayModel model(desktop.width, desktop.height, desktop);
+    OverlayState state;
+    state.cursor = {30, 40};
+    Point(state.cursor);
+    const std::filesystem::path folder = m_installation.GetWork() / "out";
+    ChildProcess process = Start({"-s", "true", "-o", folder.string()});
+    ExpectLook(model.MakeLook(state));
+    ExpectOthersUntouched();
+    m_input->PressButton(1);
+    state.anchor = state.cursor;
+    state.cursor = {231, 137};
+    Point(state.cursor);
+    ExpectLook(model.MakeLook(state));
+    m_input->ReleaseButton(1);
+    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+    EXPECT_EQ(LoadPng(WaitForSnips(folder, 1).front().image), desktop.Crop({30, 40, 201, 97}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, Outputs,
+    testing::Values(OutputsCase{"TheFirst", MakePair("scale 1"), 0}, OutputsCase{"TheSecond", MakePair("scale 1"), 1},
+                    OutputsCase{"TheSecondAtAQuarterMore", MakePair("scale 1.25"), 1},
+                    OutputsCase{"TheSecondAtAHalfMore", MakePair("scale 1.5"), 1},
+                    OutputsCase{"TheSecondAtTwice", MakePair("scale 2"), 1},
+                    OutputsCase{"ATurned", {{{0, 0, 600, 420}, "transform 90", Turn::Quarter}}, 0}),
+    [](const auto& parameter) { return parameter.param.name; });
+
+} // namespace
+} // namespace Orvik::Tests
