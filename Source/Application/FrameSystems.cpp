@@ -19,6 +19,12 @@ namespace Orvik::System::Runtime
 namespace
 {
 
+bool IsRunEnding()
+{
+    const Application* const application = Application::FindInstance();
+    return application != nullptr && application->IsShutdownRequested();
+}
+
 void EndWithoutDesktop()
 {
     if (Application* const application = Application::FindInstance())
@@ -37,7 +43,7 @@ void StartDesktop()
     Log::Write(Log::GetSystemContext(), Log::MessageTypeID::Verbose, "The desktop is ", choice.desktop.GetName(), ": ",
                choice.reason, ".");
     Desktops::SetDesktop(choice.desktop);
-    choice.desktop.SetLossHandler(&EndWithoutDesktop);
+    choice.desktop.SetRunHandlers({.onLoss = &EndWithoutDesktop, .isEnding = &IsRunEnding});
 }
 
 } // namespace

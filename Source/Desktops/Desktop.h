@@ -20,6 +20,13 @@ class Window;
 namespace Orvik::Desktops
 {
 
+/// What a desktop needs from the run. Null for nothing.
+struct RunHandlers
+{
+    void (*onLoss)() = nullptr;   ///< the desktop is lost
+    bool (*isEnding)() = nullptr; ///< whether the run has been asked to end: a wait for the user ends then
+};
+
 /// What the program needs from a desktop. The program uses the shared classes (`Window`, `DisplayCache`,
 /// `CaptureContext`, `Cursor`, `PixelSurface`, `GLContext`); they hold the objects that this makes. A desktop
 /// translates and serves; it decides nothing. It connects to its server at the first request. Main thread.
@@ -29,8 +36,8 @@ public:
     /// The name that the log shows.
     [[nodiscard]] virtual const char* GetName() const = 0;
 
-    /// Sets what to call if the desktop is lost during a run. Null for nothing.
-    virtual void SetLossHandler(void (*handler)()) = 0;
+    /// Before the first request of a run.
+    virtual void SetRunHandlers(const RunHandlers& handlers) = 0;
 
     /// Makes the settings that the system needs before displays are measured. False if there is no desktop. Warnings go
     /// to `log`.

@@ -163,7 +163,7 @@ TEST_F(ApplicationTest, AnOrdinaryLogDoesNotSayHowDesktopAndPainterWereChosen)
 TEST_F(ApplicationDeathTest, ADesktopThatIsGoneEndsTheRunAsEscapeDoes)
 {
     UseOutput();
-    desktop.messages.emplace_back([this](System::Desktop::Window&) { desktop.lossHandler(); });
+    desktop.messages.emplace_back([this](System::Desktop::Window&) { desktop.handlers.onLoss(); });
     EXPECT_EXIT(Run(), testing::ExitedWithCode(0), "");
 }
 

@@ -56,7 +56,7 @@ struct NullDesktopValues
     std::uint64_t waits = 0;      ///< how often a window has waited for a message
     std::function<void()> onWait; ///< called before each wait; may be empty
 
-    void (*lossHandler)() = nullptr;
+    Desktops::RunHandlers handlers;
 };
 
 /// A desktop that consists of values, accepts every call, and records it. With it the code above the desktop can be
@@ -70,7 +70,7 @@ public:
     void Reset() { static_cast<NullDesktopValues&>(*this) = NullDesktopValues(); }
 
     [[nodiscard]] const char* GetName() const override { return "Null"; }
-    void SetLossHandler(void (*handler)()) override { lossHandler = handler; }
+    void SetRunHandlers(const Desktops::RunHandlers& given) override { handlers = given; }
     [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
     [[nodiscard]] Desktops::DisplayList ListDisplays() override;
     [[nodiscard]] Desktops::Failure CheckCapture() override { return captureObstacle; }

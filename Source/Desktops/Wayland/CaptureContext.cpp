@@ -1,7 +1,6 @@
 #include "Desktops/Wayland/CaptureContext.h"
 
 #include "Core/System/Log/LogSite.h"
-#include "Core/System/Runtime/Application.h"
 #include "Core/System/Time/MonotonicClock.h"
 #include "Desktops/Wayland/BusCapture.h"
 #include "Desktops/Wayland/ImageCopyCapture.h"
@@ -56,14 +55,9 @@ std::vector<std::unique_ptr<ScreenCapture>> MakeScreenCaptures(Session& session)
     ways.push_back(std::make_unique<ImageCopyCapture>(session));
     ways.push_back(std::make_unique<WlrScreenCapture>(session));
     // A run that is asked to end doesn't wait for the user's answer, nor does one without a compositor.
-    ways.push_back(std::make_unique<BusCapture>(session,
-                                                [&session]
-                                                {
-                                                    const auto* const run =
-                                                        System::Runtime::Application::FindInstance();
-                                                    return !session.connection->Dispatch(0) ||
-                                                           (run != nullptr && run->IsShutdownRequested());
-                                                }));
+    ways.push_back(std::make_unique<BusCapture>(
+        session, [&session]
+        { return !session.connection->Dispatch(0) || (session.isEnding != nullptr && session.isEnding()); }));
     return ways;
 }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fmt/format.h>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -39,7 +40,7 @@ std::string MakeRequestPath(const SessionBus& bus)
     std::string sender = bus.GetUniqueName();
     std::erase(sender, ':');
     std::replace(sender.begin(), sender.end(), '.', '_');
-    return std::string(s_path) + "/request/" + sender + "/" + s_token;
+    return fmt::format("{}/request/{}/{}", s_path, sender, s_token);
 }
 
 /// One request to the portal, from the question to its answer.

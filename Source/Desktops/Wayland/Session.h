@@ -26,7 +26,7 @@ struct Session
         : connection(std::move(opened)), globals(*connection), seat(globals.seat, globals.relativePointer)
     {
         // Which devices there are, and the keyboard's layout.
-        [[maybe_unused]] const bool isTold = connection->Roundtrip() && connection->Roundtrip();
+        [[maybe_unused]] const bool isKnown = connection->Roundtrip() && connection->Roundtrip();
     }
 
     /// The surface of one of our windows; null if it is gone, or the handle isn't one.
@@ -40,6 +40,7 @@ struct Session
     LentMemory lentMemory;
     std::vector<WindowSurface*> surfaces; ///< of all windows, which add and remove themselves
     WindowSurface* overlay = nullptr;     ///< the one that has claimed the pointer
+    bool (*isEnding)() = nullptr;         ///< as `RunHandlers` says
 };
 
 } // namespace Orvik::Desktops::Wayland

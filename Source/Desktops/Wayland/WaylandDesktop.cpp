@@ -50,8 +50,9 @@ const std::shared_ptr<Session>& WaylandDesktop::GetSession()
     m_isTried = true;
     if (std::shared_ptr<WaylandConnection> connection = WaylandConnection::Open(m_failure))
     {
-        connection->SetLossHandler(m_lossHandler);
+        connection->SetLossHandler(m_handlers.onLoss);
         m_session = std::make_shared<Session>(std::move(connection));
+        m_session->isEnding = m_handlers.isEnding;
         m_pointer.SetSession(m_session);
     }
     return m_session;
@@ -62,11 +63,13 @@ Failure WaylandDesktop::Connect()
     return GetSession() == nullptr ? Failure(m_failure) : std::nullopt;
 }
 
-void WaylandDesktop::SetLossHandler(void (*handler)())
+void WaylandDesktop::SetRunHandlers(const RunHandlers& handlers)
 {
-    m_lossHandler = handler;
-    if (m_session != nullptr)
-        m_session->connection->SetLossHandler(handler);
+    m_handlers = handlers;
+    if (m_session == nullptr)
+        return;
+    m_session->connection->SetLossHandler(handlers.onLoss);
+    m_session->isEnding = handlers.isEnding;
 }
 
 bool WaylandDesktop::PrepareDisplays(const System::Log::Context& log)

@@ -25,7 +25,7 @@ public:
     [[nodiscard]] Failure Connect();
 
     [[nodiscard]] const char* GetName() const override { return "Wayland"; }
-    void SetLossHandler(void (*handler)()) override;
+    void SetRunHandlers(const RunHandlers& handlers) override;
     [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
     [[nodiscard]] DisplayList ListDisplays() override;
     [[nodiscard]] Failure CheckCapture() override;
@@ -42,7 +42,7 @@ private:
 
     bool m_isTried = false;
     std::string m_failure; ///< why there is no session
-    void (*m_lossHandler)() = nullptr;
+    RunHandlers m_handlers;
     std::shared_ptr<Session> m_session;
     Pointer m_pointer;
 };

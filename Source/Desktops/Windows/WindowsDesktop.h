@@ -11,7 +11,7 @@ class WindowsDesktop final : public Desktop
 {
 public:
     [[nodiscard]] const char* GetName() const override { return "Windows"; }
-    void SetLossHandler(void (* /*handler*/)()) override {} ///< it ends with the session, by a message
+    void SetRunHandlers(const RunHandlers& /*handlers*/) override {} ///< it ends with the session, by a message
     [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
     [[nodiscard]] DisplayList ListDisplays() override;
     [[nodiscard]] Failure CheckCapture() override { return std::nullopt; }

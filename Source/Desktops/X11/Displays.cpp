@@ -234,10 +234,10 @@ Failure X11Desktop::CheckCapture()
     ::Display* const display = GetXDisplay();
     if (display == nullptr || (!m_hasXwaylandMonitor && !HasXwaylandExtension(display)))
         return std::nullopt;
-    const std::string reason = "This X server is the one of a Wayland session (Xwayland): the screen isn't on it. ";
-    if (m_waylandFailure.empty())
-        return reason + "Start SnipBench with WAYLAND_DISPLAY set";
-    return reason + "WAYLAND_DISPLAY is set, but " + m_waylandFailure;
+    const std::string advice = m_waylandFailure.empty()
+                                   ? "Start SnipBench with WAYLAND_DISPLAY set"
+                                   : fmt::format("WAYLAND_DISPLAY is set, but {}", m_waylandFailure);
+    return fmt::format("This X server is the one of a Wayland session (Xwayland): the screen isn't on it. {}", advice);
 }
 
 DisplayList X11Desktop::ListDisplays()

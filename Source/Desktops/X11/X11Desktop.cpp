@@ -10,9 +10,9 @@
 namespace Orvik::Desktops::X11
 {
 
-void X11Desktop::SetLossHandler(void (*handler)())
+void X11Desktop::SetRunHandlers(const RunHandlers& handlers)
 {
-    X11::SetLossHandler(handler);
+    SetLossHandler(handlers.onLoss);
 }
 
 GraphicsCard X11Desktop::FindGraphicsCard()

@@ -18,7 +18,7 @@ public:
     void SetWaylandFailure(std::string failure) { m_waylandFailure = std::move(failure); }
 
     [[nodiscard]] const char* GetName() const override { return "X11"; }
-    void SetLossHandler(void (*handler)()) override;
+    void SetRunHandlers(const RunHandlers& handlers) override;
     [[nodiscard]] bool PrepareDisplays(const System::Log::Context& log) override;
     [[nodiscard]] DisplayList ListDisplays() override;
     [[nodiscard]] Failure CheckCapture() override;
