@@ -50,8 +50,8 @@ std::vector<bool> CoverRow(const std::vector<Point>& ring, int y, int width)
         }
         if ((p.y < y) == (q.y < y))
             continue;
-        const double x = p.x + (static_cast<double>(q.x) - p.x) * (static_cast<double>(y) - p.y) /
-                                   (static_cast<double>(q.y) - p.y);
+        const double x =
+            p.x + (static_cast<double>(q.x) - p.x) * (static_cast<double>(y) - p.y) / (static_cast<double>(q.y) - p.y);
         crossings.push_back(static_cast<int>(std::min(std::trunc(x), static_cast<double>(width - 1))));
     }
     std::sort(crossings.begin(), crossings.end());
@@ -161,8 +161,8 @@ void CropAndResize(Bytes input)
     const Bitmap source = MakePicture(width, height, kinds[kind % 7]);
     const std::int32_t left = reader.TakeNumber();
     const std::int32_t top = reader.TakeNumber();
-    const std::uint32_t cutWidth = reader.TakeByte();
-    const std::uint32_t cutHeight = reader.TakeByte();
+    const std::uint32_t cutWidth = reader.TakeByte() % 96;
+    const std::uint32_t cutHeight = reader.TakeByte() % 96;
     const Bitmap cut = source.Crop(left, top, cutWidth, cutHeight);
     Require(cut.GetWidth() == cutWidth && cut.GetHeight() == cutHeight, "a cut has the size that was wanted");
     if (source.GetBitsPerPixel() >= 8 && cut.GetStride() == cutWidth * (source.GetBitsPerPixel() / 8U))
@@ -172,8 +172,8 @@ void CropAndResize(Bytes input)
     if (source.GetBitsPerPixel() >= 8 && near.GetStride() == cutWidth * (source.GetBitsPerPixel() / 8U))
         RequireCrop(near, source, left % 64, top % 64);
 
-    const std::uint32_t newWidth = reader.TakeByte();
-    const std::uint32_t newHeight = reader.TakeByte();
+    const std::uint32_t newWidth = reader.TakeByte() % 96;
+    const std::uint32_t newHeight = reader.TakeByte() % 96;
     const bool isWhole = newWidth * (source.GetBitsPerPixel() / 8U) <= 0xFFFF;
     for (const ResizeMethod method : {ResizeMethod::Nearest, ResizeMethod::Bilinear, ResizeMethod::Box})
     {

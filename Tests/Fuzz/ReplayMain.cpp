@@ -1,5 +1,5 @@
-// Runs each target once with each file of its folder: seeds, and whatever a fuzzer has found. The argument is the folder
-// that has the targets' folders; a second one names a single target.
+// Runs each target once with each file of its folder: seeds, and whatever a fuzzer has found. The argument is the
+// folder that has the targets' folders; a second one names a single target.
 #include "Desktops/Desktop.h"
 #include "Tests/Fuzz/Targets.h"
 #include "Tests/Support/BinaryFile.h"

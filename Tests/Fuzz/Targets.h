@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <span>
 
-/// What is fed with bytes that mean nothing, or that somebody made on purpose. A target takes any input; what mustn't be
-/// ends the process.
+/// What is fed with bytes that mean nothing, or that somebody made on purpose. A target takes any input; what mustn't
+/// be ends the process.
 namespace Orvik::Fuzz
 {
 
