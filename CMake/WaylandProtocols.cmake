@@ -38,6 +38,7 @@ function(orvik_add_protocols target)
     endforeach()
     add_library(${target} STATIC ${sources})
     target_include_directories(${target} SYSTEM PUBLIC ${folder})
+    orvik_harden(${target})
 endfunction()
 
 orvik_add_protocols(OrvikWaylandProtocols ${protocol_descriptions})

@@ -75,6 +75,7 @@ rm -rf "$work"
 Scripts/stage-linux.sh "$stage/usr"
 # It names the program by its path, and of this package that is known.
 install -m 644 Packaging/Linux/snipbench-kwin.desktop "$stage/usr/share/applications/snipbench-kwin.desktop"
+Scripts/make-sbom.py linux "$stage/usr" "$stage/usr/share/doc/snipbench/sbom.cdx.json"
 write_changelog
 write_control
 dpkg-deb --root-owner-group -Zxz --build "$stage" "$file" >/dev/null

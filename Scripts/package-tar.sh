@@ -33,6 +33,7 @@ put_libraries()
 rm -rf build/package-tar
 Scripts/stage-linux.sh "$stage"
 put_libraries
+Scripts/make-sbom.py linux "$stage" "$stage/share/doc/snipbench/sbom.cdx.json"
 install -m 644 Packaging/Linux/Readme.txt "$stage/Readme.txt"
 install -m 644 LICENSE "$stage/License.txt"
 tar --create --directory build/package-tar --sort=name --owner=0 --group=0 --numeric-owner \

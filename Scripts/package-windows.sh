@@ -26,9 +26,11 @@ cp LICENSE "$stage/License.txt"
 cp CHANGELOG.md "$stage/Changelog.txt"
 cp Packaging/Windows-Readme.txt "$stage/Readme.txt"
 
-# The linked libraries, each with the licence text of its package.
+# The linked libraries, each with the licence text of its package, and named in the supply list.
+components=()
 while read -r package title; do
     cp -L "/usr/share/doc/$package/copyright" "$stage/Licenses/$title.txt"
+    components+=("$package=$title")
 done <<'LIST'
 libpng-dev libpng
 libdeflate-dev libdeflate
@@ -40,6 +42,8 @@ rapidjson-dev RapidJSON
 gcc-mingw-w64-base GCC-runtime
 mingw-w64-common mingw-w64
 LIST
+SOURCE_DATE_EPOCH=$(. Scripts/release.sh; release_time) \
+    Scripts/make-sbom.py windows "$stage" "$stage/Sbom.cdx.json" "${components[@]}"
 
 # On older versions, Windows' own text editor only knows these line ends.
 find "$stage" -maxdepth 2 -name '*.txt' -exec sed -i 's/\r*$/\r/' {} +

@@ -9,6 +9,7 @@
 #   Scripts/setup-linux.sh --test       and what the tests need
 #   Scripts/setup-linux.sh --wayland    and KWin and GNOME beside sway, which the tests install anyway
 #   Scripts/setup-linux.sh --coverage   and what counting the lines they run needs
+#   Scripts/setup-linux.sh --fuzz       and what the fuzzer needs
 #   Scripts/setup-linux.sh --package    what building and packing the program needs
 set -euo pipefail
 
@@ -33,9 +34,11 @@ test_packages=(xvfb x11-xkb-utils openbox xcompmgr locales libgtest-dev libgmock
 compositor_packages=(sway swaybg dbus-daemon)
 desktop_compositor_packages=(kwin-wayland gnome-shell xdg-desktop-portal-gnome libglib2.0-bin)
 coverage_packages=(gcovr)
+fuzz_packages=(clang libclang-rt-dev) # libFuzzer is in the second one
 # What the tests of packages, documents and recipes use: they skip what is missing.
 installed_packages=(
     xdotool lintian desktop-file-utils appstream shellcheck man-db zsh fish xclip xdg-user-dirs tesseract-ocr
+    strace binutils
 )
 package_packages=(dpkg-dev librsvg2-bin patchelf python3 wixl)
 
@@ -61,9 +64,10 @@ case "${1:-}" in
         packages+=("${test_packages[@]}" "${package_packages[@]}" "${installed_packages[@]}" "${compositor_packages[@]}")
         [ "$1" = --test ] || packages+=("${desktop_compositor_packages[@]}")
         ;;
+    --fuzz) packages+=("${test_packages[@]}" "${fuzz_packages[@]}") ;;
     --coverage) packages+=("${test_packages[@]}" "${coverage_packages[@]}") ;;
     --package) packages+=("${package_packages[@]}") ;;
-    *) echo "usage: $0 [--demo | --benchmark | --test | --wayland | --coverage | --package]" >&2; exit 2 ;;
+    *) echo "usage: $0 [--demo | --benchmark | --test | --wayland | --coverage | --fuzz | --package]" >&2; exit 2 ;;
 esac
 
 has_font()

@@ -285,8 +285,8 @@ bool Application::OnWindowEvent(const WindowEvent& event)
 bool Application::OnResult(Graphics::Tools::SnipBench::Result& result)
 {
     const SnipFileSettings settings{m_outputDirectory, m_fileFormat.data(), m_keepMask,
-                                    [this](const std::string& path)
-                                    { ShowSavedPath(path, m_savedPathLabel, m_renderer); }};
+                                    [this](const std::string& text)
+                                    { ShowSavedPath(text, m_savedPathLabel, m_renderer); }};
     if (m_annotate)
         SaveAnnotation(result, settings);
     else

@@ -17,9 +17,9 @@ constexpr float s_depth = 1.5F;
 
 } // namespace
 
-void ShowSavedPath(const std::string& path, Graphics::Tools::TimedLabel& label, Graphics::Renderer::Renderer& renderer)
+void ShowSavedPath(const std::string& shown, Graphics::Tools::TimedLabel& label, Graphics::Renderer::Renderer& renderer)
 {
-    Graphics::Renderer::Text* const text = label.Show(path.c_str(), s_duration, renderer);
+    Graphics::Renderer::Text* const text = label.Show(shown.c_str(), s_duration, renderer);
     if (text == nullptr)
         return;
     const auto size = static_cast<std::uint16_t>(std::max(renderer.GetUiScale() * s_size, s_size));

@@ -8,6 +8,7 @@
 #include "Core/System/Types/GuidGeneration.h"
 
 #include <exception>
+#include <system_error>
 
 namespace Orvik::SnipBench
 {
@@ -28,15 +29,25 @@ std::filesystem::path MakeFilePath(const SnipFileSettings& settings, const GUID&
 void ShowAbsolutePath(const SnipFileSettings& settings, const std::filesystem::path& path)
 {
     const std::filesystem::path absolute = System::Text::MakeAbsolute(path);
-    if (settings.showSavedPath)
-        settings.showSavedPath(System::Text::PathToUtf8(absolute));
+    if (settings.showText)
+        settings.showText(System::Text::PathToUtf8(absolute));
+}
+
+/// In place of the path. Here the directory that can't be made absolute is no further failure.
+void ShowFailure(const SnipFileSettings& settings, const std::filesystem::path& path)
+{
+    if (!settings.showText)
+        return;
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    settings.showText("Not saved: " + System::Text::PathToUtf8(error ? path : absolute));
 }
 
 /// Writes the text that `makeText` returns as the whole file. A file that can't be opened isn't logged; one that can't
 /// be written, or that another program keeps, is logged, and keeps what it held before. An exception on the way, such
-/// as one for lack of memory, costs this file but not the run.
+/// as one for lack of memory, costs this file but not the run. The user is shown each failure.
 template <typename MakeText>
-void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
+void WriteMetaFile(const SnipFileSettings& settings, const std::filesystem::path& path, const MakeText& makeText)
 {
     const System::Time::TraceScope step("JSON file");
     auto result = System::Text::Replacement::NotWritten;
@@ -50,6 +61,8 @@ void WriteMetaFile(const std::filesystem::path& path, const MakeText& makeText)
     }
     if (result == System::Text::Replacement::NotWritten || result == System::Text::Replacement::Held)
         Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Failed to save meta file: ", path);
+    if (result != System::Text::Replacement::Done)
+        ShowFailure(settings, path);
 }
 
 /// The rectangles of this process, and the identifier of the one picture they lie on.
@@ -93,8 +106,11 @@ void SaveSnip(Result& result, const SnipFileSettings& settings)
         result.snip->ClearOutsidePolygon(*result.polygon, false);
     }
     if (!SaveImage(*result.snip, settings.format, System::Text::PathToUtf8(imagePath)))
+    {
+        ShowFailure(settings, imagePath);
         return;
-    WriteMetaFile(MakeFilePath(settings, id, "json"),
+    }
+    WriteMetaFile(settings, MakeFilePath(settings, id, "json"),
                   [&] {
                       return MakeMetaJson(id, result.startTime, result.snip->GetWidth(), result.snip->GetHeight(),
                                           result.polygon);
@@ -117,13 +133,16 @@ void SaveAnnotation(Result& result, const SnipFileSettings& settings)
     {
         const std::filesystem::path imagePath = MakeFilePath(settings, list.imageId, settings.format);
         if (!SaveImage(*result.capture, settings.format, System::Text::PathToUtf8(imagePath)))
+        {
+            ShowFailure(settings, imagePath);
             return;
+        }
     }
     list.records.push_back({System::GenerateGuid(), *result.bounds});
 
     const std::filesystem::path path = MakeFilePath(settings, list.imageId, "json");
     ShowAbsolutePath(settings, path);
-    WriteMetaFile(path,
+    WriteMetaFile(settings, path,
                   [&]
                   {
                       return MakeAnnotationJson(list.imageId, result.startTime, result.capture->GetWidth(),

@@ -16,11 +16,13 @@ struct SnipFileSettings
     std::filesystem::path directory;
     std::string format; ///< "png" or "bmp": the image's kind and extension
     bool keepMask = false;
-    std::function<void(const std::string& path)> showSavedPath; ///< shows the user where a file goes, UTF-8
+    /// Shows the user a text, UTF-8: where a file goes, or that it couldn't be written. The last one counts.
+    std::function<void(const std::string& text)> showText;
 };
 
 /// Writes the image and the meta file of one selection, under a new identifier. Throws the file-system error "absolute"
-/// if the directory can't be made absolute; after any other failure the run goes on.
+/// if the directory can't be made absolute; after any other failure the run goes on, and the user is shown "Not saved:
+/// " with the path.
 void SaveSnip(Graphics::Tools::SnipBench::Result& result, const SnipFileSettings& settings);
 
 /// Adds one rectangle to the process's annotation list and rewrites the annotation file; the first one saves the whole

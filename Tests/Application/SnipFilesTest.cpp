@@ -203,7 +203,51 @@ TEST_F(SnipFiles, AnImageThatCannotBeSavedHasNoMetaFileAndNoLine)
     SaveSnip(result, settings);
     EXPECT_TRUE(std::filesystem::is_empty(directory.GetPath()));
     EXPECT_THAT(log.GetLines(), IsEmpty());
-    EXPECT_EQ(shownTexts.size(), 1U) << "the path is shown before the image is written";
+    ASSERT_EQ(shownTexts.size(), 2U) << "the path is shown before the image is written";
+    EXPECT_EQ(shownTexts[1], "Not saved: " + shownTexts[0]) << "and replaced";
+}
+
+TEST_F(SnipFiles, AMetaFileThatCannotBeReplacedIsShown)
+{
+    // The image's name is chosen when it is written; a directory can only be in the way of every name.
+    SnipFileSettings settings = MakeSettings();
+    settings.showText = [this](const std::string& text)
+    {
+        shownTexts.push_back(text);
+        std::filesystem::path meta = std::filesystem::path(text).replace_extension(".json");
+        if (shownTexts.size() == 1)
+            std::filesystem::create_directories(meta / "in the way");
+    };
+    SaveSnip(result, settings);
+    ASSERT_EQ(shownTexts.size(), 2U);
+    EXPECT_EQ(shownTexts[1], "Not saved: " + std::filesystem::path(shownTexts[0]).replace_extension(".json").string());
+}
+
+TEST_F(SnipFiles, TheSelectionAfterAFailureIsTriedAsIfNothingHadBeen)
+{
+    SaveSnip(result, MakeSettings());
+    SnipFileSettings broken = MakeSettings();
+    broken.directory /= "missing";
+    const std::string first = Tests::ReadText(shownTexts.front());
+    SaveSnip(result, broken);
+    SaveSnip(result, MakeSettings());
+    EXPECT_EQ(ListFilesOf(directory.GetPath(), ".png").size(), 2U);
+    EXPECT_EQ(ListFilesOf(directory.GetPath(), ".json").size(), 2U);
+    EXPECT_EQ(Tests::ReadText(shownTexts.front()), first) << "what was saved stays whole";
+    ASSERT_EQ(shownTexts.size(), 4U);
+    EXPECT_EQ(shownTexts.back().find("Not saved"), std::string::npos);
+}
+
+TEST_F(SnipFiles, FilesAreNamedByTheProgramAlone)
+{
+    // Whatever the selection holds, a name is an identifier and one of three endings.
+    const std::regex name(R"(\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\}\.(png|bmp|json))");
+    polygon = {{-2147483647, 7}, {9, 0}, {0, 9}, {-2147483647, 7}};
+    result.polygon = &polygon;
+    SaveSnip(result, MakeSettings());
+    SaveSnip(result, MakeSettings("bmp"));
+    for (const auto& entry : std::filesystem::directory_iterator(directory.GetPath()))
+        EXPECT_TRUE(std::regex_match(entry.path().filename().string(), name)) << entry.path();
 }
 
 TEST_F(SnipFiles, AnUnknownFormatIsLogged)
@@ -229,7 +273,9 @@ TEST_F(SnipFiles, AnnotationsShareOneImageAndOneFile)
     SnipFileSettings unwritable = settings;
     unwritable.directory /= "missing";
     SaveAnnotation(result, unwritable);
-    EXPECT_THAT(shownTexts, IsEmpty()) << "a capture that can't be saved leaves no record";
+    EXPECT_THAT(shownTexts, ElementsAre(testing::StartsWith("Not saved: ")))
+        << "a capture that can't be saved leaves no record";
+    shownTexts.clear();
 
     for (int index = 0; index < 3; ++index)
     {
@@ -281,7 +327,8 @@ TEST_F(SnipFiles, AnAnnotationFileThatWillNotOpenPassesInSilence)
     std::filesystem::create_directory(part);
     SaveAnnotation(result, settings);
     EXPECT_EQ(Tests::ReadText(files[0]), before);
-    EXPECT_EQ(shownTexts.size(), 3U) << "the path is shown before the file is written";
+    ASSERT_EQ(shownTexts.size(), 4U) << "the path is shown before the file is written";
+    EXPECT_EQ(shownTexts[3], "Not saved: " + shownTexts[2]) << "and replaced";
 
     std::filesystem::remove(part);
     SaveAnnotation(result, settings);

@@ -36,7 +36,9 @@ TEST(SnipFilesLinux, AMetaFileThatWillNotOpenPassesInSilence)
 {
     const Tests::TemporaryDirectory start;
     const Tests::LogRecorder log;
-    const SnipFileSettings settings = {MakeLongDirectory(start.GetPath()), "png", false, {}};
+    std::string shown;
+    const SnipFileSettings settings = {MakeLongDirectory(start.GetPath()), "png", false,
+                                       [&shown](const std::string& text) { shown = text; }};
     ASSERT_EQ(settings.directory.string().size(), 4052U);
     System::Multimedia::Bitmap snip(4, 3, 32);
     System::Math::Rectangle bounds = {0, 0, 4, 3};
@@ -48,6 +50,7 @@ TEST(SnipFilesLinux, AMetaFileThatWillNotOpenPassesInSilence)
     EXPECT_EQ(files->path().extension(), ".png");
     EXPECT_EQ(std::distance(files, std::filesystem::directory_iterator()), 1);
     EXPECT_THAT(log.GetLines(), testing::IsEmpty());
+    EXPECT_THAT(shown, testing::StartsWith("Not saved: ")) << "the overlay says it";
 }
 
 } // namespace

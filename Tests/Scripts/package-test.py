@@ -4,6 +4,7 @@
     package-test.py PROGRAM
 """
 import gzip
+import json
 import os
 import re
 import shutil
@@ -178,6 +179,35 @@ class Package(unittest.TestCase):
         depends = run("dpkg-deb", "--field", self.deb, "Depends").stdout
         for library in ("libc6", "libfmt", "libx11-6", "libegl1", "libpng16-16"):
             self.assertIn(library, depends)
+
+    def check_supply_list(self, prefix, bundled):
+        """Each library that a program names is a component with a version and a licence, and so is what isn't linked."""
+        document = json.loads((prefix / "share/doc/snipbench/sbom.cdx.json").read_text(encoding="utf-8"))
+        self.assertEqual((document["bomFormat"], document["specVersion"]), ("CycloneDX", "1.5"))
+        self.assertEqual(document["metadata"]["component"]["name"], "SnipBench")
+        components = {component["name"]: component for component in document["components"]}
+        needed = set()
+        for program in (prefix / "lib/snipbench/Binaries/Linux-x64").iterdir():
+            needed |= set(re.findall(r"\(NEEDED\).*\[(.+)\]", run("readelf", "-dW", program).stdout))
+        # Of the C library's package, the loader has no line of its own in what is linked.
+        self.assertGreater(len(needed), 15)
+        self.assertLessEqual(needed - {"ld-linux-x86-64.so.2"}, set(components))
+        self.assertLessEqual({"RapidJSON", "KISS FFT", "Mulish", "wayland-protocols"}, set(components))
+        for component in components.values():
+            self.assertTrue(component["version"] and component["licenses"] and component["purl"], component["name"])
+        places = {name: {entry["name"]: entry["value"] for entry in component["properties"]}["orvik:place"]
+                  for name, component in components.items()}
+        inside = {name for name, place in places.items() if place == "in the package"}
+        self.assertEqual({re.sub(r"\.so\..*", "", name) for name in inside}, bundled | {"Mulish"})
+
+    def test_supply_list_of_the_package(self):
+        self.check_supply_list(self.root / "usr", set())
+
+    def test_supply_list_of_the_archive(self):
+        folder = self.folder / "archive for its list"
+        folder.mkdir()
+        subprocess.run(["tar", "-xzf", self.archive, "-C", folder], check=True)
+        self.check_supply_list(next(folder.iterdir()), {"libfmt", "libdeflate"})
 
     def test_the_same_again(self):
         before = self.deb.read_bytes()

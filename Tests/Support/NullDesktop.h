@@ -40,8 +40,9 @@ struct NullDesktopValues
     bool hasGraphicsCard = true;
     bool surfacesCreate = true;
     std::vector<std::vector<System::Math::Rectangle>> presentations; ///< the parts that each frame showed
-    std::uint64_t frames = 0;                                        ///< begun in memory
-    std::uint64_t finishedFrames = 0;                                ///< ended in memory
+    std::vector<std::uint32_t> shownPixels; ///< on the last surface in memory: blue | green << 8 | red << 16
+    std::uint64_t frames = 0;               ///< begun in memory
+    std::uint64_t finishedFrames = 0;       ///< ended in memory
 
     // Windows.
     bool windowRegisters = true;

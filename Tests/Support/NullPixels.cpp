@@ -2,6 +2,8 @@
 
 #include "Tests/Support/NullDesktop.h"
 
+#include <algorithm>
+
 namespace Orvik::Tests
 {
 
@@ -12,6 +14,7 @@ bool NullPixels::Create(Desktops::NativeWindow window, std::uint32_t width, std:
         return false;
     m_width = width;
     m_pixels = std::vector<std::uint32_t>(std::size_t{width} * height);
+    NullDesktop::GetInstance().shownPixels = m_pixels;
     return true;
 }
 
@@ -28,7 +31,20 @@ bool NullPixels::BeginFrame()
 
 void NullPixels::Present(std::span<const System::Math::Rectangle> areas)
 {
-    NullDesktop::GetInstance().presentations.emplace_back(areas.begin(), areas.end());
+    NullDesktopValues& desktop = NullDesktop::GetInstance();
+    desktop.presentations.emplace_back(areas.begin(), areas.end());
+    if (desktop.shownPixels.size() != m_pixels.size())
+        return; // another surface is shown
+    for (const System::Math::Rectangle& area : areas)
+    {
+        for (std::int32_t y = area.top; y < area.bottom; ++y)
+        {
+            const std::size_t row = static_cast<std::size_t>(y) * m_width;
+            std::copy(m_pixels.begin() + static_cast<std::ptrdiff_t>(row) + area.left,
+                      m_pixels.begin() + static_cast<std::ptrdiff_t>(row) + area.right,
+                      desktop.shownPixels.begin() + static_cast<std::ptrdiff_t>(row) + area.left);
+        }
+    }
 }
 
 void NullPixels::EndFrame()

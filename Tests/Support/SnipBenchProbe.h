@@ -26,6 +26,7 @@ public:
     [[nodiscard]] int GetWindowHeight() const { return m_windowHeight; }
     [[nodiscard]] int GetRegionWidth() const { return m_regionWidth; }
     [[nodiscard]] int GetRegionHeight() const { return m_regionHeight; }
+    [[nodiscard]] bool IsCropping() const { return m_cropToSelection; }
     [[nodiscard]] int GetControlFlag() const { return m_controlFlag; }
     [[nodiscard]] std::int64_t GetStartTime() const { return m_startTime; }
     [[nodiscard]] System::Multimedia::Bitmap& GetCapture() { return m_capture; }

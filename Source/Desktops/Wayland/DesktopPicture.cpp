@@ -46,19 +46,20 @@ std::size_t FindNearest(std::size_t target, std::size_t sourceCount, std::size_t
 std::optional<System::Math::Rectangle> FindOutput(const CapturedOutput& output, std::uint32_t width,
                                                   std::uint32_t height)
 {
-    const auto& [left, top, right, bottom] = output.desktop;
-    if (!IsUsable(output.desktop) || !IsUsable(output.logical) ||
-        System::Math::Intersect(output.desktop, output.logical) != output.logical || width == 0 || height == 0 ||
+    const System::Math::Rectangle& desktop = output.desktop;
+    if (!IsUsable(desktop) || !IsUsable(output.logical) ||
+        System::Math::Intersect(desktop, output.logical) != output.logical || width == 0 || height == 0 ||
         width > s_longestSide || height > s_longestSide)
         return std::nullopt;
-    const std::int64_t desktopWidth = std::int64_t{right} - left;
-    const std::int64_t desktopHeight = std::int64_t{bottom} - top;
+    const std::int64_t desktopWidth = std::int64_t{desktop.right} - desktop.left;
+    const std::int64_t desktopHeight = std::int64_t{desktop.bottom} - desktop.top;
     // Each side of the picture may be a pixel off.
     if (std::abs(width * desktopHeight - height * desktopWidth) > desktopWidth + desktopHeight)
         return std::nullopt;
     const auto toColumn = [&](std::int64_t x)
-    { return static_cast<std::int32_t>(Scale(x - left, width, desktopWidth)); };
-    const auto toRow = [&](std::int64_t y) { return static_cast<std::int32_t>(Scale(y - top, height, desktopHeight)); };
+    { return static_cast<std::int32_t>(Scale(x - desktop.left, width, desktopWidth)); };
+    const auto toRow = [&](std::int64_t y)
+    { return static_cast<std::int32_t>(Scale(y - desktop.top, height, desktopHeight)); };
     System::Math::Rectangle area = {toColumn(output.logical.left), toRow(output.logical.top),
                                     toColumn(output.logical.right), toRow(output.logical.bottom)};
     SetSide(area.left, area.right, output.width, width);

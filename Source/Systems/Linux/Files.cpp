@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 namespace Orvik::System::Text
 {
@@ -22,10 +23,23 @@ bool IsHeldPlatform(const std::filesystem::path& /*path*/, const std::error_code
 
 File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken)
 {
-    constexpr mode_t readAndWrite = 0666; // the user's mask takes away from that
+    constexpr mode_t readAndWrite = 0600;
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite);
     isTaken = descriptor < 0 && errno == EEXIST;
     return File(descriptor < 0 ? nullptr : fdopen(descriptor, "w"));
+}
+
+bool CreatePrivateDirectoryPlatform(const std::filesystem::path& path, std::error_code& error)
+{
+    constexpr mode_t forTheUser = 0700;
+    error.clear();
+    if (mkdir(path.c_str(), forTheUser) == 0)
+        return true;
+    const int reason = errno;
+    std::error_code ignored;
+    if (reason != EEXIST || !std::filesystem::is_directory(path, ignored))
+        error.assign(reason, std::generic_category());
+    return false;
 }
 
 std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)

@@ -39,6 +39,12 @@ File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken)
     return File(_fdopen(descriptor, "wt"));
 }
 
+// The profile, which has the directory, is the user's alone by its own rules.
+bool CreatePrivateDirectoryPlatform(const std::filesystem::path& path, std::error_code& error)
+{
+    return std::filesystem::create_directory(path, error);
+}
+
 // The standard library's function cuts the time to whole seconds here.
 std::int64_t GetWriteTime(const std::filesystem::path& path, std::error_code& error)
 {

@@ -62,7 +62,7 @@ bool ErrorHandling::Initialize(Runtime::Application* application)
 {
     Runtime::Application& owner = application != nullptr ? *application : Runtime::Application::GetInstance();
     const std::filesystem::path directory = Text::Join(owner.GetConfigCache().GetDataDirectory(), "Logs");
-    if (!Text::Exists(directory) && !Text::CreateDirectories(directory))
+    if (!Text::Exists(directory) && !Text::CreatePrivateDirectory(directory))
     {
         m_reportDirectory.clear();
         return false;
@@ -95,6 +95,9 @@ void ErrorHandling::WriteReportFile(const std::filesystem::path& path,
     writeReport(text);
     if (!m_reportDirectory.empty())
     {
+        // Made for the user alone. One of the same second is there already, and is replaced.
+        bool isTaken = false;
+        static_cast<void>(Text::OpenNewFilePlatform(path, isTaken));
         std::ofstream(path, std::ios::out | std::ios::trunc) << text.str();
         return;
     }

@@ -102,7 +102,7 @@ bool FileLogSink::Open()
     using namespace Error;
     ExpectClosed(ORVIK_HERE);
 
-    if (!Text::Exists(m_directory) && !Text::CreateDirectories(m_directory))
+    if (!Text::Exists(m_directory) && !Text::CreatePrivateDirectory(m_directory))
     {
         throw ExceptionWithDetails(
             ORVIK_HERE, ErrorDetails(LogNotInitializedError, "Failed to create directory for the log file."));

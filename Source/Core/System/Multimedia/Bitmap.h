@@ -68,9 +68,9 @@ public:
     void ClearOutsidePolygon(std::span<const Math::Point> polygon, bool valueToClear);
 
     /// Reads a file whose name ends in ".bmp" or ".png", in lower case. False, without a log line, if it is no file (a
-    /// directory or a pipe), can't be read, or is larger than a bitmap can hold; the bitmap is unchanged then. `path`
-    /// is UTF-8 on every platform. A PNG becomes 32 bits per pixel. A BMP keeps its own number of bits, even one that
-    /// can't be shown; pixels that are missing from its file are 0.
+    /// directory or a pipe), can't be read, has over 600 MiB of pixels or too long sides; the bitmap is unchanged then.
+    /// `path` is UTF-8 on every platform. A PNG becomes 32 bits per pixel. A BMP keeps its own number of bits, even one
+    /// that can't be shown; pixels that are missing from its file are 0.
     [[nodiscard]] bool Load(const std::string& path);
 
     /// Write a file, or replace an existing one. False, without a log line, if it can't be opened or not be written

@@ -83,6 +83,9 @@ bool Reader::ReadHeader(std::FILE* file) const
     return RunStep(m_png,
                    [this, file]
                    {
+                       // Nothing reads chunks beside those of the picture and its transparency, so they are skipped:
+                       // libpng clears as much memory as each claims to have, or unpacks it. -1 means all of them.
+                       png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
                        png_init_io(m_png, file);
                        png_read_info(m_png, m_info);
                    });

@@ -31,11 +31,13 @@ struct NewFile
     std::filesystem::path path; ///< the name that was free
 };
 
-/// Makes a new file and opens it. An existing file or link of that name isn't touched or followed: the next name is
-/// tried, with "_1", "_2" and so on before the extension. Nothing is open if the system refuses.
+/// Makes a new file that only the user can read, and opens it. An existing file or link of that name isn't touched or
+/// followed: the next name is tried, with "_1", "_2" and so on before the extension. Nothing is open if the system
+/// refuses.
 [[nodiscard]] NewFile OpenNewFile(const std::filesystem::path& path);
 
-/// The same with this name only. Null on failure; `isTaken` is set if something of that name exists.
+/// The same with this name only, for the user alone on every system whose directories don't see to that. Null on
+/// failure; `isTaken` is set if something of that name exists.
 [[nodiscard]] File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken);
 
 /// Writes bytes to a file. False if not all of them were written, as on a full disk.

@@ -79,4 +79,17 @@ bool CreateDirectories(const std::filesystem::path& path)
     return isCreated;
 }
 
+bool CreatePrivateDirectory(const std::filesystem::path& path)
+{
+    // "Logs/" names the directory "Logs", too.
+    const std::filesystem::path directory = path.has_filename() ? path : path.parent_path();
+    std::error_code error;
+    if (directory.has_parent_path())
+        std::filesystem::create_directories(directory.parent_path(), error);
+    const bool isCreated = !error && CreatePrivateDirectoryPlatform(directory, error);
+    if (error)
+        throw std::filesystem::filesystem_error("create_directories", path, error);
+    return isCreated;
+}
+
 } // namespace Orvik::System::Text

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace Orvik::System::Text
 {
@@ -27,5 +28,12 @@ namespace Orvik::System::Text
 /// Creates a directory with all its parents; one that exists is no error. Returns whether anything was created. Throws
 /// `std::filesystem::filesystem_error` with the operation "create_directories" and the path.
 bool CreateDirectories(const std::filesystem::path& path);
+
+/// The same, but nobody else may enter the directory or see what is in it. Its parents, and one that exists, keep or
+/// get the usual rights.
+bool CreatePrivateDirectory(const std::filesystem::path& path);
+
+/// Creates one directory, whose parent exists, for the user alone. False if it exists already, or with `error` set.
+[[nodiscard]] bool CreatePrivateDirectoryPlatform(const std::filesystem::path& path, std::error_code& error);
 
 } // namespace Orvik::System::Text

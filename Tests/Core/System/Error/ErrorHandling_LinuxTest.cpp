@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 #include <iostream>
 #include <stdexcept>
+#include <sys/stat.h>
 
 namespace Orvik::System::Error
 {
@@ -65,14 +66,19 @@ TEST(ErrorHandling, ReportsGoBesideTheLogFilesUnderTheApplicationsName)
     ForkedProcess process(
         []
         {
+            umask(0);
             const auto application = StartApplication();
             return FailSomeAssertion();
         });
     const ForkedResult result = process.Wait();
     EXPECT_EQ(result.signal, SIGABRT);
     EXPECT_EQ(Normalize(result.error), s_assertionReport);
-    EXPECT_THAT(ReadFiles(process.GetWorkingDirectory() / ".orvik" / "Logs"),
-                ElementsAre(Pair("TestApplication_ERROR_<time>.log", s_assertionReport)));
+    const std::filesystem::path directory = process.GetWorkingDirectory() / ".orvik" / "Logs";
+    EXPECT_THAT(ReadFiles(directory), ElementsAre(Pair("TestApplication_ERROR_<time>.log", s_assertionReport)));
+    // They are for the user alone.
+    EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(directory).permissions()), 0700U);
+    const std::filesystem::directory_iterator report(directory);
+    EXPECT_EQ(static_cast<unsigned>(report->status().permissions()), 0600U);
 }
 
 TEST(ErrorHandling, AnAssertionIsLoggedOnceThereIsALogger)

@@ -14,6 +14,7 @@
 #include <list>
 #include <string>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <thread>
 
@@ -24,6 +25,20 @@ namespace
 
 constexpr std::uint64_t s_roomForAll = 1'000'000;
 constexpr std::uint32_t s_keptDays = 10;
+
+TEST(FileLogSink, ALogIsForTheUserAlone)
+{
+    const Tests::TemporaryDirectory temporary;
+    const std::filesystem::path directory = temporary.GetPath() / "Logs";
+    const mode_t previous = umask(0);
+    FileLogSink sink(directory, "Name", s_roomForAll, s_keptDays);
+    EXPECT_TRUE(sink.Open());
+    umask(previous);
+    sink.Write("line\n");
+    EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(directory).permissions()), 0700U);
+    const std::filesystem::directory_iterator file(directory);
+    EXPECT_EQ(static_cast<unsigned>(file->status().permissions()), 0600U);
+}
 
 TEST(FileLogSink, AFullDiskLosesLinesAndNothingElse)
 {

@@ -211,8 +211,16 @@ TEST_F(BmpFile, LargerThanABitmapCanHoldIsRefused)
     ExpectRefused(BmpHeader{.height = lowest});
     ExpectRefused(BmpHeader{.bitsPerPixel = 256 + 32});
     ExpectRefused(BmpHeader{.bitsPerPixel = 65'535});
-    ExpectRefused(BmpHeader{.width = 16'383, .height = 32'771}); // beyond 2 GiB
+    ExpectRefused(BmpHeader{.width = 16'383, .height = 32'771});  // beyond 2 GiB
+    ExpectRefused(BmpHeader{.width = 16'383, .height = -32'700}); // a run would take more than 2 GiB
+    ExpectRefused(BmpHeader{.width = 16'383, .height = 9'601});
     ExpectRefused(BmpHeader{.width = highest, .height = lowest, .bitsPerPixel = 65'535});
+}
+
+TEST_F(BmpFile, WithSixHundredMebibytesOfPixelsLoads)
+{
+    ASSERT_TRUE(LoadBytes(MakeBmp({.width = 16'383, .height = 9'600}, {1, 2, 3, 4})));
+    EXPECT_EQ(m_bitmap.GetSize(), 629'107'200);
 }
 
 TEST_F(BmpFile, OfNegativeWidthIsRefused)
