@@ -68,7 +68,7 @@ public:
     void ClearOutsidePolygon(std::span<const Math::Point> polygon, bool valueToClear);
 
     /// Reads a file whose name ends in ".bmp" or ".png", in lower case. False, without a log line, if it is no file (a
-    /// directory or a pipe), can't be read, has over 600 MiB of pixels or too long sides; the bitmap is unchanged then.
+    /// directory or a pipe), can't be read, has over 512 MiB of pixels or too long sides; the bitmap is unchanged then.
     /// `path` is UTF-8 on every platform. A PNG becomes 32 bits per pixel. A BMP keeps its own number of bits, even one
     /// that can't be shown; pixels that are missing from its file are 0.
     [[nodiscard]] bool Load(const std::string& path);
