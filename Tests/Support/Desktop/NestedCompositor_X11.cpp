@@ -128,6 +128,8 @@ NestedCompositor::NestedCompositor(const CompositorOptions& options) : m_options
     m_environment["XDG_RUNTIME_DIR"] = GetRuntime().string();
     m_environment["XDG_SESSION_TYPE"] = "wayland";
     StartBuses();
+    if (!m_options.windows.empty())
+        NameClosing(GetDisplayName());
     StartCompositor();
 }
 
@@ -197,6 +199,11 @@ void NestedCompositor::PlaceOutputs()
 {
     if (!m_options.windows.empty())
         WaitFor([this] { return PlaceOutputWindows(GetDisplayName(), m_options.windows); }, [](int /*attempt*/) {});
+}
+
+void NestedCompositor::Unplug(std::size_t index) const
+{
+    CloseOutputWindow(GetDisplayName(), index);
 }
 
 bool NestedCompositor::Command(const std::string& command) const
