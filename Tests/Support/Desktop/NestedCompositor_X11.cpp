@@ -3,6 +3,7 @@
 #include "Tests/Support/Desktop/InputDriver.h"
 #include "Tests/Support/Desktop/OutputWindows.h"
 #include "Tests/Support/Desktop/Screen.h"
+#include "Tests/Support/Desktop/SwayCommand.h"
 #include "Tests/Support/Desktop/WaitForSocket.h"
 
 #include <algorithm>
@@ -208,8 +209,7 @@ void NestedCompositor::Unplug(std::size_t index) const
 
 bool NestedCompositor::Command(const std::string& command) const
 {
-    return std::system(("swaymsg -q -s " + GetRuntime().string() + "/sway-ipc.*.sock -- '" + command + "'").c_str()) ==
-           0;
+    return CommandSway(GetRuntime(), command);
 }
 
 // Its file has a capability, and where a container has taken that from all, the system doesn't start it. A copy has
