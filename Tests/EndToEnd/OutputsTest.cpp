@@ -7,6 +7,7 @@
 #include "Tests/Support/Overlay/OverlayModel.h"
 
 #include <algorithm>
+#include <csignal>
 #include <ostream>
 #include <sys/stat.h>
 #include <thread>
@@ -51,15 +52,15 @@ std::vector<OutputSetup> MakePair(const std::string& second)
             {{500, 0, 620, 450}, "position -700 -200 " + second, Turn::None}};
 }
 
-/// The program on a sway with outputs of the case's kind, and what is seen on one of them.
-class Outputs : public ProgramTest, public testing::WithParamInterface<OutputsCase>
+/// The program on a sway with several outputs.
+class OutputsOfSway : public ProgramTest
 {
 protected:
-    void SetUp() override
+    void StartSway(const std::vector<OutputSetup>& outputs)
     {
         Area screen;
         CompositorOptions options;
-        for (const OutputSetup& output : GetParam().outputs)
+        for (const OutputSetup& output : outputs)
         {
             options.windows.push_back(output.window);
             options.configuration +=
@@ -72,9 +73,9 @@ protected:
         m_compositor.emplace(options);
         for (const auto& [name, value] : m_compositor->GetEnvironment())
             m_environment[name] = value;
-        m_user = m_compositor->GetUser();
-        if (m_user)
+        if (m_compositor->GetUser() && !m_user)
         {
+            m_user = m_compositor->GetUser();
             m_installation.OpenToOthers();
             umask(0); // what the test makes is the program's to change
         }
@@ -82,6 +83,20 @@ protected:
         m_input.emplace(m_compositor->GetDisplayName());
         m_ground = m_compositor->ShowGround(MakeTestPicture(screen.width, screen.height, 3));
     }
+
+    [[nodiscard]] std::filesystem::path GetOutput() const { return m_installation.GetWork() / "out"; }
+
+    std::optional<NestedCompositor> m_compositor;
+    std::optional<Screen> m_screen;
+    std::optional<InputDriver> m_input;
+    Picture m_ground; ///< the screen without the overlay
+};
+
+/// What is seen on one of them.
+class Outputs : public OutputsOfSway, public testing::WithParamInterface<OutputsCase>
+{
+protected:
+    void SetUp() override { StartSway(GetParam().outputs); }
 
     [[nodiscard]] const OutputSetup& GetUsed() const { return GetParam().outputs.at(GetParam().used); }
     [[nodiscard]] bool IsTurned() const { return GetUsed().turn == Turn::Quarter; }
@@ -133,11 +148,50 @@ protected:
             EXPECT_EQ(now.Crop(window), m_ground.Crop(window)) << index;
         }
     }
+};
 
-    std::optional<NestedCompositor> m_compositor;
-    std::optional<Screen> m_screen;
-    std::optional<InputDriver> m_input;
-    Picture m_ground; ///< the screen without the overlay
+/// Outputs and compositors that go away.
+class LostOutputs : public OutputsOfSway
+{
+protected:
+    /// Starts the program on the second of two outputs. Returns once its overlay is there.
+    [[nodiscard]] ChildProcess StartOnTheSecond(const Arguments& more = {})
+    {
+        StartSway(MakePair(""));
+        m_input->MoveTo({700, 100});
+        Arguments arguments = {"-o", GetOutput().string()};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return Start(arguments);
+    }
+
+    [[nodiscard]] bool WaitForOverlay(const ChildProcess& process) const
+    {
+        return process.WaitUntil([this] { return m_screen->CaptureAll() != m_ground; });
+    }
+
+    /// False if its window stays.
+    [[nodiscard]] bool UnplugTheSecond() const
+    {
+        m_compositor->Unplug(1);
+        const auto end = Clock::now() + s_endLimit;
+        const auto isPlain = [this]
+        {
+            const Picture left = m_screen->CaptureAll().Crop(MakePair("").at(1).window);
+            return std::all_of(left.pixels.begin(), left.pixels.end(),
+                               [&left](std::uint32_t pixel) { return pixel == left.pixels.front(); });
+        };
+        while (!isPlain() && Clock::now() < end)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return isPlain();
+    }
+
+    void ExpectEndByTerminate(ChildProcess& process) const
+    {
+        process.SendSignal(SIGTERM);
+        EXPECT_TRUE(process.HasEndedWithin(std::chrono::seconds(5)));
+        ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
+        EXPECT_TRUE(ListFiles(GetOutput()).empty());
+    }
 };
 
 TEST_P(Outputs, TheOneWithThePointerIsCoveredAndItsPixelsAreSaved)
@@ -147,8 +201,7 @@ TEST_P(Outputs, TheOneWithThePointerIsCoveredAndItsPixelsAreSaved)
     OverlayState state;
     state.cursor = {30, 40};
     Point(state.cursor);
-    const std::filesystem::path folder = m_installation.GetWork() / "out";
-    ChildProcess process = Start({"-s", "true", "-o", folder.string()});
+    ChildProcess process = Start({"-s", "true", "-o", GetOutput().string()});
     ExpectLook(model.MakeLook(state));
     ExpectOthersUntouched();
     m_input->PressButton(1);
@@ -158,7 +211,45 @@ TEST_P(Outputs, TheOneWithThePointerIsCoveredAndItsPixelsAreSaved)
     ExpectLook(model.MakeLook(state));
     m_input->ReleaseButton(1);
     ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(folder, 1).front().image), desktop.Crop({30, 40, 201, 97}));
+    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), desktop.Crop({30, 40, 201, 97}));
+}
+
+// The window is closed by the system then, which ends no run.
+TEST_F(LostOutputs, OneThatGoesTakesTheOverlayWithItAndTheRunRests)
+{
+    ChildProcess process = StartOnTheSecond();
+    ASSERT_TRUE(WaitForOverlay(process));
+    ASSERT_TRUE(UnplugTheSecond());
+    EXPECT_FALSE(process.HasEndedWithin(std::chrono::milliseconds(500)));
+    EXPECT_EQ(m_screen->CaptureAll().Crop({0, 0, 500, 450}), m_ground.Crop({0, 0, 500, 450}));
+    ExpectEndByTerminate(process);
+}
+
+TEST_F(LostOutputs, OneThatGoesDuringADelayIsNotCaptured)
+{
+    ChildProcess process = StartOnTheSecond({"-d", "1000"});
+    ASSERT_TRUE(process.WaitUntil([&process] { return process.GetOutput().find("Using '") != std::string::npos; }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    ASSERT_TRUE(UnplugTheSecond());
+    EXPECT_FALSE(process.HasEndedWithin(std::chrono::milliseconds(800)));
+    EXPECT_EQ(m_screen->CaptureAll().Crop({0, 0, 500, 450}), m_ground.Crop({0, 0, 500, 450}));
+    ExpectEndByTerminate(process);
+}
+
+TEST_F(LostOutputs, ACompositorThatEndsDuringTheStartEndsTheRun)
+{
+    for (const int milliseconds : {10, 80})
+    {
+        SCOPED_TRACE(milliseconds);
+        ChildProcess process = StartOnTheSecond();
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        m_screen.reset();
+        m_input.reset();
+        m_compositor.reset();
+        const ChildResult result = process.Wait(std::chrono::seconds(10));
+        EXPECT_FALSE(result.isTimeout);
+        EXPECT_EQ(result.signal, 0) << result.standardError;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -47,14 +47,15 @@ public:
         wl_surface_attach(m_surface.get(), m_pixel.GetBuffer(), 0, 0);
         wl_surface_damage_buffer(m_surface.get(), 0, 0, 1, 1);
         wl_surface_commit(m_surface.get());
-        [[maybe_unused]] const bool isTold = connection.WaitUntil([this] { return m_output != nullptr; }, s_patience);
+        [[maybe_unused]] const bool isReported =
+            connection.WaitUntil([this] { return m_output != nullptr; }, s_patience);
         return m_output;
     }
 
 private:
     using RegionHandle = ProxyHandle<wl_region>;
 
-    /// Nobody is kept waiting for long by a compositor that doesn't say.
+    /// A compositor that doesn't say doesn't hold the run up for long.
     static constexpr std::int64_t s_patience = 300'000'000;
 
     Session& m_session;

@@ -43,8 +43,8 @@ Globals::Globals(WaylandConnection& connection) : m_registry(wl_display_get_regi
         xdg_wm_base_add_listener(shell, &s_shellListener, nullptr);
     for (const std::unique_ptr<Output>& output : m_outputs)
         output->AskForPlace(outputManager);
-    // What isn't told in time isn't known; the loss of the compositor has been reported.
-    [[maybe_unused]] const bool isTold = connection.Roundtrip();
+    // What isn't reported in time isn't known; the loss of the compositor has been reported.
+    [[maybe_unused]] const bool isReported = connection.Roundtrip();
     if (m_seat.version != 0)
         Take({m_seat.name, wl_seat_interface.name, m_seat.version}, wl_seat_interface, 8, seat);
 }
@@ -125,7 +125,7 @@ void Globals::AddOutput(const Announced& global)
         m_outputs.push_back(std::make_unique<Output>(static_cast<wl_output*>(bound), global.name));
 }
 
-// Windows on it hear of it by what the compositor does to them. Whoever captures it looks it up anew.
+// Windows on it hear of it by what the compositor does to them. Each capture looks its display up anew.
 void Globals::OnRemoval(std::uint32_t name)
 {
     std::erase_if(m_outputs, [name](const auto& output) { return output->GetGlobalName() == name; });

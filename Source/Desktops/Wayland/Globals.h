@@ -51,7 +51,7 @@ public:
 
     wl_compositor* compositor = nullptr;
     wl_shm* shm = nullptr;
-    wl_seat* seat = nullptr; ///< the first one; whoever listens to it first hears all that it says
+    wl_seat* seat = nullptr; ///< the first one; its first listener hears all that it says
     wp_viewporter* viewporter = nullptr;
     wp_fractional_scale_manager_v1* fractionalScale = nullptr;
     xdg_wm_base* shell = nullptr;

@@ -59,9 +59,9 @@ std::optional<dev_t> FindMainDevice(Session& session)
     Feedback feedback;
     zwp_linux_dmabuf_feedback_v1* const proxy = zwp_linux_dmabuf_v1_get_default_feedback(dmabuf);
     zwp_linux_dmabuf_feedback_v1_add_listener(proxy, &s_listener, &feedback);
-    const bool isTold = session.connection->WaitUntil([&feedback] { return feedback.isDone; });
+    const bool isReported = session.connection->WaitUntil([&feedback] { return feedback.isDone; });
     zwp_linux_dmabuf_feedback_v1_destroy(proxy);
-    return isTold ? feedback.device : std::nullopt;
+    return isReported ? feedback.device : std::nullopt;
 }
 
 /// A card that programs may draw with has a node of its own for it, beside the one that the compositor may name.

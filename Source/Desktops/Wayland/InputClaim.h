@@ -11,7 +11,7 @@ namespace Orvik::Desktops::Wayland
 class WindowSurface;
 
 /// A surface's hold on the pointer and on the keyboard's shortcuts, as far as the compositor gives them. Confined, the
-/// pointer still tells its places; those of a locked one don't come at all from devices that report places, such as
+/// pointer still reports its places; those of a locked one don't come at all from devices that report places, such as
 /// tablets and those of virtual machines. The main thread.
 class InputClaim
 {

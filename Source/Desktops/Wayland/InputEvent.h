@@ -37,7 +37,7 @@ struct InputEvent
     wl_surface* surface = nullptr; ///< which it is for
     SurfaceVector place = {};      ///< of an entry or a motion
     std::optional<SurfaceVector> relative =
-        {};                  ///< how far the device moved, where that is told; it may go beyond an edge
+        {};                  ///< how far the device moved, where that is reported; it may go beyond an edge
     bool isPointing = false; ///< of a motion: the device says places and no ways, as tablets do
     std::uint32_t code = 0;  ///< the button or the key, as Linux numbers it
     bool isPressed = false;

@@ -20,8 +20,8 @@ constexpr const char* s_service = "org.kde.KWin";
 constexpr const char* s_path = "/org/kde/KWin/ScreenShot2";
 constexpr const char* s_interface = "org.kde.KWin.ScreenShot2";
 
-constexpr std::uint32_t s_longestRow = 65'535;
-/// What a row may have behind its pixels.
+constexpr std::uint32_t s_mostPixelsOfASide = 65'535;
+/// What a row may have after its pixels.
 constexpr std::uint32_t s_greatestPadding = 65'536;
 constexpr std::size_t s_mostBytes = std::size_t{2} << 30;
 
@@ -71,8 +71,8 @@ std::optional<PictureHeader> ReadHeader(sd_bus_message* message)
     header.stride = values.GetNumber("stride").value_or(0);
     const std::optional<bool> isRedFirst = FindIsRedFirst(values.GetNumber("format").value_or(0));
     const bool isUsable = values.GetText("type") == "raw" && isRedFirst && header.width > 0 &&
-                          header.width <= s_longestRow && header.height > 0 && header.height <= s_longestRow &&
-                          header.stride >= header.width * s_pixelBytes &&
+                          header.width <= s_mostPixelsOfASide && header.height > 0 &&
+                          header.height <= s_mostPixelsOfASide && header.stride >= header.width * s_pixelBytes &&
                           header.stride <= header.width * s_pixelBytes + s_greatestPadding &&
                           std::size_t{header.stride} * header.height <= s_mostBytes;
     if (!isUsable)
@@ -110,7 +110,7 @@ CaptureAnswer JudgeError(const BusReply& reply)
 
 bool KWinCapture::IsOffered()
 {
-    // A start has to be over within two seconds, whatever doesn't answer.
+    // A start has to be over within two seconds, even if nothing answers.
     constexpr std::int64_t limit = 500'000'000;
     std::string ignored;
     const std::unique_ptr<SessionBus> bus = SessionBus::Open(m_interrupt, ignored);

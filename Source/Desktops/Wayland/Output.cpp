@@ -21,7 +21,7 @@ void OnGeometry(void* data, wl_output* /*output*/, std::int32_t x, std::int32_t 
     OutputDescription& description = GetDescription(data);
     description.transform = transform;
     description.model = model;
-    // Where the compositor's space is told, this place is a guess of the compositor's.
+    // Where the compositor reports its space, this place is a guess of the compositor's.
     if (description.logicalWidth != 0)
         return;
     description.x = x;

@@ -9,7 +9,7 @@ namespace Orvik::Desktops::Wayland
 
 struct Session;
 
-/// The program's own pointer on its overlay. The compositor's is told only over our surfaces, and stays where it is
+/// The program's own pointer on its overlay. The compositor's is reported only over our surfaces, and stays where it is
 /// when the own one is moved.
 class Pointer final : public DesktopPointer
 {

@@ -192,7 +192,7 @@ void PointerDevice::OnFrame()
                            .relative = frame.relative,
                            .isPointing = m_hasFrames && m_relative != nullptr && !frame.relative});
     }
-    // A wheel that counts its notches tells the distance as well.
+    // A wheel that counts its notches reports the distance as well.
     const float notches = frame.notches != 0.0F ? frame.notches : static_cast<float>(-frame.distance / s_notchDistance);
     if (notches != 0.0F)
         m_queue.push_back({.kind = InputKind::Wheel, .surface = m_focus, .notches = notches});

@@ -18,7 +18,7 @@ namespace Orvik::Desktops::Wayland
 class PointerDevice
 {
 public:
-    /// `relative` is null where the compositor doesn't tell how far devices move. The queue outlives the device.
+    /// `relative` is null where the compositor doesn't report how far devices move. The queue outlives the device.
     PointerDevice(wl_seat* seat, zwp_relative_pointer_manager_v1* relative, InputQueue& queue);
     ~PointerDevice();
     PointerDevice(const PointerDevice&) = delete;

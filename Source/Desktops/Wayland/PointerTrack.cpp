@@ -8,7 +8,7 @@ namespace Orvik::Desktops::Wayland
 namespace
 {
 
-/// How exactly the protocol tells places, units.
+/// How exactly the protocol reports places, units.
 constexpr double s_grain = 1.0 / 256.0;
 
 /// How far a device wanted to go beyond where it went.
@@ -66,7 +66,7 @@ void PointerAxis::Move(double place, const std::optional<double>& relative)
             m_offset += m_excess;
         m_excess = way != 0.0 ? 0.0 : m_excess;
     }
-    // Where nothing is told of a device at the edge, the edge is reached all the same.
+    // Where nothing is reported of a device at the edge, the edge is reached all the same.
     if (!relative && IsAtEdge(place))
         m_offset = 0.0;
     m_place = place;

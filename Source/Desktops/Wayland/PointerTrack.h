@@ -43,8 +43,8 @@ private:
     double m_excess = 0.0; ///< how far it has gone on while the compositor's was held up, pixels
 };
 
-/// The program's own pointer on a surface, in pixels; the compositor's is told in units of the surface, to fractions.
-/// The compositor's can't be moved by a program, and arrow keys move the own one by pixels.
+/// The program's own pointer on a surface, in pixels; the compositor's is reported in units of the surface, to
+/// fractions. The compositor's can't be moved by a program, and arrow keys move the own one by pixels.
 class PointerTrack
 {
 public:

@@ -26,7 +26,7 @@ public:
     [[nodiscard]] KeyboardDevice* GetKeyboard() const { return m_keyboard.get(); } ///< null without a keyboard
     [[nodiscard]] wl_seat* GetProxy() const { return m_seat; }
 
-    /// Whether the pointer's picture is shown over our surfaces, by whatever device there is.
+    /// Whether the pointer's picture is shown over our surfaces, by any device there is.
     void SetPointerVisible(bool isVisible);
 
     /// The surface is about to go: nothing is left for it.

@@ -18,7 +18,7 @@ namespace Orvik::Desktops::Wayland
 
 class WindowSurface;
 
-/// The connection and all that hangs on it. Whatever has an object of the protocol holds the session, so that it goes
+/// The connection and all that hangs on it. All that has an object of the protocol holds the session, so that it goes
 /// last. The main thread.
 struct Session
 {
@@ -26,7 +26,7 @@ struct Session
         : connection(std::move(opened)), globals(*connection), seat(globals.seat, globals.relativePointer)
     {
         // Which devices there are, and the keyboard's layout.
-        [[maybe_unused]] const bool isKnown = connection->Roundtrip() && connection->Roundtrip();
+        [[maybe_unused]] const bool isReported = connection->Roundtrip() && connection->Roundtrip();
     }
 
     /// The surface of one of our windows; null if it is gone, or the handle isn't one.

@@ -73,8 +73,8 @@ public:
     /// Sends a call that nothing answers.
     void Send(const BusMessage& call);
 
-    /// Has `handler` called for each signal of that name from such an object that comes of later calls, whatever sends
-    /// it. Null members if the bus is gone.
+    /// Has `handler` called for each signal of that name from such an object that comes of later calls, from any
+    /// sender. Null members if the bus is gone.
     [[nodiscard]] BusSubscription Subscribe(const char* path, const char* interface, const char* member,
                                             BusSubscription::Handler handler);
 

@@ -1,4 +1,4 @@
-// What comes to a window: what of it is the next message, and what is told of it.
+// What comes to a window: what of it is the next message, and what the window hears of it.
 #include "Core/System/Desktop/PointerEvent.h"
 #include "Core/System/Log/LogSite.h"
 #include "Core/System/Threads/WakeSignal.h"
@@ -43,7 +43,7 @@ void Window::Pump()
     // Each press of an arrow key moves the pointer on from where the one before has put it.
     if (System::Device::Cursor::TakeOwnMotion())
     {
-        native.TellMotion();
+        native.ReportMotion();
         return;
     }
     if (native.DeliverChanges() && !native.DeliverQueuedRelease())
@@ -156,7 +156,7 @@ void Window::Native::DeliverInput()
     case InputKind::Motion:
         FollowMotion(event);
         SkipToNewestMotion();
-        TellMotion();
+        ReportMotion();
         return;
     case InputKind::Button:
         OnButton(event);
@@ -196,7 +196,7 @@ void Window::Native::FollowMotion(const InputEvent& event)
         surface.GetPointer().Move(event.place, event.relative);
 }
 
-void Window::Native::TellMotion()
+void Window::Native::ReportMotion()
 {
     const System::Math::Point pixel = surface.GetPointer().GetPixel();
     if (pointer == pixel)

@@ -40,7 +40,7 @@ struct Window::Native
     /// Takes the first of what waits and delivers it.
     void DeliverInput();
 
-    /// Notes a change that the window is to be told of; once is enough.
+    /// Notes a change that the window is to hear of; once is enough.
     void NoteChange(WindowEventType type);
 
     /// The first of what waits for this window; the queue's end if nothing does.
@@ -49,16 +49,16 @@ struct Window::Native
     /// Follows the motions that come before any other input. The window sees where the pointer is and not where it was.
     void SkipToNewestMotion();
     void FollowMotion(const InputEvent& event);
-    /// Tells where the pointer is, if it is elsewhere than was told.
-    void TellMotion();
+    /// Reports where the pointer is, if it is elsewhere than was reported.
+    void ReportMotion();
     void OnButton(const InputEvent& event);
     void OnKey(const InputEvent& event);
 
     System::Desktop::Window& window;
     WindowSurface surface;
     System::Desktop::PressedKeys keys;
-    std::optional<System::Math::Point> pointer; ///< the pixel that was told last
-    std::vector<WindowEventType> changes;       ///< noted and not yet told
+    std::optional<System::Math::Point> pointer; ///< the pixel that was reported last
+    std::vector<WindowEventType> changes;       ///< noted and not yet reported
 };
 
 } // namespace Orvik::Desktops::Wayland

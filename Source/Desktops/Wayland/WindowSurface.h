@@ -62,7 +62,7 @@ public:
     /// Waits until the compositor wants the next frame, not for long: it never does for what isn't to be seen. False if
     /// it is gone, or hasn't given the surface a size.
     [[nodiscard]] bool AwaitFrame();
-    /// To be told when the frame that is about to be committed has been shown.
+    /// Asks to hear when the frame that is about to be committed has been shown.
     void RequestFrame();
     /// A commit of a frame is done, and sent.
     void FinishFrame();

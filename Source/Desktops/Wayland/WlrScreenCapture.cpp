@@ -16,7 +16,7 @@ using FrameHandle = ProxyHandle<zwlr_screencopy_frame_v1>;
 struct FrameState
 {
     CaptureFormat format;
-    bool isFormatTold = false; ///< and all other kinds of buffer as well
+    bool isFormatKnown = false; ///< and all other kinds of buffer as well
     bool isUpsideDown = false;
     bool isReady = false;
     bool isFailed = false;
@@ -33,7 +33,7 @@ void OnBuffer(void* data, zwlr_screencopy_frame_v1* frame, std::uint32_t format,
     Get(data).format = {format, width, height, stride};
     // Before that version there is one kind.
     if (zwlr_screencopy_frame_v1_get_version(frame) < ZWLR_SCREENCOPY_FRAME_V1_BUFFER_DONE_SINCE_VERSION)
-        Get(data).isFormatTold = true;
+        Get(data).isFormatKnown = true;
 }
 
 void OnFlags(void* data, zwlr_screencopy_frame_v1* /*frame*/, std::uint32_t flags)
@@ -49,7 +49,7 @@ constexpr zwlr_screencopy_frame_v1_listener s_listener = {
     .failed = [](void* data, zwlr_screencopy_frame_v1*) { Get(data).isFailed = true; },
     .damage = [](void*, zwlr_screencopy_frame_v1*, std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t) {},
     .linux_dmabuf = [](void*, zwlr_screencopy_frame_v1*, std::uint32_t, std::uint32_t, std::uint32_t) {},
-    .buffer_done = [](void* data, zwlr_screencopy_frame_v1*) { Get(data).isFormatTold = true; },
+    .buffer_done = [](void* data, zwlr_screencopy_frame_v1*) { Get(data).isFormatKnown = true; },
 };
 
 } // namespace
@@ -67,7 +67,7 @@ Failure WlrScreenCapture::Read(const Output& output, CaptureTarget& target)
     const FrameHandle frame(
         zwlr_screencopy_manager_v1_capture_output(m_session.globals.screencopy, withoutPointer, output.GetProxy()));
     zwlr_screencopy_frame_v1_add_listener(frame.get(), &s_listener, &state);
-    if (!connection.WaitUntil([&state] { return state.isFormatTold || state.isFailed; }))
+    if (!connection.WaitUntil([&state] { return state.isFormatKnown || state.isFailed; }))
         return "the compositor doesn't answer";
     if (state.isFailed)
         return "the compositor refuses the picture of the display";

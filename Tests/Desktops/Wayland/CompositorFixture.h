@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -27,9 +28,9 @@ namespace Orvik::Tests
 class CompositorDesktop
 {
 public:
-    explicit CompositorDesktop(const CompositorOptions& options) : m_compositor(options)
+    explicit CompositorDesktop(const CompositorOptions& options) : m_compositor(std::in_place, options)
     {
-        for (const auto& [name, value] : m_compositor.GetEnvironment())
+        for (const auto& [name, value] : m_compositor->GetEnvironment())
             m_environment.push_back(std::make_unique<EnvironmentVariable>(name.c_str(), value.c_str()));
         // Its socket is there before it answers, and on a busy machine that takes longer than the program waits.
         constexpr int mostTries = 60;
@@ -45,11 +46,13 @@ public:
     CompositorDesktop(const CompositorDesktop&) = delete;
     CompositorDesktop& operator=(const CompositorDesktop&) = delete;
 
-    [[nodiscard]] NestedCompositor& GetCompositor() { return m_compositor; }
+    [[nodiscard]] NestedCompositor& GetCompositor() { return *m_compositor; }
+    /// Ends the compositor, and leaves the desktop as it then is.
+    void EndCompositor() { m_compositor.reset(); }
     [[nodiscard]] Desktops::Wayland::WaylandDesktop& Get() { return m_desktop; }
 
     /// Has sway carry a command out. False if it refuses.
-    [[nodiscard]] bool Command(const std::string& command) const { return m_compositor.Command(command); }
+    [[nodiscard]] bool Command(const std::string& command) const { return m_compositor->Command(command); }
 
     /// The display of that number, from 0.
     [[nodiscard]] System::Device::Display::DisplayDescriptor GetDisplay(std::size_t index)
@@ -58,7 +61,7 @@ public:
     }
 
 private:
-    NestedCompositor m_compositor;
+    std::optional<NestedCompositor> m_compositor;
     std::vector<std::unique_ptr<EnvironmentVariable>> m_environment;
     Desktops::Wayland::WaylandDesktop m_desktop;
 };

@@ -84,7 +84,7 @@ TEST(TransformOfALargePicture, ReachesEveryPixel)
     EXPECT_EQ(turned, source);
 }
 
-TEST(TransformOfRows, PassesOverWhatLiesAfterThem)
+TEST(TransformOfRows, PassesOverWhatComesAfterThem)
 {
     const Pixels source = Spell("ABx.DEx.");
     const PixelRows rows = {reinterpret_cast<const unsigned char*>(source.data()), 2, 2, 16};

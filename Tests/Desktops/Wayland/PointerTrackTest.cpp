@@ -11,7 +11,7 @@ namespace
 
 using System::Math::Point;
 
-/// As a compositor does it that stops its pointer at the surface's edge and tells the way all the same.
+/// As a compositor does it that stops its pointer at the surface's edge and reports the way all the same.
 class Mouse
 {
 public:
@@ -72,7 +72,7 @@ TEST(PointerTrack, FindsEachPixelAtAFractionalScale)
     track.SetSpace({1280, 720}, {853, 480});
     for (std::int32_t pixel = 0; pixel < 1280; ++pixel)
     {
-        // The protocol tells places in 256ths.
+        // The protocol reports places in 256ths.
         const double place = std::round(pixel * 853.0 / 1280.0 * 256.0) / 256.0;
         track.Enter({place, 0.0});
         ASSERT_EQ(track.GetPixel().x, pixel);
@@ -100,7 +100,7 @@ TEST(PointerTrack, StaysOnTheSurface)
     track.Enter({400.0, 250.0});
     track.Place({-5, 10'000});
     EXPECT_EQ(track.GetPixel(), (Point{0, 719}));
-    // Of a surface that has implicitly grabbed the pointer, places beyond are told.
+    // Of a surface that has implicitly grabbed the pointer, places beyond are reported.
     track.Enter({-20.0, 900.0});
     EXPECT_EQ(track.GetPixel(), (Point{0, 719}));
 }

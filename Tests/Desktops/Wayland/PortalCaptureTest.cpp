@@ -22,7 +22,7 @@ constexpr const char* s_portalName = "org.freedesktop.portal.Desktop";
 constexpr const char* s_portalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* s_request = "org.freedesktop.portal.Request";
 
-/// Where the portal has to answer a request: it is told from the caller and its token.
+/// Where the portal has to answer a request: it follows from the caller and its token.
 std::string GetRequestPath(sd_bus_message* call)
 {
     const char* parent = nullptr;

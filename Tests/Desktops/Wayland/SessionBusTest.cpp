@@ -144,7 +144,7 @@ TEST_F(Bus, OverwhelmsNoDictionary)
         EXPECT_EQ(values.GetText(name), std::nullopt) << name;
 }
 
-/// A way that answers what it was told.
+/// A way that answers what it was given.
 class FakeWay final : public OutputCapture
 {
 public:

@@ -77,6 +77,9 @@ public:
     /// Has sway carry a command out. False if it refuses.
     [[nodiscard]] bool Command(const std::string& command) const;
 
+    /// Takes away the output whose window has that place among the options' windows.
+    void Unplug(std::size_t index) const;
+
     /// Adds an application's desktop entry, a file of that name, to those that the session's user has.
     void AddDesktopEntry(const std::string& name, const std::string& text) const;
 

@@ -3,6 +3,7 @@
 #include "Tests/Support/Desktop/InputDriver.h"
 #include "Tests/Support/Desktop/OutputWindows.h"
 #include "Tests/Support/Desktop/Screen.h"
+#include "Tests/Support/Desktop/SwayCommand.h"
 #include "Tests/Support/Desktop/WaitForSocket.h"
 
 #include <algorithm>
@@ -143,6 +144,8 @@ NestedCompositor::NestedCompositor(const CompositorOptions& options) : m_options
     m_environment["XDG_RUNTIME_DIR"] = GetRuntime().string();
     m_environment["XDG_SESSION_TYPE"] = "wayland";
     StartBuses();
+    if (!m_options.windows.empty())
+        NameClosing(GetDisplayName());
     StartCompositor();
 }
 
@@ -214,10 +217,14 @@ void NestedCompositor::PlaceOutputs()
         WaitFor([this] { return PlaceOutputWindows(GetDisplayName(), m_options.windows); }, [](int /*attempt*/) {});
 }
 
+void NestedCompositor::Unplug(std::size_t index) const
+{
+    CloseOutputWindow(GetDisplayName(), index);
+}
+
 bool NestedCompositor::Command(const std::string& command) const
 {
-    return std::system(("swaymsg -q -s " + GetRuntime().string() + "/sway-ipc.*.sock -- '" + command + "'").c_str()) ==
-           0;
+    return CommandSway(GetRuntime(), command);
 }
 
 // Its file has a capability, and where a container has taken that from all, the system doesn't start it. A copy has

@@ -55,4 +55,24 @@ bool PlaceOutputWindows(const std::string& displayName, const std::vector<Area>&
     return true;
 }
 
+void NameClosing(const std::string& displayName)
+{
+    const XSession session(displayName);
+    XInternAtom(session.GetDisplay(), "WM_PROTOCOLS", False);
+    XInternAtom(session.GetDisplay(), "WM_DELETE_WINDOW", False);
+}
+
+void CloseOutputWindow(const std::string& displayName, std::size_t index)
+{
+    const XSession session(displayName);
+    XEvent request = {};
+    request.xclient.type = ClientMessage;
+    request.xclient.window = ListWindows(session).at(index);
+    request.xclient.message_type = XInternAtom(session.GetDisplay(), "WM_PROTOCOLS", False);
+    request.xclient.format = 32;
+    request.xclient.data.l[0] = static_cast<long>(XInternAtom(session.GetDisplay(), "WM_DELETE_WINDOW", False));
+    XSendEvent(session.GetDisplay(), request.xclient.window, False, NoEventMask, &request);
+    session.Synchronize();
+}
+
 } // namespace Orvik::Tests
