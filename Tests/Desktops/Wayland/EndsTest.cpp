@@ -19,8 +19,8 @@ class EndsOnWayland : public testing::Test
 protected:
     void SetUp() override
     {
-        if (const auto program = FindMissingProgram(CompositorKind::Sway))
-            GTEST_SKIP() << "There is no " << *program << " here.";
+        if (const auto reason = FindReasonToSkip(CompositorKind::Sway))
+            GTEST_SKIP() << *reason;
         m_desktop.emplace(CompositorOptions{.kind = CompositorKind::Sway,
                                             .width = 960,
                                             .height = 360,
