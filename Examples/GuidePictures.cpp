@@ -14,6 +14,7 @@
 #include <iostream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace
 {
@@ -24,6 +25,7 @@ using namespace Orvik::Tests;
 constexpr std::chrono::seconds s_fileLimit{10};
 /// The message with the path of a saved file is gone by then.
 constexpr std::chrono::milliseconds s_messageTime{1200};
+constexpr std::chrono::milliseconds s_drawTime{300};
 
 std::string ReadFile(const std::filesystem::path& file)
 {
@@ -128,6 +130,44 @@ public:
         KeepExample("Polygon", json);
     }
 
+    /// Everything that a configuration adds: two rectangles are done, the third is being drawn.
+    void ShowLabelling()
+    {
+        const std::string section = R"({"size": true, "bright": true, "marks": true, "undo": true, "toggle": true,)"
+                                    R"( "labels": ["text field", "button", "chart"], "hints": true, "contrast": true})";
+        ChildProcess process = m_session.Start({"-a", "true", "-o", m_directory.string(), "-cj", Configure(section)});
+        for (const auto& [area, key] : {std::pair(SampleField, "1"), std::pair(SampleButton, "2")})
+        {
+            m_session.GetInput().TapKey(key);
+            DragSlowly(area);
+            m_session.GetInput().ReleaseButton(1);
+        }
+        std::this_thread::sleep_for(s_messageTime);
+        m_session.GetInput().TapKey("3");
+        m_session.GetInput().PressKey("F1");
+        DragSlowly(SampleChart);
+        SavePicture("labelling", m_session.CaptureScreen());
+        m_session.GetInput().ReleaseKey("F1");
+        m_session.GetInput().ReleaseButton(1);
+        (void)EndByEscape(process);
+        (void)WaitForFiles(2);
+    }
+
+    /// A polygon that the next click closes.
+    void ShowContrast()
+    {
+        const std::string section = R"({"mode": "Polygon", "contrast": true, "size": true, "bright": true})";
+        ChildProcess process = m_session.Start({"-o", m_directory.string(), "-cj", Configure(section)});
+        for (const Position& corner : SampleBed)
+        {
+            MoveSlowly(corner);
+            m_session.GetInput().Click(1);
+        }
+        MoveSlowly({SampleBed.front().x + 5, SampleBed.front().y + 5});
+        SavePicture("contrast", m_session.CaptureScreen().Crop({740, 350, 520, 330}));
+        (void)EndByEscape(process);
+    }
+
     void KeepReturnCodes()
     {
         ChildProcess process = m_session.StartHidden({"-src"});
@@ -135,6 +175,25 @@ public:
     }
 
 private:
+    [[nodiscard]] static std::string Configure(const std::string& section)
+    {
+        return R"({"configuration": {"SnipBench": )" + section + "}}";
+    }
+
+    /// Gives the overlay time to follow: the crosshair on a bright selection isn't recognised.
+    void MoveSlowly(Position position)
+    {
+        m_session.GetInput().MoveTo(position);
+        std::this_thread::sleep_for(s_drawTime);
+    }
+
+    void DragSlowly(const Area& area)
+    {
+        MoveSlowly({area.x, area.y});
+        m_session.GetInput().PressButton(1);
+        MoveSlowly({area.x + area.width, area.y + area.height});
+    }
+
     /// The screen once all input so far has been drawn, with the crosshair at that place.
     Picture CaptureAt(Position position)
     {
@@ -229,6 +288,8 @@ int main(int argc, char** argv)
         guide.ShowKeys();
         guide.ShowAnnotating();
         guide.ShowPolygon();
+        guide.ShowLabelling();
+        guide.ShowContrast();
         guide.KeepReturnCodes();
         return EXIT_SUCCESS;
     }

@@ -104,6 +104,7 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
 
     Graphics::Tools::SnipBench::Parameters toolParameters;
     toolParameters.cropToSelection = !m_annotate;
+    toolParameters.switches = MakeSwitches();
     if (!m_inputFile.empty())
     {
         const System::Time::TraceScope step("picture from a file");
@@ -119,12 +120,19 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
     {
         return ReturnCodeName::InitializeSystemsFailed;
     }
+    return RunOnPicture(std::move(toolParameters));
+}
+
+std::string_view Application::RunOnPicture(Graphics::Tools::SnipBench::Parameters parameters)
+{
     WarnOfIgnoredConfiguration();
     WarnOfLostTrace();
     if (m_inputFile.empty() && !CanCapture())
         return ReturnCodeName::InitializeSystemsFailed;
     PrepareOutputDirectory();
-    return RunOverlay(std::move(toolParameters));
+    if (m_settings->m_region)
+        return RunRegion(std::move(parameters.bitmap));
+    return RunOverlay(std::move(parameters));
 }
 
 void Application::LoadConfiguration(const CommandLine& commandLine)
@@ -136,7 +144,7 @@ void Application::LoadConfiguration(const CommandLine& commandLine)
     else if (commandLine.HasOption(Id(Option::ConfigFile)))
         m_hasIgnoredConfiguration =
             !cache.LoadFromFile(Text::PathFromUtf8(commandLine.GetValue(Id(Option::ConfigFile))));
-    m_snipMode = cache.AddConfig<SnipBenchConfig>()->m_mode;
+    m_settings = cache.AddConfig<SnipBenchConfig>();
 }
 
 // The configuration is loaded before there is a log.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Application/KeyHints.h"
+#include "Application/SnipBenchConfig.h"
 #include "Application/SnipFiles.h"
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Tools/SnipBench.h"
@@ -17,6 +19,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Orvik::SnipBench
 {
@@ -46,6 +49,8 @@ private:
 
     /// Runs the program and returns the name of the return code; empty if none is to be set.
     [[nodiscard]] std::string_view RunSteps(const System::Runtime::ApplicationParameters& parameters);
+    /// The same from the point at which the Systems are up. Without a picture a display's is taken.
+    [[nodiscard]] std::string_view RunOnPicture(Graphics::Tools::SnipBench::Parameters parameters);
     /// Sets the exit code by its name and prints its JSON object.
     void SetReturnCode(std::string_view name);
     /// Whether the run may go on. `kind` is the system's number of a permission; no desktop here asks for one.
@@ -59,6 +64,8 @@ private:
     [[nodiscard]] std::string_view RunOverlay(Graphics::Tools::SnipBench::Parameters parameters);
     [[nodiscard]] bool CanCapture();
     [[nodiscard]] bool ChooseDisplay();
+    [[nodiscard]] bool ChooseDisplay(const DisplayChoice& choice,
+                                     const System::Device::Display::DisplayCache& displays);
     [[nodiscard]] std::string_view OpenWindow();
     void WaitForDelay(const System::Desktop::Window::ScopedLock& lock);
     void StartTool(Graphics::Tools::SnipBench::Parameters parameters);
@@ -74,6 +81,23 @@ private:
     [[nodiscard]] System::Tools::ToolContext MakeToolContext() const;
     bool OnWindowEvent(const System::Desktop::WindowEvent& event);
     bool OnResult(Graphics::Tools::SnipBench::Result& result);
+    /// Takes the last selection back. False if there is none.
+    bool TakeBack();
+    /// Shows a text about files for a second.
+    void ShowMessage(const std::string& text);
+    /// Moves the time of texts on that disappear by themselves, in nanoseconds.
+    void TickTexts(std::int64_t elapsed);
+    /// When the first of them disappears, in nanoseconds from now; less than 0 if there is none.
+    [[nodiscard]] std::int64_t GetTextTime() const;
+    /// How files are written. Paths are shown if there is an overlay.
+    [[nodiscard]] SnipFileSettings MakeFileSettings();
+    [[nodiscard]] Graphics::Tools::ToolSwitches MakeSwitches() const;
+
+    // ApplicationRegion.cpp: a selection that the configuration has made.
+    [[nodiscard]] std::string_view RunRegion(System::Multimedia::Bitmap picture);
+    /// Waits for the option's time, or until the run is asked to end.
+    void WaitBeforeCapture();
+    [[nodiscard]] bool DeliverRegion(System::Multimedia::Bitmap& picture);
 
     std::atomic<bool> m_running = true;
     bool m_oneShot = false;
@@ -87,12 +111,15 @@ private:
     std::unique_ptr<System::Desktop::Window> m_window;
     Graphics::Renderer::Renderer m_renderer;
     Graphics::Tools::TimedLabel m_savedPathLabel;
+    Graphics::Tools::TextEdge m_savedPathEdge;
+    KeyHints m_hints;
     Graphics::Tools::SnipBench m_tool;
-    bool m_hasStarted = false;              ///< the frame loop has begun
-    bool m_hasIgnoredConfiguration = false; ///< a configuration was given and couldn't be used
-    Graphics::Tools::SnipMode m_snipMode = Graphics::Tools::SnipMode::Rectangle;
-    std::int64_t m_lastFrame = 0;       ///< when the last frame was drawn, nanoseconds of the monotonic clock
-    System::Threads::WakeSignal m_wake; ///< ends a wait when the run is asked to end
+    bool m_hasStarted = false;                   ///< the frame loop has begun
+    bool m_hasIgnoredConfiguration = false;      ///< a configuration was given and couldn't be used
+    const SnipBenchConfig* m_settings = nullptr; ///< what the configuration says; the configuration cache's
+    std::vector<SnipPaths> m_snips;              ///< what was saved and can be taken back, oldest first
+    std::int64_t m_lastFrame = 0;                ///< when the last frame was drawn, nanoseconds of the monotonic clock
+    System::Threads::WakeSignal m_wake;          ///< ends a wait when the run is asked to end
     std::mutex m_delayMutex;
     std::condition_variable m_delayCondition; ///< ends a delay when the run is asked to end
 };

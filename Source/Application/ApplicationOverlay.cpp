@@ -16,7 +16,9 @@
 #include <algorithm>
 #include <chrono>
 #include <fmt/format.h>
+#include <optional>
 #include <utility>
+#include <variant>
 
 namespace Orvik::SnipBench
 {
@@ -36,6 +38,8 @@ using System::Tools::ToolEventType;
 
 constexpr const char* s_windowName = "Orvik::Snipping";
 constexpr std::uint8_t s_leftButton = 1;
+
+constexpr std::int64_t s_hintTime = 3'000'000'000; // nanoseconds
 
 /// While a delay hides the window, other programs wait at most this long for its answer.
 constexpr std::chrono::milliseconds s_answerPeriod{50};
@@ -61,6 +65,7 @@ std::string_view Application::RunOverlay(Graphics::Tools::SnipBench::Parameters 
         m_tool.onResult = [this](Graphics::Tools::SnipBench::Result& result) { return OnResult(result); };
         m_tool.findDisplay = [this](std::uint16_t id)
         { return m_displaySystem != nullptr ? m_displaySystem->GetDisplay(id) : nullptr; };
+        m_tool.onTakeBack = [this] { return TakeBack(); };
         if (m_delay != 0)
             WaitForDelay(lock);
         if (m_running)
@@ -88,6 +93,8 @@ bool Application::ChooseDisplay()
 {
     const TraceScope step("display choice");
     const DisplayCache& displays = GetSystem<DisplayCache>();
+    if (m_settings->m_display)
+        return ChooseDisplay(*m_settings->m_display, displays);
     m_displayId = displays.GetActiveDisplayId();
     if (m_displayId == System::Device::Display::InvalidDisplayId)
         m_displayId = displays.GetDefaultDisplayId();
@@ -95,6 +102,27 @@ bool Application::ChooseDisplay()
         return true;
     Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "No valid display info for valid display id ", m_displayId,
                ".");
+    return false;
+}
+
+bool Application::ChooseDisplay(const DisplayChoice& choice, const DisplayCache& displays)
+{
+    const std::string* const name = std::get_if<std::string>(&choice);
+    const std::int64_t number = name == nullptr ? std::get<std::int64_t>(choice) : 0;
+    const auto found =
+        std::find_if(displays.GetDisplays().begin(), displays.GetDisplays().end(),
+                     [name, number](const DisplayDescriptor& display)
+                     { return name != nullptr ? std::string_view(display.name) == *name : display.id == number; });
+    if (found != displays.GetDisplays().end())
+    {
+        m_displayId = found->id;
+        return true;
+    }
+    if (name != nullptr)
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "No display is named '", *name, "'.");
+    else
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "No valid display info for valid display id ", number,
+                   ".");
     return false;
 }
 
@@ -160,7 +188,9 @@ void Application::StartTool(Graphics::Tools::SnipBench::Parameters parameters)
     context.x = position.x;
     context.y = position.y;
     m_tool.Start(context, std::move(parameters), m_renderer);
-    m_tool.SetMode(m_snipMode);
+    m_tool.SetMode(m_settings->m_mode);
+    if (const Graphics::Tools::ToolSwitches switches = MakeSwitches(); switches.hints)
+        m_hints.Begin(MakeKeyHints(switches), s_hintTime, switches.contrast, m_renderer);
     Cursor::ShowCursor(false);
     m_window->BringToFront();
 }
@@ -175,7 +205,7 @@ void Application::RunFrameLoop()
         const std::int64_t elapsed = now - time;
         time = now;
         m_window->Update();
-        m_savedPathLabel.Tick(elapsed, m_renderer);
+        TickTexts(elapsed);
         if (const std::int64_t wait = FinishFrame(now); wait != 0)
             m_window->WaitForMessage(wait, m_wake);
     }
@@ -193,13 +223,13 @@ std::int64_t Application::FinishFrame(std::int64_t now)
         if (isInputWaiting)
             return 0;
         if (m_renderer.DrawsIntoMemory())
-            return System::Time::GetShorter(early, m_savedPathLabel.GetRemaining());
+            return System::Time::GetShorter(early, GetTextTime());
     }
     const TraceScope step(m_lastFrame == 0 ? "first frame" : nullptr);
     const bool isDrawn = m_renderer.Render(GetDrawnWindow());
     if (isDrawn)
         m_lastFrame = now;
-    return isDrawn || isInputWaiting ? 0 : m_savedPathLabel.GetRemaining();
+    return isDrawn || isInputWaiting ? 0 : GetTextTime();
 }
 
 std::int64_t Application::GetRefreshPeriod() const
@@ -236,6 +266,8 @@ bool Application::OnWindowEvent(const WindowEvent& event)
         context.type = ToolEventType::Key;
         context.pressed = event.data.key.pressed != 0;
         context.key = static_cast<std::uint8_t>(event.data.key.key);
+        if (event.data.key.key == System::Desktop::KeyCode::F1)
+            m_hints.SetHeld(context.pressed, m_renderer);
         m_tool.Update(context, m_renderer);
         if (!context.pressed && event.data.key.key == System::Desktop::KeyCode::Escape)
         {
@@ -284,17 +316,67 @@ bool Application::OnWindowEvent(const WindowEvent& event)
 
 bool Application::OnResult(Graphics::Tools::SnipBench::Result& result)
 {
-    const SnipFileSettings settings{m_outputDirectory, m_fileFormat.data(), m_keepMask,
-                                    [this](const std::string& text)
-                                    { ShowSavedPath(text, m_savedPathLabel, m_renderer); }};
+    const SnipFileSettings settings = MakeFileSettings();
     if (m_annotate)
-        SaveAnnotation(result, settings);
+        result.isKept = SaveAnnotation(result, settings);
+    else if (std::optional<SnipPaths> paths = SaveSnip(result, settings))
+        m_snips.push_back(std::move(*paths));
     else
-        SaveSnip(result, settings);
+        result.isKept = false;
     // It is never set again: the run may have been asked to end in the meantime.
     if (m_oneShot)
         m_running = false;
     return !m_oneShot;
+}
+
+bool Application::TakeBack()
+{
+    const SnipFileSettings settings = MakeFileSettings();
+    if (m_annotate)
+        return TakeAnnotationBack(settings);
+    if (m_snips.empty())
+        return false;
+    TakeSnipBack(m_snips.back(), settings);
+    m_snips.pop_back();
+    return true;
+}
+
+SnipFileSettings Application::MakeFileSettings()
+{
+    SnipFileSettings settings{m_outputDirectory, m_fileFormat.data(), m_keepMask, nullptr};
+    if (m_window == nullptr)
+        return settings;
+    settings.showText = [this](const std::string& text) { ShowMessage(text); };
+    return settings;
+}
+
+void Application::ShowMessage(const std::string& text)
+{
+    if (m_settings->m_switches.contrast)
+        ShowSavedPath(text, m_savedPathLabel, m_savedPathEdge, m_renderer);
+    else
+        ShowSavedPath(text, m_savedPathLabel, m_renderer);
+}
+
+void Application::TickTexts(std::int64_t elapsed)
+{
+    if (m_savedPathLabel.Tick(elapsed, m_renderer))
+        m_savedPathEdge.Hide(m_renderer.GetTextRenderer());
+    m_hints.Tick(elapsed, m_renderer);
+}
+
+std::int64_t Application::GetTextTime() const
+{
+    return System::Time::GetShorter(m_savedPathLabel.GetRemaining(), m_hints.GetRemaining());
+}
+
+// Only annotations have labels.
+Graphics::Tools::ToolSwitches Application::MakeSwitches() const
+{
+    Graphics::Tools::ToolSwitches switches = m_settings->m_switches;
+    if (!m_annotate)
+        switches.labels.clear();
+    return switches;
 }
 
 } // namespace Orvik::SnipBench

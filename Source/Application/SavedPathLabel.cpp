@@ -15,6 +15,33 @@ constexpr float s_size = 24.0F;
 constexpr float s_height = 0.15F;
 constexpr float s_depth = 1.5F;
 
+/// What is free at each end of a text that has been shortened, pixels.
+constexpr float s_margin = 16.0F;
+
+float GetTextScale(const Graphics::Renderer::Renderer& renderer)
+{
+    const auto size = static_cast<std::uint16_t>(std::max(renderer.GetUiScale() * s_size, s_size));
+    return Graphics::Renderer::TextRenderer::GetScale(size);
+}
+
+bool IsContinuation(char character)
+{
+    return (static_cast<unsigned char>(character) & 0xC0U) == 0x80U;
+}
+
+/// The text with three dots in place of its middle: so many bytes of it are left, or a few less, since characters stay
+/// whole.
+std::string Shorten(const std::string& text, std::size_t length)
+{
+    std::size_t head = (length + 1) / 2;
+    while (head > 0 && IsContinuation(text[head]))
+        --head;
+    std::size_t tail = text.size() - length / 2;
+    while (tail < text.size() && IsContinuation(text[tail]))
+        ++tail;
+    return text.substr(0, head) + "..." + text.substr(tail);
+}
+
 } // namespace
 
 void ShowSavedPath(const std::string& shown, Graphics::Tools::TimedLabel& label, Graphics::Renderer::Renderer& renderer)
@@ -22,11 +49,29 @@ void ShowSavedPath(const std::string& shown, Graphics::Tools::TimedLabel& label,
     Graphics::Renderer::Text* const text = label.Show(shown.c_str(), s_duration, renderer);
     if (text == nullptr)
         return;
-    const auto size = static_cast<std::uint16_t>(std::max(renderer.GetUiScale() * s_size, s_size));
-    const float scale = Graphics::Renderer::TextRenderer::GetScale(size);
+    const float scale = GetTextScale(renderer);
     const auto& screen = renderer.GetScreenSize();
     const float x = screen.width * 0.5F - static_cast<float>(text->width) * scale * 0.5F;
     text->model = System::Math::Matrix4::ScaleAndTranslation(scale, scale, 0.0F, x, screen.height * s_height, s_depth);
+}
+
+void ShowSavedPath(const std::string& path, Graphics::Tools::TimedLabel& label, Graphics::Tools::TextEdge& edge,
+                   Graphics::Renderer::Renderer& renderer)
+{
+    edge.Create("", renderer);
+    const float room = (renderer.GetScreenSize().width - 2.0F * s_margin) / GetTextScale(renderer);
+    std::string shown = path;
+    Graphics::Renderer::Text* text = label.Show(shown.c_str(), s_duration, renderer);
+    for (std::size_t length = path.size(); text != nullptr && static_cast<float>(text->width) > room && length > 0;)
+    {
+        shown = Shorten(path, --length);
+        text = label.Show(shown.c_str(), s_duration, renderer);
+    }
+    ShowSavedPath(shown, label, renderer);
+    if (text == nullptr)
+        return;
+    edge.SetText(shown.c_str(), renderer);
+    edge.Surround(*text, renderer.GetTextRenderer());
 }
 
 } // namespace Orvik::SnipBench

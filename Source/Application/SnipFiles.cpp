@@ -43,6 +43,22 @@ void ShowFailure(const SnipFileSettings& settings, const std::filesystem::path& 
     settings.showText("Not saved: " + System::Text::PathToUtf8(error ? path : absolute));
 }
 
+void ShowTakenBack(const SnipFileSettings& settings, const std::filesystem::path& path)
+{
+    const std::filesystem::path absolute = System::Text::MakeAbsolute(path);
+    if (settings.showText)
+        settings.showText("Taken back: " + System::Text::PathToUtf8(absolute));
+}
+
+/// A file that isn't there is as good as removed.
+void RemoveFile(const std::filesystem::path& path)
+{
+    std::error_code error;
+    std::filesystem::remove(path, error);
+    if (error)
+        Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Failed to remove file: ", path);
+}
+
 /// Writes the text that `makeText` returns as the whole file. A file that can't be opened isn't logged; one that can't
 /// be written, or that another program keeps, is logged, and keeps what it held before. An exception on the way, such
 /// as one for lack of memory, costs this file but not the run. The user is shown each failure.
@@ -70,12 +86,38 @@ struct AnnotationList
 {
     GUID imageId = System::GenerateGuid();
     std::vector<AnnotationRecord> records;
+    std::int64_t startTime = 0; ///< of the latest selection, like the picture's size
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
 };
 
 AnnotationList& GetAnnotationList()
 {
     static AnnotationList s_list;
     return s_list;
+}
+
+/// With a label a polygon's ring is kept too.
+AnnotationRecord MakeRecord(const Result& result)
+{
+    AnnotationRecord record{System::GenerateGuid(), *result.bounds};
+    if (result.label == nullptr)
+        return record;
+    record.label = *result.label;
+    if (result.polygon == nullptr)
+        return record;
+    record.polygon = *result.polygon;
+    for (System::Math::Point& corner : record.polygon)
+        corner = {corner.x + result.bounds->left, corner.y + result.bounds->top};
+    return record;
+}
+
+void WriteAnnotationFile(const SnipFileSettings& settings, const AnnotationList& list,
+                         const std::filesystem::path& path)
+{
+    WriteMetaFile(settings, path,
+                  [&]
+                  { return MakeAnnotationJson(list.imageId, list.startTime, list.width, list.height, list.records); });
 }
 
 } // namespace
@@ -91,10 +133,10 @@ bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& form
     return false;
 }
 
-void SaveSnip(Result& result, const SnipFileSettings& settings)
+std::optional<SnipPaths> SaveSnip(Result& result, const SnipFileSettings& settings)
 {
     if (result.snip == nullptr)
-        return;
+        return std::nullopt;
     const System::Time::TraceScope step("save");
     const GUID id = System::GenerateGuid();
     const std::filesystem::path imagePath = MakeFilePath(settings, id, settings.format);
@@ -108,23 +150,32 @@ void SaveSnip(Result& result, const SnipFileSettings& settings)
     if (!SaveImage(*result.snip, settings.format, System::Text::PathToUtf8(imagePath)))
     {
         ShowFailure(settings, imagePath);
-        return;
+        return std::nullopt;
     }
-    WriteMetaFile(settings, MakeFilePath(settings, id, "json"),
+    const std::filesystem::path metaPath = MakeFilePath(settings, id, "json");
+    WriteMetaFile(settings, metaPath,
                   [&] {
                       return MakeMetaJson(id, result.startTime, result.snip->GetWidth(), result.snip->GetHeight(),
                                           result.polygon);
                   });
+    return SnipPaths{imagePath, metaPath};
 }
 
-void SaveAnnotation(Result& result, const SnipFileSettings& settings)
+void TakeSnipBack(const SnipPaths& paths, const SnipFileSettings& settings)
+{
+    ShowTakenBack(settings, paths.image);
+    RemoveFile(paths.meta);
+    RemoveFile(paths.image);
+}
+
+bool SaveAnnotation(Result& result, const SnipFileSettings& settings)
 {
     if (result.capture == nullptr)
-        return;
+        return false;
     if (result.bounds == nullptr)
     {
         Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Expected valid rectangle in parameter 'info'.");
-        return;
+        return false;
     }
 
     const System::Time::TraceScope step("save");
@@ -135,19 +186,36 @@ void SaveAnnotation(Result& result, const SnipFileSettings& settings)
         if (!SaveImage(*result.capture, settings.format, System::Text::PathToUtf8(imagePath)))
         {
             ShowFailure(settings, imagePath);
-            return;
+            return false;
         }
     }
-    list.records.push_back({System::GenerateGuid(), *result.bounds});
+    list.records.push_back(MakeRecord(result));
+    list.startTime = result.startTime;
+    list.width = result.capture->GetWidth();
+    list.height = result.capture->GetHeight();
 
     const std::filesystem::path path = MakeFilePath(settings, list.imageId, "json");
     ShowAbsolutePath(settings, path);
-    WriteMetaFile(settings, path,
-                  [&]
-                  {
-                      return MakeAnnotationJson(list.imageId, result.startTime, result.capture->GetWidth(),
-                                                result.capture->GetHeight(), list.records);
-                  });
+    WriteAnnotationFile(settings, list, path);
+    return true;
+}
+
+bool TakeAnnotationBack(const SnipFileSettings& settings)
+{
+    AnnotationList& list = GetAnnotationList();
+    if (list.records.empty())
+        return false;
+    const std::filesystem::path path = MakeFilePath(settings, list.imageId, "json");
+    ShowTakenBack(settings, path);
+    list.records.pop_back();
+    if (!list.records.empty())
+    {
+        WriteAnnotationFile(settings, list, path);
+        return true;
+    }
+    RemoveFile(path);
+    RemoveFile(MakeFilePath(settings, list.imageId, settings.format));
+    return true;
 }
 
 } // namespace Orvik::SnipBench

@@ -53,6 +53,19 @@ public:
         m_writer.Int(value);
     }
 
+    void WriteCorners(const char* key, const std::vector<System::Math::Point>& corners)
+    {
+        BeginArray(key);
+        for (const System::Math::Point& corner : corners)
+        {
+            BeginObject();
+            WriteNumber("x", corner.x);
+            WriteNumber("y", corner.y);
+            EndObject();
+        }
+        EndArray();
+    }
+
     void BeginArray(const char* key)
     {
         m_writer.Key(key);
@@ -75,7 +88,8 @@ public:
 
 private:
     rapidjson::StringBuffer m_buffer;
-    rapidjson::PrettyWriter<rapidjson::StringBuffer> m_writer{m_buffer};
+    // The files are ASCII, so that every reader takes them.
+    rapidjson::PrettyWriter<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::ASCII<>> m_writer{m_buffer};
 };
 
 } // namespace
@@ -87,17 +101,7 @@ std::string MakeMetaJson(const System::GUID& id, std::int64_t startTime, std::ui
     writer.BeginFile(id, startTime);
     writer.BeginImage(width, height);
     if (polygon != nullptr)
-    {
-        writer.BeginArray("mask");
-        for (const System::Math::Point& point : *polygon)
-        {
-            writer.BeginObject();
-            writer.WriteNumber("x", point.x);
-            writer.WriteNumber("y", point.y);
-            writer.EndObject();
-        }
-        writer.EndArray();
-    }
+        writer.WriteCorners("mask", *polygon);
     writer.EndObject();
     writer.EndObject();
     return writer.TakeText();
@@ -121,6 +125,10 @@ std::string MakeAnnotationJson(const System::GUID& imageId, std::int64_t startTi
         writer.WriteNumber("xmax", annotation.bounds.right);
         writer.WriteNumber("ymax", annotation.bounds.bottom);
         writer.EndObject();
+        if (!annotation.label.empty())
+            writer.WriteText("label", annotation.label);
+        if (!annotation.polygon.empty())
+            writer.WriteCorners("polygon", annotation.polygon);
         writer.EndObject();
     }
     writer.EndArray();

@@ -16,14 +16,16 @@ namespace Orvik::SnipBench
 struct AnnotationRecord
 {
     System::GUID id;
-    System::Math::Rectangle bounds; ///< capture pixels
+    System::Math::Rectangle bounds;                ///< capture pixels
+    std::string label = {};                        ///< UTF-8; empty if there are no labels
+    std::vector<System::Math::Point> polygon = {}; ///< a closed ring in capture pixels; only with a label
 };
 
 /// The text of a snip's meta file. `polygon` is null for a rectangle.
 [[nodiscard]] std::string MakeMetaJson(const System::GUID& id, std::int64_t startTime, std::uint16_t width,
                                        std::uint16_t height, const std::vector<System::Math::Point>* polygon);
 
-/// The text of an annotation file.
+/// The text of an annotation file, ASCII.
 [[nodiscard]] std::string MakeAnnotationJson(const System::GUID& imageId, std::int64_t startTime, std::uint16_t width,
                                              std::uint16_t height, std::span<const AnnotationRecord> annotations);
 

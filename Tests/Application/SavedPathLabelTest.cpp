@@ -1,5 +1,6 @@
 #include "Application/SavedPathLabel.h"
 #include "Tests/Support/GLRecorder.h"
+#include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/TestApplication.h"
 
 #include <gtest/gtest.h>
@@ -58,6 +59,44 @@ TEST_F(SavedPathLabel, ItGrowsWithTheScreenAndIsNeverSmaller)
 {
     EXPECT_EQ(Show("a", 3840, 2160).model.elements[0], 48.0F / 96.0F);
     EXPECT_EQ(Show("a", 640, 360).model.elements[0], 24.0F / 96.0F);
+}
+
+TEST_F(SavedPathLabel, WithADarkEdgeItIsShortenedInItsMiddleIfItIsTooLong)
+{
+    const std::string path = "/home/" + std::string(80, 'a') + "/Pictures/" + std::string(80, 'b') + ".json";
+    m_renderer.Resize(s_window, 640, 360);
+    Graphics::Tools::TextEdge edge;
+    ShowSavedPath(path, m_label, edge, m_renderer);
+    auto& texts = m_renderer.GetTextRenderer();
+    ASSERT_EQ(texts.GetCount(), 5U);
+    const Text& text = *(texts.GetObjects().end() - 1);
+    const auto width = static_cast<float>(text.width) * 24.0F / 96.0F;
+    EXPECT_LE(width, 640.0F - 32.0F);
+    EXPECT_GT(width, 640.0F - 32.0F - 40.0F) << "no more is left out than has to be";
+    std::string drawn;
+    for (const std::uint32_t layer : text.instanceIndices)
+        drawn.push_back(static_cast<char>(layer + 32));
+    EXPECT_EQ(drawn.substr(0, 8), "/home/aa");
+    EXPECT_EQ(drawn.substr(drawn.size() - 7), "bb.json");
+    EXPECT_NE(drawn.find("..."), std::string::npos);
+    EXPECT_EQ(texts.Get(edge.GetIds()[0])->instanceIndices, text.instanceIndices);
+    EXPECT_TRUE(texts.Get(edge.GetIds()[0])->visible);
+
+    ShowSavedPath("/home/a.png", m_label, edge, m_renderer);
+    EXPECT_EQ(texts.GetCount(), 5U);
+    EXPECT_EQ((texts.GetObjects().end() - 1)->instanceIndices.size(), 11U) << "a short one stays whole";
+}
+
+TEST_F(SavedPathLabel, CharactersStayWholeWhereItIsShortened)
+{
+    std::string path;
+    for (int i = 0; i < 200; ++i)
+        path += "i\xC3\xBC";
+    m_renderer.Resize(s_window, 640, 360);
+    Graphics::Tools::TextEdge edge;
+    const Tests::LogRecorder log;
+    ShowSavedPath(path, m_label, edge, m_renderer);
+    EXPECT_LE(static_cast<float>((m_renderer.GetTextRenderer().GetObjects().end() - 1)->width) / 4.0F, 608.0F);
 }
 
 } // namespace

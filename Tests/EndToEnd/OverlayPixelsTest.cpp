@@ -44,17 +44,38 @@ protected:
     OverlayPixels() : DesktopTest(GetParam().width, GetParam().height) {}
 
     /// Snips noise that fills the screen.
-    [[nodiscard]] ChildProcess StartOnScreen(Position cursor)
+    [[nodiscard]] ChildProcess StartOnScreen(Position cursor, const Arguments& arguments = {})
     {
         m_picture = ShowGround(MakeNoise(m_width, m_height));
-        return StartAt(cursor, {});
+        return StartAt(cursor, arguments);
+    }
+
+    /// An annotation run with that section of the configuration.
+    [[nodiscard]] static Arguments Annotate(const std::string& section)
+    {
+        return {"-a", "true", "-cj", R"({"configuration": {"SnipBench": )" + section + "}}"};
     }
 
     /// Snips noise of another size, from a file.
-    [[nodiscard]] ChildProcess StartOnPicture(int width, int height, Position cursor)
+    [[nodiscard]] ChildProcess StartOnPicture(int width, int height, Position cursor, Arguments arguments = {})
     {
         m_picture = MakeNoise(width, height);
-        return StartAt(cursor, {"-f", AddPicture(m_picture)});
+        arguments.insert(arguments.end(), {"-f", AddPicture(m_picture)});
+        return StartAt(cursor, arguments);
+    }
+
+    void PressAt(Position position)
+    {
+        Point(position);
+        ExpectMagnifier();
+        m_input->PressButton(1);
+        m_state.anchor = position;
+    }
+
+    void Release()
+    {
+        m_input->ReleaseButton(1);
+        m_state.anchor.reset();
     }
 
     void Point(Position cursor)
@@ -166,6 +187,7 @@ private:
     Picture m_picture;
 };
 
+using AddedPixels = OverlayPixels;
 using OutlinePixels = OverlayPixels;
 using MagnifierPixels = OverlayPixels;
 using ScaledPixels = OverlayPixels;
@@ -254,6 +276,116 @@ TEST_P(OutlinePixels, TheMessageOfASnip)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
+TEST_P(AddedPixels, TheSizeOfASelection)
+{
+    m_state.showsSize = true;
+    ChildProcess process = StartOnScreen({m_width / 4, m_height / 4}, Annotate(R"({"size": true})"));
+    PressAt({m_width / 4, m_height / 4});
+    for (const Position end : {Position{m_width / 2, m_height / 2}, Position{m_width / 5, 3}, Position{m_width - 1, 0},
+                               Position{2, m_height - 2}})
+    {
+        Point(end);
+        ExpectScreen();
+    }
+    m_input->Click(3);
+    m_state.anchor.reset();
+    ExpectScreen();
+    m_input->ReleaseButton(1);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(AddedPixels, ABrightInside)
+{
+    m_state.isBright = true;
+    ChildProcess process = StartOnScreen({m_width / 4, m_height / 4}, Annotate(R"({"bright": true})"));
+    PressAt({m_width / 4, m_height / 4});
+    for (const Position end : {Position{m_width / 2, m_height / 2}, Position{m_width / 5 + 1, 3}, Position{0, 0}})
+    {
+        Point(end);
+        ExpectScreen();
+    }
+    m_input->Click(3);
+    m_state.anchor.reset();
+    ExpectScreen();
+    m_input->ReleaseButton(1);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(AddedPixels, MarksAndLabels)
+{
+    constexpr std::uint32_t first = 0xFFFFBF40U;
+    constexpr std::uint32_t second = 0xFF40FFF5U;
+    m_state.label = "button";
+    m_state.labelColour = first;
+    ChildProcess process = StartOnScreen(
+        {m_width / 4, m_height / 4}, Annotate(R"({"marks": true, "undo": true, "labels": ["button", "text field"]})"));
+    PressAt({m_width / 4, m_height / 4});
+    Point({m_width / 2, m_height / 2});
+    ExpectMagnifier();
+    Release();
+    m_state.marks.push_back(
+        {{m_width / 4, m_height / 4, m_width / 2 - m_width / 4, m_height / 2 - m_height / 4}, first});
+    m_input->TapKey("2");
+    m_state.label = "text field";
+    m_state.labelColour = second;
+    PressAt({m_width / 3, m_height / 3});
+    Point({m_width / 3 + 90, m_height / 3 + 50});
+    ExpectMagnifier();
+    Release();
+    m_state.marks.push_back({{m_width / 3, m_height / 3, 90, 50}, second});
+    ExpectScreen(); // the message is gone by then
+    m_input->TapKey("BackSpace");
+    m_state.marks.pop_back();
+    ExpectScreen();
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(AddedPixels, TheKeysInOneLine)
+{
+    ChildProcess process = StartOnScreen({m_width / 4, m_height / 4}, Annotate(R"({"hints": true})"));
+    ExpectScreen(); // their time is over by then
+    m_input->PressKey("F1");
+    m_state.hints =
+        "Left button, Space: select    Right button: cancel    Arrows: move    + -: zoom    Esc: end    F1: this line";
+    ExpectScreen();
+    m_input->ReleaseKey("F1");
+    m_state.hints.clear();
+    ExpectScreen();
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(AddedPixels, DarkEdges)
+{
+    m_state.hasContrast = true;
+    m_state.showsSize = true;
+    ChildProcess process =
+        StartOnPicture(400, 300, {m_width / 2, m_height / 2}, Annotate(R"({"contrast": true, "size": true})"));
+    ExpectScreen();
+    PressAt({m_width / 2 - 100, m_height / 2 - 50});
+    Point({m_width / 2 + 101, m_height / 2 + 52});
+    ExpectScreen();
+    m_input->Click(3);
+    m_state.anchor.reset();
+    ExpectScreen();
+    m_input->ReleaseButton(1);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
+TEST_P(AddedPixels, AllOfItAtAHalf)
+{
+    m_state.hasContrast = true;
+    m_state.showsSize = true;
+    m_state.isBright = true;
+    ChildProcess process = StartOnPicture(2 * m_width, m_height / 2, {m_width / 3, m_height / 2},
+                                          Annotate(R"({"contrast": true, "size": true, "bright": true})"));
+    PressAt({m_width / 3, m_height / 2});
+    Point({m_width / 3 + 80, m_height / 2 + 60});
+    ExpectScreen();
+    m_input->Click(3);
+    m_input->ReleaseButton(1);
+    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+}
+
 TEST_P(ScaledPixels, APictureAtAHalf)
 {
     ChildProcess process = StartOnPicture(2 * m_width, m_height / 2, {m_width / 3, m_height / 2 + 31});
@@ -289,6 +421,8 @@ INSTANTIATE_TEST_SUITE_P(Screens, OverlayPixels, testing::Values(Size{1280, 720}
                          testing::PrintToStringParamName());
 // An outline is as thick on every screen, and how large the message is, its own test looks at.
 INSTANTIATE_TEST_SUITE_P(Screens, OutlinePixels, testing::Values(Size{1920, 1080}), testing::PrintToStringParamName());
+// What a configuration adds.
+INSTANTIATE_TEST_SUITE_P(Screens, AddedPixels, testing::Values(Size{1280, 720}), testing::PrintToStringParamName());
 // The last one is as high as the largest screen, which is all that the magnifier goes by, and quicker.
 INSTANTIATE_TEST_SUITE_P(Screens, MagnifierPixels, testing::Values(Size{1280, 720}, Size{1920, 1080}, Size{960, 2160}),
                          testing::PrintToStringParamName());

@@ -339,7 +339,7 @@ class Configuration(Pages):
 
     def test_every_example_is_taken(self):
         blocks = [text for _, language, text in self.blocks if language == "json"]
-        self.assertEqual(len(blocks), 5)
+        self.assertEqual(len(blocks), 7)
         for text in blocks:
             code, output, errors = self.start(text)
             self.assertEqual(code, 253, errors)

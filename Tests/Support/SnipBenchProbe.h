@@ -40,7 +40,8 @@ public:
     [[nodiscard]] std::uint16_t GetZoomLabel() const { return m_magnificationLabel.GetId(); }
     [[nodiscard]] std::uint16_t GetCoordinatesLabel() const { return m_coordinatesLabel.GetId(); }
     [[nodiscard]] std::uint16_t GetSelectionLine() const { return m_selectionLine.GetId(); }
-    [[nodiscard]] MagnifierLabel& GetSizeLabel() { return m_sizeLabel; }
+    [[nodiscard]] MagnifierLabel& GetSizeLabel() { return m_aids.GetSizeLabel(); }
+    [[nodiscard]] SnipAids& GetAids() { return m_aids; }
 
     /// Every id of a render object.
     [[nodiscard]] std::vector<std::uint16_t> GetIds() const

@@ -41,6 +41,7 @@ OverlayModel::OverlayModel(int width, int height, const Picture& picture)
 Look OverlayModel::MakeLook(const OverlayState& state) const
 {
     Look look = m_background;
+    PaintBright(look, state);
     PaintMagnifier(look, state);
     PaintLines(look, state);
     PaintTexts(look, state);
@@ -76,6 +77,17 @@ Position OverlayModel::PlaceMagnifier(Position cursor) const
 int OverlayModel::GetMessageSize() const
 {
     return static_cast<int>(std::max(m_height / 1080.0, 1.0) * 24.0);
+}
+
+/// From the corner where it began to the cursor; none if it hasn't begun.
+std::optional<Area> GetSelection(const OverlayState& state)
+{
+    if (!state.anchor)
+        return std::nullopt;
+    const Position anchor = *state.anchor;
+    const Position cursor = state.cursor;
+    return Area{std::min(anchor.x, cursor.x), std::min(anchor.y, cursor.y), std::abs(anchor.x - cursor.x),
+                std::abs(anchor.y - cursor.y)};
 }
 
 /// The picture's pixels that share a pixel of the screen, averaged and dimmed. Black around the picture.
@@ -118,30 +130,90 @@ void OverlayModel::PaintLines(Look& look, const OverlayState& state) const
 {
     LinePainter painter(look);
     const Position cursor = state.cursor;
-    if (state.anchor)
-    {
-        const Position anchor = *state.anchor;
-        painter.PaintOutline({std::min(anchor.x, cursor.x), std::min(anchor.y, cursor.y), std::abs(anchor.x - cursor.x),
-                              std::abs(anchor.y - cursor.y)});
-    }
+    const std::optional<Area> selection = GetSelection(state);
+    if (selection)
+        painter.PaintOutline(*selection);
+    if (selection && state.hasContrast)
+        painter.PaintOutlineEdge(*selection);
     painter.PaintCrosshair(cursor);
+    if (state.hasContrast)
+        painter.PaintCrosshairEdge(cursor);
     const Position place = PlaceMagnifier(cursor);
     painter.PaintCross({place.x, place.y, m_side, m_side});
+    painter.Cover({place.x, place.y, m_side, m_side});
+    for (const OverlayMark& mark : state.marks)
+        painter.PaintOutline(mark.area, mark.colour);
+    if (state.hasContrast && (m_area.width < m_width || m_area.height < m_height))
+        painter.PaintFrame(m_area);
+}
+
+void OverlayModel::PaintBright(Look& look, const OverlayState& state) const
+{
+    const std::optional<Area> selection = GetSelection(state);
+    if (!selection || !state.isBright)
+        return;
+    for (int y = selection->y; y < selection->y + selection->height; ++y)
+        for (int x = selection->x; x < selection->x + selection->width; ++x)
+            look.At(x, y) = GetBlock((x - m_area.x) * m_shrink, (y - m_area.y) * m_shrink, 1.0);
+}
+
+void OverlayModel::PaintText(Look& look, const OverlayState& state, const std::string& text, double x, double baseline,
+                             double scale, std::uint32_t colour) const
+{
+    for (const double offsetX : {-1.0, 1.0})
+        for (const double offsetY : {-1.0, 1.0})
+            if (state.hasContrast)
+                m_text.Draw(look, text, x + offsetX, baseline + offsetY, scale, s_black);
+    m_text.Draw(look, text, x, baseline, scale, colour);
+}
+
+// Above the selection, below it where there is no room, or inside.
+void OverlayModel::PaintSize(Look& look, const OverlayState& state) const
+{
+    const std::optional<Area> selection = GetSelection(state);
+    if (!selection || !state.showsSize)
+        return;
+    constexpr double gap = 4.0;
+    const double letter = GetLetterHeight();
+    const double scale = letter / s_fontSize;
+    const double below = letter / 4.0;
+    double baseline = selection->y - gap - below;
+    if (baseline < letter)
+        baseline = selection->y + selection->height + gap + letter;
+    if (baseline + below > m_height)
+        baseline = selection->y + gap + letter;
+    const std::string size =
+        std::to_string(selection->width * m_shrink) + " x " + std::to_string(selection->height * m_shrink);
+    const double rightmost = m_width - m_text.GetWidth(size) * scale;
+    PaintText(look, state, size, std::clamp<double>(selection->x, 0.0, rightmost), baseline, scale);
+}
+
+void OverlayModel::PaintHints(Look& look, const OverlayState& state) const
+{
+    constexpr double size = 20.0;
+    const double height = std::max(m_height / 1080.0, 1.0) * size;
+    const int width = std::max(m_text.GetWidth(state.hints), 1);
+    const double scale = std::min(std::floor(height) / s_fontSize, m_width * 0.98 / width);
+    PaintText(look, state, state.hints, (m_width - width * scale) / 2.0, m_height - height / 2.0, scale);
 }
 
 void OverlayModel::PaintTexts(Look& look, const OverlayState& state) const
 {
     const Position magnifier = PlaceMagnifier(state.cursor);
-    const double scale = std::max(m_margin * 3 / 4, 16) / s_fontSize;
+    const double scale = GetLetterHeight() / s_fontSize;
     const std::string place =
         std::to_string(state.cursor.x - m_area.x) + ", " + std::to_string(state.cursor.y - m_area.y);
-    m_text.Draw(look, place, magnifier.x, magnifier.y, scale);
+    PaintText(look, state, place, magnifier.x, magnifier.y, scale);
     const std::string zoom = "x" + std::to_string(state.zoom);
-    m_text.Draw(look, zoom, magnifier.x + m_side - m_text.GetWidth(zoom) * scale, magnifier.y, scale);
+    PaintText(look, state, zoom, magnifier.x + m_side - m_text.GetWidth(zoom) * scale, magnifier.y, scale);
+    PaintText(look, state, state.label, magnifier.x, magnifier.y + m_side + GetLetterHeight(), scale,
+              state.labelColour);
+    PaintSize(look, state);
+    PaintHints(look, state);
 
     const double messageScale = GetMessageSize() / s_fontSize;
     const double left = m_width * 0.5 - m_text.GetWidth(state.message) * messageScale * 0.5;
-    m_text.Draw(look, state.message, left, m_height * 0.85, messageScale);
+    PaintText(look, state, state.message, left, m_height * 0.85, messageScale);
 }
 
 } // namespace Orvik::Tests

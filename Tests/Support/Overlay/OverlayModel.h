@@ -3,11 +3,21 @@
 #include "Tests/Support/Overlay/Look.h"
 #include "Tests/Support/Overlay/TextModel.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Orvik::Tests
 {
+
+/// A selection that is done and stays visible, in screen pixels.
+struct OverlayMark
+{
+    Area area;
+    std::uint32_t colour;
+};
 
 /// What the user has done with the overlay. Positions are screen pixels.
 struct OverlayState
@@ -16,6 +26,15 @@ struct OverlayState
     int zoom = 4;
     std::optional<Position> anchor; ///< where a selection under way began
     std::string message;            ///< none if empty
+
+    // What a configuration adds.
+    bool showsSize = false;
+    bool isBright = false;
+    bool hasContrast = false;
+    std::vector<OverlayMark> marks;
+    std::string label; ///< none if empty
+    std::uint32_t labelColour = 0xFFFFFFFFU;
+    std::string hints; ///< none if empty
 };
 
 /// How the overlay should look on a display that begins at 0, 0, painted only by the rules.
@@ -48,6 +67,14 @@ private:
     void PaintMagnifier(Look& look, const OverlayState& state) const;
     void PaintLines(Look& look, const OverlayState& state) const;
     void PaintTexts(Look& look, const OverlayState& state) const;
+    void PaintBright(Look& look, const OverlayState& state) const;
+    void PaintSize(Look& look, const OverlayState& state) const;
+    void PaintHints(Look& look, const OverlayState& state) const;
+    /// At a place on the screen, y downward, with a dark edge if there is contrast.
+    void PaintText(Look& look, const OverlayState& state, const std::string& text, double x, double baseline,
+                   double scale, std::uint32_t colour = 0xFFFFFFFFU) const;
+    /// The size of the texts at the magnifier, pixels.
+    [[nodiscard]] double GetLetterHeight() const { return std::max(m_margin * 3 / 4, 16); }
 
     int m_width;
     int m_height;

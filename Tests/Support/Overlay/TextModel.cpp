@@ -63,7 +63,8 @@ int TextModel::GetWidth(const std::string& text) const
     return width;
 }
 
-void TextModel::Draw(Look& look, const std::string& text, double x, double baseline, double scale) const
+void TextModel::Draw(Look& look, const std::string& text, double x, double baseline, double scale,
+                     std::uint32_t colour) const
 {
     int penX = 0;
     int penY = 0;
@@ -76,7 +77,7 @@ void TextModel::Draw(Look& look, const std::string& text, double x, double basel
             continue;
         }
         const Glyph& glyph = m_glyphs.at(character);
-        DrawGlyph(look, glyph, x + (penX + glyph.left) * scale, baseline + (penY - glyph.top) * scale, scale);
+        DrawGlyph(look, glyph, x + (penX + glyph.left) * scale, baseline + (penY - glyph.top) * scale, scale, colour);
         penX += glyph.advance;
     }
 }
@@ -92,7 +93,7 @@ double TextModel::Glyph::GetAverage(double fromX, double fromY, double toX, doub
     return sum / 255.0 / ((toX - fromX) * (toY - fromY));
 }
 
-void TextModel::DrawGlyph(Look& look, const Glyph& glyph, double left, double top, double scale)
+void TextModel::DrawGlyph(Look& look, const Glyph& glyph, double left, double top, double scale, std::uint32_t colour)
 {
     // One pixel more on each side: what a glyph's neighbourhood gets belongs to the text too.
     const auto lastX = static_cast<int>(std::ceil(left + glyph.width * scale));
@@ -104,7 +105,7 @@ void TextModel::DrawGlyph(Look& look, const Glyph& glyph, double left, double to
                 continue;
             const double opacity =
                 glyph.GetAverage((x - left) / scale, (y - top) / scale, (x + 1 - left) / scale, (y + 1 - top) / scale);
-            look.Mix(x, y, 0xFFFFFFFFU, opacity);
+            look.Mix(x, y, colour, opacity);
             look.isText[look.GetIndex(x, y)] = 1;
         }
 }

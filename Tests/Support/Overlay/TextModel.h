@@ -20,9 +20,10 @@ public:
     /// How far the pen moves on the last line, in pixels of the full size.
     [[nodiscard]] int GetWidth(const std::string& text) const;
 
-    /// Writes white text over the screen. The first line begins at `x` and is on `baseline`, in screen pixels, y
+    /// Writes text over the screen. The first line begins at `x` and is on `baseline`, in screen pixels, y
     /// downward; `scale` is its part of the full size. Every pixel gets the average of the glyph over its square.
-    void Draw(Look& look, const std::string& text, double x, double baseline, double scale) const;
+    void Draw(Look& look, const std::string& text, double x, double baseline, double scale,
+              std::uint32_t colour = 0xFFFFFFFFU) const;
 
 private:
     struct Glyph
@@ -38,7 +39,7 @@ private:
         [[nodiscard]] double GetAverage(double fromX, double fromY, double toX, double toY) const;
     };
 
-    static void DrawGlyph(Look& look, const Glyph& glyph, double left, double top, double scale);
+    static void DrawGlyph(Look& look, const Glyph& glyph, double left, double top, double scale, std::uint32_t colour);
 
     std::map<char, Glyph> m_glyphs;
 };

@@ -9,10 +9,14 @@
 namespace Orvik::Graphics::Tools
 {
 
-/// Two lines as long as the window, right of the cursor's pixel and below it. Owns both.
+/// Two lines as long as the window, right of the cursor's pixel and below it; with contrast, each has a dark one on its
+/// far side. Owns them.
 class Crosshair
 {
 public:
+    /// Makes the dark lines too. Between `Fit` and the first `Move`.
+    void FitEdges(Size window, Renderer::LineRenderer& renderer);
+
     /// Makes the lines, or gives existing ones the window's size.
     void Fit(Size window, Renderer::LineRenderer& renderer);
 
@@ -24,8 +28,12 @@ public:
     /// The horizontal line and the vertical one.
     [[nodiscard]] const std::array<std::uint16_t, 2>& GetIds() const { return m_ids; }
 
+    /// The same of the dark lines.
+    [[nodiscard]] const std::array<std::uint16_t, 2>& GetEdgeIds() const { return m_edgeIds; }
+
 private:
     std::array<std::uint16_t, 2> m_ids = {0, 0};
+    std::array<std::uint16_t, 2> m_edgeIds = {0, 0};
 };
 
 } // namespace Orvik::Graphics::Tools

@@ -114,22 +114,41 @@ void MagnifierLabel::Create(const char* text, Renderer::Renderer& renderer)
 void MagnifierLabel::SetText(const char* text, Renderer::Renderer& renderer) const
 {
     renderer.GetTextRenderer().SetText(m_id, text, renderer);
+    m_edge.SetText(text, renderer);
 }
 
 void MagnifierLabel::Place(float left, float y, float scale, Renderer::TextRenderer& renderer) const
 {
-    Tools::Place(renderer.Get(m_id), PlaceLabel(left, y, scale), s_white);
+    if (Renderer::Text* const text = renderer.Get(m_id))
+        PlaceAt(*text, left, y, scale, renderer);
 }
 
 void MagnifierLabel::PlaceFlushRight(float right, float y, float scale, Renderer::TextRenderer& renderer) const
 {
     Renderer::Text* const text = renderer.Get(m_id);
     if (text != nullptr)
-        Tools::Place(text, PlaceLabel(right - static_cast<float>(text->width) * scale, y, scale), s_white);
+        PlaceAt(*text, right - static_cast<float>(text->width) * scale, y, scale, renderer);
+}
+
+void MagnifierLabel::PlaceAt(Renderer::Text& text, float left, float y, float scale,
+                             Renderer::TextRenderer& renderer) const
+{
+    Tools::Place(&text, PlaceLabel(left, y, scale), s_white);
+    m_edge.Surround(text, renderer);
+}
+
+void MagnifierLabel::SetVisible(bool isVisible, Renderer::TextRenderer& renderer) const
+{
+    Renderer::Text* const text = renderer.Get(m_id);
+    if (text == nullptr)
+        return;
+    text->visible = isVisible;
+    m_edge.Surround(*text, renderer);
 }
 
 void MagnifierLabel::Remove(Renderer::TextRenderer& renderer)
 {
+    m_edge.Remove(renderer);
     RemoveObject(renderer, m_id);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Tools/SnipGeometry.h"
+#include "Core/Graphics/Tools/TextEdge.h"
 #include "Core/System/Multimedia/Bitmap.h"
 
 #include <array>
@@ -50,10 +51,13 @@ private:
     std::array<std::uint16_t, 2> m_ids = {0, 0};
 };
 
-/// A text on an edge of the magnifier. Owns its text object.
+/// A text on an edge of the magnifier. Owns its text object, and its dark edge if it has one.
 class MagnifierLabel
 {
 public:
+    /// Gives the text a dark edge. Before `Create`.
+    void CreateEdge(Renderer::Renderer& renderer) { m_edge.Create("", renderer); }
+
     /// Makes the text if it doesn't exist.
     void Create(const char* text, Renderer::Renderer& renderer);
 
@@ -67,9 +71,17 @@ public:
     void Remove(Renderer::TextRenderer& renderer);
 
     [[nodiscard]] std::uint16_t GetId() const { return m_id; }
+    [[nodiscard]] const TextEdge& GetEdge() const { return m_edge; }
+
+protected:
+    /// Shows or hides the text with its edge. Does nothing if there is no text.
+    void SetVisible(bool isVisible, Renderer::TextRenderer& renderer) const;
 
 private:
+    void PlaceAt(Renderer::Text& text, float left, float y, float scale, Renderer::TextRenderer& renderer) const;
+
     std::uint16_t m_id = 0;
+    TextEdge m_edge;
 };
 
 } // namespace Orvik::Graphics::Tools

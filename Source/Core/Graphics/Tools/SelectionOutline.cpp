@@ -1,8 +1,9 @@
 #include "Core/Graphics/Tools/SelectionOutline.h"
 
+#include "Core/Graphics/Tools/OutlineShape.h"
 #include "Core/Graphics/Tools/ToolObjects.h"
 
-#include <algorithm>
+#include <array>
 
 namespace Orvik::Graphics::Tools
 {
@@ -16,23 +17,17 @@ using System::Math::Vector4;
 constexpr float s_thickness = 1.0F;
 constexpr float s_rectangleDepth = 2.0F;
 constexpr float s_polygonDepth = 0.2F;
-/// The line renderer keeps the memory of the points and adds a point at each end.
-constexpr std::size_t s_addedPoints = 2;
-
-std::vector<Vector4> MakePoints(std::uint16_t width, std::uint16_t height)
-{
-    const std::array<Vector4, 5> outline = MakeRectangleOutline(width, height, s_thickness);
-    std::vector<Vector4> points;
-    points.reserve(outline.size() + s_addedPoints);
-    points.assign(outline.begin(), outline.end());
-    return points;
-}
+constexpr float s_rectangleEdgeDepth = 1.9F;
+constexpr float s_polygonEdgeDepth = 0.19F;
+/// A pixel on each side of a polygon's line.
+constexpr float s_polygonEdgeThickness = 3.0F;
 
 } // namespace
 
 void SelectionOutline::Create(Renderer::LineRenderer& renderer)
 {
-    std::vector<Vector4> points = MakePoints(1, 1);
+    const std::array<Vector4, 5> outline = MakeRectangleOutline(1, 1, s_thickness);
+    std::vector<Vector4> points(outline.begin(), outline.end());
     renderer.Create(m_id, points);
     if (Renderer::Line* const line = renderer.Get(m_id))
     {
@@ -41,7 +36,14 @@ void SelectionOutline::Create(Renderer::LineRenderer& renderer)
     }
 }
 
-// The line's y counts upward, so its origin is at the lower edge.
+void SelectionOutline::CreateEdge(Renderer::LineRenderer& renderer)
+{
+    const std::array<Vector4, 5> outline = MakeRectangleOutline(1, 1, s_thickness);
+    std::vector<Vector4> points(outline.begin(), outline.end());
+    renderer.Create(m_edgeId, points);
+    Place(renderer.Get(m_edgeId), Matrix4::Collapse(), s_black);
+}
+
 void SelectionOutline::ShowRectangle(const RectangleModeData& rectangle, Size window,
                                      Renderer::LineRenderer& renderer) const
 {
@@ -49,12 +51,19 @@ void SelectionOutline::ShowRectangle(const RectangleModeData& rectangle, Size wi
     if (line == nullptr)
         return;
 
-    const float left = static_cast<float>(rectangle.x) - 1.0F;
-    const float bottom = static_cast<float>(window.height - (rectangle.y + rectangle.height)) - 1.0F;
-    line->model = Matrix4::Translation(std::max(left, 0.0F), std::max(bottom, 0.0F), s_rectangleDepth);
-    std::vector<Vector4> points =
-        MakePoints(static_cast<std::uint16_t>(rectangle.width + 2), static_cast<std::uint16_t>(rectangle.height + 2));
-    renderer.Update(m_id, points);
+    const System::Math::Rectangle area = {rectangle.x, rectangle.y, rectangle.x + rectangle.width,
+                                          rectangle.y + rectangle.height};
+    OutlineShape shape = MakeRectangleShape(area, window);
+    line->model = Matrix4::Translation(shape.left, shape.bottom, s_rectangleDepth);
+    renderer.Update(m_id, shape.points);
+
+    Renderer::Line* const edge = renderer.Get(m_edgeId);
+    if (edge == nullptr)
+        return;
+    OutlineShape surrounding = MakeSurroundingShape(area, window);
+    Place(edge, Matrix4::Translation(surrounding.left, surrounding.bottom, s_rectangleEdgeDepth), s_black);
+    edge->thickness = s_thickness;
+    renderer.Update(m_edgeId, surrounding.points);
 }
 
 void SelectionOutline::ShowPolygon(const std::vector<Point>& vertices, Point cursor, Size window,
@@ -64,28 +73,35 @@ void SelectionOutline::ShowPolygon(const std::vector<Point>& vertices, Point cur
     if (line == nullptr)
         return;
 
-    const auto toLine = [window](const Point& point) {
-        return Vector4{static_cast<float>(point.x), static_cast<float>(window.height - point.y), 0.0F, 1.0F};
-    };
-    std::vector<Vector4> points;
-    points.reserve(vertices.size() + 1 + s_addedPoints);
-    std::transform(vertices.begin(), vertices.end(), std::back_inserter(points), toLine);
-    points.push_back(toLine(cursor));
-
+    std::vector<Point> corners = vertices;
+    corners.push_back(cursor);
+    OutlineShape shape = MakePolygonShape(corners, window);
     line->model = Matrix4::Translation(0.0F, 0.0F, s_polygonDepth);
     line->color = Colour;
-    renderer.Update(m_id, points);
+    std::vector<Vector4> edgePoints = shape.points;
+    renderer.Update(m_id, shape.points);
+
+    Renderer::Line* const edge = renderer.Get(m_edgeId);
+    if (edge == nullptr)
+        return;
+    Place(edge, Matrix4::Translation(0.0F, 0.0F, s_polygonEdgeDepth), s_black);
+    edge->thickness = s_polygonEdgeThickness;
+    renderer.Update(m_edgeId, edgePoints);
 }
 
 void SelectionOutline::Hide(Renderer::LineRenderer& renderer) const
 {
-    if (Renderer::Line* const line = renderer.Get(m_id))
-        line->model = Matrix4::Collapse();
+    for (const std::uint16_t id : {m_id, m_edgeId})
+    {
+        if (Renderer::Line* const line = renderer.Get(id))
+            line->model = Matrix4::Collapse();
+    }
 }
 
 void SelectionOutline::Remove(Renderer::LineRenderer& renderer)
 {
     RemoveObject(renderer, m_id);
+    RemoveObject(renderer, m_edgeId);
 }
 
 } // namespace Orvik::Graphics::Tools

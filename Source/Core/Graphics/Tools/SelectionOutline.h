@@ -9,7 +9,8 @@
 namespace Orvik::Graphics::Tools
 {
 
-/// The line around the selection that is being made. Owns the line.
+/// The line around the selection that is being made; with contrast, a dark one is outside of it, or below a polygon's.
+/// Owns both.
 class SelectionOutline
 {
 public:
@@ -17,6 +18,9 @@ public:
 
     /// Makes it around a single pixel.
     void Create(Renderer::LineRenderer& renderer);
+
+    /// Makes the dark line too, hidden. After `Create`.
+    void CreateEdge(Renderer::LineRenderer& renderer);
 
     /// Puts it one pixel outside of the rectangle on each side.
     void ShowRectangle(const RectangleModeData& rectangle, Size window, Renderer::LineRenderer& renderer) const;
@@ -33,8 +37,11 @@ public:
     [[nodiscard]] bool Exists(Renderer::LineRenderer& renderer) const { return renderer.Get(m_id) != nullptr; }
     [[nodiscard]] std::uint16_t GetId() const { return m_id; }
 
+    [[nodiscard]] std::uint16_t GetEdgeId() const { return m_edgeId; }
+
 private:
     std::uint16_t m_id = 0;
+    std::uint16_t m_edgeId = 0;
 };
 
 } // namespace Orvik::Graphics::Tools

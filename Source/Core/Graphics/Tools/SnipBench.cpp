@@ -76,6 +76,7 @@ void SnipBench::Start(ToolContext& context, Parameters parameters, Renderer::Ren
     ORVIK_ASSERT(m_snipState == SnipState::Inactive, "Snipping tool is already active.");
 
     m_cropToSelection = parameters.cropToSelection;
+    m_switches = std::move(parameters.switches);
     if (parameters.bitmap.GetSize() != 0)
     {
         m_capture = std::move(parameters.bitmap);
@@ -103,16 +104,22 @@ bool SnipBench::Setup(ToolContext& context, Renderer::Renderer& renderer)
     m_magnifierWidth = ChooseMagnifierSide(m_windowHeight);
     m_magnifierHeight = m_magnifierWidth;
     m_displayScale = ChooseDisplayScale(unscaled.window, unscaled.capture);
-    MoveCursor(ToWindowLocal({context.x, context.y}, GetDisplayOrigin(context)));
+    const Point pointer = ToWindowLocal({context.x, context.y}, GetDisplayOrigin(context));
+    m_edgeReserve.Begin(pointer);
+    MoveCursor(pointer);
+    KeepEdgeReserve(context);
     UpdateCaptureTexture(renderer);
 
     m_selectionLine.Remove(renderer.GetLineRenderer());
     m_polygonModeData.points.clear();
     m_selectionLine.Create(renderer.GetLineRenderer());
+    if (m_switches.contrast)
+        m_selectionLine.CreateEdge(renderer.GetLineRenderer());
 
     m_snipMode = SnipMode::Rectangle;
     m_snipState = SnipState::Ready;
     ChangeMagnifier(renderer, s_startMagnification);
+    m_aids.Begin(m_switches, GetView(), renderer);
     UpdateMagnifier(renderer);
     return true;
 }
@@ -124,6 +131,7 @@ void SnipBench::Update(ToolContext& context, Renderer::Renderer& renderer)
 
     UpdateZoom(context, renderer);
     UpdateCursorKeys(context);
+    UpdateAidKeys(context, renderer);
     switch (m_snipMode)
     {
     case SnipMode::Rectangle:
@@ -133,6 +141,7 @@ void SnipBench::Update(ToolContext& context, Renderer::Renderer& renderer)
         UpdatePolygonMode(context, renderer);
         break;
     }
+    KeepEdgeReserve(context);
 }
 
 void SnipBench::UpdateZoom(const ToolContext& context, Renderer::Renderer& renderer)
@@ -164,26 +173,38 @@ void SnipBench::UpdateCursorKeys(const ToolContext& context) const
     if (step == Point{0, 0})
         return;
 
-    const Point target = {std::clamp(m_cursorX + step.x, 0, m_windowWidth - 1),
-                          std::clamp(m_cursorY + step.y, 0, m_windowHeight - 1)};
-    if (target == GetCursor())
-        return;
+    const std::int32_t beyond = ReachesBeyond() ? 1 : 0;
+    const Point target = {std::clamp(m_cursorX + step.x, 0, m_windowWidth - 1 + beyond),
+                          std::clamp(m_cursorY + step.y, 0, m_windowHeight - 1 + beyond)};
+    if (target != GetCursor())
+        SetPointer(context, m_edgeReserve.ToPointer(target));
+}
+
+void SnipBench::SetPointer(const ToolContext& context, Point position) const
+{
     const Point origin = GetDisplayOrigin(context);
-    System::Device::Cursor::SetPosition({target.x + origin.x, target.y + origin.y});
+    System::Device::Cursor::SetPosition({position.x + origin.x, position.y + origin.y});
+}
+
+void SnipBench::KeepEdgeReserve(const ToolContext& context)
+{
+    if (ReachesBeyond() && m_edgeReserve.Follow(GetCursor(), GetWindowSize()))
+        SetPointer(context, m_edgeReserve.ToPointer(GetCursor()));
 }
 
 void SnipBench::MoveCursor(Point position)
 {
-    const Point cursor = ClampToImage(GetView(), position);
+    const Point cursor = ReachesBeyond() ? ClampBeyondImage(GetView(), position) : ClampToImage(GetView(), position);
     m_cursorX = cursor.x;
     m_cursorY = cursor.y;
 }
 
-std::optional<Point> SnipBench::FindMove(const ToolContext& context) const
+std::optional<Point> SnipBench::FindMove(const ToolContext& context)
 {
     if (context.type != ToolEventType::MouseMove)
         return std::nullopt;
-    const Point position = ToWindowLocal({context.x, context.y}, GetDisplayOrigin(context));
+    const Point pointer = ToWindowLocal({context.x, context.y}, GetDisplayOrigin(context));
+    const Point position = m_edgeReserve.ToCursor(pointer, GetWindowSize());
     return position != GetCursor() ? std::optional(position) : std::nullopt;
 }
 
@@ -238,6 +259,12 @@ void SnipBench::CreateMagnifierObjects(Renderer::Renderer& renderer)
     m_crosshairLines.Fit(GetWindowSize(), renderer.GetLineRenderer());
     m_magnifierDividers.Fit(magnifier.window, renderer.GetLineRenderer());
 
+    if (m_switches.contrast)
+    {
+        m_crosshairLines.FitEdges(GetWindowSize(), renderer.GetLineRenderer());
+        m_coordinatesLabel.CreateEdge(renderer);
+        m_magnificationLabel.CreateEdge(renderer);
+    }
     m_coordinatesLabel.Create("0, 0", renderer);
     m_magnificationLabel.Create("x0", renderer);
     LabelText text = {};
@@ -265,7 +292,7 @@ void SnipBench::UpdateMagnifier(Renderer::Renderer& renderer)
     m_coordinatesLabel.SetText(text.data(), renderer);
     m_coordinatesLabel.Place(place.left, top, scale, texts);
     m_magnificationLabel.PlaceFlushRight(place.left + static_cast<float>(m_magnifierWidth), top, scale, texts);
-    m_sizeLabel.Place(place.left, top - static_cast<float>(m_magnifierHeight) - height, scale, texts);
+    m_aids.FollowMagnifier(place, magnifier.window, view.window, renderer);
 }
 
 bool SnipBench::UpdateCaptureTexture(Renderer::Renderer& renderer)
@@ -273,8 +300,9 @@ bool SnipBench::UpdateCaptureTexture(Renderer::Renderer& renderer)
     return m_captureTexture.Update(m_capture, GetView(), renderer);
 }
 
-bool SnipBench::Deliver(System::Math::Rectangle& bounds, std::vector<Point>* polygon)
+bool SnipBench::Deliver(System::Math::Rectangle& bounds, std::vector<Point>* polygon, Renderer::Renderer& renderer)
 {
+    const ShownSelection shown = GetDeliveredSelection();
     System::Multimedia::Bitmap snip;
     if (m_cropToSelection)
     {
@@ -282,9 +310,12 @@ bool SnipBench::Deliver(System::Math::Rectangle& bounds, std::vector<Point>* pol
         snip = m_capture.Crop(bounds.left, bounds.top, bounds.GetWidth(), bounds.GetHeight());
     }
 
-    Result result{m_startTime, &m_capture, &snip, &bounds, polygon};
-    const bool goesOn = onResult(result);
-    return goesOn && m_snipState != SnipState::Inactive; // the receiver may have called `End`
+    Result result{m_startTime, &m_capture, &snip, &bounds, polygon, m_aids.GetLabel()};
+    const bool wantsMore = onResult(result);
+    const bool goesOn = wantsMore && m_snipState != SnipState::Inactive; // the receiver may have called `End`
+    if (goesOn && result.isKept)
+        m_aids.Keep(shown, GetWindowSize(), SelectionColour, renderer);
+    return goesOn;
 }
 
 bool SnipBench::SetMode(SnipMode mode)
@@ -314,6 +345,7 @@ void SnipBench::End(Renderer::Renderer& renderer)
     m_magnificationLabel.Remove(renderer.GetTextRenderer());
     m_coordinatesLabel.Remove(renderer.GetTextRenderer());
     m_captureTexture.Remove(renderer.GetTextureRenderer());
+    m_aids.End(renderer);
 
     m_snipState = SnipState::Inactive;
     m_magnification = 1;

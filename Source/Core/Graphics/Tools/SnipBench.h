@@ -2,9 +2,11 @@
 
 #include "Core/Graphics/Renderer/Renderer.h"
 #include "Core/Graphics/Tools/Crosshair.h"
+#include "Core/Graphics/Tools/EdgeReserve.h"
 #include "Core/Graphics/Tools/Magnifier.h"
 #include "Core/Graphics/Tools/SelectionOutline.h"
 #include "Core/Graphics/Tools/ShownCapture.h"
+#include "Core/Graphics/Tools/SnipAids.h"
 #include "Core/Graphics/Tools/SnipGeometry.h"
 #include "Core/Graphics/Tools/ToolContext.h"
 #include "Core/System/Multimedia/Bitmap.h"
@@ -13,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace Orvik::System::Desktop
@@ -49,6 +52,7 @@ public:
         bool cropToSelection = false;
         System::Desktop::Window* window = nullptr; ///< handed on to the capture; not owned
         System::Multimedia::Bitmap bitmap;         ///< the picture to snip; empty: the display is captured
+        ToolSwitches switches = {};                ///< what is added to the tool
     };
 
     /// One finished selection. Everything is only valid during the callback.
@@ -59,12 +63,19 @@ public:
         System::Multimedia::Bitmap* snip;          ///< the selection cut out, empty without cropping; may be changed
         System::Math::Rectangle* bounds;           ///< the bounding box, capture pixels
         std::vector<System::Math::Point>* polygon; ///< null for a rectangle; else the closed ring relative to bounds
+        const std::string* label = nullptr;        ///< one of the labels; null without labels
+        bool isKept = true;                        ///< the receiver clears it if it couldn't keep the selection
     };
 
     using ResultHandler = std::function<bool(Result&)>;
 
     /// Receives each selection; true lets the tool go on, false ends it, like an empty handler. Set before `Start`.
     ResultHandler onResult;
+
+    using BackTaker = std::function<bool()>;
+
+    /// Takes the last selection back that was kept; false if there is none. Only called with the switch `undo`.
+    BackTaker onTakeBack;
 
     using DisplayFinder = std::function<const System::Device::Display::DisplayDescriptor*(std::uint16_t id)>;
 
@@ -146,7 +157,9 @@ protected:
     Crosshair m_crosshairLines;
     MagnifierLabel m_coordinatesLabel;
     SelectionOutline m_selectionLine;
-    MagnifierLabel m_sizeLabel; ///< nothing creates it
+    ToolSwitches m_switches; ///< of the run that begins
+    EdgeReserve m_edgeReserve;
+    SnipAids m_aids;
     std::int32_t m_cursorX = 0; ///< window pixels, y downward, within the drawn image
     std::int32_t m_cursorY = 0;
     float m_displayScale = 1.0F; ///< window pixels per capture pixel, a power of one half
@@ -157,15 +170,27 @@ private:
     // SnipBench.cpp: the frame of the state machine.
     void UpdateZoom(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
     void UpdateCursorKeys(const System::Tools::ToolContext& context) const;
+    /// Sets the pointer, in window pixels of the context's display.
+    void SetPointer(const System::Tools::ToolContext& context, System::Math::Point position) const;
+    /// Keeps room for a push against the display's edge, with the switch `edges`.
+    void KeepEdgeReserve(const System::Tools::ToolContext& context);
+    [[nodiscard]] bool ReachesBeyond() const { return m_switches.edges; }
     void MoveCursor(System::Math::Point position);
     /// The window position of a mouse move, if it differs from the cursor's.
-    [[nodiscard]] std::optional<System::Math::Point> FindMove(const System::Tools::ToolContext& context) const;
+    [[nodiscard]] std::optional<System::Math::Point> FindMove(const System::Tools::ToolContext& context);
     [[nodiscard]] const System::Device::Display::DisplayDescriptor* FindDisplay(std::uint16_t id) const;
     /// Subtracting this from a screen position on the context's display gives a window position.
     [[nodiscard]] System::Math::Point GetDisplayOrigin(const System::Tools::ToolContext& context) const;
     [[nodiscard]] MagnifierSize GetMagnifier() const;
     /// Cuts the selection out and passes it to the receiver, which has to exist. Whether the tool goes on.
-    [[nodiscard]] bool Deliver(System::Math::Rectangle& bounds, std::vector<System::Math::Point>* polygon);
+    [[nodiscard]] bool Deliver(System::Math::Rectangle& bounds, std::vector<System::Math::Point>* polygon,
+                               Renderer::Renderer& renderer);
+
+    // SnipBenchAids.cpp: what a configuration adds.
+    void UpdateAidKeys(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    /// The selection that is being delivered. A polygon's ring has to be closed by then.
+    [[nodiscard]] ShownSelection GetDeliveredSelection() const;
+    void ShowSelectionAids(Renderer::Renderer& renderer);
 
     // SnipBenchRectangle.cpp: a rectangle, from the press to the release.
     void UpdateRectangleMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
@@ -176,6 +201,7 @@ private:
 
     // SnipBenchPolygon.cpp: a polygon, click by click.
     void UpdatePolygonMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
+    void AdvancePolygon(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
     void PlaceVertex(Renderer::Renderer& renderer);
     void RemoveVertex(Renderer::Renderer& renderer);
     void FinishPolygon(System::Math::Rectangle& bounds, Renderer::Renderer& renderer);

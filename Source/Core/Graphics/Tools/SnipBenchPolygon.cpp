@@ -16,6 +16,12 @@ using System::Tools::ToolContext;
 
 void SnipBench::UpdatePolygonMode(ToolContext& context, Renderer::Renderer& renderer)
 {
+    AdvancePolygon(context, renderer);
+    m_aids.FollowPolygon(m_polygonModeData.points, GetCursor(), GetWindowSize(), renderer);
+}
+
+void SnipBench::AdvancePolygon(const ToolContext& context, Renderer::Renderer& renderer)
+{
     const bool isSelectRelease = IsSelectInput(context) && !context.pressed;
     switch (m_snipState)
     {
@@ -48,6 +54,7 @@ void SnipBench::UpdatePolygonMode(ToolContext& context, Renderer::Renderer& rend
             m_selectionLine.ShowPolygon(m_polygonModeData.points, GetCursor(), GetWindowSize(),
                                         renderer.GetLineRenderer());
             UpdateMagnifier(renderer);
+            ShowSelectionAids(renderer);
         }
         break;
     }
@@ -80,6 +87,7 @@ void SnipBench::RemoveVertex(Renderer::Renderer& renderer)
     }
     m_selectionLine.ShowPolygon(points, GetCursor(), GetWindowSize(), renderer.GetLineRenderer());
     UpdateMagnifier(renderer);
+    ShowSelectionAids(renderer);
 }
 
 void SnipBench::FinishPolygon(Rectangle& bounds, Renderer::Renderer& renderer)
@@ -88,7 +96,7 @@ void SnipBench::FinishPolygon(Rectangle& bounds, Renderer::Renderer& renderer)
     if (onResult)
     {
         std::vector<Point> ring = CloseRing(bounds);
-        goesOn = Deliver(bounds, &ring);
+        goesOn = Deliver(bounds, &ring, renderer);
     }
     if (goesOn)
         ResetPolygonMode(renderer);
@@ -99,6 +107,7 @@ void SnipBench::FinishPolygon(Rectangle& bounds, Renderer::Renderer& renderer)
 void SnipBench::ResetPolygonMode(Renderer::Renderer& renderer)
 {
     m_selectionLine.Hide(renderer.GetLineRenderer());
+    m_aids.HideSelection(renderer);
     m_polygonModeData.points.clear();
     m_snipState = SnipState::Ready;
 }

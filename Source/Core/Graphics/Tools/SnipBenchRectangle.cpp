@@ -66,6 +66,7 @@ void SnipBench::DragRectangle(Point position, Renderer::Renderer& renderer)
         m_selectionLine.ShowRectangle(m_rectangleModeData, GetWindowSize(), renderer.GetLineRenderer());
     }
     UpdateMagnifier(renderer);
+    ShowSelectionAids(renderer);
 }
 
 void SnipBench::FinishRectangle(Renderer::Renderer& renderer)
@@ -73,7 +74,7 @@ void SnipBench::FinishRectangle(Renderer::Renderer& renderer)
     Rectangle bounds = GetRectangleBounds(GetView(), m_rectangleModeData);
     if (!HasArea(bounds))
         return;
-    if (onResult && Deliver(bounds, nullptr))
+    if (onResult && Deliver(bounds, nullptr, renderer))
         ResetRectangleMode(renderer);
     else
         End(renderer);
@@ -82,6 +83,7 @@ void SnipBench::FinishRectangle(Renderer::Renderer& renderer)
 void SnipBench::ResetRectangleMode(Renderer::Renderer& renderer)
 {
     m_selectionLine.Hide(renderer.GetLineRenderer());
+    m_aids.HideSelection(renderer);
     m_rectangleModeData = {};
     m_snipState = SnipState::Ready;
 }

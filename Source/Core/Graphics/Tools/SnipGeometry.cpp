@@ -94,6 +94,14 @@ Point ClampToImage(const SnipView& view, Point position)
             Clamp(position.y, view.window.height, GetHalfDrawnSize(view.capture.height, view.scale))};
 }
 
+Point ClampBeyondImage(const SnipView& view, Point position)
+{
+    const Point corner = GetImageCorner(view);
+    const Point end = {corner.x + Truncate(static_cast<float>(view.capture.width) * view.scale),
+                       corner.y + Truncate(static_cast<float>(view.capture.height) * view.scale)};
+    return {std::clamp(position.x, corner.x, end.x), std::clamp(position.y, corner.y, end.y)};
+}
+
 Point GetImageCorner(const SnipView& view)
 {
     return {GetImageOffset(view.window.width, GetHalfDrawnSize(view.capture.width, view.scale)),

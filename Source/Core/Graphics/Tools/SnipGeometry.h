@@ -73,6 +73,9 @@ struct RectangleModeData
 /// The nearest position within the drawn image; its right and lower limits are inclusive.
 [[nodiscard]] System::Math::Point ClampToImage(const SnipView& view, System::Math::Point position);
 
+/// The same, up to the first position beyond the last pixel in both directions, whether the sizes are odd or even.
+[[nodiscard]] System::Math::Point ClampBeyondImage(const SnipView& view, System::Math::Point position);
+
 /// The drawn image's top left corner; never negative.
 [[nodiscard]] System::Math::Point GetImageCorner(const SnipView& view);
 

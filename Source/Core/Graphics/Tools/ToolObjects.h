@@ -11,6 +11,7 @@ namespace Orvik::Graphics::Tools
 {
 
 inline constexpr System::Math::Vector4 s_white = {1.0F, 1.0F, 1.0F, 1.0F};
+inline constexpr System::Math::Vector4 s_black = {0.0F, 0.0F, 0.0F, 1.0F};
 
 template <typename ObjectRenderer>
 void RemoveObject(ObjectRenderer& renderer, std::uint16_t& id)

@@ -153,7 +153,7 @@ protected:
 
     void Start(Bitmap picture, ToolContext context = Move(0, 0), bool crop = true)
     {
-        m_tool.Start(context, {crop, nullptr, std::move(picture)}, m_renderer);
+        m_tool.Start(context, {crop, nullptr, std::move(picture), m_switches}, m_renderer);
     }
 
     /// A picture of the window's size, at scale 1 and without a border.
@@ -241,6 +241,7 @@ protected:
     Renderer::Renderer m_renderer;
     SnipBenchProbe m_tool;
     SnipBenchProbe& m_probe = m_tool;
+    ToolSwitches m_switches; ///< what a configuration adds; nothing unless a test sets it
     std::vector<Delivery> m_deliveries;
 
 private:

@@ -32,6 +32,14 @@ TEST_F(OwnSchema, TakesWhateverHasAMeaning)
              R"({"configuration": {"SnipBench": {"mode": "Rectangle"}}})",
              R"({"configuration": {"SnipBench": {"mode": "Polygon"}}})",
              R"({"SnipBench": 7})",
+             R"({"configuration": {"SnipBench": {"size": true, "bright": true, "marks": true, "undo": true}}})",
+             R"({"configuration": {"SnipBench": {"edges": true, "toggle": true, "hints": true, "contrast": false}}})",
+             R"({"configuration": {"SnipBench": {"labels": []}}})",
+             R"({"configuration": {"SnipBench": {"labels": ["a", "text field", "\u00FC \u4E2D"]}}})",
+             R"({"configuration": {"SnipBench": {"display": 2}}})",
+             R"({"configuration": {"SnipBench": {"display": "DP-1"}}})",
+             R"({"configuration": {"SnipBench": {"region": {}}}})",
+             R"({"configuration": {"SnipBench": {"region": {"x": -1, "y": 2, "width": 0, "height": 99999999999}}}})",
          })
         EXPECT_TRUE(m_cache.LoadFromString(json)) << json << "\n" << m_cache.GetError();
 }
@@ -53,6 +61,31 @@ TEST_F(OwnSchema, RefusesWhatHasNone)
               "Failed to validate against schema at keyword: enum");
     EXPECT_EQ(getError(R"({"configuration": {"SnipBench": {"Mode": "Polygon"}}})"),
               "Failed to validate against schema at keyword: additionalProperties");
+    for (const auto& [section, keyword] : std::vector<std::pair<const char*, const char*>>{
+             {R"({"size": 1})", "type"},
+             {R"({"contrast": "true"})", "type"},
+             {R"({"labels": "a"})", "type"},
+             {R"({"labels": [1]})", "type"},
+             {R"({"labels": ["a", "a"]})", "uniqueItems"},
+             {R"({"labels": [""]})", "minLength"},
+             {R"({"labels": [" a"]})", "pattern"},
+             {R"({"labels": ["a "]})", "pattern"},
+             {R"({"labels": ["a\nb"]})", "pattern"},
+             {R"({"display": 1.5})", "type"},
+             {R"({"region": 7})", "type"},
+             {R"({"region": {"x": 1}})", "anyOf"},
+             {R"({"region": {"x": 1, "y": 2, "width": 3, "height": "4"}})", "type"},
+             {R"({"region": {"left": 1}})", "additionalProperties"}})
+    {
+        const std::string json = std::string(R"({"configuration": {"SnipBench": )") + section + "}}";
+        EXPECT_EQ(getError(json.c_str()), std::string("Failed to validate against schema at keyword: ") + keyword)
+            << json;
+    }
+    std::string labels;
+    for (int i = 0; i < 37; ++i)
+        labels += (i == 0 ? "\"" : ", \"") + std::to_string(i) + "\"";
+    const std::string json = R"({"configuration": {"SnipBench": {"labels": [)" + labels + "]}}}";
+    EXPECT_EQ(getError(json.c_str()), "Failed to validate against schema at keyword: maxItems");
 }
 
 /// The documents between the fences of a Markdown file's JSON blocks.
