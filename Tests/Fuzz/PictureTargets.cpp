@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
+#include <zlib.h>
 
 namespace Orvik::Fuzz
 {
@@ -71,12 +73,36 @@ void Load(const std::string& path, Bytes input)
         SaveAndLoad(picture);
 }
 
+/// The same file with right checksums of all chunks: without that hardly one gets beyond its first chunk.
+std::vector<std::uint8_t> RepairChecksums(Bytes input)
+{
+    std::vector<std::uint8_t> file(input.begin(), input.end());
+    constexpr std::size_t signature = 8;
+    constexpr std::size_t frame = 12; // length, type and checksum of a chunk
+    for (std::size_t place = signature; place + frame <= file.size();)
+    {
+        Reader reader(Bytes(file).subspan(place));
+        std::size_t length = 0;
+        for (int index = 0; index < 4; ++index)
+            length = length << 8 | reader.TakeByte();
+        if (length > file.size() - place - frame)
+            break;
+        const std::uint8_t* const type = file.data() + place + 4;
+        const auto sum = static_cast<std::uint32_t>(crc32(0, type, static_cast<unsigned>(length + 4)));
+        for (std::size_t index = 0; index < 4; ++index)
+            file[place + 8 + length + index] = static_cast<std::uint8_t>(sum >> (24 - 8 * index));
+        place += frame + length;
+    }
+    return file;
+}
+
 } // namespace
 
 void LoadPng(Bytes input)
 {
     static const std::string s_path = MakePath("input.png");
     Load(s_path, input);
+    Load(s_path, RepairChecksums(input));
 }
 
 void LoadBmp(Bytes input)

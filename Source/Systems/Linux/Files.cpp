@@ -1,5 +1,7 @@
 #include "Core/System/Text/Files.h"
 
+#include "Core/System/Text/Paths.h"
+
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>

@@ -1,5 +1,6 @@
 #include "Core/System/Text/Files.h"
 
+#include "Core/System/Text/Paths.h"
 #include "Core/System/Text/Unicode.h"
 #include "Systems/Windows/WindowsHandle.h"
 
