@@ -112,6 +112,7 @@ public:
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder);
         inotify_add_watch(m_watch, folder.c_str(), IN_CLOSE_WRITE);
+        std::fflush(stdout); // else the child prints it once more
         m_start = Clock::now();
         m_child = fork();
         if (m_child != 0)
