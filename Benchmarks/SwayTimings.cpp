@@ -61,10 +61,13 @@ struct Usage
     double memory = 0.0;  ///< MiB, the sum of the peaks
 };
 
+/// Empty where there is no such file, or no more: processes end while they are looked at.
 std::string ReadText(const std::string& path)
 {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
+    const std::ifstream file(path);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
 }
 
 Usage GetUsage(pid_t process)
