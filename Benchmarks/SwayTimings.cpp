@@ -61,10 +61,13 @@ struct Usage
     double memory = 0.0;  ///< MiB, the sum of the peaks
 };
 
+/// Empty where there is no such file, or no more: processes end while they are looked at.
 std::string ReadText(const std::string& path)
 {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
+    const std::ifstream file(path);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
 }
 
 Usage GetUsage(pid_t process)
@@ -112,6 +115,7 @@ public:
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder);
         inotify_add_watch(m_watch, folder.c_str(), IN_CLOSE_WRITE);
+        std::fflush(stdout); // else the child prints it once more
         m_start = Clock::now();
         m_child = fork();
         if (m_child != 0)
