@@ -1,5 +1,7 @@
 #include "Application/SavedPathLabel.h"
 
+#include "Core/Graphics/Tools/DrawableText.h"
+
 #include <algorithm>
 #include <cstdint>
 
@@ -24,22 +26,10 @@ float GetTextScale(const Graphics::Renderer::Renderer& renderer)
     return Graphics::Renderer::TextRenderer::GetScale(size);
 }
 
-bool IsContinuation(char character)
-{
-    return (static_cast<unsigned char>(character) & 0xC0U) == 0x80U;
-}
-
-/// The text with three dots in place of its middle: so many bytes of it are left, or a few less, since characters stay
-/// whole.
+/// The text with three dots in place of its middle: so many characters of it are left.
 std::string Shorten(const std::string& text, std::size_t length)
 {
-    std::size_t head = (length + 1) / 2;
-    while (head > 0 && IsContinuation(text[head]))
-        --head;
-    std::size_t tail = text.size() - length / 2;
-    while (tail < text.size() && IsContinuation(text[tail]))
-        ++tail;
-    return text.substr(0, head) + "..." + text.substr(tail);
+    return text.substr(0, (length + 1) / 2) + "..." + text.substr(text.size() - length / 2);
 }
 
 } // namespace
@@ -60,11 +50,12 @@ void ShowSavedPath(const std::string& path, Graphics::Tools::TimedLabel& label, 
 {
     edge.Create("", renderer);
     const float room = (renderer.GetScreenSize().width - 2.0F * s_margin) / GetTextScale(renderer);
-    std::string shown = path;
+    const std::string whole = Graphics::Tools::ToDrawable(path);
+    std::string shown = whole;
     Graphics::Renderer::Text* text = label.Show(shown.c_str(), s_duration, renderer);
-    for (std::size_t length = path.size(); text != nullptr && static_cast<float>(text->width) > room && length > 0;)
+    for (std::size_t length = whole.size(); text != nullptr && static_cast<float>(text->width) > room && length > 0;)
     {
-        shown = Shorten(path, --length);
+        shown = Shorten(whole, --length);
         text = label.Show(shown.c_str(), s_duration, renderer);
     }
     ShowSavedPath(shown, label, renderer);

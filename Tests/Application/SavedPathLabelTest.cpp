@@ -87,7 +87,7 @@ TEST_F(SavedPathLabel, WithADarkEdgeItIsShortenedInItsMiddleIfItIsTooLong)
     EXPECT_EQ((texts.GetObjects().end() - 1)->instanceIndices.size(), 11U) << "a short one stays whole";
 }
 
-TEST_F(SavedPathLabel, CharactersStayWholeWhereItIsShortened)
+TEST_F(SavedPathLabel, WithADarkEdgeAQuestionMarkStandsForWhatTheFontLacks)
 {
     std::string path;
     for (int i = 0; i < 200; ++i)
@@ -96,7 +96,10 @@ TEST_F(SavedPathLabel, CharactersStayWholeWhereItIsShortened)
     Graphics::Tools::TextEdge edge;
     const Tests::LogRecorder log;
     ShowSavedPath(path, m_label, edge, m_renderer);
-    EXPECT_LE(static_cast<float>((m_renderer.GetTextRenderer().GetObjects().end() - 1)->width) / 4.0F, 608.0F);
+    const Text& text = *(m_renderer.GetTextRenderer().GetObjects().end() - 1);
+    EXPECT_LE(static_cast<float>(text.width) / 4.0F, 608.0F);
+    EXPECT_EQ(text.instanceIndices[1], static_cast<std::uint32_t>('?' - ' '));
+    EXPECT_TRUE(log.GetLines().empty()) << "one warning for each try would fill the log";
 }
 
 } // namespace

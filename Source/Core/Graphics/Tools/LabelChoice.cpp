@@ -1,5 +1,6 @@
 #include "Core/Graphics/Tools/LabelChoice.h"
 
+#include "Core/Graphics/Tools/DrawableText.h"
 #include "Core/System/Desktop/KeyCode.h"
 
 #include <algorithm>
@@ -41,22 +42,6 @@ std::optional<std::size_t> FindPlace(std::uint8_t key, bool keepsF1)
     if (!function || *function < first)
         return std::nullopt;
     return s_digits.size() + *function - first;
-}
-
-/// The font has only ASCII: a question mark stands for each other character.
-std::string ToDrawable(const std::string& name)
-{
-    std::string drawable;
-    for (const char character : name)
-    {
-        const auto byte = static_cast<unsigned char>(character);
-        const bool isContinuation = (byte & 0xC0U) == 0x80U;
-        if (byte < 0x80U)
-            drawable.push_back(character);
-        else if (!isContinuation)
-            drawable.push_back('?');
-    }
-    return drawable;
 }
 
 } // namespace
