@@ -10,10 +10,12 @@
 #include "Tests/Support/TemporaryDirectory.h"
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace Orvik::SnipBench
@@ -110,8 +112,26 @@ protected:
         testing::internal::CaptureStdout();
         System::Runtime::Application::Run(parameters);
         printed = testing::internal::GetCapturedStdout();
+        hasWaited = true; // the run may be over without
+        if (stopper.joinable())
+            stopper.join(); // before the application, which it asks to end, is gone
         running = nullptr;
         return application.m_returnCode;
+    }
+
+    /// Asks the run to end, from another thread, so long after it first waits for a message.
+    void StopOnceIdle(std::chrono::milliseconds pause)
+    {
+        desktop.onWait = [this] { hasWaited = true; };
+        stopper = std::thread(
+            [this, pause]
+            {
+                while (!hasWaited)
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                std::this_thread::sleep_for(pause);
+                EXPECT_NE(running.load(), nullptr) << "the run goes on";
+                System::Runtime::Application::RequestShutdown();
+            });
     }
 
     /// The text of the one log file, without the second character of line ends that Windows has.
@@ -130,6 +150,8 @@ protected:
     System::Runtime::CommandLine commandLine;
     std::string printed;
     std::atomic<Application*> running = nullptr;
+    std::atomic<bool> hasWaited = false;
+    std::thread stopper; ///< joined by `Run`
 };
 
 } // namespace Orvik::SnipBench

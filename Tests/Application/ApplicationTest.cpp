@@ -115,16 +115,8 @@ TEST_F(ApplicationTest, AnUntouchedOverlayWaits)
 {
     UseOutput();
     desktop.messages.emplace_back([](Window&) {});
-    std::thread stopper(
-        [this]
-        {
-            while (running == nullptr)
-                std::this_thread::yield();
-            std::this_thread::sleep_for(std::chrono::milliseconds(200));
-            System::Runtime::Application::RequestShutdown();
-        });
+    StopOnceIdle(std::chrono::milliseconds(200));
     EXPECT_EQ(Run(), 0);
-    stopper.join();
     EXPECT_EQ(Tests::GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U);
     EXPECT_LT(desktop.waits, 1000U);
 }
@@ -254,17 +246,8 @@ TEST_F(ApplicationTest, AWindowClosedByTheSystemDoesNotEndTheLoop)
 {
     UseOutput();
     desktop.messages.emplace_back([](Window& window) { window.DeliverClose(); });
-    std::thread stopper(
-        [this]
-        {
-            while (running == nullptr)
-                std::this_thread::yield();
-            std::this_thread::sleep_for(std::chrono::milliseconds(200));
-            EXPECT_NE(running.load(), nullptr) << "the run goes on without its window";
-            System::Runtime::Application::RequestShutdown();
-        });
+    StopOnceIdle(std::chrono::milliseconds(200));
     EXPECT_EQ(Run(), 0);
-    stopper.join();
     EXPECT_EQ(Tests::GLRecorder::GetInstance().GetCalls("SwapBuffers").size(), 1U) << "the frame of the request itself";
     EXPECT_LT(desktop.waits, 1000U) << "a run without a window waits";
 }
@@ -273,7 +256,7 @@ TEST_F(ApplicationTest, ARequestToEndWakesALongDelay)
 {
     UseOutput();
     AddArguments({"-d", "600000"});
-    std::thread stopper(
+    stopper = std::thread(
         [this]
         {
             while (running == nullptr)
@@ -282,7 +265,6 @@ TEST_F(ApplicationTest, ARequestToEndWakesALongDelay)
             System::Runtime::Application::RequestShutdown();
         });
     EXPECT_EQ(Run(), 0);
-    stopper.join();
     EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
     EXPECT_THAT(desktop.captures, IsEmpty()) << "nothing is captured for a run that is over";
 }
