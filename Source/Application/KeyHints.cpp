@@ -8,11 +8,11 @@ namespace
 {
 
 /// In pixels, on a screen of 1080 rows; never larger than that part of the screen's width allows.
-constexpr float s_size = 20.0F;
+constexpr float s_hintSize = 20.0F;
 constexpr float s_greatestWidth = 0.98F;
 /// The distance of the letters from the lower edge, as a part of their height.
 constexpr float s_distance = 0.5F;
-constexpr float s_depth = 1.5F;
+constexpr float s_hintDepth = 1.5F;
 
 } // namespace
 
@@ -42,11 +42,12 @@ void KeyHints::Begin(const std::string& text, std::int64_t duration, bool hasEdg
         return;
     const auto& screen = renderer.GetScreenSize();
     const auto width = static_cast<float>(std::max<std::int64_t>(object->width, 1));
-    const float size = renderer.GetUiScale() * s_size;
+    const float size = renderer.GetUiScale() * s_hintSize;
     const float scale = std::min(Graphics::Renderer::TextRenderer::GetScale(static_cast<std::uint16_t>(size)),
                                  screen.width * s_greatestWidth / width);
     const float left = (screen.width - width * scale) * 0.5F;
-    object->model = System::Math::Matrix4::ScaleAndTranslation(scale, scale, 0.0F, left, size * s_distance, s_depth);
+    object->model =
+        System::Math::Matrix4::ScaleAndTranslation(scale, scale, 0.0F, left, size * s_distance, s_hintDepth);
     UpdateVisibility(texts);
 }
 

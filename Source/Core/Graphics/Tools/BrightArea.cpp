@@ -14,7 +14,7 @@ using System::Math::Point;
 using System::Multimedia::Bitmap;
 
 /// Over the dimmed capture, and below the magnifier.
-constexpr float s_depth = 0.15F;
+constexpr float s_brightDepth = 0.15F;
 
 /// Halves what is outside of the polygon, as it is dimmed on the rest of the screen.
 void DimOutside(Bitmap& picture, const std::vector<Point>& ring)
@@ -69,7 +69,8 @@ void BrightArea::Show(const ShownSelection& selection, const Bitmap& capture, co
     const float height = m_size.height;
     const float centreX = static_cast<float>(selection.area.left) + width * 0.5F;
     const float centreY = static_cast<float>(view.window.height - selection.area.top) - height * 0.5F;
-    Place(textures.Get(m_id), Matrix4::ScaleAndTranslation(width, height, 1.0F, centreX, centreY, s_depth), s_white);
+    Place(textures.Get(m_id), Matrix4::ScaleAndTranslation(width, height, 1.0F, centreX, centreY, s_brightDepth),
+          s_white);
 }
 
 void BrightArea::Hide(Renderer::TextureRenderer& renderer)

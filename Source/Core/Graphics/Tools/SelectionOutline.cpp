@@ -14,7 +14,7 @@ using System::Math::Matrix4;
 using System::Math::Point;
 using System::Math::Vector4;
 
-constexpr float s_thickness = 1.0F;
+constexpr float s_lineThickness = 1.0F;
 constexpr float s_rectangleDepth = 2.0F;
 constexpr float s_polygonDepth = 0.2F;
 constexpr float s_rectangleEdgeDepth = 1.9F;
@@ -26,19 +26,19 @@ constexpr float s_polygonEdgeThickness = 3.0F;
 
 void SelectionOutline::Create(Renderer::LineRenderer& renderer)
 {
-    const std::array<Vector4, 5> outline = MakeRectangleOutline(1, 1, s_thickness);
+    const std::array<Vector4, 5> outline = MakeRectangleOutline(1, 1, s_lineThickness);
     std::vector<Vector4> points(outline.begin(), outline.end());
     renderer.Create(m_id, points);
     if (Renderer::Line* const line = renderer.Get(m_id))
     {
-        line->thickness = s_thickness;
+        line->thickness = s_lineThickness;
         line->color = Colour;
     }
 }
 
 void SelectionOutline::CreateEdge(Renderer::LineRenderer& renderer)
 {
-    const std::array<Vector4, 5> outline = MakeRectangleOutline(1, 1, s_thickness);
+    const std::array<Vector4, 5> outline = MakeRectangleOutline(1, 1, s_lineThickness);
     std::vector<Vector4> points(outline.begin(), outline.end());
     renderer.Create(m_edgeId, points);
     Place(renderer.Get(m_edgeId), Matrix4::Collapse(), s_black);
@@ -62,7 +62,7 @@ void SelectionOutline::ShowRectangle(const RectangleModeData& rectangle, Size wi
         return;
     OutlineShape surrounding = MakeSurroundingShape(area, window);
     Place(edge, Matrix4::Translation(surrounding.left, surrounding.bottom, s_rectangleEdgeDepth), s_black);
-    edge->thickness = s_thickness;
+    edge->thickness = s_lineThickness;
     renderer.Update(m_edgeId, surrounding.points);
 }
 

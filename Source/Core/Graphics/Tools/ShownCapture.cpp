@@ -12,7 +12,7 @@ namespace
 using System::Math::Matrix4;
 using System::Multimedia::Bitmap;
 
-constexpr float s_depth = 0.1F;
+constexpr float s_captureDepth = 0.1F;
 /// The dimmed screen is only this colour.
 constexpr System::Math::Vector4 s_colour = {0.5F, 0.5F, 0.5F, 1.0F};
 
@@ -54,7 +54,8 @@ bool ShownCapture::Update(const Bitmap& capture, const SnipView& view, Renderer:
     const float drawnHeight = static_cast<float>(capture.GetHeight()) * view.scale;
     const float centreX = static_cast<float>(view.window.width) * 0.5F;
     const float centreY = static_cast<float>(view.window.height) * 0.5F;
-    Place(texture, Matrix4::ScaleAndTranslation(drawnWidth, drawnHeight, 1.0F, centreX, centreY, s_depth), s_colour);
+    Place(texture, Matrix4::ScaleAndTranslation(drawnWidth, drawnHeight, 1.0F, centreX, centreY, s_captureDepth),
+          s_colour);
     return true;
 }
 
