@@ -9,7 +9,7 @@ namespace
 {
 
 /// Over the capture and a bright selection, below the magnifier and the selection under way.
-constexpr float s_markDepth = 0.16F;
+constexpr float s_finishedDepth = 0.16F;
 
 } // namespace
 
@@ -20,7 +20,7 @@ void FinishedMarks::Add(const ShownSelection& selection, const System::Math::Vec
                                                    : MakePolygonShape(selection.corners, window);
     std::uint16_t id = 0;
     renderer.Create(id, shape.points);
-    Place(renderer.Get(id), System::Math::Matrix4::Translation(shape.left, shape.bottom, s_markDepth), colour);
+    Place(renderer.Get(id), System::Math::Matrix4::Translation(shape.left, shape.bottom, s_finishedDepth), colour);
     m_ids.push_back(id);
 }
 
