@@ -160,6 +160,7 @@ protected:
     ToolSwitches m_switches; ///< of the run that begins
     EdgeReserve m_edgeReserve;
     SnipAids m_aids;
+    std::uint8_t m_heldKey = 0; ///< the last key that went down, until a key goes up
     std::int32_t m_cursorX = 0; ///< window pixels, y downward, within the drawn image
     std::int32_t m_cursorY = 0;
     float m_displayScale = 1.0F; ///< window pixels per capture pixel, a power of one half

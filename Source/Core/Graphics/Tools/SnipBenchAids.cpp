@@ -18,11 +18,16 @@ using System::Tools::ToolEventType;
 
 void SnipBench::UpdateAidKeys(const ToolContext& context, Renderer::Renderer& renderer)
 {
-    if (context.type != ToolEventType::Key || !context.pressed)
+    if (context.type != ToolEventType::Key)
+        return;
+    // A held key is pressed again and again: it takes one selection back, not all of them.
+    const bool isRepeated = context.pressed && context.key == m_heldKey;
+    m_heldKey = context.pressed ? context.key : std::uint8_t{0};
+    if (!context.pressed)
         return;
     const ToolSwitches& switches = m_aids.GetSwitches();
     m_aids.ChooseLabel(context.key, renderer);
-    if (m_snipState != SnipState::Ready)
+    if (m_snipState != SnipState::Ready || isRepeated)
         return;
     if (switches.undo && IsKey(context, KeyCode::Backspace) && onTakeBack && onTakeBack())
         m_aids.TakeBack(renderer);

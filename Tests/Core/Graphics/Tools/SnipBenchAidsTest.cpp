@@ -174,13 +174,26 @@ TEST_F(SnipBenchAids, BackspaceTakesTheLastOneBack)
     EXPECT_THAT(GetMarks(), ElementsAre(first));
     Update(Release(KeyCode::Backspace));
     EXPECT_THAT(GetMarks(), ElementsAre(first)) << "the release does nothing";
-    Update({LeftPress(), Press(KeyCode::Backspace), RightRelease()});
+    Update({LeftPress(), Press(KeyCode::Backspace), Release(KeyCode::Backspace), RightRelease()});
     EXPECT_THAT(GetMarks(), ElementsAre(first)) << "while something is being selected it does nothing";
-    Update(Press(KeyCode::Backspace));
+    Update({Press(KeyCode::Backspace), Release(KeyCode::Backspace)});
     EXPECT_THAT(GetMarks(), IsEmpty());
     EXPECT_EQ(left, 0);
     Update(Press(KeyCode::Backspace));
     EXPECT_THAT(GetMarks(), IsEmpty());
+}
+
+TEST_F(SnipBenchAids, AHeldBackspaceTakesOneBack)
+{
+    StartWith({.marks = true, .undo = true});
+    m_tool.onTakeBack = [] { return true; };
+    Drag({10, 20}, {110, 70});
+    Drag({30, 40}, {60, 90});
+    Drag({50, 60}, {90, 99});
+    Update({Press(KeyCode::Backspace), Press(KeyCode::Backspace), Press(KeyCode::Backspace)});
+    EXPECT_EQ(GetMarks().size(), 2U);
+    Update({Release(KeyCode::Backspace), Press(KeyCode::Backspace)});
+    EXPECT_EQ(GetMarks().size(), 1U);
 }
 
 TEST_F(SnipBenchAids, WithoutTheSwitchBackspaceAsksNothing)
@@ -207,7 +220,7 @@ TEST_F(SnipBenchAids, TabChangesTheModeWhileNothingIsBeingSelected)
     Click(50, 50);
     Update(Press(KeyCode::Tab));
     EXPECT_EQ(m_tool.GetMode(), SnipMode::Polygon) << "a corner is placed";
-    Update({RightRelease(), Press(KeyCode::Tab)});
+    Update({RightRelease(), Release(KeyCode::Tab), Press(KeyCode::Tab)});
     EXPECT_EQ(m_tool.GetMode(), SnipMode::Rectangle);
     Drag({10, 20}, {110, 70});
     ASSERT_EQ(m_deliveries.size(), 2U);
