@@ -18,9 +18,7 @@ public:
     explicit Probe(Session& session)
         : m_session(session), m_surface(wl_compositor_create_surface(session.globals.compositor))
     {
-        static constexpr wl_surface_listener s_listener = {.enter = [](void* data, wl_surface*, wl_output* output)
-                                                           { static_cast<Probe*>(data)->m_output = output; },
-                                                           .leave = [](void*, wl_surface*, wl_output*) {}};
+        static const wl_surface_listener s_listener = MakeListener();
         wl_surface_add_listener(m_surface.get(), &s_listener, this);
         const RegionHandle nothing(wl_compositor_create_region(session.globals.compositor));
         wl_surface_set_input_region(m_surface.get(), nothing.get());
@@ -53,6 +51,16 @@ public:
     }
 
 private:
+    /// Newer libraries have more events. A surface of this version gets none of them.
+    [[nodiscard]] static wl_surface_listener MakeListener()
+    {
+        wl_surface_listener listener = {};
+        listener.enter = [](void* data, wl_surface*, wl_output* output)
+        { static_cast<Probe*>(data)->m_output = output; };
+        listener.leave = [](void*, wl_surface*, wl_output*) {};
+        return listener;
+    }
+
     using RegionHandle = ProxyHandle<wl_region>;
 
     /// A compositor that doesn't say doesn't hold the run up for long.

@@ -67,18 +67,22 @@ struct PointerListener
         Get(data).OnRelativeMotion(ToVector(x, y));
     }
 
-    static constexpr wl_pointer_listener s_pointer = {
-        .enter = &OnEnter,
-        .leave = &OnLeave,
-        .motion = &OnMotion,
-        .button = &OnButton,
-        .axis = &OnAxis,
-        .frame = &OnFrame,
-        .axis_source = &OnAxisSource,
-        .axis_stop = &OnAxisStop,
-        .axis_discrete = &OnAxisDiscrete,
-        .axis_value120 = &OnAxisValue120,
-    };
+    /// Newer libraries have more events. A pointer of this version gets none of them.
+    static wl_pointer_listener MakePointer()
+    {
+        wl_pointer_listener listener = {};
+        listener.enter = &OnEnter;
+        listener.leave = &OnLeave;
+        listener.motion = &OnMotion;
+        listener.button = &OnButton;
+        listener.axis = &OnAxis;
+        listener.frame = &OnFrame;
+        listener.axis_source = &OnAxisSource;
+        listener.axis_stop = &OnAxisStop;
+        listener.axis_discrete = &OnAxisDiscrete;
+        listener.axis_value120 = &OnAxisValue120;
+        return listener;
+    }
     static constexpr zwp_relative_pointer_v1_listener s_relative = {.relative_motion = &OnRelativeMotion};
 };
 
@@ -87,7 +91,8 @@ PointerDevice::PointerDevice(wl_seat* seat, zwp_relative_pointer_manager_v1* rel
       m_queue(queue),
       m_hasFrames(wl_pointer_get_version(m_pointer) >= WL_POINTER_FRAME_SINCE_VERSION)
 {
-    wl_pointer_add_listener(m_pointer, &PointerListener::s_pointer, this);
+    static const wl_pointer_listener s_listener = PointerListener::MakePointer();
+    wl_pointer_add_listener(m_pointer, &s_listener, this);
     if (relative == nullptr)
         return;
     m_relative = zwp_relative_pointer_manager_v1_get_relative_pointer(relative, m_pointer);
