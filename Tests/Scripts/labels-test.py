@@ -177,6 +177,14 @@ class Labels(unittest.TestCase):
         self.assertIn("doesn't lie within the picture", output)
         self.assertEqual(len(list(folder.iterdir())), 2)
 
+    def test_without_a_folder_files_go_where_the_guide_says(self):
+        self.assertIn("| `.temp/Screenshots` in the folder of the program,", (ROOT / "Docs/UserGuide.md").read_text())
+        picture = ROOT / "Docs" / "Pictures" / "selecting.png"
+        for options, name in (((), "Screenshots"), (("-a", "true"), "Annotations")):
+            code, output = self.finish(self.start({"region": {}}, "-f", str(picture), *options))
+            self.assertEqual(code, 0, output)
+            self.assertEqual(len(list((self.program.parent / ".temp" / name).iterdir())), 2)
+
     def test_a_region_of_the_display(self):
         folder = self.folder / "screen"
         section = {"region": {}, "display": 1}
