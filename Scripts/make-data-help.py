@@ -117,62 +117,6 @@ def make_manual(table, date):
         rows = [f".TP\n\\fB{escape_manual(option['name'])}\\fR" +
                 (f" \\fI{escape_manual(option['value'])}\\fR" if "value" in option else "") +
                 f"\n{escape_manual(option['description'])}.\n" for option in own]
-        verbs.append(f"        '{verb['name']}:{quote_zsh(verb['summary'])}'")
-        lines = []
-        for option in verb["options"]:
-            value = option.get("value")
-            action = "" if value is None else f":{value.lower()}:" + ("_files" if value == "FILE" else " ")
-            lines.append(f"                '{option['name']}[{quote_zsh(option['description'])}]{action}'")
-        if has_formats(verb):
-            lines.append(f"                '1:format:({' '.join(FORMATS)})'")
-        lines.append("                '*:file:_files'")
-        cases.append(f"        {verb['name']})\n            _arguments \\\n" + " \\\n".join(lines) +
-                     "\n            ;;\n")
-    body = "\n".join(verbs)
-    return f"""#compdef snipbench-data
-# zsh completion of snipbench-data. Generated from the program's own table of verbs.
-
-_snipbench_data()
-{{
-    local -a verbs=(
-{body}
-    )
-    if (( CURRENT == 2 )); then
-        _describe verb verbs
-        return
-    fi
-    shift words
-    (( CURRENT-- ))
-    case $words[1] in
-{''.join(cases)}    esac
-}}
-
-_snipbench_data "$@"
-"""
-
-
-def make_fish(table):
-    lines = ["# fish completion of snipbench-data. Generated from the program's own table of verbs."]
-    for verb in table["verbs"]:
-        lines.append(f"complete -c snipbench-data -n __fish_use_subcommand -f -a {verb['name']} "
-                     f"-d {quote_fish(verb['summary'])}")
-        condition = f"-n '__fish_seen_subcommand_from {verb['name']}'"
-        for option in verb["options"]:
-            value = option.get("value")
-            kind = "" if value is None else (" -r" if value == "FILE" else " -x")
-            lines.append(f"complete -c snipbench-data {condition} -l {option['name'][2:]}{kind} "
-                         f"-d {quote_fish(option['description'])}")
-        if has_formats(verb):
-            lines.append(f"complete -c snipbench-data {condition} -a '{' '.join(FORMATS)}'")
-    return "\n".join(lines) + "\n"
-
-
-def make_manual(table, date):
-    verbs = []
-    for verb in table["verbs"]:
-        rows = [f".TP\n\\fB{escape_manual(option['name'])}\\fR" +
-                (f" \\fI{escape_manual(option['value'])}\\fR" if "value" in option else "") +
-                f"\n{escape_manual(option['description'])}.\n" for option in verb["options"] if option not in table["options"]]
         verbs.append(f".SS {escape_manual(verb['name'])}\n.B snipbench\\-data {escape_manual(verb['name'])}\n"
                      f".RI [ options ] \" {escape_manual(verb['operands'])}\"\n.PP\n{escape_manual(verb['summary'])}.\n"
                      f"{escape_manual(verb['details'])}" + "".join(rows))

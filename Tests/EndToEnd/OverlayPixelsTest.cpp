@@ -96,6 +96,16 @@ protected:
         m_state.zoom = std::max(m_state.zoom / 2, 2);
     }
 
+    /// Takes back the selection under way, looks at the screen, and ends the run.
+    void ExpectGivenUp(ChildProcess& process)
+    {
+        m_input->Click(3);
+        m_state.anchor.reset();
+        ExpectScreen();
+        m_input->ReleaseButton(1);
+        ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+    }
+
     /// Waits until the whole screen looks as it should.
     void ExpectScreen() { ExpectParts({m_model->GetMagnifierArea(m_state.cursor), {0, 0, m_width, m_height}}); }
 
@@ -287,11 +297,7 @@ TEST_P(AddedPixels, TheSizeOfASelection)
         Point(end);
         ExpectScreen();
     }
-    m_input->Click(3);
-    m_state.anchor.reset();
-    ExpectScreen();
-    m_input->ReleaseButton(1);
-    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+    ExpectGivenUp(process);
 }
 
 TEST_P(AddedPixels, ABrightInside)
@@ -304,11 +310,7 @@ TEST_P(AddedPixels, ABrightInside)
         Point(end);
         ExpectScreen();
     }
-    m_input->Click(3);
-    m_state.anchor.reset();
-    ExpectScreen();
-    m_input->ReleaseButton(1);
-    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+    ExpectGivenUp(process);
 }
 
 TEST_P(AddedPixels, MarksAndLabels)
@@ -364,11 +366,7 @@ TEST_P(AddedPixels, DarkEdges)
     PressAt({m_width / 2 - 100, m_height / 2 - 50});
     Point({m_width / 2 + 101, m_height / 2 + 52});
     ExpectScreen();
-    m_input->Click(3);
-    m_state.anchor.reset();
-    ExpectScreen();
-    m_input->ReleaseButton(1);
-    ExpectAnswer(EndByEscape(process), 0, Answer::Success);
+    ExpectGivenUp(process);
 }
 
 TEST_P(AddedPixels, AllOfItAtAHalf)

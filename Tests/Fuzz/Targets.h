@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-/// What is fed with bytes that mean nothing, or that somebody made on purpose. A target takes any input; what mustn't
+/// What is fed with bytes that mean nothing, or that were made to do harm. A target takes any input; what mustn't
 /// be ends the process.
 namespace Orvik::Fuzz
 {

@@ -12,8 +12,8 @@
 namespace Orvik::Tests
 {
 
-/// What the snipping tool has to do, told once more: by the rules alone, in whole numbers, slowly, and without calling
-/// anything of the tool. It has no objects to draw, only the numbers that those should have.
+/// What the snipping tool has to do, written down once more: by the rules alone, in whole numbers, slowly, and without
+/// calling anything of the tool. It has no objects to draw, only the numbers that those should have.
 class ToolModel
 {
 public:

@@ -16,7 +16,7 @@ public:
     explicit LinePainter(Look& look);
 
     /// One pixel outside of the selection; at the left edge of the screen, inside of it. Red 141, green 65, blue 184
-    /// unless told otherwise.
+    /// unless the caller asks for another.
     void PaintOutline(const Area& selection, std::uint32_t colour = 0xFF8D41B8U);
     /// A dark line around that outline.
     void PaintOutlineEdge(const Area& selection);

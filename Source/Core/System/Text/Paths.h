@@ -29,7 +29,7 @@ namespace Orvik::System::Text
 /// `std::filesystem::filesystem_error` with the operation "create_directories" and the path.
 bool CreateDirectories(const std::filesystem::path& path);
 
-/// The same, but nobody else may enter the directory or see what is in it. Its parents, and one that exists, keep or
+/// The same, but no other user may enter the directory or see what is in it. Its parents, and one that exists, keep or
 /// get the usual rights.
 bool CreatePrivateDirectory(const std::filesystem::path& path);
 
