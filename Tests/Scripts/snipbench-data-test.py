@@ -8,11 +8,13 @@ import json
 import os
 import pty
 import random
+import select
 import shutil
 import struct
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import uuid
 import zlib
@@ -291,21 +293,21 @@ class Data(unittest.TestCase):
         self.run_program("find", part, self.source / other, code=1)
 
     def test_a_bar_is_shown_on_a_terminal_alone(self):
+        """The findings fill a pipe that nothing reads from for a while, so that the run surely lasts long enough."""
         many = self.folder / "many"
         numbers = random.Random(5)
         many.mkdir()
-        picture = sorted(self.source.glob("*.png"))[0]
-        text = picture.with_suffix(".json").read_text(encoding="utf-8")
+        text = sorted(self.source.glob("*.json"))[0].read_text(encoding="utf-8")
         for _ in range(4000):
             identifier = make_id(numbers)
-            os.link(picture, many / f"{identifier}.png")
             record = {**json.loads(text), "id": identifier}
-            for item in record["annotations"]:
-                item["id"] = make_id(numbers)
             (many / f"{identifier}.json").write_text(json.dumps(record), encoding="utf-8")
         main, side = pty.openpty()
-        with subprocess.Popen([PROGRAM, "check", str(many)], stdout=subprocess.DEVNULL, stderr=side) as process:
+        with subprocess.Popen([PROGRAM, "check", str(many)], stdout=subprocess.PIPE, stderr=side) as process:
             os.close(side)
+            select.select([process.stdout], [], [], 100)  # the work has begun
+            time.sleep(1)
+            findings = process.stdout.read()
             shown = b""
             try:
                 while block := os.read(main, 65536):
@@ -313,9 +315,10 @@ class Data(unittest.TestCase):
             except OSError:  # the other side is closed
                 pass
             os.close(main)
-            self.assertEqual(process.wait(100), 0)
+            self.assertEqual(process.wait(100), 1)
+        self.assertEqual(findings.count(b"has no picture beside it"), 4000)
         self.assertIn(b"/4000", shown)
-        self.assertEqual(self.run_program("check", many).stderr, "")
+        self.assertEqual(self.run_program("check", many, code=1).stderr, "")
 
     def test_others_of_its_name_are_left_alone(self):
         first = self.folder / "snipbench-data"
