@@ -35,8 +35,9 @@ install_packages() # PACKAGE...
     fi
     echo "Installing: $*" >&2
     "${as_root[@]}" apt-get update -qq >&2
+    # A settings file that was changed here stays as it is: without an answer, the question ends the set-up.
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y -qq --no-install-recommends "$@" >&2
+        apt-get install -y -qq --no-install-recommends -o Dpkg::Options::=--force-confold "$@" >&2
 }
 
 require_packages() # PACKAGE...

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of Scripts/packages.sh: which release of Debian this is."""
+"""Tests of Scripts/packages.sh: which release of Debian this is, and how packages are installed."""
 import os
 import subprocess
 import tempfile
@@ -35,6 +35,21 @@ class Packages(unittest.TestCase):
 
     def test_system_that_says_nothing_has_none(self):
         self.assertEqual(self.read_release(None), "[]")
+
+    def test_no_question_is_asked(self):
+        with tempfile.TemporaryDirectory() as folder:
+            calls = Path(folder) / "calls"
+            for name, text in (("apt-get", f'echo "$DEBIAN_FRONTEND: $*" >>"{calls}"'), ("sudo", 'exec "$@"')):
+                tool = Path(folder) / name
+                tool.write_text(f"#!/bin/sh\n{text}\n", encoding="utf-8")
+                tool.chmod(0o755)
+            environment = {**os.environ, "PATH": f"{folder}:{os.environ['PATH']}"}
+            subprocess.run(["bash", "-c", f'set -euo pipefail; . "{SCRIPTS}/packages.sh"; install_packages one two'],
+                           env=environment, capture_output=True, check=True)
+            call = calls.read_text(encoding="utf-8").splitlines()[-1]
+            self.assertTrue(call.startswith("noninteractive: install -y "), call)
+            self.assertIn(" -o Dpkg::Options::=--force-confold ", call)
+            self.assertTrue(call.endswith(" one two"), call)
 
 
 if __name__ == "__main__":
