@@ -19,6 +19,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvik::Tests
@@ -58,6 +59,16 @@ public:
     [[nodiscard]] System::Device::Display::DisplayDescriptor GetDisplay(std::size_t index)
     {
         return m_desktop.ListDisplays().displays.at(index);
+    }
+
+    /// Versions of a compositor list the same outputs in different orders. Throws if there is none of this name.
+    [[nodiscard]] System::Device::Display::DisplayDescriptor GetDisplay(std::string_view name)
+    {
+        const auto displays = m_desktop.ListDisplays().displays;
+        for (const System::Device::Display::DisplayDescriptor& display : displays)
+            if (display.name == name)
+                return display;
+        throw std::out_of_range("There is no output " + std::string(name));
     }
 
 private:

@@ -35,8 +35,8 @@ protected:
 
 TEST_F(EndsOnWayland, AnUnpluggedDisplayClosesItsOverlayAndTheOthersGoOn)
 {
-    const DisplayDescriptor first = m_desktop->GetDisplay(0);
-    const DisplayDescriptor second = m_desktop->GetDisplay(1);
+    const DisplayDescriptor first = m_desktop->GetDisplay("X11-1");
+    const DisplayDescriptor second = m_desktop->GetDisplay("X11-2");
     TestOverlay lost(second);
     ASSERT_TRUE(lost.Open());
     ASSERT_TRUE(lost.Draw(MakeNoise(320 * 200, 1), lost.GetArea()));
@@ -54,7 +54,7 @@ TEST_F(EndsOnWayland, AnUnpluggedDisplayClosesItsOverlayAndTheOthersGoOn)
 
 TEST_F(EndsOnWayland, AnUnpluggedDisplayIsNeitherCoveredNorCaptured)
 {
-    const DisplayDescriptor second = m_desktop->GetDisplay(1);
+    const DisplayDescriptor second = m_desktop->GetDisplay("X11-2");
     m_desktop->GetCompositor().Unplug(1);
     while (m_desktop->Get().ListDisplays().displays.size() > 1)
         System::Time::Sleep(10'000'000);

@@ -53,6 +53,15 @@ protected:
         return testing::AssertionFailure() << keys.size() << " keys in two updates";
     }
 
+    /// The server's Composite extension keeps what a window with alpha shows, and asks for nothing when another window
+    /// moves away. Drivers differ in whether an overlay of OpenGL has alpha.
+    [[nodiscard]] bool IsKeptByTheServer() const
+    {
+        XWindowAttributes attributes = {};
+        XGetWindowAttributes(m_user.GetDisplay(), GetId(), &attributes);
+        return attributes.depth != DefaultDepth(m_user.GetDisplay(), DefaultScreen(m_user.GetDisplay()));
+    }
+
     /// The requests that the overlay's side has made so far.
     [[nodiscard]] static unsigned long CountRequests() { return XNextRequest(Desktops::X11::GetXDisplay()); }
 
@@ -92,7 +101,7 @@ TEST_F(WindowFloodX11, WhatMovesAboveTheOverlayIsPaintedOnceAndTakesNoTurn)
     XSync(m_user.GetDisplay(), False);
     EXPECT_TRUE(EscapeComesAtOnce());
     EXPECT_LE(Count(WindowEventType::Paint), 2U);
-    EXPECT_GE(Count(WindowEventType::Paint), 1U);
+    EXPECT_EQ(Count(WindowEventType::Paint) == 0, IsKeptByTheServer());
 }
 
 TEST_F(WindowFloodX11, TheOverlaysOwnMovesAreReportedOnceAndTakeNoTurn)
