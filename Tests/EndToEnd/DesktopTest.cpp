@@ -113,16 +113,30 @@ bool DesktopTest::WaitForDelay(const ChildProcess& process) const
     return isUp && m_overlay->GetState() == OverlayWatcher::State::Missing;
 }
 
+bool DesktopTest::WaitForCrosshair(Position cursor)
+{
+    if (m_compositor == nullptr)
+        return m_overlay->WaitForCrosshair(cursor);
+    const auto end = std::chrono::steady_clock::now() + OverlayWatcher::DefaultLimit;
+    while (std::chrono::steady_clock::now() < end)
+    {
+        if (m_overlay->WaitForCrosshair(cursor, std::chrono::seconds(1)))
+            return true;
+        m_input->Nudge();
+    }
+    return false;
+}
+
 ChildProcess DesktopTest::StartOverlay(const Arguments& arguments, Position cursor)
 {
     ChildProcess process = Start(arguments);
-    if (!m_overlay->WaitForCrosshair(cursor))
+    if (!WaitForCrosshair(cursor))
     {
         const ChildResult result = process.Wait(std::chrono::milliseconds(0));
         throw std::runtime_error("The overlay doesn't come up.\n" + result.standardOutput + result.standardError);
     }
-    // GNOME doesn't say that the pointer is there before it has moved, and then the cursor is put to it.
-    if (m_compositor != nullptr && m_compositor->GetKind() == CompositorKind::Gnome)
+    // The cursor of an overlay that doesn't know of the pointer yet is put to it at its first motion.
+    if (m_compositor != nullptr)
     {
         MoveTo({cursor.x + 1, cursor.y});
         MoveTo(cursor);
@@ -135,7 +149,7 @@ void DesktopTest::MoveTo(Position position, Position cursor)
     // A motion to the same place is an event too, and it would be on its way when the next step begins.
     if (m_input->GetPointer() != position)
         m_input->MoveTo(position);
-    if (!m_overlay->WaitForCrosshair(cursor))
+    if (!WaitForCrosshair(cursor))
         throw std::runtime_error("The crosshair doesn't come to " + std::to_string(cursor.x) + ", " +
                                  std::to_string(cursor.y) + ".");
 }

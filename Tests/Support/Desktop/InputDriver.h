@@ -23,6 +23,9 @@ public:
     InputDriver& operator=(const InputDriver&) = delete;
 
     void MoveTo(Position position);
+    /// Moves the pointer by a pixel and back. Some compositors (GNOME, sway since 1.10) say that the pointer is on a
+    /// new overlay only after it has moved.
+    void Nudge();
     /// Buttons by X's numbers: 1 left, 2 middle, 3 right, 4 and 5 the wheel.
     void PressButton(unsigned button);
     void ReleaseButton(unsigned button);

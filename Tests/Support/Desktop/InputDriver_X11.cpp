@@ -22,6 +22,13 @@ void InputDriver::MoveTo(Position position)
     m_session->Synchronize();
 }
 
+void InputDriver::Nudge()
+{
+    const Position place = GetPointer();
+    MoveTo({place.x > 0 ? place.x - 1 : place.x + 1, place.y});
+    MoveTo(place);
+}
+
 void InputDriver::PressButton(unsigned button)
 {
     XTestFakeButtonEvent(m_session->GetDisplay(), button, True, CurrentTime);
