@@ -5,8 +5,8 @@
 #include "Core/System/Types/Rectangle.h"
 #include "Desktops/NativeWindow.h"
 #include "Desktops/Wayland/Globals.h"
-#include "Desktops/Wayland/LentMemory.h"
 #include "Desktops/Wayland/Seat.h"
+#include "Desktops/Wayland/SharedMemory.h"
 #include "Desktops/Wayland/WaylandConnection.h"
 
 #include <memory>

@@ -2,6 +2,7 @@
 
 // Wayland's own.
 
+#include "Desktops/LentMemory.h"
 #include "Systems/Linux/FileDescriptor.h"
 
 #include <cstddef>
@@ -32,5 +33,7 @@ private:
     unsigned char* m_bytes = nullptr;
     std::size_t m_size = 0;
 };
+
+using LentMemory = Desktops::LentMemory<SharedMemory>;
 
 } // namespace Orvik::Desktops::Wayland

@@ -173,10 +173,4 @@ KeyCode GetKeyCode(std::uint32_t virtualKey) noexcept
     return found != s_virtualKeys.end() ? static_cast<KeyCode>(found - s_virtualKeys.begin()) : KeyCode::Undefined;
 }
 
-std::uint32_t GetVirtualKey(KeyCode key) noexcept
-{
-    const auto index = static_cast<std::size_t>(key);
-    return index < s_virtualKeys.size() ? s_virtualKeys[index] : s_virtualKeys[0];
-}
-
 } // namespace Orvik::Desktops::Windows

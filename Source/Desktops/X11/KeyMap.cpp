@@ -27,11 +27,6 @@ unsigned int GetGroup(const XKeyEvent& event)
 
 } // namespace
 
-KeyCode FindKey(KeySym symbol)
-{
-    return Xkb::FindKey(static_cast<std::uint32_t>(symbol));
-}
-
 KeySym GetUnshiftedSymbol(const XKeyEvent& event)
 {
     return GetSymbol(event.display, event.keycode, GetGroup(event));

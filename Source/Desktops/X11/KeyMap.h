@@ -10,9 +10,6 @@ namespace Orvik::Desktops::X11
 
 using System::Desktop::KeyCode;
 
-/// The key of a keysym of the unshifted level, or `Undefined`. Both levels of the keypad give the keypad's keys.
-[[nodiscard]] KeyCode FindKey(KeySym symbol);
-
 /// The key of a key event, as Windows gives it in the layout that was in force at the event.
 [[nodiscard]] KeyCode TranslateKey(const XKeyEvent& event);
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Desktops/PlatformCaptureContext.h"
-#include "Desktops/X11/LentMemory.h"
+#include "Desktops/X11/XSharedMemory.h"
 
 #include <memory>
 

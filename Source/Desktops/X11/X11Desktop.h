@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Desktops/Desktop.h"
-#include "Desktops/X11/LentMemory.h"
 #include "Desktops/X11/Pointer.h"
+#include "Desktops/X11/XSharedMemory.h"
 
 #include <string>
 #include <utility>

@@ -2,7 +2,6 @@
 
 // X11's own.
 
-#include "Desktops/X11/LentMemory.h"
 #include "Desktops/X11/X11Headers.h"
 #include "Desktops/X11/XHandle.h"
 #include "Desktops/X11/XSharedMemory.h"
@@ -41,8 +40,6 @@ public:
 
     /// Gives the shared memory back. The pictures that were read have to be gone. The next `Read` shares memory again.
     void Release() { m_memory.Release(); }
-
-    [[nodiscard]] bool UsesSharedMemory() const { return m_memory.IsShared(); }
 
 private:
     [[nodiscard]] XImagePointer MakeSharedImage(XSharedMemory& memory, unsigned int width, unsigned int height);

@@ -2,6 +2,7 @@
 
 // X11's own.
 
+#include "Desktops/LentMemory.h"
 #include "Desktops/X11/X11Headers.h"
 
 #include <X11/extensions/XShm.h>
@@ -34,8 +35,8 @@ public:
     /// Gives the memory back after the server has done what it was asked to do before.
     void Release() noexcept;
 
-    /// 0 without memory.
-    [[nodiscard]] std::size_t GetBytes() const { return m_bytes; }
+    /// In bytes; 0 without memory.
+    [[nodiscard]] std::size_t GetSize() const { return m_bytes; }
     [[nodiscard]] bool IsShared() const { return m_segment.shmaddr != nullptr; }
     /// For Xlib's calls: the address, null without memory, and the server's name of it. It stays in place.
     [[nodiscard]] XShmSegmentInfo& GetSegment() { return m_segment; }
@@ -48,5 +49,7 @@ private:
     XShmSegmentInfo m_segment = {}; ///< without an address if there is no memory
     std::size_t m_bytes = 0;
 };
+
+using LentMemory = Desktops::LentMemory<XSharedMemory>;
 
 } // namespace Orvik::Desktops::X11

@@ -1,7 +1,7 @@
 #include "Desktops/Windows/WindowProcedure.h"
 #include "Core/System/Desktop/Cursor.h"
-#include "Desktops/Windows/KeyMap.h"
 #include "Tests/Desktops/Windows/WindowFixture.h"
+#include "Tests/Support/KeyRows.h"
 #include "Tests/Support/LogRecorder.h"
 #include "Tests/Support/ReplacedCalls_Windows.h"
 
@@ -57,13 +57,15 @@ constexpr LPARAM ScanCode(LPARAM code)
 
 TEST_F(WindowProcedureTest, EachKeyOfTheTableComesWithItsCode)
 {
-    for (int code = 1; code <= 150; ++code)
+    for (const auto& [code, key, virtualKey] : Tests::KeyRows)
     {
-        const std::uint32_t virtualKey = Desktops::Windows::GetVirtualKey(static_cast<KeyCode>(code));
-        ExpectKey(WM_KEYDOWN, virtualKey, 1, code, 1);
-        ExpectKey(WM_KEYUP, virtualKey, s_released | 1, code, 0);
-        ExpectKey(WM_SYSKEYDOWN, virtualKey, 1, code, 1);
-        ExpectKey(WM_SYSKEYUP, virtualKey, s_released | 1, code, 0);
+        if (virtualKey == Tests::NoKey)
+            continue;
+        const auto number = static_cast<int>(code);
+        ExpectKey(WM_KEYDOWN, virtualKey, 1, number, 1);
+        ExpectKey(WM_KEYUP, virtualKey, s_released | 1, number, 0);
+        ExpectKey(WM_SYSKEYDOWN, virtualKey, 1, number, 1);
+        ExpectKey(WM_SYSKEYUP, virtualKey, s_released | 1, number, 0);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "Desktops/X11/KeyMap.h"
+#include "Desktops/Xkb/KeyTable.h"
 
 #include <gtest/gtest.h>
 
@@ -7,10 +8,10 @@ namespace Orvik::System::Desktop
 namespace
 {
 
-using Desktops::X11::FindKey;
 using Desktops::X11::IsRepeatPair;
+using Desktops::Xkb::FindKey;
 
-TEST(KeyMapX11, KeysymsGiveTheirKeys)
+TEST(KeyTable, KeysymsGiveTheirKeys)
 {
     EXPECT_EQ(FindKey(0xFF1B), KeyCode::Escape);
     EXPECT_EQ(FindKey(' '), KeyCode::Space);
@@ -28,7 +29,7 @@ TEST(KeyMapX11, KeysymsGiveTheirKeys)
     EXPECT_EQ(FindKey(0x1008FF1D), KeyCode::LaunchApp2);
 }
 
-TEST(KeyMapX11, UnknownKeysymsGiveNoKey)
+TEST(KeyTable, UnknownKeysymsGiveNoKey)
 {
     EXPECT_EQ(FindKey(0), KeyCode::Undefined);
     EXPECT_EQ(FindKey(0xF6), KeyCode::Undefined);

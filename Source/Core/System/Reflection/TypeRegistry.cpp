@@ -32,12 +32,6 @@ const TypeDescription* TypeRegistry::GetTypeDescription(std::uint32_t typeId) co
     return m_typeDescriptions[descriptionIt->second].get();
 }
 
-std::size_t TypeRegistry::GetTypeCount() const
-{
-    const std::scoped_lock lock(m_mutex);
-    return m_typeDescriptions.size();
-}
-
 void TypeRegistry::Register(TypeDescription description)
 {
     const std::uint32_t typeId = description.typeId;

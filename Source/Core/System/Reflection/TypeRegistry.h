@@ -47,8 +47,6 @@ public:
     /// The description of a type, or null. It stays valid for the life of the registry.
     [[nodiscard]] const TypeDescription* GetTypeDescription(std::uint32_t typeId) const;
 
-    [[nodiscard]] std::size_t GetTypeCount() const;
-
 private:
     static constexpr std::size_t s_initialBuckets = 8;
 

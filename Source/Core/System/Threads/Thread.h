@@ -23,6 +23,9 @@ public:
     /// No thread.
     Thread();
 
+    /// A thread that the object doesn't run: what is known of it.
+    Thread(std::uint64_t state, std::uint32_t priority);
+
     /// Takes over a running thread. `manager` is called when the object ends; not owned, may be null.
     Thread(std::thread thread, ThreadManager* manager);
 
@@ -37,18 +40,12 @@ public:
     [[nodiscard]] static Thread& GetCurrent();
 
     [[nodiscard]] std::uint16_t GetId() const { return m_id; }
-    [[nodiscard]] std::uint32_t GetPriority() const { return m_priority; }
 
     /// 0, 1, 5 and 6: the object runs no thread; 2, 3 and 4: the thread is active; there are no others. From any
     /// thread.
     [[nodiscard]] std::uint64_t GetState() const { return m_state.load(); }
-    void SetState(std::uint64_t state) { m_state.store(state); }
 
 private:
-    friend Thread* GetMainThread();
-
-    Thread(std::uint64_t state, std::uint32_t priority);
-
     std::thread m_thread;
     ThreadManager* m_manager = nullptr;       ///< called at the end of the thread; not owned
     std::unique_ptr<std::byte[]> m_workspace; ///< data of the thread

@@ -138,7 +138,6 @@ const std::vector<ExpectedType> s_expectedTypes = {
 TEST(DescribedTypes, AreAllRegisteredBeforeMain)
 {
     ASSERT_EQ(s_expectedTypes.size(), 17U);
-    EXPECT_EQ(TypeRegistry::GetInstance().GetTypeCount(), 17U);
     for (const ExpectedType& expected : s_expectedTypes)
     {
         SCOPED_TRACE(expected.name);

@@ -2,8 +2,9 @@
 
 #include "Tests/Support/AssertionTrap.h"
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
+#include <functional>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -55,7 +56,6 @@ TEST(TypeRegistry, AnUnknownIdYieldsNull)
 {
     TypeRegistry registry;
     EXPECT_EQ(registry.GetTypeDescription(0x11223344), nullptr);
-    EXPECT_EQ(registry.GetTypeCount(), 0U);
 }
 
 TEST(TypeRegistry, KeepsWhatItIsGiven)
@@ -85,15 +85,13 @@ TEST(TypeRegistry, DescriptionsStayWhereTheyAre)
     registry.RegisterType<Second>("Second", "", s_guid, {});
     EXPECT_EQ(registry.GetTypeDescription(0x11223344), first);
     EXPECT_EQ(registry.GetTypeDescription(9)->name, "Second") << "a GUID may be there twice";
-    EXPECT_EQ(registry.GetTypeCount(), 2U);
 }
 
-TEST(TypeRegistry, TheSameTypeTwiceLeavesOneRecord)
+TEST(TypeRegistry, TheSameTypeTwiceLeavesTheFirstRecord)
 {
     TypeRegistry registry;
     registry.RegisterType<First>("First", "one", s_guid, {});
     registry.RegisterType<First>("Again", "two", s_guid, {});
-    EXPECT_EQ(registry.GetTypeCount(), 1U);
     EXPECT_EQ(registry.GetTypeDescription(0x11223344)->name, "First");
     EXPECT_EQ(registry.GetTypeDescription(0x11223344)->description, "one");
 }
@@ -107,7 +105,6 @@ TEST(TypeRegistry, AnotherGuidUnderAKnownIdIsAConflict)
         EXPECT_ASSERTION(registry.RegisterType<First>("First", "", guid, {}),
                          "GetTypeDescription(typeId)->guid == guid", "TypeId conflict detected");
     }
-    EXPECT_EQ(registry.GetTypeCount(), 1U);
     EXPECT_EQ(registry.GetTypeDescription(0x11223344)->guid, s_guid);
 }
 
@@ -128,29 +125,36 @@ TEST(TypeRegistry, ServesSeveralThreads)
     registry.RegisterType<Second>("Second", "", s_guid, {});
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(registry.GetTypeCount(), 1U);
+    EXPECT_EQ(registry.GetTypeDescription(9)->name, "Second");
 }
 
-/// How many registries have other than one record after two threads have registered a type in all of them. The thread
-/// that comes later finds what is entered already and catches up: both are at the same registry time and again.
-std::ptrdiff_t CountDoubleEntries()
+/// In how many registries two threads that register a type in all of them see different records. The thread that comes
+/// later finds what is entered already and catches up: both are at the same registry time and again.
+std::size_t CountDoubleEntries()
 {
     std::vector<TypeRegistry> registries(10'000);
-    const auto registerAll = [&registries]
+    std::array<std::vector<const TypeDescription*>, 2> seen;
+    const auto registerAll = [&registries](std::vector<const TypeDescription*>& records)
     {
         for (TypeRegistry& registry : registries)
+        {
             registry.RegisterType<Second>("Second", "", s_guid, {});
+            records.push_back(registry.GetTypeDescription(9));
+        }
     };
-    std::thread other(registerAll);
-    registerAll();
+    std::thread other(registerAll, std::ref(seen[0]));
+    registerAll(seen[1]);
     other.join();
-    return std::ranges::count_if(registries, [](const TypeRegistry& one) { return one.GetTypeCount() != 1; });
+    std::size_t differences = 0;
+    for (std::size_t index = 0; index < registries.size(); ++index)
+        differences += seen[0][index] != seen[1][index] ? 1 : 0;
+    return differences;
 }
 
 TEST(TypeRegistry, OneOfTwoThreadsEntersAType)
 {
     for (int round = 0; round < 20; ++round)
-        ASSERT_EQ(CountDoubleEntries(), 0);
+        ASSERT_EQ(CountDoubleEntries(), 0U);
 }
 
 // 0xDD120E790C2512AF is the published value of the text "foob"; its first character is the id's low byte.

@@ -37,7 +37,8 @@ std::string Report(const std::string& condition, const std::string& message, con
 void EndWithSlotIn(std::uint64_t state)
 {
     auto manager = std::make_unique<ManagerWithOpenSlots>();
-    manager->m_slots[14].SetState(state);
+    std::destroy_at(&manager->m_slots[14]);
+    std::construct_at(&manager->m_slots[14], state, 0U);
     manager.reset();
 }
 

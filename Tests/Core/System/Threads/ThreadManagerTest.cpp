@@ -30,6 +30,13 @@ public:
     using ThreadManager::m_slotsLock;
 };
 
+/// Puts a thread in that state in the place of a free one.
+void SetState(OpenManager& manager, std::size_t slot, std::uint64_t state)
+{
+    std::destroy_at(&manager.m_slots[slot]);
+    std::construct_at(&manager.m_slots[slot], state, 0U);
+}
+
 std::vector<std::string> s_failures;
 
 /// Notes down failed assertions and lets the sites go on, as a destructor can't throw.
@@ -131,9 +138,9 @@ TEST(ThreadManager, EndsAfterOneWalkWithSlotsThatRunNothing)
     const FailureRecorder recorder;
     {
         OpenManager manager;
-        manager.m_slots[0].SetState(1);
-        manager.m_slots[7].SetState(5);
-        manager.m_slots[14].SetState(6);
+        SetState(manager, 0, 1);
+        SetState(manager, 7, 5);
+        SetState(manager, 14, 6);
     }
     EXPECT_THAT(s_failures, IsEmpty());
 }
@@ -143,9 +150,9 @@ TEST(ThreadManager, ActiveSlotFailsAtTheEnd)
     const FailureRecorder recorder;
     {
         OpenManager manager;
-        manager.m_slots[0].SetState(2);
-        manager.m_slots[1].SetState(3);
-        manager.m_slots[14].SetState(4);
+        SetState(manager, 0, 2);
+        SetState(manager, 1, 3);
+        SetState(manager, 14, 4);
     }
     EXPECT_EQ(s_failures.size(), 3U);
     EXPECT_THAT(s_failures, Each("false: Thread is not finished. in ~ThreadManager"));
@@ -156,8 +163,8 @@ TEST(ThreadManager, UnknownStateFailsAtTheEnd)
     const FailureRecorder recorder;
     {
         OpenManager manager;
-        manager.m_slots[3].SetState(7);
-        manager.m_slots[4].SetState(0xFFFFFFFFFFFFFFFF);
+        SetState(manager, 3, 7);
+        SetState(manager, 4, 0xFFFFFFFFFFFFFFFF);
     }
     EXPECT_EQ(s_failures.size(), 2U);
     EXPECT_THAT(s_failures, Each("false: Implementation of case directive is missing. in ~ThreadManager"));

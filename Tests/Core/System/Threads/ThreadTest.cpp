@@ -20,7 +20,6 @@ TEST(Thread, IsNoThreadAtFirst)
 {
     const Thread thread;
     EXPECT_EQ(thread.GetId(), 0xFFFF);
-    EXPECT_EQ(thread.GetPriority(), 0U);
     EXPECT_EQ(thread.GetState(), 0U);
 }
 
@@ -28,7 +27,6 @@ TEST(Thread, MainThreadIsOneObjectForAllThreads)
 {
     Thread* const main = GetMainThread();
     EXPECT_EQ(main->GetId(), 0xFFFF);
-    EXPECT_EQ(main->GetPriority(), 1U);
     EXPECT_EQ(main->GetState(), 1U);
     std::array<Thread*, 4> seen = {};
     {
