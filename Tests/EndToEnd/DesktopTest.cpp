@@ -1,7 +1,8 @@
 #include "Tests/EndToEnd/DesktopTest.h"
 
+#include "Tests/Support/Desktop/OverlaySteps.h"
+
 #include <chrono>
-#include <stdexcept>
 #include <sys/stat.h>
 #include <thread>
 
@@ -116,11 +117,7 @@ bool DesktopTest::WaitForDelay(const ChildProcess& process) const
 ChildProcess DesktopTest::StartOverlay(const Arguments& arguments, Position cursor)
 {
     ChildProcess process = Start(arguments);
-    if (!m_overlay->WaitForCrosshair(cursor))
-    {
-        const ChildResult result = process.Wait(std::chrono::milliseconds(0));
-        throw std::runtime_error("The overlay doesn't come up.\n" + result.standardOutput + result.standardError);
-    }
+    AwaitOverlay(process, *m_overlay, cursor);
     // GNOME doesn't say that the pointer is there before it has moved, and then the cursor is put to it.
     if (m_compositor != nullptr && m_compositor->GetKind() == CompositorKind::Gnome)
     {
@@ -132,12 +129,7 @@ ChildProcess DesktopTest::StartOverlay(const Arguments& arguments, Position curs
 
 void DesktopTest::MoveTo(Position position, Position cursor)
 {
-    // A motion to the same place is an event too, and it would be on its way when the next step begins.
-    if (m_input->GetPointer() != position)
-        m_input->MoveTo(position);
-    if (!m_overlay->WaitForCrosshair(cursor))
-        throw std::runtime_error("The crosshair doesn't come to " + std::to_string(cursor.x) + ", " +
-                                 std::to_string(cursor.y) + ".");
+    MoveMouse(*m_input, *m_overlay, position, cursor);
 }
 
 void DesktopTest::Drag(Position from, Position to)
@@ -150,10 +142,7 @@ void DesktopTest::Drag(Position from, Position to)
 
 void DesktopTest::TapArrow(const std::string& name, Position cursor)
 {
-    m_input->TapKey(name);
-    if (!m_overlay->WaitForCrosshair(cursor))
-        throw std::runtime_error("The key " + name + " doesn't move the cursor to " + std::to_string(cursor.x) + ", " +
-                                 std::to_string(cursor.y) + ".");
+    TapArrowKey(*m_input, *m_overlay, name, cursor);
 }
 
 ChildResult DesktopTest::EndByEscape(ChildProcess& process)
