@@ -4,10 +4,10 @@
 //
 // prints the medians of: the start of the process to the first frame on the screen; the release of the button to both
 // files closed; the release to the end of the process; and the peak of its memory.
-#include "Tests/Support/Desktop/InputDriver.h"
-#include "Tests/Support/Desktop/OverlayWatcher.h"
+#include "Tests/Support/Desktop/OverlaySteps.h"
 #include "Tests/Support/Desktop/Picture.h"
 #include "Tests/Support/Desktop/Screen.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/VirtualDisplay.h"
 
 #include <algorithm>
@@ -20,8 +20,6 @@
 #include <functional>
 #include <string>
 #include <sys/inotify.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -44,18 +42,6 @@ struct RunResult
     double peakMemory = 0.0;  ///< MiB, the largest resident set
 };
 
-pid_t StartProgram(const std::string& program, const std::string& directory)
-{
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        std::freopen("/dev/null", "w", stdout);
-        execl(program.c_str(), program.c_str(), "-s", "true", "-o", directory.c_str(), nullptr);
-        _exit(127);
-    }
-    return child;
-}
-
 /// Waits until two files of the watched directory were closed after writing.
 void WaitForFiles(int watch)
 {
@@ -75,7 +61,7 @@ void WaitForFiles(int watch)
     }
 }
 
-RunResult MeasureRun(const std::string& program, const std::string& displayName, const std::string& directory)
+RunResult MeasureRun(const ChildOptions& options, const std::string& displayName, const std::string& directory)
 {
     InputDriver input(displayName);
     const OverlayWatcher overlay(displayName);
@@ -85,23 +71,19 @@ RunResult MeasureRun(const std::string& program, const std::string& displayName,
 
     RunResult result;
     const auto start = Clock::now();
-    const pid_t child = StartProgram(program, directory);
-    if (!overlay.WaitForCrosshair({100, 100}))
-        std::exit(EXIT_FAILURE);
+    ChildProcess process(options);
+    AwaitOverlay(process, overlay, {100, 100});
     result.firstFrame = GetMilliseconds(Clock::now() - start);
 
     input.PressButton(1);
-    input.MoveTo({1380, 820});
-    if (!overlay.WaitForCrosshair({1380, 820}))
-        std::exit(EXIT_FAILURE);
+    MoveMouse(input, overlay, {1380, 820}, {1380, 820});
     const auto release = Clock::now();
     input.ReleaseButton(1);
     WaitForFiles(watch);
     result.filesClosed = GetMilliseconds(Clock::now() - release);
-    rusage usage = {};
-    wait4(child, nullptr, 0, &usage);
+    const ChildResult end = process.Wait(std::chrono::seconds(20));
     result.processEnd = GetMilliseconds(Clock::now() - release);
-    result.peakMemory = static_cast<double>(usage.ru_maxrss) / 1024.0;
+    result.peakMemory = static_cast<double>(end.peakMemory) / (1024.0 * 1024.0);
     close(watch);
     return result;
 }
@@ -127,28 +109,26 @@ int main(int argc, char** argv)
         return 2;
     }
     const int runs = argc > 3 ? std::max(std::atoi(argv[3]), 1) : 7;
-    std::string pattern = (std::filesystem::temp_directory_path() / "snipbench-benchmark-XXXXXX").string();
-    const std::filesystem::path directory = mkdtemp(pattern.data());
-    setenv("HOME", directory.c_str(), 1);
-    std::filesystem::create_directories(directory / "out");
+    const TemporaryDirectory home;
+    const std::string directory = (home.GetPath() / "out").string();
+    std::filesystem::create_directories(directory);
+    const VirtualDisplay display(width, height);
+    Screen screen(display.GetName());
+    screen.ShowOnRoot(MakeTestPicture(screen.GetWidth(), screen.GetHeight()));
+    const ChildOptions options{argv[1],
+                               {"-s", "true", "-o", directory},
+                               MakeEnvironment({{"DISPLAY", display.GetName()}, {"HOME", home.GetPath().string()}}),
+                               "."};
+    std::vector<RunResult> results;
+    for (int run = 0; run < runs; ++run)
+        results.push_back(MeasureRun(options, display.GetName(), directory));
 
-    {
-        const VirtualDisplay display(width, height);
-        setenv("DISPLAY", display.GetName().c_str(), 1);
-        Screen screen(display.GetName());
-        screen.ShowOnRoot(MakeTestPicture(screen.GetWidth(), screen.GetHeight()));
-        std::vector<RunResult> results;
-        for (int run = 0; run < runs; ++run)
-            results.push_back(MeasureRun(argv[1], display.GetName(), (directory / "out").string()));
-
-        fmt::print("Run at {}x{}, a snip of 1280x720, median of {} runs (least to greatest)\n", width, height, runs);
-        PrintMedian("start to first frame", "ms", results, [](const RunResult& result) { return result.firstFrame; });
-        PrintMedian("release to both files closed", "ms", results,
-                    [](const RunResult& result) { return result.filesClosed; });
-        PrintMedian("release to the end of the process", "ms", results,
-                    [](const RunResult& result) { return result.processEnd; });
-        PrintMedian("peak resident memory", "MiB", results, [](const RunResult& result) { return result.peakMemory; });
-    }
-    std::filesystem::remove_all(directory);
+    fmt::print("Run at {}x{}, a snip of 1280x720, median of {} runs (least to greatest)\n", width, height, runs);
+    PrintMedian("start to first frame", "ms", results, [](const RunResult& result) { return result.firstFrame; });
+    PrintMedian("release to both files closed", "ms", results,
+                [](const RunResult& result) { return result.filesClosed; });
+    PrintMedian("release to the end of the process", "ms", results,
+                [](const RunResult& result) { return result.processEnd; });
+    PrintMedian("peak resident memory", "MiB", results, [](const RunResult& result) { return result.peakMemory; });
     return EXIT_SUCCESS;
 }

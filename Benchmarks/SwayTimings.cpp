@@ -6,6 +6,7 @@
 // the command to the first change of the screen; the release of the button to so many files closed; the release to the
 // end of the command. And of one run more: the processor time of three seconds of rest, and the greatest sum of the
 // processes' peaks of memory. What the session's bus starts for the command isn't counted.
+#include "Tests/Support/Desktop/ChildProcess.h"
 #include "Tests/Support/Desktop/InputDriver.h"
 #include "Tests/Support/Desktop/NestedCompositor.h"
 #include "Tests/Support/Desktop/Screen.h"
@@ -19,11 +20,11 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <functional>
+#include <optional>
 #include <poll.h>
 #include <sstream>
 #include <string>
 #include <sys/inotify.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -115,14 +116,8 @@ public:
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder);
         inotify_add_watch(m_watch, folder.c_str(), IN_CLOSE_WRITE);
-        std::fflush(stdout); // else the child prints it once more
         m_start = Clock::now();
-        m_child = fork();
-        if (m_child != 0)
-            return;
-        std::freopen("/dev/null", "w", stdout);
-        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
-        _exit(127);
+        m_process.emplace(ChildOptions{"/bin/sh", {"-c", command}, MakeEnvironment({}), "."});
     }
     ~Run() { close(m_watch); }
     Run(const Run&) = delete;
@@ -157,11 +152,11 @@ public:
         m_input.ReleaseButton(1);
         Await([&] { return CountClosed() >= files; }, "there are no files");
         result.filesClosed = GetMilliseconds(Clock::now() - release);
-        Await([this] { return waitpid(m_child, nullptr, WNOHANG) != 0; }, "the command doesn't end");
+        Await([this] { return !m_process->IsRunning(); }, "the command doesn't end");
         result.processEnd = GetMilliseconds(Clock::now() - release);
     }
 
-    [[nodiscard]] pid_t GetProcess() const { return m_child; }
+    [[nodiscard]] pid_t GetProcess() const { return m_process->GetId(); }
 
 private:
     /// What is looked at: a part that a selector changes and the selection doesn't reach.
@@ -198,7 +193,7 @@ private:
     int m_watch;
     int m_closed = 0;
     Clock::time_point m_start;
-    pid_t m_child = -1;
+    std::optional<ChildProcess> m_process;
 };
 
 RunResult MeasureRun(NestedCompositor& compositor, const std::string& command, int files)

@@ -1,10 +1,9 @@
 #include "Examples/SampleSession.h"
 
 #include "Examples/SampleDesktop.h"
+#include "Tests/Support/Desktop/OverlaySteps.h"
 
 #include <stdexcept>
-#include <string_view>
-#include <unistd.h>
 #include <utility>
 
 namespace Orvik::Examples
@@ -17,16 +16,6 @@ using Tests::ChildResult;
 using Tests::Position;
 
 constexpr std::chrono::seconds s_endLimit{20};
-
-std::vector<std::string> MakeEnvironment(const std::string& displayName)
-{
-    std::vector<std::string> environment;
-    for (char** entry = environ; *entry != nullptr; ++entry)
-        if (!std::string_view(*entry).starts_with("DISPLAY="))
-            environment.emplace_back(*entry);
-    environment.push_back("DISPLAY=" + displayName);
-    return environment;
-}
 
 std::filesystem::path GetFontFile(const std::filesystem::path& program)
 {
@@ -48,21 +37,18 @@ SampleSession::SampleSession(std::filesystem::path program)
 ChildProcess SampleSession::Start(const std::vector<std::string>& arguments) const
 {
     ChildProcess process = StartHidden(arguments);
-    if (!m_overlay.WaitForCrosshair(m_input.GetPointer()))
-        throw std::runtime_error("The overlay doesn't come up.");
+    Tests::AwaitOverlay(process, m_overlay, m_input.GetPointer());
     return process;
 }
 
 ChildProcess SampleSession::StartHidden(const std::vector<std::string>& arguments) const
 {
-    return ChildProcess({m_program, arguments, MakeEnvironment(m_display.GetName()), "."});
+    return ChildProcess({m_program, arguments, Tests::MakeEnvironment({{"DISPLAY", m_display.GetName()}}), "."});
 }
 
 void SampleSession::MoveTo(Position position)
 {
-    m_input.MoveTo(position);
-    if (!m_overlay.WaitForCrosshair(position))
-        throw std::runtime_error("The overlay doesn't follow the mouse.");
+    Tests::MoveMouse(m_input, m_overlay, position, position);
 }
 
 void SampleSession::DragOver(const Tests::Area& area)
@@ -76,9 +62,7 @@ void SampleSession::DragOver(const Tests::Area& area)
 
 void SampleSession::TapArrow(const std::string& name, Position target)
 {
-    m_input.TapKey(name);
-    if (!m_overlay.WaitForCrosshair(target))
-        throw std::runtime_error("The overlay doesn't follow the arrow keys.");
+    Tests::TapArrowKey(m_input, m_overlay, name, target);
 }
 
 std::string SampleSession::Finish(ChildProcess& process)

@@ -122,14 +122,15 @@ void WriteAnnotationFile(const SnipFileSettings& settings, const AnnotationList&
 
 } // namespace
 
-bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& format, const std::string& path)
+bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& format, const std::filesystem::path& path)
 {
     const System::Time::TraceScope step("image file");
     if (format == "png")
         return bitmap.SavePng(path);
     if (format == "bmp")
         return bitmap.SaveBmp(path);
-    Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Failed to save image file: ", path);
+    Log::Write(Log::s_snipBench, Log::MessageTypeID::Error,
+               "Failed to save image file: ", System::Text::PathToUtf8(path));
     return false;
 }
 
@@ -147,7 +148,7 @@ std::optional<SnipPaths> SaveSnip(Result& result, const SnipFileSettings& settin
         const System::Time::TraceScope mask("mask");
         result.snip->ClearOutsidePolygon(*result.polygon, false);
     }
-    if (!SaveImage(*result.snip, settings.format, System::Text::PathToUtf8(imagePath)))
+    if (!SaveImage(*result.snip, settings.format, imagePath))
     {
         ShowFailure(settings, imagePath);
         return std::nullopt;
@@ -183,7 +184,7 @@ bool SaveAnnotation(Result& result, const SnipFileSettings& settings)
     if (list.records.empty())
     {
         const std::filesystem::path imagePath = MakeFilePath(settings, list.imageId, settings.format);
-        if (!SaveImage(*result.capture, settings.format, System::Text::PathToUtf8(imagePath)))
+        if (!SaveImage(*result.capture, settings.format, imagePath))
         {
             ShowFailure(settings, imagePath);
             return false;

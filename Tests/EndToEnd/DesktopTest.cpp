@@ -1,7 +1,8 @@
 #include "Tests/EndToEnd/DesktopTest.h"
 
+#include "Tests/Support/Desktop/OverlaySteps.h"
+
 #include <chrono>
-#include <stdexcept>
 #include <sys/stat.h>
 #include <thread>
 
@@ -113,28 +114,19 @@ bool DesktopTest::WaitForDelay(const ChildProcess& process) const
     return isUp && m_overlay->GetState() == OverlayWatcher::State::Missing;
 }
 
-bool DesktopTest::WaitForCrosshair(Position cursor)
+void DesktopTest::NudgeTo(Position cursor)
 {
-    if (m_compositor == nullptr)
-        return m_overlay->WaitForCrosshair(cursor);
     const auto end = std::chrono::steady_clock::now() + OverlayWatcher::DefaultLimit;
-    while (std::chrono::steady_clock::now() < end)
-    {
-        if (m_overlay->WaitForCrosshair(cursor, std::chrono::seconds(1)))
-            return true;
+    while (m_compositor != nullptr && std::chrono::steady_clock::now() < end &&
+           !m_overlay->WaitForCrosshair(cursor, std::chrono::seconds(1)))
         m_input->Nudge();
-    }
-    return false;
 }
 
 ChildProcess DesktopTest::StartOverlay(const Arguments& arguments, Position cursor)
 {
     ChildProcess process = Start(arguments);
-    if (!WaitForCrosshair(cursor))
-    {
-        const ChildResult result = process.Wait(std::chrono::milliseconds(0));
-        throw std::runtime_error("The overlay doesn't come up.\n" + result.standardOutput + result.standardError);
-    }
+    NudgeTo(cursor);
+    AwaitOverlay(process, *m_overlay, cursor);
     // The cursor of an overlay that doesn't know of the pointer yet is put to it at its first motion.
     if (m_compositor != nullptr)
     {
@@ -146,12 +138,13 @@ ChildProcess DesktopTest::StartOverlay(const Arguments& arguments, Position curs
 
 void DesktopTest::MoveTo(Position position, Position cursor)
 {
-    // A motion to the same place is an event too, and it would be on its way when the next step begins.
-    if (m_input->GetPointer() != position)
-        m_input->MoveTo(position);
-    if (!WaitForCrosshair(cursor))
-        throw std::runtime_error("The crosshair doesn't come to " + std::to_string(cursor.x) + ", " +
-                                 std::to_string(cursor.y) + ".");
+    if (m_compositor != nullptr)
+    {
+        if (m_input->GetPointer() != position)
+            m_input->MoveTo(position);
+        NudgeTo(cursor);
+    }
+    MoveMouse(*m_input, *m_overlay, position, cursor);
 }
 
 void DesktopTest::Drag(Position from, Position to)
@@ -164,10 +157,7 @@ void DesktopTest::Drag(Position from, Position to)
 
 void DesktopTest::TapArrow(const std::string& name, Position cursor)
 {
-    m_input->TapKey(name);
-    if (!m_overlay->WaitForCrosshair(cursor))
-        throw std::runtime_error("The key " + name + " doesn't move the cursor to " + std::to_string(cursor.x) + ", " +
-                                 std::to_string(cursor.y) + ".");
+    TapArrowKey(*m_input, *m_overlay, name, cursor);
 }
 
 ChildResult DesktopTest::EndByEscape(ChildProcess& process)

@@ -41,8 +41,8 @@ protected:
     [[nodiscard]] Position GetRestingCursor() const;
     /// Returns when the program waits, hidden, for its delay to be over. False if it doesn't come to that in time.
     [[nodiscard]] bool WaitForDelay(const ChildProcess& process) const;
-    /// Waits until the program shows its crosshair there. False if that doesn't come in time.
-    [[nodiscard]] bool WaitForCrosshair(Position cursor);
+    /// On a compositor: nudges the mouse now and then until the crosshair is there, or the usual limit is over.
+    void NudgeTo(Position cursor);
     /// Starts the program and waits for its first frame. `cursor` is where its crosshair then is.
     [[nodiscard]] ChildProcess StartOverlay(const Arguments& arguments, Position cursor = {s_width / 2, s_height / 2});
 

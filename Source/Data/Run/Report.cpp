@@ -64,11 +64,6 @@ Report::Report(std::string_view verb, bool isJson, Streams streams)
 
 Report::~Report() = default;
 
-bool Report::IsJson() const
-{
-    return m_writer != nullptr;
-}
-
 void Report::AddFinding(const std::filesystem::path& file, std::string_view message)
 {
     ++m_findings;

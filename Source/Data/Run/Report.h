@@ -32,8 +32,6 @@ public:
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;
 
-    [[nodiscard]] bool IsJson() const;
-
     /// Names a file and what is wrong with it. The run ends with `Findings` then, at least.
     void AddFinding(const std::filesystem::path& file, std::string_view message);
     [[nodiscard]] std::uint64_t GetFindingCount() const { return m_findings; }

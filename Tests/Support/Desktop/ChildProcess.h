@@ -1,8 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,7 +28,16 @@ struct ChildResult
     int exitCode = -1;      ///< the exit code in a shell; -1 if a signal ended it
     std::string standardOutput;
     std::string standardError;
+    std::int64_t peakMemory = 0; ///< bytes, its largest resident set
 };
+
+/// The environment of this process, with these variables in place of its own.
+[[nodiscard]] std::vector<std::string> MakeEnvironment(const std::map<std::string, std::string>& variables);
+
+/// In a new process: no core files, no input, and signals as they are handled by themselves.
+void PrepareExecution();
+/// In a new process: becomes the program. One that can't be started ends with 126 or 127.
+[[noreturn]] void Execute(const ChildOptions& options);
 
 /// A program that runs as a child. Its standard streams are collected, its standard input is empty, and a fault leaves
 /// no core file. It is killed at the end of the object, or of this process.
@@ -55,8 +66,6 @@ public:
     [[nodiscard]] std::string GetOutput() const;
 
 private:
-    [[noreturn]] void Execute(const ChildOptions& options) const;
-
     int m_process = -1;
     int m_processDescriptor = -1; ///< readable once the child has ended
     int m_output = -1;

@@ -40,13 +40,58 @@ std::vector<char*> MakePointers(const std::vector<std::string>& texts)
 
 } // namespace
 
+std::vector<std::string> MakeEnvironment(const std::map<std::string, std::string>& variables)
+{
+    std::vector<std::string> environment;
+    for (char** entry = environ; *entry != nullptr; ++entry)
+    {
+        const std::string_view text = *entry;
+        if (!variables.contains(std::string(text.substr(0, text.find('=')))))
+            environment.emplace_back(text);
+    }
+    for (const auto& [name, value] : variables)
+        environment.push_back(name + "=" + value);
+    return environment;
+}
+
+void PrepareExecution()
+{
+    const rlimit noCoreFile = {};
+    setrlimit(RLIMIT_CORE, &noCoreFile);
+    // A test run in the background has SIGINT ignored, and that would be inherited.
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
+        std::signal(signal, SIG_DFL);
+
+    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+}
+
+void Execute(const ChildOptions& options)
+{
+    if (!options.workingDirectory.empty() && chdir(options.workingDirectory.c_str()) != 0)
+        _exit(126);
+
+    std::vector<std::string> arguments = {options.program.string()};
+    arguments.insert(arguments.end(), options.arguments.begin(), options.arguments.end());
+    execvpe(options.program.c_str(), MakePointers(arguments).data(), MakePointers(options.environment).data());
+    _exit(127);
+}
+
 ChildProcess::ChildProcess(const ChildOptions& options)
     // Files in memory instead of pipes: a child that writes much never waits for its reader.
     : m_output(memfd_create("output", MFD_CLOEXEC)), m_error(memfd_create("error", MFD_CLOEXEC))
 {
     m_process = fork();
     if (m_process == 0)
+    {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        PrepareExecution();
+        dup2(m_output, STDOUT_FILENO);
+        dup2(m_error, STDERR_FILENO);
         Execute(options);
+    }
     if (m_process < 0)
         throw std::runtime_error("No process can be made.");
     m_processDescriptor = static_cast<int>(syscall(SYS_pidfd_open, m_process, 0));
@@ -74,30 +119,6 @@ ChildProcess::~ChildProcess()
             close(descriptor);
 }
 
-void ChildProcess::Execute(const ChildOptions& options) const
-{
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const rlimit noCoreFile = {};
-    setrlimit(RLIMIT_CORE, &noCoreFile);
-    // A test run in the background has SIGINT ignored, and that would be inherited.
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
-        std::signal(signal, SIG_DFL);
-
-    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-    dup2(m_output, STDOUT_FILENO);
-    dup2(m_error, STDERR_FILENO);
-    if (!options.workingDirectory.empty() && chdir(options.workingDirectory.c_str()) != 0)
-        _exit(126);
-
-    std::vector<std::string> arguments = {options.program.string()};
-    arguments.insert(arguments.end(), options.arguments.begin(), options.arguments.end());
-    execvpe(options.program.c_str(), MakePointers(arguments).data(), MakePointers(options.environment).data());
-    _exit(127);
-}
-
 ChildResult ChildProcess::Wait(std::chrono::milliseconds limit)
 {
     ChildResult result;
@@ -105,7 +126,9 @@ ChildResult ChildProcess::Wait(std::chrono::milliseconds limit)
     if (result.isTimeout)
         kill(m_process, SIGKILL);
     int status = 0;
-    waitpid(std::exchange(m_process, -1), &status, 0);
+    rusage usage = {};
+    wait4(std::exchange(m_process, -1), &status, 0, &usage);
+    result.peakMemory = std::int64_t{usage.ru_maxrss} * 1024;
     if (WIFEXITED(status))
         result.exitCode = WEXITSTATUS(status);
     else

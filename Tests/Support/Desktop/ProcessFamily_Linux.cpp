@@ -9,24 +9,13 @@
 #include <stdexcept>
 #include <string>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 namespace Orvik::Tests
 {
 namespace
 {
-
-std::vector<char*> MakePointers(const std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    for (const std::string& text : texts)
-        pointers.push_back(const_cast<char*>(text.c_str()));
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 bool BecomeUser(const UserNumbers& user)
 {
@@ -34,31 +23,18 @@ bool BecomeUser(const UserNumbers& user)
            setresuid(user.user, user.user, user.user) == 0;
 }
 
-[[noreturn]] void Execute(const ChildOptions& options, const std::filesystem::path& log,
-                          const std::optional<UserNumbers>& user)
+[[noreturn]] void Start(const ChildOptions& options, const std::filesystem::path& log,
+                        const std::optional<UserNumbers>& user)
 {
     setsid();
-    const rlimit noCoreFile = {};
-    setrlimit(RLIMIT_CORE, &noCoreFile);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
-        std::signal(signal, SIG_DFL);
-
-    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+    PrepareExecution();
     const int output = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
     if (user && !BecomeUser(*user))
         _exit(126);
     prctl(PR_SET_PDEATHSIG, SIGKILL); // not before the user has changed, which takes it back
-    if (!options.workingDirectory.empty() && chdir(options.workingDirectory.c_str()) != 0)
-        _exit(126);
-    std::vector<std::string> arguments = {options.program.string()};
-    arguments.insert(arguments.end(), options.arguments.begin(), options.arguments.end());
-    execvpe(options.program.c_str(), MakePointers(arguments).data(), MakePointers(options.environment).data());
-    _exit(127);
+    Execute(options);
 }
 
 /// The process that started `process`; 0 if that one is gone.
@@ -119,7 +95,7 @@ void KillChildren()
         _exit(0);
     const pid_t program = fork();
     if (program == 0)
-        Execute(options, log, user);
+        Start(options, log, user);
     while (program > 0)
     {
         int signal = 0;

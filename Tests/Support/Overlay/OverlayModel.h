@@ -52,8 +52,6 @@ public:
     /// The space between the cursor and the magnifier.
     [[nodiscard]] int GetMargin() const { return m_margin; }
     [[nodiscard]] int GetZoomLimit() const { return m_side / m_shrink; }
-    /// The picture on the screen.
-    [[nodiscard]] const Area& GetPictureArea() const { return m_area; }
     /// The magnifier, and what is on it and close to it, cut at the screen's edge.
     [[nodiscard]] Area GetMagnifierArea(Position cursor) const;
     /// Where a message is, from one side of the screen to the other.

@@ -1,7 +1,6 @@
 #include "Core/Graphics/Renderer/LineRenderer.h"
 
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/Graphics/Renderer/ShaderProgram.h"
 #include "Core/System/Error/Assertion.h"
 
 #include <array>
@@ -43,8 +42,7 @@ void AddNeighbours(std::vector<Vector4>& points)
 bool LineRenderer::Initialize(Renderer& renderer)
 {
     const GLContext& context = renderer.GetContext();
-    m_program = CreateProgram(context, "line.vert", "line.frag");
-    if (m_program == 0 || !context.IsValid())
+    if (!BuildProgram(context, "line.vert", "line.frag"))
         return false;
     const EntryPoints& gl = context.GetEntryPoints();
     m_modelLocation = gl.glGetUniformLocation(m_program, "model");
@@ -141,11 +139,6 @@ std::uint16_t& LineRenderer::Create(std::uint16_t& id, std::vector<Vector4>& poi
     id = m_objects.Add().id;
     Update(id, points);
     return id;
-}
-
-Line* LineRenderer::Get(std::uint16_t id)
-{
-    return m_objects.Find(id);
 }
 
 bool LineRenderer::Update(std::uint16_t id, std::vector<Vector4>& points)

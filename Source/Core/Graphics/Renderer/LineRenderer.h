@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Graphics/Renderer/FrameState.h"
-#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/ObjectRenderer.h"
 #include "Core/System/Types/Matrix4.h"
 #include "Desktops/OpenGL.h"
 
@@ -30,7 +30,7 @@ struct Line
 
 /// Draws thick polylines. A point's first three components are its position; the fourth multiplies the line's opacity
 /// there.
-class LineRenderer
+class LineRenderer : public ObjectRenderer<Line>
 {
 public:
     /// The most points of a prepared list; a client may give two fewer.
@@ -50,9 +50,6 @@ public:
     /// Adds a line and stores its id in `id`. `points` is emptied. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id, std::vector<System::Math::Vector4>& points);
 
-    /// The line, or null. Valid until the next `Create` or `Remove`.
-    [[nodiscard]] Line* Get(std::uint16_t id);
-
     /// Replaces the points; `points` is emptied. Fewer than two are an assertion failure. False for an unknown id;
     /// `points` is unchanged then.
     bool Update(std::uint16_t id, std::vector<System::Math::Vector4>& points);
@@ -66,19 +63,12 @@ public:
     /// Adds the state of the lines in the next frame.
     void AppendState(FrameState& state) const;
 
-    [[nodiscard]] GLuint GetProgram() const { return m_program; }
-    [[nodiscard]] const ObjectStore<Line>& GetObjects() const { return m_objects; }
-    [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
-
 private:
     /// False, after an assertion failure, if the line has too many points.
     [[nodiscard]] bool DrawLine(Renderer& renderer, const Line& line);
 
-    ObjectStore<Line> m_objects;
-    GLuint m_program = 0;
     GLuint m_pointBuffer = 0;
     GLuint m_vertexArray = 0;
-    GLint m_modelLocation = -1;
     GLint m_colorLocation = -1;
     GLint m_thicknessLocation = -1;
     GLint m_dashLengthLocation = -1;

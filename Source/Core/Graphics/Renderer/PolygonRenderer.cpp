@@ -1,7 +1,6 @@
 #include "Core/Graphics/Renderer/PolygonRenderer.h"
 
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/Graphics/Renderer/ShaderProgram.h"
 
 #include <optional>
 #include <utility>
@@ -66,8 +65,7 @@ void ReplaceContents(const EntryPoints& gl, GLuint buffer, const Polygon& polygo
 bool PolygonRenderer::Initialize(Renderer& renderer)
 {
     const GLContext& context = renderer.GetContext();
-    m_program = CreateProgram(context, "polygon.vert", "polygon.frag");
-    if (m_program == 0 || !context.IsValid())
+    if (!BuildProgram(context, "polygon.vert", "polygon.frag"))
         return false;
     m_modelLocation = context.GetEntryPoints().glGetUniformLocation(m_program, "model");
     return true;
@@ -150,11 +148,6 @@ std::uint16_t& PolygonRenderer::Create(std::uint16_t& id, std::vector<std::array
     m_pendingUpdates.push_back(id);
     ++m_updateCount;
     return id;
-}
-
-Polygon* PolygonRenderer::Get(std::uint16_t id)
-{
-    return m_objects.Find(id);
 }
 
 bool PolygonRenderer::Update(std::uint16_t id)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Graphics/Renderer/FrameState.h"
-#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/ObjectRenderer.h"
 #include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/System/Types/Matrix4.h"
 #include "Desktops/OpenGL.h"
@@ -40,7 +40,7 @@ struct Polygon
 
 /// Draws triangle meshes. Changes are queued and uploaded by the next `Render`, so that a thread without the context
 /// can make them.
-class PolygonRenderer
+class PolygonRenderer : public ObjectRenderer<Polygon>
 {
 public:
     /// Builds the shader program. False without a context, or if the shaders can't be built; log lines say why.
@@ -56,8 +56,6 @@ public:
     /// Adds a polygon, queues its upload and stores its id in `id`. Both lists are emptied. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id, std::vector<std::array<float, 3>>& positions,
                           std::vector<std::array<float, 4>>& colors);
-    /// The polygon, or null. Valid until the next `Create` or `Remove`.
-    [[nodiscard]] Polygon* Get(std::uint16_t id);
     /// Queues the upload of changed positions or colours. A polygon with fewer colours than positions isn't uploaded.
     /// False for an unknown id.
     bool Update(std::uint16_t id);
@@ -71,20 +69,15 @@ public:
     /// For drawing into memory: uploads what is queued and adds the items of the visible polygons.
     void CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items);
 
-    [[nodiscard]] GLuint GetProgram() const { return m_program; }
-
 private:
     void Flush(Renderer& renderer);
     void Upload(Renderer& renderer, Polygon& polygon);
     void DeletePending(Renderer& renderer);
 
-    ObjectStore<Polygon> m_objects;
     std::vector<std::uint16_t> m_pendingUpdates;
     std::uint32_t m_updateCount = 0; ///< of all that were ever queued
     std::vector<Polygon::GpuData> m_pendingDeletes;
     std::mutex m_mutex;
-    GLuint m_program = 0;
-    GLint m_modelLocation = -1;
 };
 
 } // namespace Orvik::Graphics::Renderer

@@ -1,7 +1,6 @@
 #include "Core/Graphics/Renderer/QuadRenderer.h"
 
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/Graphics/Renderer/ShaderProgram.h"
 #include "Core/Graphics/Renderer/UnitSquare.h"
 
 namespace Orvik::Graphics::Renderer
@@ -10,8 +9,7 @@ namespace Orvik::Graphics::Renderer
 bool QuadRenderer::Initialize(Renderer& renderer)
 {
     const GLContext& context = renderer.GetContext();
-    m_program = CreateProgram(context, "quad.vert", "quad.frag");
-    if (m_program == 0 || !context.IsValid())
+    if (!BuildProgram(context, "quad.vert", "quad.frag"))
         return false;
     const EntryPoints& gl = context.GetEntryPoints();
     m_modelLocation = gl.glGetUniformLocation(m_program, "model");
@@ -71,11 +69,6 @@ std::uint16_t& QuadRenderer::Create(std::uint16_t& id)
 {
     id = m_objects.Add().id;
     return id;
-}
-
-Quad* QuadRenderer::Get(std::uint16_t id)
-{
-    return m_objects.Find(id);
 }
 
 bool QuadRenderer::Remove(std::uint16_t id)

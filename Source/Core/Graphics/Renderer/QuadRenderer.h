@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Graphics/Renderer/FrameState.h"
-#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/ObjectRenderer.h"
 #include "Core/System/Types/Matrix4.h"
 #include "Desktops/OpenGL.h"
 
@@ -22,7 +22,7 @@ struct Quad
 };
 
 /// Draws rectangles of one colour each.
-class QuadRenderer
+class QuadRenderer : public ObjectRenderer<Quad>
 {
 public:
     /// Builds the shader program and the square. False without a context, or if the shaders can't be built; log lines
@@ -37,23 +37,15 @@ public:
 
     /// Adds a quad and stores its id in `id`. Returns `id`.
     std::uint16_t& Create(std::uint16_t& id);
-    /// The quad, or null. Valid until the next `Create` or `Remove`.
-    [[nodiscard]] Quad* Get(std::uint16_t id);
     /// Removes the quad; the last one takes its place in the order. False for an unknown id.
     bool Remove(std::uint16_t id);
 
     /// Adds the state of the quads in the next frame.
     void AppendState(FrameState& state) const;
 
-    [[nodiscard]] GLuint GetProgram() const { return m_program; }
-    [[nodiscard]] const ObjectStore<Quad>& GetObjects() const { return m_objects; }
-
 private:
-    ObjectStore<Quad> m_objects;
-    GLuint m_program = 0;
     GLuint m_vertexArray = 0;
     GLuint m_vertexBuffer = 0;
-    GLint m_modelLocation = -1;
     GLint m_colorLocation = -1;
 };
 

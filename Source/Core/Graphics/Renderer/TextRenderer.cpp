@@ -2,7 +2,6 @@
 
 #include "Core/Graphics/Renderer/FontFile.h"
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/Graphics/Renderer/ShaderProgram.h"
 #include "Core/Graphics/Renderer/UnitSquare.h"
 #include "Core/System/Log/LogSite.h"
 #include "Core/System/Runtime/DirectoryCache.h"
@@ -110,8 +109,7 @@ Matrix4 PlaceGlyph(const Glyph& glyph, std::int64_t penX, std::int64_t penY)
 bool TextRenderer::Initialize(Renderer& renderer)
 {
     const GLContext& context = renderer.GetContext();
-    m_program = CreateProgram(context, "font.vert", "font.frag");
-    if (m_program == 0 || !context.IsValid())
+    if (!BuildProgram(context, "font.vert", "font.frag"))
         return false;
     const EntryPoints& gl = context.GetEntryPoints();
     m_modelLocation = gl.glGetUniformLocation(m_program, "model");
@@ -213,11 +211,6 @@ std::uint16_t& TextRenderer::Create(std::uint16_t& id, const char* text, std::ui
 std::uint16_t& TextRenderer::Create(std::uint16_t& id, const char* text, Renderer& renderer)
 {
     return Create(id, text, std::strlen(text), renderer);
-}
-
-Text* TextRenderer::Get(std::uint16_t id)
-{
-    return m_objects.Find(id);
 }
 
 bool TextRenderer::SetText(std::uint16_t id, const char* text, std::uint64_t length, Renderer& /*renderer*/)

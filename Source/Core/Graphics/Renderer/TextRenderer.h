@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Graphics/Renderer/FrameState.h"
-#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/ObjectRenderer.h"
 #include "Core/Graphics/Renderer/RasterFont.h"
 #include "Core/System/Types/Matrix4.h"
 #include "Desktops/OpenGL.h"
@@ -39,7 +39,7 @@ struct Text
 };
 
 /// Draws short strings of printable ASCII on top of everything else.
-class TextRenderer
+class TextRenderer : public ObjectRenderer<Text>
 {
 public:
     /// Builds the shader program and the atlas of the font's characters. False without a context, or if the shaders or
@@ -60,9 +60,6 @@ public:
     std::uint16_t& Create(std::uint16_t& id, const char* text, std::uint64_t length, Renderer& renderer);
     std::uint16_t& Create(std::uint16_t& id, const char* text, Renderer& renderer);
 
-    /// The text, or null. Valid until the next `Create` or `Remove`.
-    [[nodiscard]] Text* Get(std::uint16_t id);
-
     /// Replaces the string: up to `length` characters, ending at a zero. A character outside of ASCII 32 to 126 and
     /// line feed, or one that the font can't give, is skipped with a warning. False for an unknown id.
     bool SetText(std::uint16_t id, const char* text, std::uint64_t length, Renderer& renderer);
@@ -81,10 +78,7 @@ public:
     /// none.
     [[nodiscard]] const Raster::Glyph* GetCoverage(std::uint32_t layer);
 
-    [[nodiscard]] GLuint GetProgram() const { return m_program; }
-    [[nodiscard]] const ObjectStore<Text>& GetObjects() const { return m_objects; }
     [[nodiscard]] const std::vector<Glyph>& GetGlyphs() const { return m_glyphs; }
-    [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
 
 private:
     [[nodiscard]] bool CreateAtlas(Renderer& renderer);
@@ -92,14 +86,11 @@ private:
     /// Empty for a character without a glyph.
     [[nodiscard]] std::optional<Glyph> FindGlyph(char character);
 
-    ObjectStore<Text> m_objects;
     std::vector<Glyph> m_glyphs;
     std::optional<RasterFont> m_rasterFont; ///< for drawing into memory
-    GLuint m_program = 0;
     GLuint m_vertexArray = 0;
     GLuint m_vertexBuffer = 0;
     GLuint m_atlas = 0;
-    GLint m_modelLocation = -1;
     GLint m_colorLocation = -1;
     GLint m_instanceModelsLocation = -1;
     GLint m_instanceIndicesLocation = -1;

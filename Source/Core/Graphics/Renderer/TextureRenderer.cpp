@@ -1,7 +1,6 @@
 #include "Core/Graphics/Renderer/TextureRenderer.h"
 
 #include "Core/Graphics/Renderer/Renderer.h"
-#include "Core/Graphics/Renderer/ShaderProgram.h"
 #include "Core/System/Error/Assertion.h"
 
 #include <array>
@@ -84,8 +83,7 @@ void UploadFirst(const EntryPoints& gl, Texture& texture, GLenum format, const v
 bool TextureRenderer::Initialize(Renderer& renderer)
 {
     const GLContext& context = renderer.GetContext();
-    m_program = CreateProgram(context, "texture.vert", "texture.frag");
-    if (m_program == 0 || !context.IsValid())
+    if (!BuildProgram(context, "texture.vert", "texture.frag"))
         return false;
     const EntryPoints& gl = context.GetEntryPoints();
     gl.glGetIntegerv(GL_MAX_TEXTURE_SIZE, &m_maximumSide);
@@ -188,11 +186,6 @@ std::uint16_t& TextureRenderer::Create(std::uint16_t& id, std::uint16_t width, s
     }
     UpdateBitmap(id, width, height, bitsPerPixel, pixels, renderer, life);
     return id;
-}
-
-Texture* TextureRenderer::Get(std::uint16_t id)
-{
-    return m_objects.Find(id);
 }
 
 bool TextureRenderer::UpdateBitmap(std::uint16_t id, std::uint16_t width, std::uint16_t height,

@@ -2,7 +2,7 @@
 
 #include "Core/Graphics/Raster/Image.h"
 #include "Core/Graphics/Renderer/FrameState.h"
-#include "Core/Graphics/Renderer/ObjectStore.h"
+#include "Core/Graphics/Renderer/ObjectRenderer.h"
 #include "Core/Graphics/Renderer/RenderItems.h"
 #include "Core/System/Types/Matrix4.h"
 #include "Desktops/OpenGL.h"
@@ -44,7 +44,7 @@ struct Texture
 };
 
 /// Draws images. They are opaque; enlarged ones show hard pixel squares, reduced ones are filtered.
-class TextureRenderer
+class TextureRenderer : public ObjectRenderer<Texture>
 {
 public:
     /// Builds the shader program and the square, and reads the longest side. False without a context, or if the shaders
@@ -65,9 +65,6 @@ public:
     std::uint16_t& Create(std::uint16_t& id, std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel,
                           const void* pixels, Renderer& renderer, PixelLife life = PixelLife::Call);
 
-    /// The texture, or null. Valid until the next `Create` or `Remove`.
-    [[nodiscard]] Texture* Get(std::uint16_t id);
-
     /// Replaces the pixels. A size other than the first upload's is an assertion failure. An empty first picture
     /// doesn't count as an upload: the next one is the first. False for an unknown id, without a context or pixels, or
     /// with less than 24 bits per pixel; nothing changes then.
@@ -87,9 +84,6 @@ public:
     /// For drawing into memory: adds the items of the visible textures.
     void CollectItems(const SurfaceSpace& space, std::vector<Raster::Item>& items);
 
-    [[nodiscard]] GLuint GetProgram() const { return m_program; }
-    [[nodiscard]] std::size_t GetCount() const { return m_objects.GetCount(); }
-
 private:
     [[nodiscard]] static bool CanUpload(const Renderer& renderer);
     static void UploadToDriver(Texture& texture, bool isFirst, std::uint8_t bitsPerPixel, const void* pixels,
@@ -97,14 +91,11 @@ private:
     static void KeepPixels(Texture& texture, std::uint8_t bitsPerPixel, const void* pixels, PixelLife life);
     void DeletePending(Renderer& renderer);
 
-    ObjectStore<Texture> m_objects;
     std::vector<GLuint> m_pendingDeletes;
     std::mutex m_mutex;
-    GLuint m_program = 0;
     GLuint m_vertexArray = 0;
     GLuint m_vertexBuffer = 0;
     GLuint m_indexBuffer = 0;
-    GLint m_modelLocation = -1;
     GLint m_colorLocation = -1;
     GLint m_maximumSide = 0;
 };

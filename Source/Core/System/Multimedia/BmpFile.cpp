@@ -4,7 +4,6 @@
 #include "Core/System/Multimedia/Bitmap.h"
 
 #include "Core/System/Text/Files.h"
-#include "Core/System/Text/Paths.h"
 #include "Core/System/Types/Utilities.h"
 
 #include <array>
@@ -108,9 +107,9 @@ void ReadRows(std::FILE& file, Bitmap& bitmap, bool isTopDown)
 
 } // namespace
 
-bool Bitmap::LoadBmp(const std::string& path)
+bool Bitmap::LoadBmp(const std::filesystem::path& path)
 {
-    const Text::File file = Text::OpenFile(Text::PathFromUtf8(path), "rb");
+    const Text::File file = Text::OpenFile(path, "rb");
     if (file == nullptr)
         return false;
     const std::optional<Header> header = ReadHeader(*file);
@@ -126,9 +125,9 @@ bool Bitmap::LoadBmp(const std::string& path)
     return true;
 }
 
-bool Bitmap::SaveBmp(const std::string& path) const
+bool Bitmap::SaveBmp(const std::filesystem::path& path) const
 {
-    Text::File file = Text::OpenFile(Text::PathFromUtf8(path), "wb");
+    Text::File file = Text::OpenFile(path, "wb");
     if (file == nullptr)
         return false;
 
