@@ -51,6 +51,11 @@ void LinePainter::PaintCrosshair(Position cursor)
     PaintFading(cursor, 1, s_white);
 }
 
+double LinePainter::GetCrosshairOpacity(int place, int length)
+{
+    return 1.0 - s_fading * (place + 0.5) / length;
+}
+
 void LinePainter::PaintCrosshairEdge(Position cursor)
 {
     PaintFading(cursor, 2, s_dark);
@@ -75,9 +80,9 @@ void LinePainter::PaintFading(Position cursor, int distance, std::uint32_t colou
     const int width = m_look.picture.width;
     const int height = m_look.picture.height;
     for (int x = 0; x < width; ++x)
-        Paint(x, cursor.y + distance, colour, 1.0 - s_fading * (x + 0.5) / width);
+        Paint(x, cursor.y + distance, colour, GetCrosshairOpacity(x, width));
     for (int y = 0; y < height; ++y)
-        Paint(cursor.x + distance, y, colour, 1.0 - s_fading * (height - y - 0.5) / height);
+        Paint(cursor.x + distance, y, colour, GetCrosshairOpacity(height - 1 - y, height));
 }
 
 void LinePainter::PaintCross(const Area& magnifier)

@@ -23,6 +23,8 @@ public:
     /// Beside the cursor, so that the cursor's own pixel stays free. The lines fade from left to right and from the
     /// bottom to the top.
     void PaintCrosshair(Position cursor);
+    /// The crosshair's opacity so many pixels from where a line of that length begins.
+    [[nodiscard]] static double GetCrosshairOpacity(int place, int length);
     /// Dark lines on the far side of the crosshair's.
     void PaintCrosshairEdge(Position cursor);
     /// Around a picture that is smaller than the screen.

@@ -57,6 +57,17 @@ Area OverlayModel::GetMagnifierArea(Position cursor) const
             std::min(place.y + m_side + m_margin, m_height) - top};
 }
 
+// The crosshair is made after the outline, and nearer than a polygon's: it goes over that, faint as it is.
+double OverlayModel::GetCoverOfPolygon(Position cursor, int x, int y) const
+{
+    const Position place = PlaceMagnifier(cursor);
+    if (x >= place.x && x < place.x + m_side && y >= place.y && y < place.y + m_side)
+        return 1.0;
+    if (y == cursor.y + 1)
+        return LinePainter::GetCrosshairOpacity(x, m_width);
+    return x == cursor.x + 1 ? LinePainter::GetCrosshairOpacity(m_height - 1 - y, m_height) : 0.0;
+}
+
 Area OverlayModel::GetMessageArea() const
 {
     const int baseline = m_height * 85 / 100;
@@ -135,7 +146,8 @@ void OverlayModel::PaintLines(Look& look, const OverlayState& state) const
         painter.PaintOutline(*selection);
     if (selection && state.hasContrast)
         painter.PaintOutlineEdge(*selection);
-    painter.PaintCrosshair(cursor);
+    if (state.hasCrosshair)
+        painter.PaintCrosshair(cursor);
     if (state.hasContrast)
         painter.PaintCrosshairEdge(cursor);
     const Position place = PlaceMagnifier(cursor);

@@ -26,6 +26,7 @@ struct OverlayState
     int zoom = 4;
     std::optional<Position> anchor; ///< where a selection under way began
     std::string message;            ///< none if empty
+    bool hasCrosshair = true;       ///< false to look below it
 
     // What a configuration adds.
     bool showsSize = false;
@@ -54,6 +55,8 @@ public:
     [[nodiscard]] int GetZoomLimit() const { return m_side / m_shrink; }
     /// The magnifier, and what is on it and close to it, cut at the screen's edge.
     [[nodiscard]] Area GetMagnifierArea(Position cursor) const;
+    /// How much of a polygon's line is hidden there by the white of the crosshair; 1 by the magnifier.
+    [[nodiscard]] double GetCoverOfPolygon(Position cursor, int x, int y) const;
     /// Where a message is, from one side of the screen to the other.
     [[nodiscard]] Area GetMessageArea() const;
 
