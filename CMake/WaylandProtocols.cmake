@@ -42,3 +42,7 @@ function(orvik_add_protocols target)
 endfunction()
 
 orvik_add_protocols(OrvikWaylandProtocols ${protocol_descriptions})
+# What tests work a compositor with.
+orvik_add_protocols(OrvikWaylandTestProtocols
+    ${fetched_protocols}/virtual-keyboard-unstable-v1.xml
+    ${fetched_protocols}/wlr-virtual-pointer-unstable-v1.xml)

@@ -9,20 +9,23 @@
 namespace Orvik::Tests
 {
 
+class InputDevices;
 class XSession;
 
-/// Operates the mouse and the keyboard of an X server through its XTEST extension. Positions are screen pixels. When an
-/// operation returns, the server has done it; a program reacts later.
+/// Operates the mouse and the keyboard of an X server through its XTEST extension, or virtual ones of a compositor.
+/// Positions are screen pixels. When an operation returns, the server has done it; a program reacts later.
 class InputDriver
 {
 public:
-    /// An empty name means the display that `DISPLAY` names.
+    /// An empty name means the display that `DISPLAY` names; the path of a socket is a compositor's.
     explicit InputDriver(const std::string& displayName);
     ~InputDriver();
     InputDriver(const InputDriver&) = delete;
     InputDriver& operator=(const InputDriver&) = delete;
 
     void MoveTo(Position position);
+    /// Moves the mouse on that far; the pointer stops at the screen's edges.
+    void MoveBy(Position way);
     /// Buttons by X's numbers: 1 left, 2 middle, 3 right, 4 and 5 the wheel.
     void PressButton(unsigned button);
     void ReleaseButton(unsigned button);
@@ -44,6 +47,7 @@ public:
 
     [[nodiscard]] Position GetPointer() const;
 
+    // Of X servers alone.
     /// Grabs keyboard and pointer, as another program would. False if one of them is already grabbed; neither is held
     /// then.
     bool Grab();
@@ -57,10 +61,10 @@ protected:
 
 private:
     [[nodiscard]] unsigned FindCode(const std::string& name) const;
-    void SendKey(unsigned code, bool isPressed);
 
-    std::unique_ptr<XSession> m_session;
-    bool m_repeatsKeys = true;
+    std::unique_ptr<XSession> m_session; ///< null for a compositor
+    std::unique_ptr<InputDevices> m_devices;
+    bool m_repeatsKeys; ///< held keys repeat; a compositor's clients do that themselves
 };
 
 } // namespace Orvik::Tests
