@@ -10,6 +10,7 @@ find_library(XCB_SHM_LIBRARY xcb-shm REQUIRED) # CMake's module doesn't know it
 find_package(OpenGL REQUIRED COMPONENTS OpenGL EGL)
 find_library(WAYLAND_CLIENT_LIBRARY wayland-client REQUIRED)
 find_library(WAYLAND_EGL_LIBRARY wayland-egl REQUIRED)
+find_library(WAYLAND_SERVER_LIBRARY wayland-server REQUIRED) # for the tests, which stand in for a compositor
 find_library(XKBCOMMON_LIBRARY xkbcommon REQUIRED)
 find_path(SYSTEMD_INCLUDE_DIR systemd/sd-bus.h REQUIRED) # a client of the message bus, loaded when it is needed
 find_library(SYSTEMD_LIBRARY systemd REQUIRED) # for the tests, which serve on a bus of their own

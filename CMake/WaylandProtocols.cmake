@@ -42,3 +42,30 @@ function(orvik_add_protocols target)
 endfunction()
 
 orvik_add_protocols(OrvikWaylandProtocols ${protocol_descriptions})
+# Adds a library of headers for the other side, that of the compositor: `<NAME-server-protocol.h>`. What both sides share
+# is in the library above.
+function(orvik_add_server_protocols target)
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/${target})
+    set(headers)
+    foreach(description IN LISTS ARGN)
+        get_filename_component(name ${description} NAME_WE)
+        set(header ${folder}/${name}-server-protocol.h)
+        add_custom_command(OUTPUT ${header}
+            COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+            COMMAND ${WAYLAND_SCANNER} server-header ${description} ${header}
+            DEPENDS ${description} VERBATIM)
+        list(APPEND headers ${header})
+    endforeach()
+    add_custom_target(${target}Headers DEPENDS ${headers})
+    add_library(${target} INTERFACE)
+    target_include_directories(${target} SYSTEM INTERFACE ${folder})
+    add_dependencies(${target} ${target}Headers)
+endfunction()
+
+# What tests work a compositor with, and what they stand in for one with.
+orvik_add_protocols(OrvikWaylandTestProtocols
+    ${fetched_protocols}/virtual-keyboard-unstable-v1.xml
+    ${fetched_protocols}/wlr-virtual-pointer-unstable-v1.xml)
+orvik_add_server_protocols(OrvikWaylandServerProtocols
+    ${fetched_protocols}/ext-image-capture-source-v1.xml
+    ${fetched_protocols}/ext-image-copy-capture-v1.xml)

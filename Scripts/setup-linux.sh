@@ -51,6 +51,8 @@ font_sha256=1d3c2067fd5abaa56cf27ea560ccb7c162d39a624fef53cb947b85a966b0fdae
 protocol_descriptions=(
     wlroots wlr-layer-shell-unstable-v1.xml 996b8c66e1c2276c443336d4cb174634e8e5948823779042f244930525b79cc2
     wlroots wlr-screencopy-unstable-v1.xml 0f50f6187965b02782a12ba346ad950d6031454f6af6e1ac5b341a279ef16d56
+    wlroots wlr-virtual-pointer-unstable-v1.xml 3ff6d540be0bc5228195bf072bde42117ea17945a5c2061add5d3cf97d6bb524
+    wlroots virtual-keyboard-unstable-v1.xml 7ad7870003ecd592cae47dc19d277a609b7f18fd7b7be012623cf3225a7294f5
     wayland-protocols ext-image-capture-source-v1.xml eaa9e6c3b9c254762c2d8cbb691192bea777e221f18fbf0ba78c0feb02d54e77
     wayland-protocols ext-image-copy-capture-v1.xml 41a446653f788fabb404cab3168c0bd667c1ff4b54f1f0bb1e18810a1f47d73f
     wayland-protocols ext-foreign-toplevel-list-v1.xml 402d97291a4041e377d9cc3930af7507bd9752edfc19810c2b4c8cf34aac3a3d

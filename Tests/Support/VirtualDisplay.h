@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,9 @@ namespace Orvik::Tests
 class VirtualDisplay
 {
 public:
-    /// `arguments` follow the usual ones of the server, so that they can override these. Throws `std::runtime_error` if
-    /// the server ends or doesn't report its number within a minute; the server has ended then.
+    /// `arguments` follow the usual ones of the server, so that they can override these. A server that ends by itself
+    /// is started again, twice at the most. Throws `std::runtime_error`, with what the last one has said, if it ends as
+    /// well or doesn't report its number within a minute; the server has ended then.
     explicit VirtualDisplay(std::uint32_t width = 1280, std::uint32_t height = 720, std::uint32_t depth = 24,
                             const std::vector<std::string>& arguments = {});
     ~VirtualDisplay();
@@ -28,6 +30,9 @@ public:
     [[nodiscard]] const std::string& GetName() const { return m_name; }
 
 private:
+    /// What the server has said, if it ended by itself; else it runs, or has been ended, and there is no such text.
+    [[nodiscard]] std::optional<std::string> Start(const std::vector<std::string>& command);
+
     std::string m_name;
     int m_process = 0;
 };

@@ -3,9 +3,10 @@
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <fcntl.h>
+#include <optional>
 #include <poll.h>
 #include <stdexcept>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -39,6 +40,36 @@ void End(pid_t server)
     waitpid(server, nullptr, 0);
 }
 
+/// How a server has ended that has let go of its pipe; nothing if it is still there.
+std::optional<int> AwaitOwnEnd(pid_t server)
+{
+    constexpr int attempts = 100;
+    int status = 0;
+    for (int attempt = 0; attempt < attempts; ++attempt)
+    {
+        if (waitpid(server, &status, WNOHANG) == server)
+            return status;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return std::nullopt;
+}
+
+std::string DescribeStatus(int status)
+{
+    return WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
+                               : "code " + std::to_string(WEXITSTATUS(status));
+}
+
+std::string ReadAll(int file)
+{
+    std::string text;
+    std::array<char, 4096> part = {};
+    lseek(file, 0, SEEK_SET);
+    for (ssize_t count = read(file, part.data(), part.size()); count > 0; count = read(file, part.data(), part.size()))
+        text.append(part.data(), static_cast<std::size_t>(count));
+    return text;
+}
+
 } // namespace
 
 std::string ReadDisplayNumber(int descriptor, std::chrono::milliseconds limit)
@@ -66,20 +97,34 @@ std::string ReadDisplayNumber(int descriptor, std::chrono::milliseconds limit)
 VirtualDisplay::VirtualDisplay(std::uint32_t width, std::uint32_t height, std::uint32_t depth,
                                const std::vector<std::string>& arguments)
 {
-    std::array<int, 2> pipeEnds = {};
-    if (pipe(pipeEnds.data()) != 0)
-        throw std::runtime_error("No pipe can be made.");
     const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth);
-    std::vector<std::string> command = {"Xvfb",       "-displayfd", std::to_string(pipeEnds[1]),
-                                        "-screen",    "0",          screen,
-                                        "+extension", "GLX",        "+extension",
-                                        "RANDR",      "-noreset",   "-nolisten",
-                                        "tcp",        "-dpi",       "96"};
+    std::vector<std::string> command = {"-screen", "0",        screen,      "+extension", "GLX",  "+extension",
+                                        "RANDR",   "-noreset", "-nolisten", "tcp",        "-dpi", "96"};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    std::vector<char*> commandPointers;
-    for (std::string& part : command)
-        commandPointers.push_back(part.data());
-    commandPointers.push_back(nullptr);
+    constexpr int mostStarts = 3;
+    std::optional<std::string> lastWords;
+    for (int count = 0; count < mostStarts && m_name.empty(); ++count)
+    {
+        lastWords = Start(command);
+        if (!lastWords)
+            break;
+    }
+    if (m_name.empty())
+        throw std::runtime_error("Xvfb did not start." + lastWords.value_or(std::string()));
+}
+
+std::optional<std::string> VirtualDisplay::Start(const std::vector<std::string>& command)
+{
+    std::array<int, 2> pipeEnds = {};
+    const int words = memfd_create("words", MFD_CLOEXEC);
+    if (words < 0 || pipe(pipeEnds.data()) != 0)
+        throw std::runtime_error("No pipe can be made.");
+    std::vector<std::string> parts = {"Xvfb", "-displayfd", std::to_string(pipeEnds[1])};
+    parts.insert(parts.end(), command.begin(), command.end());
+    std::vector<char*> pointers;
+    for (std::string& part : parts)
+        pointers.push_back(part.data());
+    pointers.push_back(nullptr);
 
     m_process = fork();
     if (m_process == 0)
@@ -88,21 +133,23 @@ VirtualDisplay::VirtualDisplay(std::uint32_t width, std::uint32_t height, std::u
         const rlimit noCoreFile = {};
         setrlimit(RLIMIT_CORE, &noCoreFile);
         close(pipeEnds[0]);
-        const int null = open("/dev/null", O_RDWR);
-        dup2(null, STDOUT_FILENO);
-        dup2(null, STDERR_FILENO);
-        execvp(commandPointers.front(), commandPointers.data());
+        dup2(words, STDOUT_FILENO);
+        dup2(words, STDERR_FILENO);
+        execvp(pointers.front(), pointers.data());
         _exit(127);
     }
     close(pipeEnds[1]);
     const std::string number = ReadDisplayNumber(pipeEnds[0], s_startLimit);
     close(pipeEnds[0]);
-    if (number.empty())
-    {
+    std::optional<std::string> said;
+    if (!number.empty())
+        m_name = ":" + number;
+    else if (const std::optional<int> status = AwaitOwnEnd(m_process))
+        said = " It has ended with " + DescribeStatus(*status) + ".\n" + ReadAll(words);
+    else
         End(m_process);
-        throw std::runtime_error("Xvfb did not start.");
-    }
-    m_name = ":" + number;
+    close(words);
+    return said;
 }
 
 VirtualDisplay::~VirtualDisplay()

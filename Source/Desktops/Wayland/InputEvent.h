@@ -24,6 +24,7 @@ enum class InputKind : std::uint8_t
 {
     Entry, ///< the pointer comes to the surface
     Motion,
+    Push, ///< the device moves on and the pointer stays where it is
     Button,
     Wheel,
     Key,

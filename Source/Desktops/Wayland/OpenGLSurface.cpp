@@ -1,12 +1,14 @@
 #include "Desktops/Wayland/OpenGLSurface.h"
 
 #include "Desktops/Egl/EglConfigs.h"
+#include "Desktops/OpenGL.h"
 #include "Desktops/Wayland/Session.h"
 #include "Desktops/Wayland/WindowSurface.h"
 
 #define EGL_NO_X11
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
+#include <cstring>
 #include <utility>
 #include <vector>
 #include <wayland-egl.h>
@@ -23,6 +25,15 @@ constexpr std::int32_t s_swapInterval = 0;
 EGLSurface CreateSurface(EGLDisplay display, EGLConfig config, wl_egl_window* window)
 {
     return eglCreatePlatformWindowSurface(display, config, window, nullptr);
+}
+
+/// `glBlendFunc` on Wayland: colours are blended as it says, and what is blended over something opaque stays opaque.
+/// Otherwise its alpha would sink, by which the compositor mixes in what is below the surface.
+void BlendOverOpaque(GLenum sourceFactor, GLenum targetFactor)
+{
+    const auto blend =
+        reinterpret_cast<PFNGLBLENDFUNCSEPARATEPROC>(Egl::EglContext::FindFunction("glBlendFuncSeparate"));
+    blend(sourceFactor, targetFactor, GL_ONE, targetFactor);
 }
 
 } // namespace
@@ -85,6 +96,8 @@ void OpenGLSurface::SwapBuffers(NativeWindow window)
 
 OpenGLFunction OpenGLSurface::FindFunction(const char* name) const
 {
+    if (std::strcmp(name, "glBlendFunc") == 0)
+        return reinterpret_cast<OpenGLFunction>(&BlendOverOpaque);
     return Egl::EglContext::FindFunction(name);
 }
 

@@ -197,6 +197,8 @@ void PointerDevice::OnFrame()
                            .relative = frame.relative,
                            .isPointing = m_hasFrames && m_relative != nullptr && !frame.relative});
     }
+    else if (frame.relative)
+        m_queue.push_back({.kind = InputKind::Push, .surface = m_focus, .relative = frame.relative});
     // A wheel that counts its notches reports the distance as well.
     const float notches = frame.notches != 0.0F ? frame.notches : static_cast<float>(-frame.distance / s_notchDistance);
     if (notches != 0.0F)

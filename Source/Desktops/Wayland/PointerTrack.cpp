@@ -61,9 +61,9 @@ void PointerAxis::Move(double place, const std::optional<double>& relative)
         m_excess += excess;
     else
     {
-        // Less than a unit is the rest of the edge itself. More brings the two closer, and they stay so.
-        if (way != 0.0 && std::abs(m_excess) > m_scale)
-            m_offset += m_excess;
+        // What it has gone on brings the two closer, and they stay so. Less than a unit is the rest of the edge itself.
+        if (way != 0.0 && m_excess != 0.0)
+            m_offset = std::abs(m_offset + m_excess) > m_scale ? m_offset + m_excess : 0.0;
         m_excess = way != 0.0 ? 0.0 : m_excess;
     }
     // Where nothing is reported of a device at the edge, the edge is reached all the same.
@@ -74,6 +74,12 @@ void PointerAxis::Move(double place, const std::optional<double>& relative)
     m_offset = beside - place * m_scale;
     m_own = Clamp(beside + m_excess);
     m_excess = m_own - beside;
+}
+
+void PointerAxis::Push(double way)
+{
+    if (way < 0.0 ? m_place <= 0.0 : m_place >= m_units - 1.0)
+        Move(m_place, way);
 }
 
 void PointerAxis::Place(std::int32_t pixel)
@@ -118,6 +124,12 @@ void PointerTrack::Move(const SurfaceVector& place, const std::optional<SurfaceV
 {
     m_x.Move(place.x, relative ? std::optional(relative->x) : std::nullopt);
     m_y.Move(place.y, relative ? std::optional(relative->y) : std::nullopt);
+}
+
+void PointerTrack::Push(const SurfaceVector& way)
+{
+    m_x.Push(way.x);
+    m_y.Push(way.y);
 }
 
 void PointerTrack::Place(const System::Math::Point& pixel)

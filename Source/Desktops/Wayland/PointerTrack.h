@@ -25,6 +25,9 @@ public:
     void Attach(double place);
     /// The compositor's is at a place now; `relative` says how far its device wanted it to go, where that is known.
     void Move(double place, const std::optional<double>& relative);
+    /// The compositor's stays where it is, and its device goes on that far. Only against an edge this is a motion:
+    /// elsewhere some compositors say the way ahead of the place.
+    void Push(double way);
     /// Puts it on a pixel, at most at the edge, and the compositor's stays where it is.
     void Place(std::int32_t pixel);
 
@@ -58,6 +61,9 @@ public:
     /// The compositor's pointer is at a place now; `relative` says how far its device wanted it to go, where that is
     /// known.
     void Move(const SurfaceVector& place, const std::optional<SurfaceVector>& relative);
+
+    /// The compositor's pointer stays where it is, and its device goes on that far.
+    void Push(const SurfaceVector& way);
 
     /// Moves the own pointer to a pixel, at most to the surface's edge.
     void Place(const System::Math::Point& pixel);

@@ -21,7 +21,7 @@ constexpr std::uint8_t s_rightButton = 3;
 
 bool IsMotion(const InputEvent& event)
 {
-    return event.kind == InputKind::Motion || event.kind == InputKind::Entry;
+    return event.kind == InputKind::Motion || event.kind == InputKind::Push || event.kind == InputKind::Entry;
 }
 
 } // namespace
@@ -154,6 +154,7 @@ void Window::Native::DeliverInput()
     {
     case InputKind::Entry:
     case InputKind::Motion:
+    case InputKind::Push:
         FollowMotion(event);
         SkipToNewestMotion();
         ReportMotion();
@@ -189,8 +190,10 @@ void Window::Native::FollowMotion(const InputEvent& event)
             surface.GetClaim().Hold(); // of a pointer that wasn't there before
         return;
     }
+    if (event.kind == InputKind::Push)
+        surface.GetPointer().Push(event.relative.value_or(SurfaceVector()));
     // What the user points at is meant, wherever the own pointer was moved before.
-    if (event.isPointing)
+    else if (event.isPointing)
         surface.GetPointer().Enter(event.place);
     else
         surface.GetPointer().Move(event.place, event.relative);

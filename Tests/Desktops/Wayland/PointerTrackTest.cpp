@@ -153,5 +153,52 @@ TEST(PointerTrack, ReachesTheEdgeWhereNoWayIsReported)
     EXPECT_EQ(track.GetPixel(), (Point{1200, 0}));
 }
 
+// sway reports no place that it has reported before.
+TEST(PointerTrack, GoesOnWhereThePointerIsHeldUpAndOnlyTheWayIsReported)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    track.Enter({400.0, 250.0});
+    track.Move({1279.0, 719.0}, SurfaceVector{900.0, 500.0});
+    track.Place({1278, 718});
+    track.Push({3.0, 0.0});
+    EXPECT_EQ(track.GetPixel(), (Point{1279, 718}));
+    track.Push({0.0, 3.0});
+    EXPECT_EQ(track.GetPixel(), (Point{1279, 719}));
+    // Where the edge is reached both are at the same place again.
+    track.Move({1278.0, 718.0}, SurfaceVector{-1.0, -1.0});
+    EXPECT_EQ(track.GetPixel(), (Point{1278, 718}));
+    track.Move({0.0, 0.0}, SurfaceVector{-2000.0, -2000.0});
+    track.Place({2, 1});
+    track.Push({-1.0, -1.0});
+    EXPECT_EQ(track.GetPixel(), (Point{1, 0}));
+}
+
+TEST(PointerTrack, AWayAloneMovesNothingAwayFromTheEdges)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    track.Enter({400.0, 250.0});
+    track.Push({5.0, -5.0});
+    EXPECT_EQ(track.GetPixel(), (Point{400, 250}));
+    track.Move({0.0, 250.0}, SurfaceVector{-400.0, 0.0});
+    track.Push({5.0, 5.0});
+    EXPECT_EQ(track.GetPixel(), (Point{0, 250}));
+}
+
+TEST(PointerTrack, WhatItHasGoneOnIsKeptOnTheWayBack)
+{
+    PointerTrack track;
+    track.SetSpace({1280, 720}, {1280, 720});
+    track.Enter({0.0, 250.0});
+    track.Place({50, 250});
+    track.Push({-0.75, 0.0});
+    EXPECT_EQ(track.GetPixel().x, 49);
+    track.Move({1.0, 250.0}, SurfaceVector{1.0, 0.0});
+    EXPECT_EQ(track.GetPixel().x, 50);
+    track.Move({10.0, 250.0}, SurfaceVector{9.0, 0.0});
+    EXPECT_EQ(track.GetPixel().x, 59);
+}
+
 } // namespace
 } // namespace Orvik::Desktops::Wayland

@@ -148,7 +148,8 @@ TEST_P(Compositor, ShowsAPictureAndThenAnother)
 }
 
 INSTANTIATE_TEST_SUITE_P(Nested, Compositor,
-                         testing::Values(CompositorKind::Sway, CompositorKind::KWin, CompositorKind::Gnome));
+                         testing::Values(CompositorKind::Sway, CompositorKind::HeadlessSway, CompositorKind::KWin,
+                                         CompositorKind::Gnome));
 
 TEST(CompositorKinds, AreFoundByTheirNames)
 {

@@ -86,6 +86,40 @@ TEST(TestDesktop, AServerThatNeverSaysItsNumberIsEnded)
     EXPECT_EQ(result.output, "Xvfb did not start.");
 }
 
+TEST(TestDesktop, AServerThatEndsByItselfIsStartedAgain)
+{
+    const ForkedResult result = RunWithServer("if ! [ -e tried ]; then touch tried; echo no keyboard >&2; exit 1; fi\n"
+                                              "echo 8 >/proc/self/fd/$2\n"
+                                              "trap 'exit 0' TERM\n"
+                                              "while :; do sleep 0.01; done\n",
+                                              []
+                                              {
+                                                  const VirtualDisplay display;
+                                                  std::cout << display.GetName();
+                                                  return 0;
+                                              });
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, ":8");
+}
+
+TEST(TestDesktop, AServerThatEndsEachTimeHasItsLastWordsReported)
+{
+    const ForkedResult result = RunWithServer("echo x >>tries; echo no keyboard >&2; exit 3\n",
+                                              []
+                                              {
+                                                  try
+                                                  {
+                                                      const VirtualDisplay display;
+                                                  }
+                                                  catch (const std::runtime_error& error)
+                                                  {
+                                                      std::cout << error.what() << ReadText("tries");
+                                                  }
+                                                  return 0;
+                                              });
+    EXPECT_EQ(result.output, "Xvfb did not start. It has ended with code 3.\nno keyboard\nx\nx\nx\n");
+}
+
 class DisplayNumber : public testing::Test
 {
 protected:

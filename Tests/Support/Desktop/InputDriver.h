@@ -9,14 +9,15 @@
 namespace Orvik::Tests
 {
 
+class InputDevices;
 class XSession;
 
-/// Operates the mouse and the keyboard of an X server through its XTEST extension. Positions are screen pixels. When an
-/// operation returns, the server has done it; a program reacts later.
+/// Operates the mouse and the keyboard of an X server through its XTEST extension, or virtual ones of a compositor.
+/// Positions are screen pixels. When an operation returns, the server has done it; a program reacts later.
 class InputDriver
 {
 public:
-    /// An empty name means the display that `DISPLAY` names.
+    /// An empty name means the display that `DISPLAY` names; the path of a socket is a compositor's.
     explicit InputDriver(const std::string& displayName);
     ~InputDriver();
     InputDriver(const InputDriver&) = delete;
@@ -26,6 +27,8 @@ public:
     /// Moves the pointer by a pixel and back. Some compositors (GNOME, sway since 1.10) say that the pointer is on a
     /// new overlay only after it has moved.
     void Nudge();
+    /// Moves the mouse on that far; the pointer stops at the screen's edges.
+    void MoveBy(Position way);
     /// Buttons by X's numbers: 1 left, 2 middle, 3 right, 4 and 5 the wheel.
     void PressButton(unsigned button);
     void ReleaseButton(unsigned button);
@@ -47,6 +50,7 @@ public:
 
     [[nodiscard]] Position GetPointer() const;
 
+    // Of X servers alone.
     /// Grabs keyboard and pointer, as another program would. False if one of them is already grabbed; neither is held
     /// then.
     bool Grab();
@@ -60,10 +64,10 @@ protected:
 
 private:
     [[nodiscard]] unsigned FindCode(const std::string& name) const;
-    void SendKey(unsigned code, bool isPressed);
 
-    std::unique_ptr<XSession> m_session;
-    bool m_repeatsKeys = true;
+    std::unique_ptr<XSession> m_session; ///< null for a compositor
+    std::unique_ptr<InputDevices> m_devices;
+    bool m_repeatsKeys; ///< held keys repeat; a compositor's clients do that themselves
 };
 
 } // namespace Orvik::Tests

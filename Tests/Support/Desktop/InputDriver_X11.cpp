@@ -1,6 +1,8 @@
 #include "Tests/Support/Desktop/InputDriver.h"
 
 #include "Tests/Support/Desktop/AnswerLimit.h"
+#include "Tests/Support/Desktop/CompositorClient.h"
+#include "Tests/Support/Desktop/InputDevices.h"
 #include "Tests/Support/Desktop/XSession.h"
 
 #include <X11/XKBlib.h>
@@ -10,16 +12,83 @@
 namespace Orvik::Tests
 {
 
-InputDriver::InputDriver(const std::string& displayName) : m_session(std::make_unique<XSession>(displayName))
+namespace
 {
+
+/// An X server's own mouse and keyboard, by its XTEST extension.
+class XTestDevices final : public InputDevices
+{
+public:
+    /// The session outlives the object.
+    explicit XTestDevices(const XSession& session) : m_session(session) {}
+
+    void MoveTo(Position position) override
+    {
+        XTestFakeMotionEvent(m_session.GetDisplay(), -1, position.x, position.y, CurrentTime);
+        m_session.Synchronize();
+    }
+
+    void MoveBy(Position way) override
+    {
+        XTestFakeRelativeMotionEvent(m_session.GetDisplay(), way.x, way.y, CurrentTime);
+        m_session.Synchronize();
+    }
+
+    [[nodiscard]] Position GetPointer() const override
+    {
+        ::Window root = 0;
+        ::Window child = 0;
+        Position position;
+        Position inWindow;
+        unsigned mask = 0;
+        XQueryPointer(m_session.GetDisplay(), m_session.GetRoot(), &root, &child, &position.x, &position.y, &inWindow.x,
+                      &inWindow.y, &mask);
+        return position;
+    }
+
+    void SetButton(unsigned button, bool isPressed) override
+    {
+        XTestFakeButtonEvent(m_session.GetDisplay(), button, isPressed ? True : False, CurrentTime);
+        m_session.Synchronize();
+    }
+
+    void SetKey(unsigned code, bool isPressed) override
+    {
+        XTestFakeKeyEvent(m_session.GetDisplay(), code, isPressed ? True : False, CurrentTime);
+        m_session.Synchronize();
+    }
+
+    [[nodiscard]] unsigned FindCode(const std::string& name) const override
+    {
+        return XKeysymToKeycode(m_session.GetDisplay(), XStringToKeysym(name.c_str()));
+    }
+
+private:
+    const XSession& m_session;
+};
+
+} // namespace
+
+InputDriver::InputDriver(const std::string& displayName)
+    : m_session(IsCompositorName(displayName) ? nullptr : std::make_unique<XSession>(displayName)),
+      m_repeatsKeys(m_session != nullptr)
+{
+    if (m_session != nullptr)
+        m_devices = std::make_unique<XTestDevices>(*m_session);
+    else
+        m_devices = MakeVirtualDevices(displayName);
 }
 
 InputDriver::~InputDriver() = default;
 
 void InputDriver::MoveTo(Position position)
 {
-    XTestFakeMotionEvent(m_session->GetDisplay(), -1, position.x, position.y, CurrentTime);
-    m_session->Synchronize();
+    m_devices->MoveTo(position);
+}
+
+void InputDriver::MoveBy(Position way)
+{
+    m_devices->MoveBy(way);
 }
 
 void InputDriver::Nudge()
@@ -31,14 +100,12 @@ void InputDriver::Nudge()
 
 void InputDriver::PressButton(unsigned button)
 {
-    XTestFakeButtonEvent(m_session->GetDisplay(), button, True, CurrentTime);
-    m_session->Synchronize();
+    m_devices->SetButton(button, true);
 }
 
 void InputDriver::ReleaseButton(unsigned button)
 {
-    XTestFakeButtonEvent(m_session->GetDisplay(), button, False, CurrentTime);
-    m_session->Synchronize();
+    m_devices->SetButton(button, false);
 }
 
 void InputDriver::Click(unsigned button)
@@ -64,12 +131,12 @@ void InputDriver::TapKey(const std::string& name)
 
 void InputDriver::PressKey(unsigned code)
 {
-    SendKey(code, true);
+    m_devices->SetKey(code, true);
 }
 
 void InputDriver::ReleaseKey(unsigned code)
 {
-    SendKey(code, false);
+    m_devices->SetKey(code, false);
 }
 
 void InputDriver::TapKey(unsigned code)
@@ -80,6 +147,8 @@ void InputDriver::TapKey(unsigned code)
 
 void InputDriver::StopKeyRepeat()
 {
+    if (!m_repeatsKeys)
+        return;
     XAutoRepeatOff(m_session->GetDisplay());
     m_session->Synchronize();
     m_repeatsKeys = false;
@@ -96,14 +165,7 @@ void InputDriver::SetKeyRepeat(unsigned delayMilliseconds, unsigned intervalMill
 
 Position InputDriver::GetPointer() const
 {
-    ::Window root = 0;
-    ::Window child = 0;
-    Position position;
-    Position inWindow;
-    unsigned mask = 0;
-    XQueryPointer(m_session->GetDisplay(), m_session->GetRoot(), &root, &child, &position.x, &position.y, &inWindow.x,
-                  &inWindow.y, &mask);
-    return position;
+    return m_devices->GetPointer();
 }
 
 bool InputDriver::Grab()
@@ -135,16 +197,10 @@ bool InputDriver::CanGrab(std::chrono::milliseconds limit)
 
 unsigned InputDriver::FindCode(const std::string& name) const
 {
-    const KeyCode code = XKeysymToKeycode(m_session->GetDisplay(), XStringToKeysym(name.c_str()));
+    const unsigned code = m_devices->FindCode(name);
     if (code == 0)
         throw std::runtime_error("No key is called " + name + ".");
     return code;
-}
-
-void InputDriver::SendKey(unsigned code, bool isPressed)
-{
-    XTestFakeKeyEvent(m_session->GetDisplay(), code, isPressed ? True : False, CurrentTime);
-    m_session->Synchronize();
 }
 
 } // namespace Orvik::Tests

@@ -24,7 +24,7 @@ class Screen;
 enum class CompositorKind
 {
     Sway,
-    HeadlessSway, ///< without an X server below: only virtual devices reach it
+    HeadlessSway, ///< without an X server below: virtual devices work it, and it gives copies of its screen
     KWin,
     VirtualKWin, ///< the same without an X server below; it draws by OpenGL, which no virtual X server gives the other
     Gnome,
@@ -51,7 +51,8 @@ struct CompositorOptions
 };
 
 /// A Wayland compositor in a private X server that no screen or graphics card belongs to, with a home, a runtime
-/// directory and buses of its own. It is worked and looked at from outside, by that X server. A compositor that is
+/// directory and buses of its own. It is worked and looked at from outside, by that X server, or else by its own
+/// protocols. A compositor that is
 /// started by root runs as the user "nobody", for it refuses root; its clients may be root's. All of it ends with the
 /// object, or when this process does.
 class NestedCompositor
@@ -64,8 +65,9 @@ public:
     NestedCompositor& operator=(const NestedCompositor&) = delete;
 
     [[nodiscard]] CompositorKind GetKind() const { return m_options.kind; }
-    /// What belongs into `DISPLAY` to work it and look at it; empty for a headless one.
-    [[nodiscard]] std::string GetDisplayName() const { return m_display ? m_display->GetName() : std::string(); }
+    /// What to work it and look at it by: the name of the X server, or the path of a headless sway's socket. Empty for
+    /// a virtual KWin.
+    [[nodiscard]] std::string GetDisplayName() const;
     /// What a client's environment needs beside its own, by name: it finds the compositor and the session's bus.
     [[nodiscard]] const std::map<std::string, std::string>& GetEnvironment() const { return m_environment; }
     /// Whom the compositor runs as; nothing where that is this process's user.
@@ -89,7 +91,7 @@ public:
     /// Makes a picture of the output's size the desktop's, below all windows, and returns once it is on the screen, or
     /// throws `std::runtime_error` after a minute. Returns what the whole screen shows then: GNOME has a bar above it.
     /// Where sway's configuration scales or turns what it shows, the picture isn't known, but that it is another one.
-    /// Not for Weston. The screen of one without an X server below isn't looked at, nor waited for.
+    /// Not for Weston. The screen of a virtual KWin isn't looked at, nor waited for.
     Picture ShowGround(const Picture& picture);
     /// What the screen has shown then; empty before.
     [[nodiscard]] const Picture& GetShown() const { return m_shown; }
@@ -103,6 +105,7 @@ private:
     void PlaceOutputs();
     void SetGround(const std::filesystem::path& file);
     void WaitForGround(const Screen& screen, const Picture& picture);
+    void WaitForGnomesGround(const Screen& screen, const Picture& picture);
     void TakePointerOutOfBar(const Screen& screen, InputDriver& input);
     /// The same where it isn't known how the picture is shown: whether there is any.
     void WaitForGround(const Screen& screen, bool isThere);

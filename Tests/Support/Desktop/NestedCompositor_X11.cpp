@@ -1,5 +1,6 @@
 #include "Tests/Support/Desktop/NestedCompositor.h"
 
+#include "Tests/Support/Desktop/BlankPointer.h"
 #include "Tests/Support/Desktop/InputDriver.h"
 #include "Tests/Support/Desktop/OutputWindows.h"
 #include "Tests/Support/Desktop/Screen.h"
@@ -151,6 +152,13 @@ NestedCompositor::NestedCompositor(const CompositorOptions& options) : m_options
 
 NestedCompositor::~NestedCompositor() = default;
 
+std::string NestedCompositor::GetDisplayName() const
+{
+    if (m_display)
+        return m_display->GetName();
+    return m_options.kind == CompositorKind::HeadlessSway ? m_environment.at("WAYLAND_DISPLAY") : std::string();
+}
+
 void NestedCompositor::MakeDirectories()
 {
     namespace fs = std::filesystem;
@@ -203,12 +211,20 @@ NestedCompositor::Launch NestedCompositor::MakeSwayLaunch() const
     for (std::size_t index = 0; index < windows.size(); ++index)
         configuration << "output " << (isHeadless ? "HEADLESS-" : "X11-") << index + 1 << " resolution "
                       << windows[index].width << "x" << windows[index].height << " position 0,0\n";
+    if (isHeadless)
+    {
+        WriteBlankPointer(m_directory.GetPath() / "pointers", "blank");
+        configuration << "seat * xcursor_theme blank\n";
+    }
     configuration << m_options.configuration << "\n";
-    return {"sway",
-            {"-c", path.string()},
-            MakeEnvironment({"DISPLAY=" + GetDisplayName(), "WLR_BACKENDS=" + backend,
-                             "WLR_X11_OUTPUTS=" + std::to_string(windows.size()), "WLR_RENDERER=pixman",
-                             "WLR_LIBINPUT_NO_DEVICES=1"})};
+    std::vector<std::string> environment = {"WLR_BACKENDS=" + backend,
+                                            "WLR_X11_OUTPUTS=" + std::to_string(windows.size()), "WLR_RENDERER=pixman",
+                                            "WLR_LIBINPUT_NO_DEVICES=1"};
+    if (isHeadless)
+        environment.push_back("XCURSOR_PATH=" + (m_directory.GetPath() / "pointers").string());
+    else
+        environment.push_back("DISPLAY=" + GetDisplayName());
+    return {"sway", {"-c", path.string()}, MakeEnvironment(environment)};
 }
 
 void NestedCompositor::PlaceOutputs()
@@ -337,12 +353,12 @@ Picture NestedCompositor::ShowGround(const Picture& picture)
     SavePng(picture, file);
     std::filesystem::permissions(file, static_cast<std::filesystem::perms>(0644));
     m_shown = picture;
-    if (!m_display)
+    if (GetDisplayName().empty())
     {
         SetGround(file);
         return m_shown;
     }
-    const Screen screen(m_display->GetName());
+    const Screen screen(GetDisplayName());
     if (m_options.configuration.empty())
     {
         SetGround(file);
@@ -358,20 +374,28 @@ Picture NestedCompositor::ShowGround(const Picture& picture)
 
 void NestedCompositor::WaitForGround(const Screen& screen, const Picture& picture)
 {
-    const bool isGnome = m_options.kind == CompositorKind::Gnome;
-    InputDriver input(m_display->GetName());
-    if (isGnome)
-        input.MoveTo({picture.width / 4, s_barHeight / 4}); // it draws the pointer, too: into its bar
-    WaitFor([&] { return Shows(screen, picture, isGnome ? s_barHeight : 0); },
-            [&input, isGnome](int attempt)
+    if (m_options.kind == CompositorKind::Gnome)
+    {
+        WaitForGnomesGround(screen, picture);
+        return;
+    }
+    WaitFor([&] { return Shows(screen, picture, 0); }, [](int /*attempt*/) {});
+    m_shown = screen.CaptureAll();
+}
+
+void NestedCompositor::WaitForGnomesGround(const Screen& screen, const Picture& picture)
+{
+    InputDriver input(GetDisplayName());
+    input.MoveTo({picture.width / 4, s_barHeight / 4}); // it draws the pointer, too: into its bar
+    WaitFor([&] { return Shows(screen, picture, s_barHeight); },
+            [&input](int attempt)
             {
-                // GNOME starts with an overview, and is deaf for a while before.
-                if (isGnome && attempt % 50 == 49)
+                // It starts with an overview, and is deaf for a while before.
+                if (attempt % 50 == 49)
                     input.TapKey("Escape");
             });
     m_shown = screen.CaptureAll();
-    if (isGnome)
-        TakePointerOutOfBar(screen, input);
+    TakePointerOutOfBar(screen, input);
 }
 
 // Of each half of the bar there is a picture without it.

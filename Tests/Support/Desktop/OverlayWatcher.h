@@ -29,8 +29,8 @@ public:
 
     /// Looks at the whole screen.
     explicit OverlayWatcher(const std::string& displayName);
-    /// Looks at the whole screen below a nested compositor, whose windows the X server doesn't know: the overlay is
-    /// there while the screen isn't as it was, which is `ground`.
+    /// Looks at the whole screen of a compositor, or below a nested one, whose windows the X server doesn't know: the
+    /// overlay is there while the screen isn't as it was, which is `ground`.
     OverlayWatcher(const std::string& displayName, Picture ground);
     /// Looks at that part of the screen: one monitor of several, which may reach beyond the screen.
     OverlayWatcher(const std::string& displayName, const Area& monitor);
@@ -39,7 +39,7 @@ public:
     OverlayWatcher& operator=(const OverlayWatcher&) = delete;
 
     /// The overlay is told by its place among the root's own windows: one pixel above its monitor and one taller. On a
-    /// nested compositor it is visible or missing.
+    /// compositor it is visible or missing.
     [[nodiscard]] State GetState() const;
     /// False if the overlay doesn't reach that state in time.
     [[nodiscard]] bool WaitFor(State state, std::chrono::milliseconds limit = DefaultLimit) const;
@@ -52,10 +52,10 @@ public:
     /// The place of the crosshair, if there is one and it leaves the last column and row out.
     [[nodiscard]] std::optional<Position> FindCrosshair() const;
 
-    /// What the screen of a nested compositor shows without the overlay from now on.
+    /// What the screen of a compositor shows without the overlay from now on.
     void SetGround(Picture ground) { m_ground = std::move(ground); }
 
-    /// Asks the overlay to close, as a window manager does.
+    /// Of X servers alone: asks the overlay to close, as a window manager does.
     void AskToClose() const;
 
 private:
@@ -67,10 +67,10 @@ private:
     /// The part of the monitor that is on the screen.
     [[nodiscard]] Area GetVisiblePart() const;
 
-    std::unique_ptr<XSession> m_session;
+    std::unique_ptr<XSession> m_session; ///< null for a compositor
     Screen m_screen;
     Area m_monitor;
-    std::optional<Picture> m_ground; ///< of a nested compositor
+    std::optional<Picture> m_ground; ///< of a compositor
 };
 
 } // namespace Orvik::Tests

@@ -1,5 +1,6 @@
 #include "Tests/Support/Desktop/OverlayWatcher.h"
 
+#include "Tests/Support/Desktop/CompositorClient.h"
 #include "Tests/Support/Desktop/XSession.h"
 
 #include <algorithm>
@@ -67,7 +68,9 @@ OverlayWatcher::OverlayWatcher(const std::string& displayName) : OverlayWatcher(
 }
 
 OverlayWatcher::OverlayWatcher(const std::string& displayName, const Area& monitor)
-    : m_session(std::make_unique<XSession>(displayName)), m_screen(displayName), m_monitor(monitor)
+    : m_session(IsCompositorName(displayName) ? nullptr : std::make_unique<XSession>(displayName)),
+      m_screen(displayName),
+      m_monitor(monitor)
 {
     XSetErrorHandler(&IgnoreError);
 }
