@@ -43,7 +43,8 @@ ChildProcess SampleSession::Start(const std::vector<std::string>& arguments) con
 
 ChildProcess SampleSession::StartHidden(const std::vector<std::string>& arguments) const
 {
-    return ChildProcess({m_program, arguments, Tests::MakeEnvironment({{"DISPLAY", m_display.GetName()}}), "."});
+    return ChildProcess({m_program, arguments,
+                         Tests::MakeEnvironment({{"DISPLAY", m_display.GetName()}, {"ORVIK_DESKTOP", "x11"}}), "."});
 }
 
 void SampleSession::MoveTo(Position position)

@@ -9,6 +9,7 @@ passed; else as SnipBench did. The image stays in a new temporary folder.
 import json
 import os
 import pathlib
+import signal
 import subprocess
 import sys
 import tempfile
@@ -50,11 +51,13 @@ def snip(program, *options, limit=60):
         run.terminate()  # the run ends by itself within two seconds, keyboard and pointer are free again
         run.communicate()
         raise SnipError(f"No selection within {limit} seconds.", 124) from None
+    if run.returncode in (-signal.SIGABRT, 134):
+        raise SnipError("An error, with a report in ~/.orvik/Logs.", 134)
     if run.returncode < 0:
         raise SnipError(f"Ended by signal {-run.returncode}.", 128 - run.returncode)
     answer = read_answer(output)
     if answer is None and run.returncode != 0:
-        raise SnipError("An error, with a report in ~/.orvik/Logs.", run.returncode)
+        raise SnipError(f"Ended with {run.returncode}.", run.returncode)
     if answer is not None and answer["code"] != 0:
         raise SnipError(f"{answer['name']}: {CAUSES[answer['name']]}.", answer["code"] & 0xFF)
     # Both files have the same name. The JSON file comes last: where it is, the image is whole.

@@ -29,7 +29,8 @@ case $code in
     253) echo "$name: there is no display." >&2 ;;
     252 | 251) echo "$name: the overlay can't be shown; the log says why." >&2 ;;
     134) echo "An error, with a report in ~/.orvik/Logs." >&2 ;;
-    *) echo "Ended by signal $((code - 128))." >&2 ;;
+    126 | 127) echo "The program can't be started." >&2 ;;
+    *) if [ "$code" -gt 128 ]; then echo "Ended by signal $((code - 128))." >&2; else echo "Ended with $code." >&2; fi ;;
 esac
 if [ "$code" -ne 0 ]; then
     rm -r "$shots"

@@ -18,7 +18,7 @@ constexpr float s_hintDepth = 1.5F;
 
 std::string MakeKeyHints(const Graphics::Tools::ToolSwitches& switches)
 {
-    std::string text = "Left button, Space: select    Right button: cancel    Arrows: move    + -: zoom";
+    std::string text = "Left button, Space: select    Right button: back    Arrows: move    + -: zoom";
     if (switches.toggle)
         text += "    Tab: rectangle, polygon";
     if (!switches.labels.empty())

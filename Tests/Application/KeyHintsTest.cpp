@@ -37,6 +37,7 @@ protected:
 TEST_F(KeyHintsTest, TheyNameTheKeysThatHaveAnEffect)
 {
     EXPECT_THAT(MakeKeyHints({}), HasSubstr("Esc: end"));
+    EXPECT_THAT(MakeKeyHints({}), HasSubstr("Right button: back")); // of a polygon it takes one corner
     EXPECT_THAT(MakeKeyHints({}), Not(HasSubstr("Tab")));
     EXPECT_THAT(MakeKeyHints({}), Not(HasSubstr("Backspace")));
     EXPECT_THAT(MakeKeyHints({}), Not(HasSubstr("label")));

@@ -348,7 +348,7 @@ TEST_P(AddedPixels, TheKeysInOneLine)
     ExpectScreen(); // their time is over by then
     m_input->PressKey("F1");
     m_state.hints =
-        "Left button, Space: select    Right button: cancel    Arrows: move    + -: zoom    Esc: end    F1: this line";
+        "Left button, Space: select    Right button: back    Arrows: move    + -: zoom    Esc: end    F1: this line";
     ExpectScreen();
     m_input->ReleaseKey("F1");
     m_state.hints.clear();

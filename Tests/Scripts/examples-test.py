@@ -70,7 +70,9 @@ class Example:
             result = self.run_example(*options)
             self.assertEqual((result[0], result[1]), (code, ""))
             self.assertTrue(result[2].startswith(name + ": "), result[2])
-        self.assertEqual(self.run_example("-d", "x")[0], 134)
+        code, _, errors = self.run_example("-d", "x")
+        self.assertEqual(code, 134)
+        self.assertIn("An error, with a report in ", errors)
 
     def test_all_codes(self):
         self.installed.add_tool("stand-in", STAND_IN)
@@ -81,6 +83,12 @@ class Example:
             result = self.run_example(program="stand-in")
             self.assertEqual((result[0], result[1]), (256 - code, ""))
             self.assertTrue(result[2].startswith(name + ": "), result[2])
+
+    def test_end_of_another_kind(self):
+        self.installed.add_tool("stand-in", "#!/bin/sh\nexit 1\n")
+        code, output, errors = self.run_example(program="stand-in")
+        self.assertEqual((code, output), (1, ""))
+        self.assertNotIn("signal", errors)
 
     def test_fault(self):
         self.installed.add_tool("stand-in", "#!/bin/sh\nkill -SEGV $$\n")

@@ -84,7 +84,7 @@ void CheckAnnotation(const Record& record, const Annotation& annotation, std::ve
         add(fmt::format("the rectangle reaches {}, {}; the picture has {} x {}", box.right, box.bottom, record.width,
                         record.height));
     if (!annotation.label.empty() && !IsLabel(annotation.label))
-        add("the label isn't one line of text, or too long");
+        add("the label isn't one line of 1 to 256 bytes, without blanks at its ends or control characters");
     if (annotation.ring.empty())
         return;
     if (annotation.ring.size() > s_maxCorners)

@@ -60,7 +60,7 @@ const std::vector<OptionSpec>& GetCommonOptions()
 {
     static const std::vector<OptionSpec> s_options = {
         {"--json", nullptr, "Print the result as one JSON object"},
-        {"--help", nullptr, "Print this text"},
+        {"--help", nullptr, "Print this text; so does -h"},
     };
     return s_options;
 }
@@ -86,6 +86,8 @@ ParsedArguments ParseArguments(const CallSpec& spec, const std::vector<std::stri
         const std::string& word = words[index];
         if (!areOptionsOver && word == "--")
             areOptionsOver = true;
+        else if (!areOptionsOver && word == "-h")
+            parsed.arguments.Set("--help", {});
         else if (areOptionsOver || !word.starts_with("--"))
             parsed.arguments.operands.push_back(word);
         else

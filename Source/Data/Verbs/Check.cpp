@@ -127,7 +127,8 @@ Verb GetCheckVerb()
              "Check every JSON file against its schema and its picture, one line a finding",
              "Looks at the schema, the picture and its size, rectangles inside the picture, polygons that are\n"
              "closed and reach as far as their rectangle, identifiers that are there once, names that agree,\n"
-             "pictures without a JSON file, and labels that classes.txt in the folder doesn't list, if it is there.\n",
+             "pictures with such a name and no JSON file, and labels that classes.txt in the folder doesn't\n"
+             "list, if it is there.\n",
              {{"--labels", "FILE", "Take the known labels from this file, one name a line"}}},
             &Run};
 }

@@ -58,6 +58,7 @@ TEST(Arguments, WhatIsWrongIsSaid)
 TEST(Arguments, HelpNeedsNoOperands)
 {
     EXPECT_THAT(GetError({"--help"}), IsEmpty());
+    EXPECT_THAT(GetError({"-h"}), IsEmpty());
     EXPECT_THAT(MakeHelp(s_spec), HasSubstr("--size PIXELS"));
     EXPECT_THAT(MakeHelp(s_spec), HasSubstr("--json"));
 }
