@@ -151,21 +151,6 @@ TEST_F(Ending, OneShotLeavesAFreeDesktop)
     ExpectFreeDesktop();
 }
 
-TEST_F(Ending, OneShotIsOnlyOnForATrueValue)
-{
-    for (const char* value : {"1", "yes", "on", "false"})
-    {
-        const std::filesystem::path directory = m_installation.GetWork() / value;
-        m_input->MoveTo({s_width / 2, s_height / 2});
-        ChildProcess process =
-            StartOverlay({"-f", AddPicture(MakeTestPicture(s_width, s_height)), "-s", value, "-o", directory.string()});
-        Drag({10, 20}, {110, 70});
-        (void)WaitForSnips(directory, 1);
-        EXPECT_FALSE(process.HasEndedWithin(std::chrono::milliseconds(300))) << value;
-        ExpectAnswer(EndByEscape(process), 0, Answer::Success);
-    }
-}
-
 TEST_F(Ending, TerminateEndsTheLoop)
 {
     ChildProcess process = StartOnPicture();

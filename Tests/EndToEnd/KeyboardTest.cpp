@@ -162,29 +162,5 @@ TEST_F(Keyboard, StepsBeforeTheMouseMovesAreNotUndoneByIt)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 
-TEST_F(Keyboard, TheZoomKeysChangeTheMagnifierAndNothingElse)
-{
-    ChildProcess process = StartOnPicture();
-    // The magnifier stands 16 pixels right of and below the cursor, 128 pixels wide; its label is above this part.
-    const Area lower{417, 384, 126, 50};
-    const Picture times4 = m_screen->Capture(lower);
-    MoveTo({401, 300});
-    m_input->TapKey("equal");
-    MoveTo({400, 300});
-    const Picture times8 = m_screen->Capture(lower);
-    EXPECT_NE(times8, times4);
-    m_input->TapKey("minus");
-    MoveTo({401, 300});
-    MoveTo({400, 300});
-    EXPECT_EQ(m_screen->Capture(lower), times4);
-    m_input->Click(4);
-    MoveTo({401, 300});
-    MoveTo({400, 300});
-    EXPECT_EQ(m_screen->Capture(lower), times8);
-
-    Drag({10, 20}, {30, 40});
-    ExpectSnip(process, {10, 20, 20, 20});
-}
-
 } // namespace
 } // namespace Orvik::Tests

@@ -84,15 +84,17 @@ protected:
         m_state.cursor = cursor;
     }
 
+    /// By the wheel.
     void ZoomIn()
     {
         m_input->Click(4);
         m_state.zoom = std::min(m_state.zoom * 2, m_model->GetZoomLimit());
     }
 
+    /// By its key.
     void ZoomOut()
     {
-        m_input->Click(5);
+        m_input->TapKey("minus");
         m_state.zoom = std::max(m_state.zoom / 2, 2);
     }
 

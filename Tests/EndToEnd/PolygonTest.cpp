@@ -107,29 +107,5 @@ TEST_F(Polygon, TheSixtySecondCornerEndsTheRunWithAReportAndWhatWasSavedStays)
     EXPECT_TRUE(m_input->CanGrab());
 }
 
-TEST_F(Polygon, AConfigurationFileChoosesThemToo)
-{
-    WriteText(m_installation.GetWork() / "settings.json", R"({"configuration": {"SnipBench": {"mode": "Polygon"}}})");
-    ChildProcess process =
-        StartOverlay({"-f", AddPicture(m_picture), "-o", "out", "-s", "true", "-c", "settings.json"});
-    PlaceTriangle();
-    ExpectAnswer(process.Wait(s_endLimit), 0, Answer::Success);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), MakeTriangle());
-}
-
-TEST_F(Polygon, AModeThatIsNoneLeavesRectanglesAndAWarning)
-{
-    ChildProcess process = StartOverlay({"-f", AddPicture(m_picture), "-o", "out", "-s", "true", "-cj",
-                                         R"({"configuration":{"SnipBench":{"mode":"Circle"}}})"});
-    Drag({10, 20}, {110, 70});
-    const ChildResult result = process.Wait(s_endLimit);
-    ExpectAnswer(result, 0, Answer::Success);
-    EXPECT_NE(WithPlainLineEnds(result.standardOutput)
-                  .find(" | SnipBench] Warning: Configuration ignored: Failed to validate against "
-                        "schema at keyword: enum\n"),
-              std::string::npos);
-    EXPECT_EQ(LoadPng(WaitForSnips(GetOutput(), 1).front().image), m_picture.Crop({10, 20, 100, 50}));
-}
-
 } // namespace
 } // namespace Orvik::Tests
