@@ -31,15 +31,21 @@ public:
         wl_global_create(m_display, &ext_image_copy_capture_manager_v1_interface, 1, this, &BindManager);
         if (options.hasSources)
             wl_global_create(m_display, &ext_output_image_capture_source_manager_v1_interface, 1, this, &BindSources);
-        wl_event_loop_add_fd(wl_display_get_event_loop(m_display), m_stop, WL_EVENT_READABLE, &OnStop, this);
         if (wl_display_add_socket(m_display, socket.c_str()) != 0)
+        {
+            wl_display_destroy(m_display);
+            close(m_stop);
             throw std::runtime_error("There can be no socket " + socket + ".");
+        }
+        m_stopSource =
+            wl_event_loop_add_fd(wl_display_get_event_loop(m_display), m_stop, WL_EVENT_READABLE, &OnStop, this);
         m_thread = std::thread([this] { wl_display_run(m_display); });
     }
     ~Server()
     {
         eventfd_write(m_stop, 1);
         m_thread.join();
+        wl_event_source_remove(m_stopSource);
         wl_display_destroy_clients(m_display);
         wl_display_destroy(m_display);
         close(m_stop);
@@ -264,6 +270,7 @@ private:
     const CaptureServer& m_owner;
     wl_display* m_display;
     int m_stop;
+    wl_event_source* m_stopSource = nullptr;
     std::size_t m_kind = 0;
     std::size_t m_answers = 0;
     unsigned m_frames = 0; ///< that have become ready
