@@ -88,6 +88,7 @@ Failure ImageCopyCapture::Read(const Output& output, CaptureTarget& target)
 {
     constexpr std::uint32_t withoutPointer = 0;
     WaylandConnection& connection = *m_session.connection;
+    const std::int32_t transform = output.GetDescription().transform; // the display may go while the answer is awaited
     const SourceHandle source(ext_output_image_capture_source_manager_v1_create_source(
         m_session.globals.outputCaptureSource, output.GetProxy()));
     Offer offer;
@@ -101,7 +102,7 @@ Failure ImageCopyCapture::Read(const Output& output, CaptureTarget& target)
 
     offer.format.stride = offer.format.width * GetPixelBytes(offer.format.format);
     CaptureBuffer buffer(target);
-    if (Failure failure = buffer.Create(m_session.globals.shm, offer.format, output.GetDescription().transform))
+    if (Failure failure = buffer.Create(m_session.globals.shm, offer.format, transform))
         return failure;
     FrameState state;
     const FrameHandle frame(ext_image_copy_capture_session_v1_create_frame(session.get()));
