@@ -21,5 +21,6 @@ option(ORVIK_TSAN "Build with the thread sanitizer" OFF)
 if(ORVIK_TSAN)
     add_compile_options(-fsanitize=thread -fno-omit-frame-pointer -g1 -O1)
     add_compile_options(-Wno-tsan) # g++ knows no fences there; the C library's are its own
+    add_compile_options(-Wno-maybe-uninitialized) # wrong about instrumented code, as above
     add_link_options(-fsanitize=thread)
 endif()

@@ -21,6 +21,7 @@ constexpr std::array s_targets = {
     Target{"ReadLoggerConfig", &ReadLoggerConfig},
     Target{"ReadGuid", &ReadGuid},
     Target{"UseTool", &UseTool},
+    Target{"HearCompositor", &HearCompositor},
 };
 
 } // namespace

@@ -40,6 +40,9 @@ void ReadGuid(Bytes input);
 // ToolTarget.cpp
 void UseTool(Bytes input);
 
+// CompositorTarget.cpp
+void HearCompositor(Bytes input);
+
 /// Ends the process, with a line on standard error, if something doesn't hold that always has to.
 void Require(bool holds, const char* what);
 

@@ -14,6 +14,8 @@ namespace
 /// Empty where the compositor says no size.
 System::Math::Rectangle GetLogicalArea(const OutputDescription& output)
 {
+    if (!output.IsPossible())
+        return {};
     return {output.x, output.y, output.x + output.logicalWidth, output.y + output.logicalHeight};
 }
 

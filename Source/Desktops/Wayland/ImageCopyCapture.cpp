@@ -164,6 +164,7 @@ Failure ImageCopyCapture::Read(const Output& output, CaptureTarget& target)
 {
     constexpr std::uint32_t withoutPointer = 0;
     WaylandConnection& connection = *m_session.connection;
+    const std::int32_t transform = output.GetDescription().transform; // the display may go while the answer is awaited
     const SourceHandle source(ext_output_image_capture_source_manager_v1_create_source(
         m_session.globals.outputCaptureSource, output.GetProxy()));
     Offer offer;
@@ -183,7 +184,7 @@ Failure ImageCopyCapture::Read(const Output& output, CaptureTarget& target)
         CaptureFormat format = offer.current.format;
         format.stride = format.width * GetPixelBytes(format.format);
         CaptureBuffer buffer(target);
-        if ((failure = buffer.Create(m_session.globals.shm, format, output.GetDescription().transform)))
+        if ((failure = buffer.Create(m_session.globals.shm, format, transform)))
             return failure;
         FrameRequest request(connection, session.get(), offer);
         failure = request.Fill(buffer.GetBuffer(), format);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <wayland-client.h>
 #include <xkbcommon/xkbcommon.h>
 
@@ -23,6 +24,13 @@ constexpr std::int64_t s_usualInterval = s_second / 25;
 
 /// XKB counts keys from 8, Linux from 0.
 constexpr std::uint32_t s_firstKeycode = 8;
+
+/// Whether a file has that many bytes, and any. Reading beyond the end of a mapped one would end the process.
+bool IsWholeFile(const Systems::FileDescriptor& file, std::uint32_t bytes)
+{
+    struct stat status = {};
+    return bytes > 0 && fstat(file.Get(), &status) == 0 && status.st_size >= std::int64_t{bytes};
+}
 
 } // namespace
 
@@ -115,7 +123,7 @@ void KeyboardDevice::Forget(const wl_surface* surface)
 void KeyboardDevice::OnKeymap(std::uint32_t format, int descriptor, std::uint32_t bytes)
 {
     const Systems::FileDescriptor owned(descriptor);
-    if (format != WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1 || m_context == nullptr || bytes == 0)
+    if (format != WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1 || m_context == nullptr || !IsWholeFile(owned, bytes))
         return;
     void* const text = mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE, descriptor, 0);
     if (text == MAP_FAILED)

@@ -1,6 +1,7 @@
 #include "Desktops/Wayland/Output.h"
 
 #include <cmath>
+#include <utility>
 #include <wayland-client.h>
 #include <xdg-output-unstable-v1-client-protocol.h>
 
@@ -83,6 +84,21 @@ double OutputDescription::GetScale() const
     const double exact =
         isWide ? static_cast<double>(GetWidth()) / logicalWidth : static_cast<double>(GetHeight()) / logicalHeight;
     return std::round(exact * unit) / unit;
+}
+
+bool OutputDescription::IsPossible() const
+{
+    const auto isPlace = [](std::int32_t place) { return std::in_range<std::int16_t>(place); };
+    const auto isSize = [](std::int32_t size) { return std::in_range<std::uint16_t>(size); };
+    return isPlace(x) && isPlace(y) && isSize(modeWidth) && isSize(modeHeight) && isSize(logicalWidth) &&
+           isSize(logicalHeight);
+}
+
+System::Math::Rectangle OutputDescription::GetArea() const
+{
+    if (!IsPossible())
+        return {};
+    return {x, y, x + GetWidth(), y + GetHeight()};
 }
 
 Output::Output(wl_output* output, std::uint32_t globalName) : m_output(output), m_globalName(globalName)

@@ -14,7 +14,7 @@ struct zxdg_output_v1;
 namespace Orvik::Desktops::Wayland
 {
 
-/// What the compositor says of a display. Its numbers are the compositor's: nothing is checked here.
+/// What the compositor says of a display. Its numbers are the compositor's, and may be anything.
 struct OutputDescription
 {
     std::string name;           ///< of its connector, such as "DP-1"; empty where the compositor says none
@@ -38,8 +38,10 @@ struct OutputDescription
     /// Physical pixels to a pixel of the compositor's space; a multiple of 1/120, as compositors have them.
     [[nodiscard]] double GetScale() const;
 
-    /// The place in the compositor's space, with the size in physical pixels.
-    [[nodiscard]] System::Math::Rectangle GetArea() const { return {x, y, x + GetWidth(), y + GetHeight()}; }
+    /// Whether a display may have such a place and size: they fit into 16 bits. Else it is as if there were none.
+    [[nodiscard]] bool IsPossible() const;
+    /// The place in the compositor's space, with the size in physical pixels. Empty if that isn't possible.
+    [[nodiscard]] System::Math::Rectangle GetArea() const;
 };
 
 /// A display of the compositor, kept up to date. The main thread.

@@ -53,12 +53,12 @@ struct PointerListener
     static void OnAxisStop(void* /*data*/, wl_pointer* /*pointer*/, std::uint32_t /*time*/, std::uint32_t /*axis*/) {}
     static void OnAxisDiscrete(void* data, wl_pointer* /*pointer*/, std::uint32_t axis, std::int32_t steps)
     {
-        Get(data).OnNotches(axis, static_cast<float>(-steps));
+        Get(data).OnNotches(axis, -static_cast<float>(steps));
     }
     static void OnAxisValue120(void* data, wl_pointer* /*pointer*/, std::uint32_t axis, std::int32_t value)
     {
         constexpr float notch = 120.0F;
-        Get(data).OnNotches(axis, static_cast<float>(-value) / notch);
+        Get(data).OnNotches(axis, -static_cast<float>(value) / notch);
     }
     static void OnRelativeMotion(void* data, zwp_relative_pointer_v1* /*relative*/, std::uint32_t /*timeHigh*/,
                                  std::uint32_t /*timeLow*/, wl_fixed_t x, wl_fixed_t y, wl_fixed_t /*plainX*/,

@@ -12,6 +12,7 @@
 #include "Desktops/Wayland/Window.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Orvik::Desktops::Wayland
 {
@@ -24,7 +25,9 @@ using System::Device::Display::DisplayMode;
 std::uint32_t GetRefreshRate(const OutputDescription& description)
 {
     constexpr std::int32_t unit = 1000;
-    return static_cast<std::uint32_t>((std::max(description.refreshRate, 0) + unit / 2) / unit);
+    constexpr std::int32_t most = std::numeric_limits<std::uint16_t>::max();
+    const std::int32_t rate = std::max(description.refreshRate, 0);
+    return static_cast<std::uint32_t>(std::min(rate / unit + (rate % unit >= unit / 2 ? 1 : 0), most));
 }
 
 DisplayMode DescribeOutput(const OutputDescription& description)
@@ -96,8 +99,8 @@ DisplayList WaylandDesktop::ListDisplays()
         const OutputDescription& description = output->GetDescription();
         DisplayMode mode = DescribeOutput(description);
         mode.deviceIndex = index++;
-        // One that is switched off has no mode.
-        if (mode.width == 0 || mode.height == 0)
+        // One that is switched off has no mode. A place or a size that no display has is a mistake of the compositor's.
+        if (mode.width == 0 || mode.height == 0 || !description.IsPossible())
             continue;
         System::Device::Display::DisplayDescriptor& display = list.displays.emplace_back();
         ApplyMode(mode, display);

@@ -63,6 +63,7 @@ Failure WlrScreenCapture::Read(const Output& output, CaptureTarget& target)
 {
     constexpr std::int32_t withoutPointer = 0;
     WaylandConnection& connection = *m_session.connection;
+    const std::int32_t transform = output.GetDescription().transform; // the display may go while the answer is awaited
     FrameState state;
     const FrameHandle frame(
         zwlr_screencopy_manager_v1_capture_output(m_session.globals.screencopy, withoutPointer, output.GetProxy()));
@@ -72,7 +73,6 @@ Failure WlrScreenCapture::Read(const Output& output, CaptureTarget& target)
     if (state.isFailed)
         return "the compositor refuses the picture of the display";
 
-    const std::int32_t transform = output.GetDescription().transform;
     CaptureBuffer buffer(target);
     if (Failure failure = buffer.Create(m_session.globals.shm, state.format, transform))
         return failure;

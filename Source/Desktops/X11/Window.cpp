@@ -152,6 +152,12 @@ NativeWindow Window::Create(const WindowDescription& description)
         m_native.reset();
         return ReportFailedCreation(scope.GetErrorText());
     }
+    // An overlay that no event finds would hold all input and answer none.
+    if (Native::Find(display, created.window) == nullptr)
+    {
+        m_native.reset();
+        return ReportFailedCreation("There is no memory to find it by");
+    }
     if (!traits.isInputOnly)
         SetArrowCursor(display, created.window);
 

@@ -1,6 +1,7 @@
 #include "Core/System/Text/Files.h"
 
 #include "Core/System/Text/Paths.h"
+#include "Systems/Linux/FileDescriptor.h"
 
 #include <cerrno>
 #include <chrono>
@@ -26,9 +27,14 @@ bool IsHeldPlatform(const std::filesystem::path& /*path*/, const std::error_code
 File OpenNewFilePlatform(const std::filesystem::path& path, bool& isTaken)
 {
     constexpr mode_t readAndWrite = 0600;
-    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite);
-    isTaken = descriptor < 0 && errno == EEXIST;
-    return File(descriptor < 0 ? nullptr : fdopen(descriptor, "w"));
+    Systems::FileDescriptor descriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite));
+    isTaken = !descriptor.IsOpen() && errno == EEXIST;
+    if (!descriptor.IsOpen())
+        return nullptr;
+    File file(fdopen(descriptor.Get(), "w"));
+    if (file != nullptr)
+        static_cast<void>(descriptor.Release()); // the file's own now
+    return file;
 }
 
 bool CreatePrivateDirectoryPlatform(const std::filesystem::path& path, std::error_code& error)
