@@ -2,6 +2,7 @@
 
 #include "Tests/Support/CapturedStream.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
@@ -29,7 +30,10 @@ TEST(Report, JsonIsOneObject)
 {
     const CapturedStream output;
     Report report("verb", true, {output.Get(), nullptr});
-    report.AddFinding("a\xFF.json", "\"quoted\"\n\x1B[31m");
+    // No UTF-8 where names are bytes.
+    using Character = std::filesystem::path::value_type;
+    const std::filesystem::path name(std::filesystem::path::string_type{'a', static_cast<Character>(0xFF)});
+    report.AddFinding(name, "\"quoted\"\n\x1B[31m");
     report.AddFinding("b.json", "ü");
     report.AddFigure("files", "files", 2);
     report.AddJson("list", "[1,2]");

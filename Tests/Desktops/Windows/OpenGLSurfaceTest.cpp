@@ -27,6 +27,22 @@ std::map<std::string, int> s_counts; ///< calls of what is acquired and released
 std::string s_missing;               ///< the function that the driver lacks
 bool s_bindsCoreContext = true;
 
+// clang-format off
+const std::vector<int> s_formatAttributes = {
+    WGL_DRAW_TO_WINDOW_ARB, TRUE,
+    WGL_SUPPORT_OPENGL_ARB, TRUE,
+    WGL_DOUBLE_BUFFER_ARB, TRUE,
+    WGL_PIXEL_TYPE_ARB, WGL_TYPE_RGBA_ARB,
+    WGL_ACCELERATION_ARB, WGL_FULL_ACCELERATION_ARB,
+    WGL_COLOR_BITS_ARB, 32,
+    WGL_ALPHA_BITS_ARB, 8,
+    WGL_DEPTH_BITS_ARB, 24,
+    WGL_STENCIL_BITS_ARB, 8,
+    WGL_SAMPLE_BUFFERS_ARB, TRUE,
+    WGL_SAMPLES_ARB, 4,
+};
+// clang-format on
+
 int CountDummyWindows()
 {
     int count = 0;
@@ -204,6 +220,45 @@ protected:
     Tests::ReplacedCalls m_calls;
 };
 
+/// Whether this system has such a pixel format, asked for without the units that are tested.
+bool HasFormat()
+{
+    HWND const window = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    HDC const device = GetDC(window);
+    PIXELFORMATDESCRIPTOR plain = {};
+    plain.nSize = sizeof(plain);
+    plain.nVersion = 1;
+    plain.dwFlags = PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
+    plain.cColorBits = 32;
+    SetPixelFormat(device, ChoosePixelFormat(device, &plain), &plain);
+    HGLRC const context = wglCreateContext(device);
+    wglMakeCurrent(device, context);
+    const auto choose = reinterpret_cast<PFNWGLCHOOSEPIXELFORMATARBPROC>(
+        reinterpret_cast<void*>(wglGetProcAddress("wglChoosePixelFormatARB")));
+    std::vector<int> attributes = s_formatAttributes;
+    attributes.push_back(0);
+    int format = 0;
+    UINT count = 0;
+    const bool isFound = choose != nullptr && choose(device, attributes.data(), nullptr, 1, &format, &count) != 0;
+    wglMakeCurrent(nullptr, nullptr);
+    wglDeleteContext(context);
+    ReleaseDC(window, device);
+    DestroyWindow(window);
+    return isFound && count > 0;
+}
+
+/// Where the driver has all that is asked for. Wine of Debian 13 has no accelerated format on a virtual display.
+class AcceleratedGLContextWindows : public GLContextWindows
+{
+protected:
+    void SetUp() override
+    {
+        static const bool s_hasFormat = HasFormat();
+        if (!s_hasFormat)
+            GTEST_SKIP() << "This system has no accelerated pixel format with four samples.";
+    }
+};
+
 GLint GetInteger(GLenum name)
 {
     GLint value = -1;
@@ -211,7 +266,7 @@ GLint GetInteger(GLenum name)
     return value;
 }
 
-TEST_F(GLContextWindows, GivesACoreContextWithFourSamples)
+TEST_F(AcceleratedGLContextWindows, GivesACoreContextWithFourSamples)
 {
     ASSERT_TRUE(m_context.Create(m_window.GetNativeWindow(), m_window.GetWindowClassName()));
     EXPECT_TRUE(m_context.IsValid());
@@ -225,7 +280,7 @@ TEST_F(GLContextWindows, GivesACoreContextWithFourSamples)
     EXPECT_EQ(wglGetCurrentContext(), nullptr);
 }
 
-TEST_F(GLContextWindows, TheTitleIsTheVersionAndNothingIsLeft)
+TEST_F(AcceleratedGLContextWindows, TheTitleIsTheVersionAndNothingIsLeft)
 {
     ASSERT_TRUE(m_context.Create(m_window.GetNativeWindow(), m_window.GetWindowClassName()));
     EXPECT_FALSE(m_context.GetVersion().empty());
@@ -239,7 +294,7 @@ TEST_F(GLContextWindows, TheTitleIsTheVersionAndNothingIsLeft)
     EXPECT_EQ(s_counts["DeleteContext"], 2);
 }
 
-TEST_F(GLContextWindows, TheDummyIsAPixelOfTheWindowsClassInAPlainFormat)
+TEST_F(AcceleratedGLContextWindows, TheDummyIsAPixelOfTheWindowsClassInAPlainFormat)
 {
     m_calls.Of<&::CreateWindowExW>() = &RecordWindow;
     m_calls.Of<&::ChoosePixelFormat>() = &RecordFormat;
@@ -258,27 +313,12 @@ TEST_F(GLContextWindows, TheDummyIsAPixelOfTheWindowsClassInAPlainFormat)
     EXPECT_EQ(std::memcmp(&s_requests.format, &expected, sizeof(expected)), 0);
 }
 
-TEST_F(GLContextWindows, TheFormatAndTheContextAreAskedForInFull)
+TEST_F(AcceleratedGLContextWindows, TheFormatAndTheContextAreAskedForInFull)
 {
     m_calls.Of<&::wglGetProcAddress>() = &LoadRecorders;
     ASSERT_TRUE(m_context.Create(m_window.GetNativeWindow(), m_window.GetWindowClassName()));
     m_context.Destroy(m_window.GetNativeWindow());
-    // clang-format off
-    const std::vector<int> formatAttributes = {
-        WGL_DRAW_TO_WINDOW_ARB, TRUE,
-        WGL_SUPPORT_OPENGL_ARB, TRUE,
-        WGL_DOUBLE_BUFFER_ARB, TRUE,
-        WGL_PIXEL_TYPE_ARB, WGL_TYPE_RGBA_ARB,
-        WGL_ACCELERATION_ARB, WGL_FULL_ACCELERATION_ARB,
-        WGL_COLOR_BITS_ARB, 32,
-        WGL_ALPHA_BITS_ARB, 8,
-        WGL_DEPTH_BITS_ARB, 24,
-        WGL_STENCIL_BITS_ARB, 8,
-        WGL_SAMPLE_BUFFERS_ARB, TRUE,
-        WGL_SAMPLES_ARB, 4,
-    };
-    // clang-format on
-    EXPECT_EQ(s_requests.formatAttributes, formatAttributes);
+    EXPECT_EQ(s_requests.formatAttributes, s_formatAttributes);
     EXPECT_THAT(s_requests.contextAttributes,
                 ElementsAre(WGL_CONTEXT_MAJOR_VERSION_ARB, 3, WGL_CONTEXT_MINOR_VERSION_ARB, 3,
                             WGL_CONTEXT_PROFILE_MASK_ARB, WGL_CONTEXT_CORE_PROFILE_BIT_ARB));
@@ -333,7 +373,7 @@ TEST_F(GLContextWindows, ADriverWithoutTheFormatIsRefused)
     }
 }
 
-TEST_F(GLContextWindows, ADriverWithoutTheContextIsRefused)
+TEST_F(AcceleratedGLContextWindows, ADriverWithoutTheContextIsRefused)
 {
     m_calls.Of<&::wglGetProcAddress>() = &LoadReplacement<&RefuseContext>;
     ExpectFailure(": Failed to bind all required OpenGL methods.");
@@ -342,7 +382,7 @@ TEST_F(GLContextWindows, ADriverWithoutTheContextIsRefused)
     EXPECT_EQ(GetTitle(), std::wstring(m_context.GetVersion().begin(), m_context.GetVersion().end()));
 }
 
-TEST_F(GLContextWindows, ADriverThatLacksOneEntryPointIsRefused)
+TEST_F(AcceleratedGLContextWindows, ADriverThatLacksOneEntryPointIsRefused)
 {
     s_missing = "glCompressedTexImage2D";
     m_calls.Of<&::wglGetProcAddress>() = &LoadAllBut;
@@ -351,7 +391,7 @@ TEST_F(GLContextWindows, ADriverThatLacksOneEntryPointIsRefused)
     EXPECT_EQ(s_counts["ReleaseDC"], 2);
 }
 
-TEST_F(GLContextWindows, AContextThatCannotBeBoundIsRefused)
+TEST_F(AcceleratedGLContextWindows, AContextThatCannotBeBoundIsRefused)
 {
     // The dummy's is bound, and released; the next is the real one.
     s_bindsCoreContext = true;
