@@ -151,7 +151,7 @@ void Request::AwaitResponse(sd_bus_message* reply)
 CaptureAnswer TakeFile(const std::filesystem::path& file, const CapturedOutput& output, unsigned char* target)
 {
     System::Multimedia::Bitmap picture;
-    if (!picture.Load(file))
+    if (!picture.Load(file.string()))
         return {CaptureOutcome::Failed, "the portal's picture can't be read: " + file.string()};
     std::error_code ignored;
     std::filesystem::remove(file, ignored);
