@@ -117,7 +117,7 @@ TEST_F(Check, WhatTheProgramWroteItselfIsClean)
         WriteText(folder / (id + ".json"), text);
         ASSERT_TRUE(Tests::MakeSamplePicture("text", static_cast<std::uint16_t>(size["width"].GetUint()),
                                              static_cast<std::uint16_t>(size["height"].GetUint()))
-                        .SavePng(folder / (id + ".png")));
+                        .SavePng(GetText(folder / (id + ".png"))));
     }
     const ProgramRun run = RunWith({"check", GetText(folder)});
     EXPECT_EQ(run.code, ExitCode::Done) << run.output;

@@ -18,7 +18,7 @@ protected:
             fs::create_directories(m_set / folder);
         const auto picture = Tests::MakeSamplePicture("interface", 100, 80);
         for (const char* name : {"images/a.png", "JPEGImages/a.png", "secret.png", "../outside.png"})
-            EXPECT_TRUE(picture.SavePng(m_set / name));
+            EXPECT_TRUE(picture.SavePng(GetText(m_set / name)));
     }
 
     [[nodiscard]] ProgramRun Import(const char* format) const
@@ -183,7 +183,7 @@ TEST_F(HostileImport, TwoPicturesOfOneNameDontMixUp)
 
 TEST_F(HostileImport, SizesHaveToAgree)
 {
-    ASSERT_TRUE(Tests::MakeSamplePicture("text", 101, 80).SavePng(m_set / "images" / "a.png"));
+    ASSERT_TRUE(Tests::MakeSamplePicture("text", 101, 80).SavePng(GetText(m_set / "images" / "a.png")));
     const ProgramRun run = ImportCoco(s_cocoBox);
     EXPECT_EQ(run.code, ExitCode::Findings);
     EXPECT_THAT(run.errors, HasSubstr("another size"));

@@ -87,9 +87,9 @@ protected:
     {
         const auto picture = Tests::MakeSamplePicture("interface", static_cast<std::uint16_t>(record.width),
                                                       static_cast<std::uint16_t>(record.height));
-        const bool isBmp = record.width % 5 == 4;
-        const std::filesystem::path path = m_source / (record.id + (isBmp ? ".bmp" : ".png"));
-        ASSERT_TRUE(isBmp ? picture.SaveBmp(path) : picture.SavePng(path));
+        const std::string path = GetText(m_source / record.id);
+        const bool isSaved = record.width % 5 == 4 ? picture.SaveBmp(path + ".bmp") : picture.SavePng(path + ".png");
+        ASSERT_TRUE(isSaved);
         WriteText(m_source / (record.id + ".json"), MakeRecordJson(record));
     }
 
