@@ -21,7 +21,7 @@ void Save(benchmark::State& state, const Bitmap& bitmap)
     const std::filesystem::path path = directory.GetPath() / "picture.png";
     for ([[maybe_unused]] const auto step : state)
     {
-        if (!bitmap.SavePng(path))
+        if (!bitmap.SavePng(path.string()))
             state.SkipWithError("The file can't be written.");
     }
     state.counters["bytes"] = static_cast<double>(std::filesystem::file_size(path));

@@ -109,7 +109,7 @@ std::string_view Application::RunSteps(const System::Runtime::ApplicationParamet
     {
         const System::Time::TraceScope step("picture from a file");
         System::Multimedia::Bitmap& bitmap = toolParameters.bitmap;
-        if (!bitmap.Load(m_inputFile) || !IsShowable(bitmap))
+        if (!bitmap.Load(Text::PathToUtf8(m_inputFile)) || !IsShowable(bitmap))
             return ReturnCodeName::LoadFileFailed;
     }
     try

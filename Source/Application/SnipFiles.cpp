@@ -122,15 +122,14 @@ void WriteAnnotationFile(const SnipFileSettings& settings, const AnnotationList&
 
 } // namespace
 
-bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& format, const std::filesystem::path& path)
+bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& format, const std::string& path)
 {
     const System::Time::TraceScope step("image file");
     if (format == "png")
         return bitmap.SavePng(path);
     if (format == "bmp")
         return bitmap.SaveBmp(path);
-    Log::Write(Log::s_snipBench, Log::MessageTypeID::Error,
-               "Failed to save image file: ", System::Text::PathToUtf8(path));
+    Log::Write(Log::s_snipBench, Log::MessageTypeID::Error, "Failed to save image file: ", path);
     return false;
 }
 
@@ -148,7 +147,7 @@ std::optional<SnipPaths> SaveSnip(Result& result, const SnipFileSettings& settin
         const System::Time::TraceScope mask("mask");
         result.snip->ClearOutsidePolygon(*result.polygon, false);
     }
-    if (!SaveImage(*result.snip, settings.format, imagePath))
+    if (!SaveImage(*result.snip, settings.format, System::Text::PathToUtf8(imagePath)))
     {
         ShowFailure(settings, imagePath);
         return std::nullopt;
@@ -184,7 +183,7 @@ bool SaveAnnotation(Result& result, const SnipFileSettings& settings)
     if (list.records.empty())
     {
         const std::filesystem::path imagePath = MakeFilePath(settings, list.imageId, settings.format);
-        if (!SaveImage(*result.capture, settings.format, imagePath))
+        if (!SaveImage(*result.capture, settings.format, System::Text::PathToUtf8(imagePath)))
         {
             ShowFailure(settings, imagePath);
             return false;

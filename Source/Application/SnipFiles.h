@@ -49,6 +49,6 @@ bool TakeAnnotationBack(const SnipFileSettings& settings);
 
 /// Writes `bitmap` in that format. False if it can't be written, with a log line only for an unknown format.
 [[nodiscard]] bool SaveImage(const System::Multimedia::Bitmap& bitmap, const std::string& format,
-                             const std::filesystem::path& path);
+                             const std::string& path);
 
 } // namespace Orvik::SnipBench

@@ -36,7 +36,7 @@ TEST_F(ApplicationInput, AMotionWhosePlaceIsNotKnownIsLeftOut)
     const auto files = ListFiles(output.GetPath());
     ASSERT_EQ(files.size(), 2U);
     System::Multimedia::Bitmap snip;
-    ASSERT_TRUE(snip.Load(files[files[0].extension() == ".png" ? 0 : 1]));
+    ASSERT_TRUE(snip.Load(files[files[0].extension() == ".png" ? 0 : 1].string()));
     EXPECT_EQ(snip.GetWidth(), 100) << "the crosshair stays where it is";
     EXPECT_EQ(snip.GetHeight(), 50);
 }

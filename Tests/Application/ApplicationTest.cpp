@@ -281,7 +281,7 @@ TEST_F(ApplicationTest, TheActiveDisplayIsTheOneThatIsSnipped)
     const auto files = ListFiles(output.GetPath());
     ASSERT_EQ(files.size(), 2U);
     Bitmap snip;
-    ASSERT_TRUE(snip.Load(files[files[0].extension() == ".png" ? 0 : 1]));
+    ASSERT_TRUE(snip.Load(files[files[0].extension() == ".png" ? 0 : 1].string()));
     EXPECT_EQ(snip.GetWidth(), 10);
     EXPECT_EQ(snip.GetPixels()[0], 210);
 }

@@ -147,7 +147,7 @@ TEST_F(SnipFiles, ASnipLeavesImageAndMetaFileOfOneName)
     EXPECT_EQ(Tests::ReadText(metas[0]), MakeMetaJson(System::ParseGuid(id), s_startTime, 10, 10, nullptr));
 
     Bitmap saved;
-    ASSERT_TRUE(saved.Load(images[0]));
+    ASSERT_TRUE(saved.Load(images[0].string()));
     EXPECT_EQ(saved.GetWidth(), 10);
     EXPECT_TRUE(std::equal(saved.GetPixels(), saved.GetPixels() + saved.GetSize(), snip.GetPixels()));
     EXPECT_THAT(shownTexts, ElementsAre(images[0].string()));
@@ -297,7 +297,7 @@ TEST_F(SnipFiles, AnnotationsShareOneImageAndOneFile)
     EXPECT_THAT(lefts, ElementsAre("0", "1", "2"));
     EXPECT_NE(text.find("\"width\": 40"), std::string::npos) << "the size is the capture's";
     Bitmap saved;
-    ASSERT_TRUE(saved.Load(images[0]));
+    ASSERT_TRUE(saved.Load(images[0].string()));
     EXPECT_EQ(saved.GetHeight(), 30);
 }
 
@@ -307,10 +307,10 @@ TEST_F(SnipFiles, AnImageOfTheSameNameIsOverwritten)
     {
         const std::filesystem::path path = directory.GetPath() / "image";
         Tests::WriteBytes(path, Tests::Bytes(100'000, 'x'));
-        EXPECT_TRUE(SaveImage(snip, format, path));
+        EXPECT_TRUE(SaveImage(snip, format, path.string()));
         const Tests::Bytes overwritten = Tests::ReadBytes(path);
         std::filesystem::remove(path);
-        EXPECT_TRUE(SaveImage(snip, format, path));
+        EXPECT_TRUE(SaveImage(snip, format, path.string()));
         EXPECT_EQ(overwritten, Tests::ReadBytes(path)) << "nothing of the longer file is left behind it";
     }
 }

@@ -71,7 +71,7 @@ protected:
         {
             if (file.extension() != ".png")
                 continue;
-            EXPECT_TRUE(image.Load(file));
+            EXPECT_TRUE(image.Load(file.string()));
         }
         return image;
     }

@@ -1,6 +1,7 @@
 #include "Data/Records/PictureFile.h"
 
 #include "Core/System/Text/Files.h"
+#include "Core/System/Text/Paths.h"
 
 #include <algorithm>
 #include <array>
@@ -131,7 +132,7 @@ std::optional<PictureHeader> ReadPictureHeader(const std::filesystem::path& path
 std::optional<Bitmap> LoadPicture(const std::filesystem::path& path)
 {
     Bitmap picture;
-    if (!picture.Load(path) || picture.GetWidth() == 0 || picture.GetHeight() == 0)
+    if (!picture.Load(System::Text::PathToUtf8(path)) || picture.GetWidth() == 0 || picture.GetHeight() == 0)
         return std::nullopt;
     if (picture.GetBitsPerPixel() == 24)
     {

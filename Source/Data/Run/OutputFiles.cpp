@@ -1,6 +1,7 @@
 #include "Data/Run/OutputFiles.h"
 
 #include "Core/System/Text/Files.h"
+#include "Core/System/Text/Paths.h"
 
 #include <system_error>
 
@@ -81,7 +82,8 @@ std::string OutputFiles::SaveText(const std::filesystem::path& path, const std::
 
 std::string OutputFiles::SavePng(const std::filesystem::path& path, const System::Multimedia::Bitmap& picture) const
 {
-    return Save(path, [&picture](const std::filesystem::path& part) { return picture.SavePng(part); });
+    return Save(path, [&picture](const std::filesystem::path& part)
+                { return picture.SavePng(System::Text::PathToUtf8(part)); });
 }
 
 std::string OutputFiles::Copy(const std::filesystem::path& from, const std::filesystem::path& to) const

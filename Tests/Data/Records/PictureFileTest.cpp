@@ -1,5 +1,6 @@
 #include "Data/Records/PictureFile.h"
 
+#include "Core/System/Text/Paths.h"
 #include "Tests/Support/BinaryFile.h"
 #include "Tests/Support/PngBuilder.h"
 #include "Tests/Support/TemporaryDirectory.h"
@@ -44,8 +45,8 @@ protected:
 
 TEST_F(PictureFileTest, TheHeaderGivesTheSize)
 {
-    ASSERT_TRUE(MakeSample(32).SavePng(m_png));
-    ASSERT_TRUE(MakeSample(32).SaveBmp(m_bmp));
+    ASSERT_TRUE(MakeSample(32).SavePng(System::Text::PathToUtf8(m_png)));
+    ASSERT_TRUE(MakeSample(32).SaveBmp(System::Text::PathToUtf8(m_bmp)));
     for (const auto& path : {m_png, m_bmp})
     {
         const std::optional<PictureHeader> header = ReadPictureHeader(path);
@@ -72,7 +73,7 @@ TEST_F(PictureFileTest, WhatIsNoPictureHasNone)
 TEST_F(PictureFileTest, EveryPictureHasFourBytesToThePixel)
 {
     const Bitmap narrow = MakeSample(24);
-    ASSERT_TRUE(narrow.SaveBmp(m_bmp));
+    ASSERT_TRUE(narrow.SaveBmp(System::Text::PathToUtf8(m_bmp)));
     const std::optional<Bitmap> wide = LoadPicture(m_bmp);
     ASSERT_TRUE(wide);
     ASSERT_EQ(wide->GetBitsPerPixel(), 32);
@@ -104,7 +105,7 @@ TEST_F(PictureFileTest, APaletteIsReadPixelByPixel)
 
 TEST_F(PictureFileTest, ADamagedPictureIsntLoaded)
 {
-    ASSERT_TRUE(MakeSample(32).SavePng(m_png));
+    ASSERT_TRUE(MakeSample(32).SavePng(System::Text::PathToUtf8(m_png)));
     const std::string file = Tests::ReadText(m_png);
     std::ofstream(m_png, std::ios::binary) << file.substr(0, file.size() / 2);
     EXPECT_TRUE(ReadPictureHeader(m_png));

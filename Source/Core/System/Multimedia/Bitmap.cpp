@@ -213,19 +213,18 @@ void Bitmap::ClearOutsidePolygon(std::span<const Math::Point> polygon, bool valu
     }
 }
 
-bool Bitmap::Load(const std::filesystem::path& path)
+bool Bitmap::Load(const std::string& path)
 {
-    const std::string text = Text::PathToUtf8(path);
-    const std::size_t dot = text.rfind('.');
+    const std::size_t dot = path.rfind('.');
     if (dot == std::string::npos || dot == 0)
         return false;
 
     // Opening a pipe without a writer would never return.
     std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error))
+    if (!std::filesystem::is_regular_file(Text::PathFromUtf8(path), error))
         return false;
 
-    const std::string_view extension = std::string_view(text).substr(dot + 1);
+    const std::string_view extension = std::string_view(path).substr(dot + 1);
     if (extension == "bmp")
         return LoadBmp(path);
     if (extension == "png")

@@ -5,10 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 
 namespace Orvik::System::Multimedia
 {
@@ -69,17 +69,17 @@ public:
 
     /// Reads a file whose name ends in ".bmp" or ".png", in lower case. False, without a log line, if it is no file (a
     /// directory or a pipe), can't be read, has over 512 MiB of pixels or too long sides; the bitmap is unchanged then.
-    /// A PNG becomes 32 bits per pixel. A BMP keeps its own number of bits, even one that can't be shown; pixels that
-    /// are missing from its file are 0.
-    [[nodiscard]] bool Load(const std::filesystem::path& path);
+    /// `path` is UTF-8 on every platform. A PNG becomes 32 bits per pixel. A BMP keeps its own number of bits, even one
+    /// that can't be shown; pixels that are missing from its file are 0.
+    [[nodiscard]] bool Load(const std::string& path);
 
     /// Write a file, or replace an existing one. False, without a log line, if it can't be opened or not be written
     /// completely; what was written until then stays. A BMP gets the rows as they are in memory, without the padding of
     /// the format: only rows of a multiple of 4 bytes read back equal. A PNG needs pixels, with 3 or 4 bytes each.
     /// Fewer bytes per pixel are refused; if there are more, each row contributes as many bytes from its beginning as 4
     /// per pixel would take.
-    [[nodiscard]] bool SaveBmp(const std::filesystem::path& path) const;
-    [[nodiscard]] bool SavePng(const std::filesystem::path& path) const;
+    [[nodiscard]] bool SaveBmp(const std::string& path) const;
+    [[nodiscard]] bool SavePng(const std::string& path) const;
 
 private:
     struct FreeMemory
@@ -100,8 +100,8 @@ private:
     void Reallocate(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel, Allocate allocate);
     void TakeFields(Bitmap& other) noexcept;
     [[nodiscard]] bool HasWholeRows() const { return m_stride == m_bytesPerPixel * m_width; }
-    [[nodiscard]] bool LoadPng(const std::filesystem::path& path);
-    [[nodiscard]] bool LoadBmp(const std::filesystem::path& path);
+    [[nodiscard]] bool LoadPng(const std::string& path);
+    [[nodiscard]] bool LoadBmp(const std::string& path);
 
     Pixels m_imageBuffer;
     std::uint16_t m_width = 0;

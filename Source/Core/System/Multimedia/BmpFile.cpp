@@ -4,6 +4,7 @@
 #include "Core/System/Multimedia/Bitmap.h"
 
 #include "Core/System/Text/Files.h"
+#include "Core/System/Text/Paths.h"
 #include "Core/System/Types/Utilities.h"
 
 #include <array>
@@ -107,9 +108,9 @@ void ReadRows(std::FILE& file, Bitmap& bitmap, bool isTopDown)
 
 } // namespace
 
-bool Bitmap::LoadBmp(const std::filesystem::path& path)
+bool Bitmap::LoadBmp(const std::string& path)
 {
-    const Text::File file = Text::OpenFile(path, "rb");
+    const Text::File file = Text::OpenFile(Text::PathFromUtf8(path), "rb");
     if (file == nullptr)
         return false;
     const std::optional<Header> header = ReadHeader(*file);
@@ -125,9 +126,9 @@ bool Bitmap::LoadBmp(const std::filesystem::path& path)
     return true;
 }
 
-bool Bitmap::SaveBmp(const std::filesystem::path& path) const
+bool Bitmap::SaveBmp(const std::string& path) const
 {
-    Text::File file = Text::OpenFile(path, "wb");
+    Text::File file = Text::OpenFile(Text::PathFromUtf8(path), "wb");
     if (file == nullptr)
         return false;
 

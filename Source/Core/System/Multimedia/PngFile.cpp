@@ -4,6 +4,7 @@
 
 #include "Core/System/Multimedia/PngData.h"
 #include "Core/System/Text/Files.h"
+#include "Core/System/Text/Paths.h"
 
 #include <csetjmp>
 #include <new>
@@ -188,9 +189,9 @@ bool Writer::WriteChunk(const char* type, std::span<const std::uint8_t> data) co
 
 } // namespace
 
-bool Bitmap::LoadPng(const std::filesystem::path& path)
+bool Bitmap::LoadPng(const std::string& path)
 {
-    const Text::File file = Text::OpenFile(path, "rb");
+    const Text::File file = Text::OpenFile(Text::PathFromUtf8(path), "rb");
     if (file == nullptr)
         return false;
     const Reader reader;
@@ -207,14 +208,14 @@ bool Bitmap::LoadPng(const std::filesystem::path& path)
     return true;
 }
 
-bool Bitmap::SavePng(const std::filesystem::path& path) const
+bool Bitmap::SavePng(const std::string& path) const
 {
     const bool isRgb = m_bytesPerPixel == 3;
     const std::size_t writtenRowBytes = std::size_t{m_width} * (isRgb ? 3 : 4);
     if (m_stride < writtenRowBytes)
         return false;
 
-    Text::File file = Text::OpenFile(path, "wb");
+    Text::File file = Text::OpenFile(Text::PathFromUtf8(path), "wb");
     if (file == nullptr)
         return false;
     const Writer writer;

@@ -17,12 +17,12 @@ namespace
 class BitmapLoad : public testing::Test
 {
 protected:
-    [[nodiscard]] std::filesystem::path WritePicture(const char8_t* name) const
+    [[nodiscard]] std::string WritePicture(const std::string& name) const
     {
         const std::filesystem::path path = m_directory.GetPath() / name;
         std::filesystem::create_directories(path.parent_path());
         Tests::WriteBytes(path, Tests::MakePng({}, {0, 1, 2, 3, 4}));
-        return path;
+        return path.string();
     }
 
     const Tests::TemporaryDirectory m_directory;
@@ -51,15 +51,15 @@ private:
 
 TEST_F(BitmapLoad, TheExtensionIsWhatFollowsTheLastDot)
 {
-    EXPECT_TRUE(m_bitmap.Load(WritePicture(u8"a.bmp.png")));
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.png.bak")));
+    EXPECT_TRUE(m_bitmap.Load(WritePicture("a.bmp.png")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.png.bak")));
 }
 
 TEST_F(BitmapLoad, WithoutAnExtensionIsRefused)
 {
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"picture")));
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"folder.png/picture")));
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"picture.")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("picture")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("folder.png/picture")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("picture.")));
     EXPECT_FALSE(m_bitmap.Load(""));
 
     const WorkingDirectory inside(m_directory.GetPath());
@@ -68,7 +68,7 @@ TEST_F(BitmapLoad, WithoutAnExtensionIsRefused)
 
 TEST_F(BitmapLoad, APathThatBeginsWithItsOnlyDotIsRefused)
 {
-    (void)WritePicture(u8".png");
+    (void)WritePicture(".png");
     const WorkingDirectory inside(m_directory.GetPath());
     EXPECT_FALSE(m_bitmap.Load(".png"));
     EXPECT_TRUE(m_bitmap.Load("./.png"));
@@ -76,26 +76,26 @@ TEST_F(BitmapLoad, APathThatBeginsWithItsOnlyDotIsRefused)
 
 TEST_F(BitmapLoad, AnExtensionInCapitalsIsRefused)
 {
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.PNG")));
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.Png")));
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.BMP")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.PNG")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.Png")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.BMP")));
 }
 
 TEST_F(BitmapLoad, AnotherExtensionIsRefused)
 {
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.jpg")));
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.pngx")));
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.bm")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.jpg")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.pngx")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.bm")));
 }
 
 TEST_F(BitmapLoad, TheExtensionAndNotTheContentChoosesTheFormat)
 {
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.bmp")));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.bmp")));
 }
 
 TEST_F(BitmapLoad, ANameInUtf8IsFound)
 {
-    EXPECT_TRUE(m_bitmap.Load(WritePicture(u8"\u753B\u50CF.png")));
+    EXPECT_TRUE(m_bitmap.Load(WritePicture("\xE7\x94\xBB\xE5\x83\x8F.png")));
 }
 
 TEST_F(BitmapLoad, ADirectoryIsRefused)
@@ -103,27 +103,27 @@ TEST_F(BitmapLoad, ADirectoryIsRefused)
     for (const char* name : {"folder.png", "folder.bmp"})
     {
         std::filesystem::create_directory(m_directory.GetPath() / name);
-        EXPECT_FALSE(m_bitmap.Load(m_directory.GetPath() / name));
+        EXPECT_FALSE(m_bitmap.Load((m_directory.GetPath() / name).string()));
     }
 }
 
 TEST_F(BitmapLoad, ALinkToAPictureIsFollowed)
 {
-    const std::filesystem::path target = WritePicture(u8"a.png");
+    const std::string target = WritePicture("a.png");
     const std::filesystem::path link = m_directory.GetPath() / "link.png";
     std::error_code error;
     std::filesystem::create_symlink(target, link, error);
     if (error)
         GTEST_SKIP() << "There are no links here.";
-    EXPECT_TRUE(m_bitmap.Load(link));
+    EXPECT_TRUE(m_bitmap.Load(link.string()));
 }
 
 TEST_F(BitmapLoad, ARefusedFileLeavesTheBitmapUnchanged)
 {
-    ASSERT_TRUE(m_bitmap.Load(WritePicture(u8"a.png")));
+    ASSERT_TRUE(m_bitmap.Load(WritePicture("a.png")));
     const std::uint8_t* pixels = m_bitmap.GetPixels();
-    EXPECT_FALSE(m_bitmap.Load(WritePicture(u8"a.jpg")));
-    EXPECT_FALSE(m_bitmap.Load(m_directory.GetPath() / "missing.png"));
+    EXPECT_FALSE(m_bitmap.Load(WritePicture("a.jpg")));
+    EXPECT_FALSE(m_bitmap.Load((m_directory.GetPath() / "missing.png").string()));
     EXPECT_EQ(m_bitmap.GetPixels(), pixels);
     EXPECT_EQ(m_bitmap.GetSize(), 4);
 }
