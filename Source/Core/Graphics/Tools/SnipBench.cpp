@@ -300,27 +300,8 @@ bool SnipBench::UpdateCaptureTexture(Renderer::Renderer& renderer)
     return m_captureTexture.Update(m_capture, GetView(), renderer);
 }
 
-void SnipBench::Finish(const System::Math::Rectangle& bounds, Renderer::Renderer& renderer)
+bool SnipBench::Deliver(System::Math::Rectangle& bounds, std::vector<Point>* polygon, Renderer::Renderer& renderer)
 {
-    if (onResult && Deliver(bounds, renderer))
-        ResetMode(renderer);
-    else
-        End(renderer);
-}
-
-void SnipBench::ResetMode(Renderer::Renderer& renderer)
-{
-    m_selectionLine.Hide(renderer.GetLineRenderer());
-    m_aids.HideSelection(renderer);
-    m_rectangleModeData = {};
-    m_polygonModeData.points.clear();
-    m_snipState = SnipState::Ready;
-}
-
-bool SnipBench::Deliver(System::Math::Rectangle bounds, Renderer::Renderer& renderer)
-{
-    const bool isPolygon = m_snipMode == SnipMode::Polygon;
-    std::vector<Point> ring = isPolygon ? CloseRing(bounds) : std::vector<Point>();
     const ShownSelection shown = GetDeliveredSelection();
     System::Multimedia::Bitmap snip;
     if (m_cropToSelection)
@@ -329,7 +310,7 @@ bool SnipBench::Deliver(System::Math::Rectangle bounds, Renderer::Renderer& rend
         snip = m_capture.Crop(bounds.left, bounds.top, bounds.GetWidth(), bounds.GetHeight());
     }
 
-    Result result{m_startTime, &m_capture, &snip, &bounds, isPolygon ? &ring : nullptr, m_aids.GetLabel()};
+    Result result{m_startTime, &m_capture, &snip, &bounds, polygon, m_aids.GetLabel()};
     const bool wantsMore = onResult(result);
     const bool goesOn = wantsMore && m_snipState != SnipState::Inactive; // the receiver may have called `End`
     if (goesOn && result.isKept)
@@ -348,8 +329,15 @@ bool SnipBench::SetMode(SnipMode mode)
 void SnipBench::End(Renderer::Renderer& renderer)
 {
     m_selectionLine.Remove(renderer.GetLineRenderer());
-    m_rectangleModeData = {};
-    m_polygonModeData.points.clear();
+    switch (m_snipMode)
+    {
+    case SnipMode::Rectangle:
+        m_rectangleModeData = {};
+        break;
+    case SnipMode::Polygon:
+        m_polygonModeData.points.clear();
+        break;
+    }
 
     m_magnifierTexture.Remove(renderer.GetTextureRenderer());
     m_crosshairLines.Remove(renderer.GetLineRenderer());

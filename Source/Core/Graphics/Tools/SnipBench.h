@@ -183,12 +183,9 @@ private:
     /// Subtracting this from a screen position on the context's display gives a window position.
     [[nodiscard]] System::Math::Point GetDisplayOrigin(const System::Tools::ToolContext& context) const;
     [[nodiscard]] MagnifierSize GetMagnifier() const;
-    /// Passes the selection to the receiver, and gets ready for the next one or ends.
-    void Finish(const System::Math::Rectangle& bounds, Renderer::Renderer& renderer);
     /// Cuts the selection out and passes it to the receiver, which has to exist. Whether the tool goes on.
-    [[nodiscard]] bool Deliver(System::Math::Rectangle bounds, Renderer::Renderer& renderer);
-    /// Gives up what is selected, and is ready for the next selection.
-    void ResetMode(Renderer::Renderer& renderer);
+    [[nodiscard]] bool Deliver(System::Math::Rectangle& bounds, std::vector<System::Math::Point>* polygon,
+                               Renderer::Renderer& renderer);
 
     // SnipBenchAids.cpp: what a configuration adds.
     void UpdateAidKeys(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
@@ -201,12 +198,15 @@ private:
     void UpdateReadyRectangle(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
     void DragRectangle(System::Math::Point position, Renderer::Renderer& renderer);
     void FinishRectangle(Renderer::Renderer& renderer);
+    void ResetRectangleMode(Renderer::Renderer& renderer);
 
     // SnipBenchPolygon.cpp: a polygon, click by click.
     void UpdatePolygonMode(System::Tools::ToolContext& context, Renderer::Renderer& renderer);
     void AdvancePolygon(const System::Tools::ToolContext& context, Renderer::Renderer& renderer);
     void PlaceVertex(Renderer::Renderer& renderer);
     void RemoveVertex(Renderer::Renderer& renderer);
+    void FinishPolygon(System::Math::Rectangle& bounds, Renderer::Renderer& renderer);
+    void ResetPolygonMode(Renderer::Renderer& renderer);
 };
 
 } // namespace Orvik::Graphics::Tools

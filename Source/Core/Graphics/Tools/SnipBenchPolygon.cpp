@@ -65,10 +65,10 @@ void SnipBench::PlaceVertex(Renderer::Renderer& renderer)
 {
     if (ClosesPolygon(m_polygonModeData.points, GetCursor()))
     {
-        const Rectangle bounds = GetPolygonBounds(GetView(), m_polygonModeData.points);
+        Rectangle bounds = GetPolygonBounds(GetView(), m_polygonModeData.points);
         if (HasArea(bounds))
         {
-            Finish(bounds, renderer);
+            FinishPolygon(bounds, renderer);
             return;
         }
     }
@@ -82,12 +82,34 @@ void SnipBench::RemoveVertex(Renderer::Renderer& renderer)
         points.pop_back();
     if (points.empty())
     {
-        ResetMode(renderer);
+        ResetPolygonMode(renderer);
         return;
     }
     m_selectionLine.ShowPolygon(points, GetCursor(), GetWindowSize(), renderer.GetLineRenderer());
     UpdateMagnifier(renderer);
     ShowSelectionAids(renderer);
+}
+
+void SnipBench::FinishPolygon(Rectangle& bounds, Renderer::Renderer& renderer)
+{
+    bool goesOn = false;
+    if (onResult)
+    {
+        std::vector<Point> ring = CloseRing(bounds);
+        goesOn = Deliver(bounds, &ring, renderer);
+    }
+    if (goesOn)
+        ResetPolygonMode(renderer);
+    else
+        End(renderer);
+}
+
+void SnipBench::ResetPolygonMode(Renderer::Renderer& renderer)
+{
+    m_selectionLine.Hide(renderer.GetLineRenderer());
+    m_aids.HideSelection(renderer);
+    m_polygonModeData.points.clear();
+    m_snipState = SnipState::Ready;
 }
 
 std::vector<Point> SnipBench::CloseRing(const Rectangle& bounds)

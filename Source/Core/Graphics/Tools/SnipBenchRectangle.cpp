@@ -31,7 +31,7 @@ void SnipBench::UpdateRectangleMode(ToolContext& context, Renderer::Renderer& re
         else if (IsSelectInput(context) && !context.pressed)
             FinishRectangle(renderer);
         else if (IsRightRelease(context))
-            ResetMode(renderer);
+            ResetRectangleMode(renderer);
         break;
     }
 }
@@ -71,9 +71,21 @@ void SnipBench::DragRectangle(Point position, Renderer::Renderer& renderer)
 
 void SnipBench::FinishRectangle(Renderer::Renderer& renderer)
 {
-    const Rectangle bounds = GetRectangleBounds(GetView(), m_rectangleModeData);
-    if (HasArea(bounds))
-        Finish(bounds, renderer);
+    Rectangle bounds = GetRectangleBounds(GetView(), m_rectangleModeData);
+    if (!HasArea(bounds))
+        return;
+    if (onResult && Deliver(bounds, nullptr, renderer))
+        ResetRectangleMode(renderer);
+    else
+        End(renderer);
+}
+
+void SnipBench::ResetRectangleMode(Renderer::Renderer& renderer)
+{
+    m_selectionLine.Hide(renderer.GetLineRenderer());
+    m_aids.HideSelection(renderer);
+    m_rectangleModeData = {};
+    m_snipState = SnipState::Ready;
 }
 
 } // namespace Orvik::Graphics::Tools
