@@ -37,8 +37,7 @@ struct OutputsCase
 {
     std::string name;
     std::vector<OutputSetup> outputs;
-    std::size_t used;          ///< the one that the pointer is on
-    std::string renderer = {}; ///< in the environment; as the program chooses if it is empty
+    std::size_t used; ///< the one that the pointer is on
 };
 
 void PrintTo(const OutputsCase& value, std::ostream* stream)
@@ -204,8 +203,6 @@ TEST_P(Outputs, TheOneWithThePointerIsCoveredAndItsPixelsAreSaved)
     OverlayState state;
     state.cursor = {30, 40};
     Point(state.cursor);
-    if (!GetParam().renderer.empty())
-        m_environment["ORVIK_RENDERER"] = GetParam().renderer;
     ChildProcess process = Start({"-s", "true", "-o", GetOutput().string()});
     ExpectLook(model.MakeLook(state));
     ExpectOthersUntouched();
@@ -257,16 +254,14 @@ TEST_F(LostOutputs, ACompositorThatEndsDuringTheStartEndsTheRun)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Outputs,
-                         testing::Values(OutputsCase{"TheFirst", MakePair("scale 1"), 0},
-                                         OutputsCase{"TheFirstByOpenGL", MakePair("scale 1"), 0, "opengl"},
-                                         OutputsCase{"TheSecond", MakePair("scale 1"), 1},
-                                         OutputsCase{"TheSecondAtAQuarterMore", MakePair("scale 1.25"), 1},
-                                         OutputsCase{"TheSecondAtAHalfMore", MakePair("scale 1.5"), 1},
-                                         OutputsCase{"TheSecondAtTwice", MakePair("scale 2"), 1},
-                                         OutputsCase{
-                                             "ATurned", {{{0, 0, 600, 420}, "transform 90", Turn::Quarter}}, 0}),
-                         [](const auto& parameter) { return parameter.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Of, Outputs,
+    testing::Values(OutputsCase{"TheFirst", MakePair("scale 1"), 0}, OutputsCase{"TheSecond", MakePair("scale 1"), 1},
+                    OutputsCase{"TheSecondAtAQuarterMore", MakePair("scale 1.25"), 1},
+                    OutputsCase{"TheSecondAtAHalfMore", MakePair("scale 1.5"), 1},
+                    OutputsCase{"TheSecondAtTwice", MakePair("scale 2"), 1},
+                    OutputsCase{"ATurned", {{{0, 0, 600, 420}, "transform 90", Turn::Quarter}}, 0}),
+    [](const auto& parameter) { return parameter.param.name; });
 
 } // namespace
 } // namespace Orvik::Tests

@@ -163,6 +163,75 @@ TEST_P(OpenGLOnWayland, DrawsAPixelForEachOfTheDisplay)
     surface->Destroy(window.GetNativeWindow());
 }
 
+/// Covers all that is drawn on in white with an alpha of 0.6, by a program of shaders.
+void DrawPaleWhite(const Desktops::OpenGLSurface& surface)
+{
+    const auto find = [&surface](auto& function, const char* name)
+    { function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(surface.FindFunction(name)); };
+    PFNGLCREATESHADERPROC create = nullptr;
+    PFNGLSHADERSOURCEPROC setSource = nullptr;
+    PFNGLCOMPILESHADERPROC compile = nullptr;
+    PFNGLCREATEPROGRAMPROC createProgram = nullptr;
+    PFNGLATTACHSHADERPROC attach = nullptr;
+    PFNGLLINKPROGRAMPROC link = nullptr;
+    PFNGLUSEPROGRAMPROC use = nullptr;
+    PFNGLGENVERTEXARRAYSPROC makeArrays = nullptr;
+    PFNGLBINDVERTEXARRAYPROC bindArray = nullptr;
+    find(create, "glCreateShader");
+    find(setSource, "glShaderSource");
+    find(compile, "glCompileShader");
+    find(createProgram, "glCreateProgram");
+    find(attach, "glAttachShader");
+    find(link, "glLinkProgram");
+    find(use, "glUseProgram");
+    find(makeArrays, "glGenVertexArrays");
+    find(bindArray, "glBindVertexArray");
+
+    const std::string corners = "#version 330 core\nvoid main() { gl_Position = vec4(gl_VertexID == 1 ? 3.0 : -1.0,"
+                                " gl_VertexID == 2 ? 3.0 : -1.0, 0.0, 1.0); }";
+    const std::string white = "#version 330 core\nout vec4 color; void main() { color = vec4(1.0, 1.0, 1.0, 0.6); }";
+    const GLuint program = createProgram();
+    for (const auto& [kind, text] : {std::pair(GL_VERTEX_SHADER, &corners), std::pair(GL_FRAGMENT_SHADER, &white)})
+    {
+        const GLuint shader = create(static_cast<GLenum>(kind));
+        const char* const source = text->c_str();
+        setSource(shader, 1, &source, nullptr);
+        compile(shader);
+        attach(program, shader);
+    }
+    link(program);
+    use(program);
+    GLuint array = 0;
+    makeArrays(1, &array);
+    bindArray(array);
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+}
+
+TEST_P(OpenGLOnWayland, NothingShinesThroughWhatIsBlendedOverAnOpaquePicture)
+{
+    const DisplayDescriptor display = m_desktop->GetDisplay(0);
+    System::Desktop::Window window(nullptr, "Orvik::Test", {display.x, display.y - 1},
+                                   {display.width, display.height + 1U}, System::Desktop::WindowType::Overlay);
+    ASSERT_TRUE(window.Create());
+    const auto surface = m_desktop->Get().MakeOpenGLSurface();
+    ASSERT_EQ(surface->Create(window.GetNativeWindow(), "Orvik::Test").failure, nullptr);
+    window.Show(window.Lock());
+
+    // As the program's contexts set it up: the functions are the ones that the surface finds.
+    const auto setBlending = reinterpret_cast<PFNGLBLENDFUNCPROC>(surface->FindFunction("glBlendFunc"));
+    ASSERT_NE(setBlending, nullptr);
+    glEnable(GL_BLEND);
+    setBlending(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glClearColor(0.0F, 0.0F, 1.0F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+    DrawPaleWhite(*surface); // 153 of 255
+    surface->SwapBuffers(window.GetNativeWindow());
+
+    const std::vector<std::uint32_t> expected(std::size_t{display.width} * display.height, 0xFF9999FFU);
+    EXPECT_EQ(Capture(m_desktop->Get(), display), expected);
+    surface->Destroy(window.GetNativeWindow());
+}
+
 INSTANTIATE_TEST_SUITE_P(Displays, OpenGLOnWayland,
                          testing::Values(DisplayCase{"Plain", "scale 1", 640, 360, 1.0},
                                          DisplayCase{"Half", "scale 1.5", 640, 360, 1.5},
