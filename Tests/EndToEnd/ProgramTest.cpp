@@ -41,8 +41,8 @@ ProgramTest::ProgramTest()
 {
     m_environment["HOME"] = m_installation.GetHome().string();
     m_environment["PATH"] = "/usr/bin:/bin";
-    for (const char* name :
-         {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TZ", "LOCPATH", "LC_ALL", "WINEPREFIX", "ORVIK_RENDERER"})
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "TZ", "LOCPATH", "LC_ALL",
+                             "WINEPREFIX", "ORVIK_RENDERER"})
         if (const char* value = std::getenv(name))
             m_environment[name] = value;
 }
