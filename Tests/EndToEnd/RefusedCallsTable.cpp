@@ -124,7 +124,6 @@ constexpr RefusedCall s_calls[] = {
     {"XDestroyWindow", Way::NoWindow, 0, 0, Snip},
     {"xcb_query_tree_reply", Way::Returns, 0, 0, Snip, Run::Covered},
     {"xcb_get_window_attributes_reply", Way::Returns, 0, 0, Snip, Run::Covered},
-    {"xcb_get_geometry_reply", Way::Returns, 0, 0, Snip, Run::Covered},
     // The devices.
     {"XISelectEvents", Way::Returns, 1, 0, Snip},
     {"XIQueryVersion", Way::Returns, 1, 0, Snip},

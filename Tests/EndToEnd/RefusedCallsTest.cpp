@@ -185,6 +185,18 @@ protected:
         std::this_thread::sleep_for(pause);
     }
 
+    /// Windows over the overlay until it has looked at one: it looks now and then, and comes back to the front.
+    void Cover(const ChildProcess& process)
+    {
+        constexpr std::chrono::milliseconds pause(200);
+        for (int tries = 0; tries < 50 && !fs::exists(GetMark()); ++tries)
+        {
+            const PaintedWindow cover(m_display->GetName(), {200, 150}, MakeTestPicture(20, 20));
+            if (process.HasEndedWithin(pause))
+                return;
+        }
+    }
+
     void Select(const ChildProcess& process, Position from, bool isShown)
     {
         if (!MoveOn(process, from, isShown))
@@ -216,9 +228,8 @@ protected:
         // seconds.
         for (int wait = 0; wait < 4 && !isShown && !fs::exists(GetMark()); ++wait)
             static_cast<void>(process.WaitUntil([this] { return fs::exists(GetMark()); }));
-        std::optional<PaintedWindow> cover;
         if (call.run == Run::Covered)
-            cover.emplace(m_display->GetName(), Position{200, 150}, MakeTestPicture(20, 20));
+            Cover(process);
         if (call.run == Run::Keys)
             PressArrow();
         Select(process, {10, 20}, isShown);
