@@ -54,6 +54,15 @@ bool IsCrossed(const Picture& strip)
     return std::any_of(strip.pixels.begin(), strip.pixels.end(), IsWhitePixel);
 }
 
+/// An overlay lies one pixel above its monitor, and is one taller. Wine 10 cuts its windows to the screen.
+bool HasOverlayPlace(const XWindowAttributes& window, const Area& monitor)
+{
+    if (window.x != monitor.x || window.width != monitor.width)
+        return false;
+    const int beyond = monitor.y - window.y;
+    return (beyond == 0 || beyond == 1) && window.height == monitor.height + beyond;
+}
+
 /// A window that goes while it is looked at isn't this watcher's error.
 int IgnoreError(::Display* /*display*/, XErrorEvent* /*error*/)
 {
@@ -106,8 +115,7 @@ unsigned long OverlayWatcher::FindWindow(State& state) const
         XWindowAttributes attributes = {};
         if (XGetWindowAttributes(m_session->GetDisplay(), child, &attributes) == 0)
             continue;
-        if (attributes.x == m_monitor.x && attributes.y == m_monitor.y - 1 && attributes.width == m_monitor.width &&
-            attributes.height == m_monitor.height + 1)
+        if (HasOverlayPlace(attributes, m_monitor))
         {
             state = attributes.map_state == IsViewable ? State::Visible : State::Hidden;
             window = child;
