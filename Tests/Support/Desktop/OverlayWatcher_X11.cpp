@@ -54,15 +54,6 @@ bool IsCrossed(const Picture& strip)
     return std::any_of(strip.pixels.begin(), strip.pixels.end(), IsWhitePixel);
 }
 
-/// An overlay lies one pixel above its monitor, and is one taller. Wine 10 cuts its windows to the screen.
-bool HasOverlayPlace(const XWindowAttributes& window, const Area& monitor)
-{
-    if (window.x != monitor.x || window.width != monitor.width)
-        return false;
-    const int beyond = monitor.y - window.y;
-    return (beyond == 0 || beyond == 1) && window.height == monitor.height + beyond;
-}
-
 /// A window that goes while it is looked at isn't this watcher's error.
 int IgnoreError(::Display* /*display*/, XErrorEvent* /*error*/)
 {
@@ -115,7 +106,8 @@ unsigned long OverlayWatcher::FindWindow(State& state) const
         XWindowAttributes attributes = {};
         if (XGetWindowAttributes(m_session->GetDisplay(), child, &attributes) == 0)
             continue;
-        if (HasOverlayPlace(attributes, m_monitor))
+        if (attributes.x == m_monitor.x && attributes.y == m_monitor.y - 1 && attributes.width == m_monitor.width &&
+            attributes.height == m_monitor.height + 1)
         {
             state = attributes.map_state == IsViewable ? State::Visible : State::Hidden;
             window = child;
