@@ -19,6 +19,8 @@ using System::Multimedia::Bitmap;
 constexpr std::int32_t s_gap = 8;
 constexpr std::int32_t s_captionHeight = 16;
 constexpr std::uint32_t s_textSize = 11;
+/// 512 MiB: the largest picture that is read again.
+constexpr std::int64_t s_mostPixels = std::int64_t{1} << 27;
 constexpr Colour s_background = {32, 32, 36};
 constexpr Colour s_captionColour = {220, 220, 220};
 
@@ -32,6 +34,12 @@ struct Layout
     [[nodiscard]] std::int32_t GetStepAcross() const { return size + s_gap; }
     [[nodiscard]] std::int32_t GetStepDown() const { return size + s_captionHeight + s_gap; }
     [[nodiscard]] std::int32_t GetPlaces() const { return columns * rows; }
+    // Of a sheet with that many small pictures side by side and below each other, in pixels.
+    [[nodiscard]] std::int32_t GetWidth(std::int32_t usedColumns) const
+    {
+        return s_gap + usedColumns * GetStepAcross();
+    }
+    [[nodiscard]] std::int32_t GetHeight(std::int32_t usedRows) const { return s_gap + usedRows * GetStepDown(); }
 };
 
 /// A small picture and what stands under it.
@@ -128,8 +136,8 @@ public:
             path += m_path.extension();
         }
         const std::string error =
-            m_output.SavePng(path, m_sheet.Crop(0, 0, static_cast<std::uint32_t>(GetLength(columns, true)),
-                                                static_cast<std::uint32_t>(GetLength(rows, false))));
+            m_output.SavePng(path, m_sheet.Crop(0, 0, static_cast<std::uint32_t>(m_layout.GetWidth(columns)),
+                                                static_cast<std::uint32_t>(m_layout.GetHeight(rows))));
         if (error.empty())
             ++m_written;
         else
@@ -139,15 +147,10 @@ public:
     [[nodiscard]] std::int64_t GetWritten() const { return m_written; }
 
 private:
-    [[nodiscard]] std::int32_t GetLength(std::int32_t places, bool isAcross) const
-    {
-        return s_gap + places * (isAcross ? m_layout.GetStepAcross() : m_layout.GetStepDown());
-    }
-
     void Begin()
     {
-        m_sheet.SetSize(static_cast<std::uint16_t>(GetLength(m_layout.columns, true)),
-                        static_cast<std::uint16_t>(GetLength(m_layout.rows, false)), 32);
+        m_sheet.SetSize(static_cast<std::uint16_t>(m_layout.GetWidth(m_layout.columns)),
+                        static_cast<std::uint16_t>(m_layout.GetHeight(m_layout.rows)), 32);
         FillArea(m_sheet, {0, 0, m_sheet.GetWidth(), m_sheet.GetHeight()}, s_background);
     }
 
@@ -178,6 +181,8 @@ std::string Run(const Arguments& arguments, Report& report)
 
     const Layout layout{static_cast<std::int32_t>(size), static_cast<std::int32_t>(columns),
                         static_cast<std::int32_t>(rows)};
+    if (std::int64_t{layout.GetWidth(layout.columns)} * layout.GetHeight(layout.rows) > s_mostPixels)
+        return "a sheet has at most 134,217,728 pixels: fewer rows or columns, or smaller pictures";
     const std::vector<std::filesystem::path> files = ListRecordFiles(folders, report);
     const OutputFiles output(arguments.Has("--force"));
     Sheets sheets(target, layout, output, report);
@@ -201,7 +206,7 @@ Verb GetSheetVerb()
              s_anyNumber,
              "Write a contact sheet of all pictures, to look through at a glance",
              "Each small picture bears its rectangles, the first digits of its name and the number of annotations.\n"
-             "What one sheet has no room for goes to OUT-2.png and so on.\n",
+             "What one sheet has no room for goes to OUT-2.png and so on. A sheet has at most 134,217,728 pixels.\n",
              {{"--size", "PIXELS", "Longer side of a small picture, 16 to 1024 (160)"},
               {"--columns", "N", "Small pictures side by side, 1 to 15 (10)"},
               {"--rows", "N", "Small pictures below each other at most, 1 to 40 (20)"},

@@ -161,6 +161,15 @@ TEST_F(Pictures, WhatOneSheetHasNoRoomForGoesToTheNext)
     EXPECT_EQ(LoadPicture(m_directory.GetPath() / "sheet-3.png")->GetWidth(), 8 + 2 * (32 + 8));
 }
 
+TEST_F(Pictures, ASheetThatIsTooLargeToBeReadAgainIsRefused)
+{
+    const ProgramRun run =
+        RunWith({"sheet", GetText(m_source), At("sheet.png"), "--size", "1024", "--columns", "15", "--rows", "40"});
+    EXPECT_EQ(run.code, ExitCode::WrongCall);
+    EXPECT_THAT(run.errors, HasSubstr("a sheet has at most 134,217,728 pixels"));
+    EXPECT_FALSE(std::filesystem::exists(m_directory.GetPath() / "sheet.png"));
+}
+
 TEST_F(Pictures, NothingIsReplacedUnlessForced)
 {
     for (const char* verb : {"crop", "mask", "draw"})
