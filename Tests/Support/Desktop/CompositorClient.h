@@ -48,9 +48,11 @@ public:
 
 private:
     friend struct CompositorClientListener;
-    void OnGlobal(wl_registry* registry, unsigned name, const std::string& interface);
+    void OnGlobal(unsigned name, const std::string& interface);
+    void Disconnect();
 
-    wl_display* m_display; ///< all proxies go with it
+    wl_display* m_display;
+    wl_registry* m_registry = nullptr;
     int m_width = 0;
     int m_height = 0;
     wl_output* m_output = nullptr;

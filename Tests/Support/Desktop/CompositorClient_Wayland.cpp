@@ -1,6 +1,7 @@
 #include "Tests/Support/Desktop/CompositorClient.h"
 
 #include <chrono>
+#include <initializer_list>
 #include <poll.h>
 #include <stdexcept>
 #include <virtual-keyboard-unstable-v1-client-protocol.h>
@@ -27,10 +28,10 @@ struct CompositorClientListener
 {
     static CompositorClient& Get(void* data) { return *static_cast<CompositorClient*>(data); }
 
-    static void OnGlobal(void* data, wl_registry* registry, std::uint32_t name, const char* interface,
+    static void OnGlobal(void* data, wl_registry* /*registry*/, std::uint32_t name, const char* interface,
                          std::uint32_t /*version*/)
     {
-        Get(data).OnGlobal(registry, name, interface);
+        Get(data).OnGlobal(name, interface);
     }
     static void OnMode(void* data, wl_output* /*output*/, std::uint32_t flags, std::int32_t width, std::int32_t height,
                        std::int32_t /*refresh*/)
@@ -64,7 +65,8 @@ CompositorClient::CompositorClient(const std::string& socket) : m_display(wl_dis
 {
     if (m_display == nullptr)
         throw std::runtime_error("No compositor at " + socket + ".");
-    wl_registry_add_listener(wl_display_get_registry(m_display), &CompositorClientListener::s_registry, this);
+    m_registry = wl_display_get_registry(m_display);
+    wl_registry_add_listener(m_registry, &CompositorClientListener::s_registry, this);
     try
     {
         Synchronize(); // the list
@@ -72,24 +74,35 @@ CompositorClient::CompositorClient(const std::string& socket) : m_display(wl_dis
     }
     catch (const std::runtime_error&)
     {
-        wl_display_disconnect(m_display);
+        Disconnect();
         throw;
     }
 }
 
 CompositorClient::~CompositorClient()
 {
+    Disconnect();
+}
+
+// The library frees no proxy with the connection.
+void CompositorClient::Disconnect()
+{
+    const std::initializer_list<void*> proxies = {m_keyboards, m_pointers, m_screencopy, m_shm,
+                                                  m_seat,      m_output,   m_registry};
+    for (void* const proxy : proxies)
+        if (proxy != nullptr)
+            wl_proxy_destroy(static_cast<wl_proxy*>(proxy));
     wl_display_disconnect(m_display);
 }
 
-void CompositorClient::OnGlobal(wl_registry* registry, unsigned name, const std::string& interface)
+void CompositorClient::OnGlobal(unsigned name, const std::string& interface)
 {
     // The first version of each has all that is used here.
     const auto bind = [&](const wl_interface& known, auto*& proxy)
     {
         using Proxy = std::remove_reference_t<decltype(proxy)>;
         if (proxy == nullptr && interface == known.name)
-            proxy = static_cast<Proxy>(wl_registry_bind(registry, name, &known, 1));
+            proxy = static_cast<Proxy>(wl_registry_bind(m_registry, name, &known, 1));
     };
     static const wl_output_listener s_output = CompositorClientListener::MakeOutput();
     const bool hadOutput = m_output != nullptr;

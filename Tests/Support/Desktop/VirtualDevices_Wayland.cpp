@@ -109,6 +109,15 @@ public:
         EndGroup();
     }
 
+    // The compositor takes the devices away with the connection.
+    ~VirtualDevices() override
+    {
+        wl_proxy_destroy(reinterpret_cast<wl_proxy*>(m_keyboard));
+        wl_proxy_destroy(reinterpret_cast<wl_proxy*>(m_pointer));
+    }
+    VirtualDevices(const VirtualDevices&) = delete;
+    VirtualDevices& operator=(const VirtualDevices&) = delete;
+
     void MoveTo(Position position) override { MoveBy({position.x - m_place.x, position.y - m_place.y}); }
 
     void MoveBy(Position way) override
@@ -173,7 +182,7 @@ private:
         m_client.Synchronize();
     }
 
-    CompositorClient m_client; ///< the devices go with it
+    CompositorClient m_client;
     zwlr_virtual_pointer_v1* m_pointer = nullptr;
     zwp_virtual_keyboard_v1* m_keyboard = nullptr;
     Keymap m_keymap;
