@@ -21,7 +21,7 @@ enum class Outcome
     Assertion,  ///< a failed assertion, with a report
     Abort,      ///< there isn't even memory for a report: one line on the error stream
     OneLost,    ///< as Snip, but for one JSON file
-    AnyTold,    ///< one of those above: which one hangs on where in the program a single call is
+    AnyDefined, ///< one of those above: which one hangs on where in the program a single call is
     Other,      ///< none of them
     Fault,      ///< another signal than that of a report
     Hang,       ///< it had to be killed

@@ -184,30 +184,30 @@ constexpr RefusedCall s_calls[] = {
     // Memory: none at all from some moment on, not even for a report, and a single piece.
     {"calloc", Way::Returns, 0, ENOMEM, Assertion},
     {"_Znwm", Way::NoMemory, 0, 0, Abort},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 10},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 100},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 300},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 1000},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 2000},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 10},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 100},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 300},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 1000},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 2000},
     {"_Znwm", Way::NoMemory, 0, 0, Report, Run::Raster, 1, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 3, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 10, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 30, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 60, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 100, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 150, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 200, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 300, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 400, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 500, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 600, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 700, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 800, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 900, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 1000, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 1200, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 1400, 1},
-    {"_Znwm", Way::NoMemory, 0, 0, AnyTold, Run::Raster, 1600, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 3, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 10, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 30, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 60, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 100, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 150, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 200, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 300, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 400, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 500, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 600, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 700, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 800, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 900, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 1000, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 1200, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 1400, 1},
+    {"_Znwm", Way::NoMemory, 0, 0, AnyDefined, Run::Raster, 1600, 1},
 };
 
 } // namespace
@@ -242,8 +242,8 @@ const char* Describe(Outcome outcome)
         return "abort, one line";
     case OneLost:
         return "a JSON file less, Success";
-    case AnyTold:
-        return "any that is told";
+    case AnyDefined:
+        return "any defined end";
     case Other:
         return "something else";
     case Fault:

@@ -28,7 +28,7 @@ std::uint32_t GetTime()
     return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
-/// The keys of a keyboard, as it tells the compositor.
+/// The keys of a keyboard, as the compositor hears of it.
 class Keymap
 {
 public:
