@@ -97,7 +97,7 @@ void Window::Native::NoteChange(WindowEventType type)
 
 bool Window::Native::DeliverChanges()
 {
-    if (surface.GetRole().TakeClosing())
+    if (surface.TakeClosing())
     {
         window.DeliverClose();
         return false;

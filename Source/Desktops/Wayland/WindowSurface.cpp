@@ -127,6 +127,13 @@ void WindowSurface::Unmap()
     m_session->connection->Flush();
 }
 
+bool WindowSurface::TakeClosing()
+{
+    const bool isAsked = m_role.TakeClosing();
+    const bool isLost = m_output != nullptr && m_session->globals.FindOutput(m_output) == nullptr;
+    return (isAsked || isLost) && !std::exchange(m_isClosed, true);
+}
+
 void WindowSurface::FollowSize()
 {
     [[maybe_unused]] const bool isResized = m_role.TakeResizing();

@@ -56,6 +56,9 @@ public:
     void SetClickThrough(bool enabled);
     void SetTitle(const std::string& title);
 
+    /// True once: if the compositor has closed the surface, or the display that it covers is gone. sway 1.10 says only
+    /// the latter.
+    [[nodiscard]] bool TakeClosing();
     /// Follows the size that the compositor has given: the pixels stay as many.
     void FollowSize();
 
@@ -79,6 +82,7 @@ private:
     double m_scale; ///< pixels of the display to a unit of the surface
     std::string m_title;
     wl_output* m_output = nullptr;
+    bool m_isClosed = false;
     ProxyHandle<wl_surface> m_surface;
     ProxyHandle<wp_viewport> m_viewport; ///< null where there are none
     WindowRole m_role;
