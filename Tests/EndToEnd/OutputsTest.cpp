@@ -105,13 +105,7 @@ protected:
     [[nodiscard]] Picture See(const Picture& screen) const
     {
         const Picture shown = screen.Crop(GetUsed().window);
-        if (!IsTurned())
-            return shown;
-        Picture seen{shown.height, shown.width, {}};
-        for (int y = 0; y < seen.height; ++y)
-            for (int x = 0; x < seen.width; ++x)
-                seen.pixels.push_back(shown.At(shown.width - 1 - y, x));
-        return seen;
+        return IsTurned() ? shown.Turned() : shown;
     }
 
     /// The pointer is on a pixel's left and upper edge, and a turn makes its lower edge of the left one.

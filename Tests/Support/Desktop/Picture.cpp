@@ -32,6 +32,15 @@ Picture Picture::Crop(const Area& area) const
     return part;
 }
 
+Picture Picture::Turned() const
+{
+    Picture turned{height, width, {}};
+    for (int y = 0; y < turned.height; ++y)
+        for (int x = 0; x < turned.width; ++x)
+            turned.pixels.push_back(At(width - 1 - y, x));
+    return turned;
+}
+
 Picture MakeTestPicture(int width, int height, int seed)
 {
     Picture picture{width, height, {}};

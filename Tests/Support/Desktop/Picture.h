@@ -36,6 +36,8 @@ struct Picture
     [[nodiscard]] std::uint32_t At(int x, int y) const;
     /// The area must be inside of the picture.
     [[nodiscard]] Picture Crop(const Area& area) const;
+    /// The picture turned by a quarter, counter-clockwise.
+    [[nodiscard]] Picture Turned() const;
 };
 
 /// A picture in which every region differs from its neighbours and no channel is above 100, so that the overlay's white

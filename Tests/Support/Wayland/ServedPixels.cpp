@@ -8,16 +8,6 @@ namespace Orvik::Tests
 namespace
 {
 
-/// The picture turned by a quarter, counter-clockwise.
-Picture Turn(const Picture& picture)
-{
-    Picture turned{picture.height, picture.width, {}};
-    for (int y = 0; y < turned.height; ++y)
-        for (int x = 0; x < turned.width; ++x)
-            turned.pixels.push_back(picture.At(picture.width - 1 - y, x));
-    return turned;
-}
-
 Picture Mirror(const Picture& picture)
 {
     Picture mirrored{picture.width, picture.height, {}};
@@ -84,7 +74,7 @@ Picture ApplyTransform(const Picture& seen, std::uint32_t transform)
     constexpr std::uint32_t mirrored = 4;
     Picture scanned = (transform & mirrored) != 0 ? Mirror(seen) : seen;
     for (std::uint32_t turns = transform % mirrored; turns > 0; --turns)
-        scanned = Turn(scanned);
+        scanned = scanned.Turned();
     return scanned;
 }
 
