@@ -238,7 +238,10 @@ protected:
         if (!process.IsRunning())
             return;
         EXPECT_EQ(CountDescriptors(process, false), before) << "a descriptor is kept";
-        EXPECT_EQ(CountDescriptors(process, true), call.hasLog ? 1 : 0) << "the log file alone is open";
+        const std::ptrdiff_t files = CountDescriptors(process, true);
+        EXPECT_LE(files, call.hasLog ? 1 : 0) << "the log file alone is open";
+        // Which of the counted calls the log makes depends on the machine: it may be what was refused.
+        EXPECT_TRUE(files == 1 || !call.hasLog || call.outcome == Outcome::AnyDefined) << "the log file is open";
     }
 
     /// Two selections and the end; what becomes of it.
