@@ -19,8 +19,8 @@ using System::Multimedia::Bitmap;
 constexpr std::int32_t s_gap = 8;
 constexpr std::int32_t s_captionHeight = 16;
 constexpr std::uint32_t s_textSize = 11;
-/// 512 MiB: the largest picture that is read again.
-constexpr std::int64_t s_mostPixels = std::int64_t{1} << 27;
+/// Of the largest picture that is read again.
+constexpr std::int64_t s_mostPixels = Bitmap::s_maximumFileBytes / 4;
 constexpr Colour s_background = {32, 32, 36};
 constexpr Colour s_captionColour = {220, 220, 220};
 

@@ -28,8 +28,6 @@ public:
     KeyboardDevice(const KeyboardDevice&) = delete;
     KeyboardDevice& operator=(const KeyboardDevice&) = delete;
 
-    /// The surface that has the keyboard, or null.
-    [[nodiscard]] wl_surface* GetFocus() const { return m_focus; }
     /// The surface is about to go.
     void Forget(const wl_surface* surface);
 
@@ -63,7 +61,7 @@ private:
 
     wl_keyboard* m_keyboard;
     InputQueue& m_queue;
-    wl_surface* m_focus = nullptr;
+    wl_surface* m_focus = nullptr; ///< the surface that has the keyboard, or null
     std::unique_ptr<xkb_context, XkbDeleter> m_context;
     std::unique_ptr<xkb_keymap, XkbDeleter> m_keymap; ///< null without a keymap, like the state
     std::unique_ptr<xkb_state, XkbDeleter> m_state;

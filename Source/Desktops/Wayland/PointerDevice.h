@@ -29,8 +29,6 @@ public:
     void SetVisible(bool isVisible);
 
     [[nodiscard]] wl_pointer* GetProxy() const { return m_pointer; }
-    /// The surface that the pointer is on, or null.
-    [[nodiscard]] wl_surface* GetFocus() const { return m_focus; }
     /// The surface is about to go.
     void Forget(const wl_surface* surface);
 
@@ -63,7 +61,7 @@ private:
     wl_pointer* m_pointer;
     zwp_relative_pointer_v1* m_relative = nullptr;
     InputQueue& m_queue;
-    wl_surface* m_focus = nullptr;
+    wl_surface* m_focus = nullptr; ///< the surface that the pointer is on, or null
     std::uint32_t m_entrySerial = 0;
     bool m_hasFrames;
     bool m_isVisible = true;

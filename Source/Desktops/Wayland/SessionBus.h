@@ -82,9 +82,6 @@ public:
     /// by then, the bus is gone, or the wait was interrupted.
     [[nodiscard]] bool WaitUntil(const std::function<bool()>& isDone, std::int64_t nanoseconds);
 
-    /// Whether the bus has gone away or never answered.
-    [[nodiscard]] bool IsLost() const { return m_isLost; }
-
     /// Whether a wait was interrupted.
     [[nodiscard]] bool IsInterrupted() const { return m_isInterrupted; }
 
@@ -100,7 +97,7 @@ private:
 
     sd_bus* m_bus;
     Interrupt m_interrupt;
-    bool m_isLost = false;
+    bool m_isLost = false; ///< the bus has gone away, or never answered
     bool m_isInterrupted = false;
 };
 

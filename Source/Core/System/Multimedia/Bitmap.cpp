@@ -20,9 +20,6 @@ namespace
 {
 
 constexpr std::size_t s_maximumBytes = std::numeric_limits<std::int32_t>::max();
-/// Of a picture from a file. A run holds the picture, a selection that may be all of it, and perhaps a driver's copy:
-/// three times this, and what every run takes, stay below 2 GiB. A file of a few kilobytes can claim as much.
-constexpr std::size_t s_maximumFileBytes = std::size_t{512} << 20;
 
 // Bytes of a row, cut to what a bitmap's stride can hold.
 constexpr std::uint16_t GetCutStride(std::uint16_t width, std::uint8_t bytesPerPixel)
@@ -129,7 +126,7 @@ std::optional<Bitmap> Bitmap::MakeForFile(std::int64_t width, std::int64_t heigh
     if (bitsPerPixel < 0 || bitsPerPixel > maximumBits)
         return std::nullopt;
     const std::int64_t rowBytes = width * (bitsPerPixel >> 3);
-    if (rowBytes > maximumField || rowBytes * height > static_cast<std::int64_t>(s_maximumFileBytes))
+    if (rowBytes > maximumField || rowBytes * height > s_maximumFileBytes)
         return std::nullopt;
     Bitmap bitmap;
     if (!bitmap.TryReallocate(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),

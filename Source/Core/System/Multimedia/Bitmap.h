@@ -21,6 +21,11 @@ using ResizeMethod = Utilities::Image::ResizeMethod;
 class Bitmap
 {
 public:
+    /// Of the pixels of a picture that `Load` takes. A run holds the picture, a selection that may be all of it, and
+    /// perhaps a driver's copy: three times this, and what every run takes, stay below 2 GiB. A file of a few kilobytes
+    /// can claim as much.
+    static constexpr std::int64_t s_maximumFileBytes = std::int64_t{512} << 20;
+
     Bitmap() = default;
     /// Calls `SetSize` on an empty bitmap.
     Bitmap(std::uint16_t width, std::uint16_t height, std::uint8_t bitsPerPixel);
@@ -68,9 +73,9 @@ public:
     void ClearOutsidePolygon(std::span<const Math::Point> polygon, bool valueToClear);
 
     /// Reads a file whose name ends in ".bmp" or ".png", in lower case. False, without a log line, if it is no file (a
-    /// directory or a pipe), can't be read, has over 512 MiB of pixels or too long sides; the bitmap is unchanged then.
-    /// `path` is UTF-8 on every platform. A PNG becomes 32 bits per pixel. A BMP keeps its own number of bits, even one
-    /// that can't be shown; pixels that are missing from its file are 0.
+    /// directory or a pipe), can't be read, has more than `s_maximumFileBytes` of pixels or too long sides; the bitmap
+    /// is unchanged then. `path` is UTF-8 on every platform. A PNG becomes 32 bits per pixel. A BMP keeps its own
+    /// number of bits, even one that can't be shown; pixels that are missing from its file are 0.
     [[nodiscard]] bool Load(const std::string& path);
 
     /// Write a file, or replace an existing one. False, without a log line, if it can't be opened or not be written
