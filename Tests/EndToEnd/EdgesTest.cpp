@@ -88,5 +88,21 @@ TEST_F(Edges, AnArrowKeyReachesTheLastColumn)
     ExpectSnip(process, {790, 580, 10, 1});
 }
 
+// The keys come faster than the pointer follows them, and the button is released before it has.
+TEST_F(Edges, ArrowKeysInABurstReachTheLastPixel)
+{
+    ChildProcess process = StartWithEdges();
+    MoveTo({790, 580});
+    m_input->PressButton(1);
+    MoveTo({s_width - 4, s_height - 4});
+    for (int tap = 0; tap < 6; ++tap)
+    {
+        m_input->TapKey("Down");
+        m_input->TapKey("Right");
+    }
+    m_input->ReleaseButton(1);
+    ExpectSnip(process, {790, 580, 10, 20});
+}
+
 } // namespace
 } // namespace Orvik::Tests

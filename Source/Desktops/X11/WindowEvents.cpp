@@ -199,18 +199,12 @@ void Window::Native::OnMotion(const PointerMotion& motion)
     window.DeliverMouseMove(motion.inWindow.x, motion.inWindow.y);
 }
 
+// A motion by the program itself may have been handled before an event that is older: the event's place is out of date
+// then. The order of the requests decides, because the server's clock only counts milliseconds.
 void Window::Native::FollowPointer(const PointerMotion& place)
 {
-    if (pointer && place.inWindow != *pointer)
+    if (pointer && place.inWindow != *pointer && place.serial >= pointerSerial)
         OnMotion(place);
-}
-
-// A motion by the program itself may have come before the key: the key's position is out of date then. The order of the
-// requests decides, because the server's clock only counts milliseconds.
-void Window::Native::FollowPointerToKey(const PointerMotion& place)
-{
-    if (place.serial >= pointerSerial)
-        FollowPointer(place);
 }
 
 void Window::Native::OnScroll(const XIDeviceEvent& event)
@@ -259,7 +253,7 @@ void Window::Native::OnKeyPress(const XKeyEvent& event)
     const bool isRepeat = keys.IsDown(physicalKey);
     keys.Press(physicalKey, key);
     const XKeyEvent newest = isRepeat ? SkipToNewest(event) : event;
-    FollowPointerToKey(GetPlace(newest));
+    FollowPointer(GetPlace(newest));
     window.DeliverKey(key, true);
 }
 
@@ -278,7 +272,7 @@ void Window::Native::OnKeyRelease(const XKeyEvent& event)
         OnUndefinedKey(event);
         return;
     }
-    FollowPointerToKey(GetPlace(event));
+    FollowPointer(GetPlace(event));
     window.DeliverKey(key, false);
 }
 

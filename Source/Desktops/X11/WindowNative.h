@@ -72,9 +72,9 @@ struct Window::Native
 
     void OnMotion(const PointerMotion& motion);
 
-    /// A press counts at its own place, even if no motion has reported that place.
+    /// A press counts at its own place, even if no motion has reported that place; but not if the pointer has been
+    /// moved since then.
     void FollowPointer(const PointerMotion& place);
-    void FollowPointerToKey(const PointerMotion& place);
 
     /// Whether there still is a connection.
     [[nodiscard]] bool IsUsable() const;
