@@ -31,7 +31,7 @@ feed() # TARGET
     # A picture may take 512 MiB; the sanitizer needs an eighth more, and keeps what was freed for a while.
     ASAN_OPTIONS=quarantine_size_mb=16:allocator_may_return_null=1 nice -n 19 "$program" --target="$1" \
         -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2500 -malloc_limit_mb=1000 -max_len=8192 \
-        -print_final_stats=1 -artifact_prefix="$work/finds/$1-" "${options[@]}" "$corpus" "$seeds/$1" \
+        -print_final_stats=1 -artifact_prefix="$root/$work/finds/$1-" "${options[@]}" "$corpus" "$seeds/$1" \
         >"$work/$1.log" 2>&1
 }
 

@@ -144,6 +144,8 @@ ReadRecord ParseRecord(const std::string& text, const RecordSchemas& schemas)
         return Fail("isn't a JSON object");
     if (!System::Runtime::IsShallow(document))
         return Fail("is nested too deep");
+    if (!System::Runtime::HasWholeCharacters(document))
+        return Fail("has a text that isn't UTF-8");
     if (HasDoubleMembers(document))
         return Fail("a member is there twice");
     const bool hasAnnotations = document.HasMember("annotations");

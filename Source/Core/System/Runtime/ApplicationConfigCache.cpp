@@ -202,7 +202,8 @@ bool ApplicationConfigCache::ValidateDocument(const JsonSchema* schema, const Js
     }
     rapidjson::SchemaValidator validator(*schema->schema);
     // Walking through the document recurses.
-    if (IsShallow(*document->document) && document->document->Accept(validator) && validator.IsValid())
+    if (IsShallow(*document->document) && HasWholeCharacters(*document->document) &&
+        document->document->Accept(validator) && validator.IsValid())
         return true;
     error = "Failed to validate against schema";
     if (const char* const keyword = validator.GetInvalidSchemaKeyword(); keyword != nullptr)

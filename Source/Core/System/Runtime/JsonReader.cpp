@@ -1,5 +1,7 @@
 #include "Core/System/Runtime/JsonReader.h"
 
+#include "Core/System/Runtime/JsonPattern.h"
+
 #include <algorithm>
 #include <array>
 #include <istream>
@@ -63,13 +65,24 @@ bool IsWithinDepth(const rapidjson::Value& value, int levels)
     return true;
 }
 
-/// The library expects, without checking, that the keyword "patternProperties" is an object, and that "dependencies"
-/// lists names.
+std::string_view GetText(const rapidjson::Value& text)
+{
+    return {text.GetString(), text.GetStringLength()};
+}
+
+/// The library expects, without checking, that the keyword "patternProperties" is an object, that "dependencies" lists
+/// names, and that its engine can be trusted with each pattern.
 bool IsKeywordSound(const rapidjson::Value::Member& member)
 {
-    const std::string_view name(member.name.GetString(), member.name.GetStringLength());
+    const std::string_view name = GetText(member.name);
+    if (name == "pattern")
+        return !member.value.IsString() || IsPatternSound(GetText(member.value));
     if (name == "patternProperties")
-        return member.value.IsObject();
+    {
+        return member.value.IsObject() &&
+               std::all_of(member.value.MemberBegin(), member.value.MemberEnd(),
+                           [](const auto& property) { return IsPatternSound(GetText(property.name)); });
+    }
     if (name != "dependencies" || !member.value.IsObject())
         return true;
     const auto isName = [](const rapidjson::Value& value) { return value.IsString(); };
@@ -100,6 +113,21 @@ bool DoReferencesEnd(const rapidjson::Value& object, const rapidjson::Document& 
             return true;
     }
     return false;
+}
+
+/// Whether the last character is there whole. By the first byte of one the library reads on, past the end.
+bool EndsWhole(const rapidjson::Value& text)
+{
+    const std::string_view bytes = GetText(text);
+    const std::size_t longest = std::min<std::size_t>(bytes.size(), 3);
+    for (std::size_t left = 1; left <= longest; ++left)
+    {
+        const auto byte = static_cast<unsigned char>(bytes[bytes.size() - left]);
+        const std::size_t length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+        if (length > left && byte < 0xF5) // from there on no character begins with it
+            return false;
+    }
+    return true;
 }
 
 /// `value` must be shallow.
@@ -139,6 +167,17 @@ const char* GetParseErrorText(rapidjson::ParseErrorCode error) noexcept
 bool IsShallow(const rapidjson::Value& value)
 {
     return IsWithinDepth(value, s_maxDepth);
+}
+
+bool HasWholeCharacters(const rapidjson::Value& value)
+{
+    if (value.IsString())
+        return EndsWhole(value);
+    if (value.IsArray())
+        return std::all_of(value.Begin(), value.End(), &HasWholeCharacters);
+    return !value.IsObject() ||
+           std::all_of(value.MemberBegin(), value.MemberEnd(),
+                       [](const auto& member) { return EndsWhole(member.name) && HasWholeCharacters(member.value); });
 }
 
 bool IsCompilable(const rapidjson::Document& schema)

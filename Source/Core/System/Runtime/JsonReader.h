@@ -27,6 +27,10 @@ struct JsonParseResult
 /// Whether the value's nesting is flat enough for operations that recurse.
 [[nodiscard]] bool IsShallow(const rapidjson::Value& value);
 
+/// Whether no string and no name ends within a character of UTF-8: a validator reads past such an end. `value` must be
+/// shallow.
+[[nodiscard]] bool HasWholeCharacters(const rapidjson::Value& value);
+
 /// Whether the library can compile the schema without failing an assertion of its own or running in circles.
 [[nodiscard]] bool IsCompilable(const rapidjson::Document& schema);
 

@@ -139,6 +139,23 @@ TEST(JsonReader, NestingIsShallowUpToALimit)
     EXPECT_FALSE(isShallow(513, "{\"a\":", '}'));
 }
 
+TEST(JsonReader, ATextThatEndsWithinACharacterIsFound)
+{
+    const auto isWhole = [](const std::string& json)
+    {
+        rapidjson::Document document;
+        EXPECT_EQ(ParseJson(json, document).error, rapidjson::kParseErrorNone) << json;
+        return HasWholeCharacters(document);
+    };
+    EXPECT_TRUE(isWhole("[\"\", \"a\", \"\xC3\xA4\", {\"\xE2\x82\xAC\": \"\xF0\x9F\x98\x80\"}, 7, null]"));
+    EXPECT_TRUE(isWhole("[\"\xE2\x82 and so on\", \"\xFF\"]")) << "it ends there";
+    for (const char* const part : {"\xC3", "\xE2", "\xE2\x82", "\xF0\x9F\x98", "\xF0z", "\xF0zz", "\xE2z"})
+    {
+        EXPECT_FALSE(isWhole(std::string("[\"") + part + "\"]")) << part;
+        EXPECT_FALSE(isWhole(std::string("{\"") + part + "\": 1}")) << part;
+    }
+}
+
 TEST(JsonReader, EveryParseErrorHasItsText)
 {
     const auto getText = [](int error) { return GetParseErrorText(static_cast<rapidjson::ParseErrorCode>(error)); };
@@ -178,6 +195,9 @@ TEST(JsonReader, SchemasThatTheLibraryStumblesOverAreReported)
     EXPECT_TRUE(isCompilable(R"({"dependencies": 1, "$ref": 1})"));
     EXPECT_TRUE(isCompilable(R"({"a": {"$ref": "#/b"}, "b": {"$ref": "#/c"}, "c": {}})"));
     EXPECT_TRUE(isCompilable(R"({"$ref": "elsewhere#/a", "b": {"$ref": "#/nowhere"}, "c": {"$ref": "#~"}})"));
+    EXPECT_TRUE(isCompilable(R"({"pattern": 1, "a": {"pattern": "^a+$"}})"));
+    EXPECT_FALSE(isCompilable(R"({"a": {"pattern": "()b"}})"));
+    EXPECT_FALSE(isCompilable(R"({"patternProperties": {"(a*)*": {}}})"));
     EXPECT_FALSE(isCompilable(R"({"patternProperties": 1})"));
     EXPECT_FALSE(isCompilable(R"([{"not": {"patternProperties": []}}])"));
     EXPECT_FALSE(isCompilable(R"({"dependencies": {"a": [1]}})"));
