@@ -13,7 +13,7 @@ param(
 $ErrorActionPreference = 'Stop'
 
 $causes = @{
-    'Wrong Parameter(s)'            = 'an option is unknown or its value is missing'
+    'Wrong Parameter(s)'            = 'an option is wrong, or the region isn''t within the picture'
     'Failed to load file'           = 'the picture can''t be read or shown'
     'Failed to initialize systems'  = 'there is no display'
     'Failed to create window'       = 'the overlay can''t be shown; the log says why'

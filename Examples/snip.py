@@ -4,7 +4,7 @@
     snip.py [-l SECONDS] PROGRAM [options of SnipBench]
 
 Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-passed; else as SnipBench did. The image stays in a new temporary folder.
+passed; with 127 if the program can't be started, 2 if none is named; else as SnipBench did. The image stays in a new temporary folder.
 """
 import json
 import os
@@ -15,7 +15,7 @@ import sys
 import tempfile
 
 CAUSES = {
-    "Wrong Parameter(s)": "an option is unknown or its value is missing",
+    "Wrong Parameter(s)": "an option is wrong, or the region isn't within the picture",
     "Failed to load file": "the picture can't be read or shown",
     "Failed to initialize systems": "there is no display",
     "Failed to create window": "the overlay can't be shown; the log says why",
@@ -43,8 +43,12 @@ def snip(program, *options, limit=60):
     """(image, what is known of it), or None if nothing was selected. The image's folder is the caller's to remove."""
     folder = pathlib.Path(tempfile.mkdtemp())
     # A line of the log may name a byte that is no text by itself.
-    run = subprocess.Popen([program, "-s", "true", "-o", folder, *options], stdout=subprocess.PIPE, encoding="utf-8",
-                           errors="replace")
+    try:
+        run = subprocess.Popen([program, "-s", "true", "-o", folder, *options], stdout=subprocess.PIPE,
+                               encoding="utf-8", errors="replace")
+    except OSError as error:
+        folder.rmdir()
+        raise SnipError(f"The program can't be started: {error}", 127) from None
     try:
         output, _ = run.communicate(timeout=limit)
     except subprocess.TimeoutExpired:
@@ -70,9 +74,12 @@ def snip(program, *options, limit=60):
 
 def main(arguments):
     limit = 60
-    if arguments[0] == "-l":
+    if len(arguments) > 1 and arguments[0] == "-l" and arguments[1].isdigit():
         limit = int(arguments[1])
         arguments = arguments[2:]
+    if not arguments or arguments[0] == "-l":
+        print("usage: snip.py [-l SECONDS] PROGRAM [options of SnipBench]", file=sys.stderr)
+        return 2
     try:
         result = snip(*arguments, limit=limit)
     except SnipError as error:

@@ -4,7 +4,7 @@
 #   snip.sh [-l SECONDS] PROGRAM [options of SnipBench]
 #
 # Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-# passed; else as SnipBench did. The image stays in a new folder below TMPDIR.
+# passed; with 127 if the program can't be started; else as SnipBench did. The image stays in a new folder below TMPDIR.
 set -eu
 
 limit=60
@@ -24,7 +24,7 @@ name=$(printf '%s\n' "$output" | sed -n '/^{$/,/^}$/s/^ *"name": "\(.*\)",$/\1/p
 case $code in
     0) ;;
     124) echo "No selection within $limit seconds." >&2 ;;
-    255) echo "$name: an option is unknown or its value is missing." >&2 ;;
+    255) echo "$name: an option is wrong, or the region isn't within the picture." >&2 ;;
     254) echo "$name: the picture can't be read or shown." >&2 ;;
     253) echo "$name: there is no display." >&2 ;;
     252 | 251) echo "$name: the overlay can't be shown; the log says why." >&2 ;;

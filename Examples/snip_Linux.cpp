@@ -5,7 +5,7 @@
 //   ./snip [-l SECONDS] PROGRAM [options of SnipBench]
 //
 // Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-// passed; else as SnipBench did. The image stays in a new temporary folder.
+// passed; with 127 if the program can't be started, 2 if none is named; else as SnipBench did. The image stays in a new temporary folder.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -33,14 +33,23 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr int s_nothingSelected = 1;
+constexpr int s_wrongUse = 2;
 constexpr int s_limitPassed = 124;
+constexpr int s_notStarted = 127;
 
 const std::map<std::string, std::string> s_causes = {
-    {"Wrong Parameter(s)", "an option is unknown or its value is missing"},
+    {"Wrong Parameter(s)", "an option is wrong, or the region isn't within the picture"},
     {"Failed to load file", "the picture can't be read or shown"},
     {"Failed to initialize systems", "there is no display"},
     {"Failed to create window", "the overlay can't be shown; the log says why"},
     {"Failed to initialize renderer", "the overlay can't be shown; the log says why"},
+};
+
+/// What keeps the program from being started.
+class StartError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
 };
 
 struct Run
@@ -56,7 +65,7 @@ std::pair<pid_t, int> Start(const std::vector<std::string>& arguments)
 {
     std::array<int, 2> ends = {};
     if (pipe(ends.data()) != 0)
-        throw std::runtime_error("There is no pipe.");
+        throw StartError("There is no pipe.");
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
@@ -71,7 +80,7 @@ std::pair<pid_t, int> Start(const std::vector<std::string>& arguments)
     posix_spawn_file_actions_destroy(&actions);
     close(ends[1]);
     if (error != 0)
-        throw std::runtime_error(arguments[0] + " can't be started.");
+        throw StartError(arguments[0] + " can't be started.");
     return {process, ends[0]};
 }
 
@@ -165,18 +174,26 @@ int Snip(std::vector<std::string> arguments, std::chrono::seconds limit)
 
 int main(int argc, char** argv)
 {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    std::chrono::seconds limit{60};
+    if (arguments.size() > 1 && arguments[0] == "-l")
+    {
+        limit = std::chrono::seconds(std::atoi(arguments[1].c_str()));
+        arguments.erase(arguments.begin(), arguments.begin() + 2);
+    }
+    if (arguments.empty() || limit <= limit.zero())
+    {
+        std::cerr << "usage: snip [-l SECONDS] PROGRAM [options of SnipBench]\n";
+        return s_wrongUse;
+    }
     try
     {
-        std::vector<std::string> arguments(argv + 1, argv + argc);
-        std::chrono::seconds limit{60};
-        if (arguments.size() > 1 && arguments[0] == "-l")
-        {
-            limit = std::chrono::seconds(std::stoi(arguments[1]));
-            arguments.erase(arguments.begin(), arguments.begin() + 2);
-        }
-        if (arguments.empty())
-            throw std::runtime_error("usage: snip [-l SECONDS] PROGRAM [options of SnipBench]");
         return Snip(std::move(arguments), limit);
+    }
+    catch (const StartError& error)
+    {
+        std::cerr << error.what() << '\n';
+        return s_notStarted;
     }
     catch (const std::exception& exception)
     {

@@ -25,6 +25,7 @@ mv "$stage/Resources/UI/Textures/Mulish-LICENSE.txt" "$stage/Licenses/Mulish.txt
 cp LICENSE "$stage/License.txt"
 cp CHANGELOG.md "$stage/Changelog.txt"
 cp Packaging/Windows-Readme.txt "$stage/Readme.txt"
+Scripts/stage-documents.sh "$stage/Docs"
 
 # The linked libraries, each with the licence text of its package, and named in the supply list.
 components=()

@@ -133,7 +133,8 @@ install_protocols_of() # SCRATCH PACKAGE
 install_protocols()
 (
     if [ -z "$(debian_release)" ]; then
-        echo "This isn't a Debian system: Wayland's protocol descriptions have to be in $protocols already." >&2
+        echo "This isn't a Debian system. These have to be in $protocols already, with these SHA-256 sums:" >&2
+        printf '    %s: %s %s\n' "${protocol_descriptions[@]}" >&2
         exit 1
     fi
     scratch=$(mktemp -d)

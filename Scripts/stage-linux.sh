@@ -68,20 +68,9 @@ put_desktop_entry()
     done
 }
 
-# The pages for users. In the tree, the examples to read and those to run are in two folders.
 put_documents()
 {
-    local page file
-    for page in UserGuide Scripting Formats DataSets Configuration Recipes Logs Support Problems; do
-        put 644 "$root/Docs/$page.md" "$documents/$page.md"
-        sed -i 's|](\.\./Examples/|](Programs/|g' "$documents/$page.md"
-    done
-    for file in "$root"/Docs/Pictures/*.png "$root"/Docs/Schemas/*.json "$root"/Docs/Examples/*.json; do
-        put 644 "$file" "$documents/${file#"$root"/Docs/}"
-    done
-    for file in snip.sh snip.py snip.ps1 snip_Linux.cpp; do
-        put 644 "$root/Examples/$file" "$documents/Programs/$file"
-    done
+    "$root/Scripts/stage-documents.sh" "$documents"
     put 644 "$root/CHANGELOG.md" "$documents/changelog"
     gzip -9n "$documents/changelog"
     write_copyright >"$documents/copyright"

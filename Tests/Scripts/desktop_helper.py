@@ -49,7 +49,7 @@ class Display:
 
     def find_overlay(self):
         """The window of the overlay, once it is shown."""
-        return self.xdotool("search", "--onlyvisible", "--name", r"^SnipBench [0-9.]+$").split()
+        return self.xdotool("search", "--onlyvisible", "--class", "^Orvik::Snipping$").split()
 
     def wait_for_overlay(self):
         return wait_for(self.find_overlay, "overlay")

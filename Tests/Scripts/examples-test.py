@@ -84,6 +84,19 @@ class Example:
             self.assertEqual((result[0], result[1]), (256 - code, ""))
             self.assertTrue(result[2].startswith(name + ": "), result[2])
 
+    def test_program_that_is_not_there(self):
+        if "PowerShell" in type(self).__name__:
+            self.skipTest("PowerShell's own code")
+        code, output, errors = self.run_example(program=self.installed.folder / "nothing")
+        self.assertEqual((code, output), (127, ""))
+        self.assertIn("can't be started", errors)
+
+    def test_no_program(self):
+        if "PowerShell" in type(self).__name__:
+            self.skipTest("PowerShell asks for it")
+        code, output, _ = self.installed.run(*self.command(60, "snipbench")[:-3])
+        self.assertEqual((code, output), (2, ""))
+
     def test_end_of_another_kind(self):
         self.installed.add_tool("stand-in", "#!/bin/sh\nexit 1\n")
         code, output, errors = self.run_example(program="stand-in")

@@ -114,7 +114,7 @@ class Recipes(Pages):
         self.assertEqual(calls, [["set", base, "custom-keybindings", f"['{path}']"],
                                  ["set", f"{base}.custom-keybinding:{path}", "name", "SnipBench"],
                                  ["set", f"{base}.custom-keybinding:{path}", "command", "snipbench -s true"],
-                                 ["set", f"{base}.custom-keybinding:{path}", "binding", "<Shift>Print"]])
+                                 ["set", f"{base}.custom-keybinding:{path}", "binding", "<Control>Print"]])
         self.assert_starts_a_run(calls[2][3])
 
     def test_keys_of_i3_and_sway(self):
