@@ -5,6 +5,7 @@
 #include <X11/extensions/XI2.h>
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <string>
 #include <sys/socket.h>
@@ -73,6 +74,10 @@ bool HostileServer::HasScript()
 
 void HostileServer::Run()
 {
+    // The fuzzer's alarm is for the thread of the inputs: here it would interrupt a call.
+    sigset_t signals;
+    sigfillset(&signals);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     m_client = Systems::FileDescriptor(accept(m_listener.Get(), nullptr, nullptr));
     while (Read())
     {
