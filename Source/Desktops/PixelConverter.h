@@ -16,6 +16,8 @@ struct PixelLayout
     std::uint32_t blueMask = 0;
     std::uint32_t bitsPerPixel = 0; ///< 8, 16, 24 or 32
     bool mostSignificantByteFirst = false;
+
+    bool operator==(const PixelLayout&) const = default;
 };
 
 /// Converts rows of a screen's pixels to blue, green, red and a fourth byte. The least and the greatest value of a
@@ -29,6 +31,9 @@ public:
     /// `source` has `width` pixels, `target` has room for 4 times `width` bytes; they don't overlap. The fourth byte
     /// has no meaning.
     void ConvertRow(const unsigned char* source, std::uint32_t width, unsigned char* target) const;
+
+    /// The layout of the rows that it reads.
+    [[nodiscard]] const PixelLayout& GetLayout() const { return m_layout; }
 
     /// Whether converting a row is a plain copy.
     [[nodiscard]] bool IsCopy() const { return m_isTargetLayout; }

@@ -1,5 +1,6 @@
 #include "Tests/EndToEnd/Installation.h"
 
+#include <cstdlib>
 #include <string_view>
 
 namespace Orvik::Tests
@@ -31,7 +32,8 @@ std::filesystem::path Installation::GetPackage()
 Installation::Installation()
 {
     namespace fs = std::filesystem;
-    const fs::path built = ORVIK_PROGRAM;
+    const char* const other = std::getenv("ORVIK_TEST_PROGRAM");
+    const fs::path built = other != nullptr ? other : ORVIK_PROGRAM;
     const fs::path root = built.parent_path().parent_path().parent_path();
     const fs::path& directory = m_directory.GetPath();
     const fs::path binaries = directory / "Binaries" / "Test";

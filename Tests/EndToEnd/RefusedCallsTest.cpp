@@ -130,6 +130,8 @@ protected:
             return StartWith(options);
         }
         m_environment["LD_PRELOAD"] = ORVIK_REFUSING_LIBRARY;
+        // A program that looks a function up at its first call would put it back there then.
+        m_environment["LD_BIND_NOW"] = "1";
         m_environment["ORVIK_REFUSED"] = MakeRefusal(call);
         if (call.too != nullptr)
             m_environment["ORVIK_REFUSED_TOO"] = std::string(call.too) + " returns 0 0 1 1000000000";

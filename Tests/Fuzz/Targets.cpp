@@ -22,6 +22,7 @@ constexpr std::array s_targets = {
     Target{"ReadGuid", &ReadGuid},
     Target{"UseTool", &UseTool},
     Target{"HearCompositor", &HearCompositor},
+    Target{"HearServer", &HearServer},
 };
 
 } // namespace

@@ -43,6 +43,9 @@ void UseTool(Bytes input);
 // CompositorTarget.cpp
 void HearCompositor(Bytes input);
 
+// ServerTarget.cpp
+void HearServer(Bytes input);
+
 /// Ends the process, with a line on standard error, if something doesn't hold that always has to.
 void Require(bool holds, const char* what);
 

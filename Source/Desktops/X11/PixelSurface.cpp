@@ -144,7 +144,8 @@ bool PixelSurface::Create(NativeWindow window, std::uint32_t width, std::uint32_
         return false;
     XErrorScope errors(display);
     XWindowAttributes attributes = {};
-    if (XGetWindowAttributes(display, ToXWindow(window), &attributes) == 0 || attributes.c_class != InputOutput)
+    if (XGetWindowAttributes(display, ToXWindow(window), &attributes) == 0 || attributes.c_class != InputOutput ||
+        attributes.visual == nullptr)
         return false;
     m_native.reset(new Native(display, ToXWindow(window), attributes, width, height));
     if (!m_native->Prepare() || errors.HasFailed())

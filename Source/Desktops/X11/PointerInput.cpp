@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -14,11 +16,16 @@ namespace
 template <typename Visitor>
 void ForEachValuator(const XIDeviceEvent& event, Visitor visit)
 {
-    const double* value = event.valuators.values;
+    // The library puts them wherever the mask before them ends, which needn't be where a double can be read.
+    const auto* place = reinterpret_cast<const std::byte*>(event.valuators.values);
     for (int valuator = 0; valuator < event.valuators.mask_len * 8; ++valuator)
     {
-        if (XIMaskIsSet(event.valuators.mask, valuator))
-            visit(valuator, *value++);
+        if (!XIMaskIsSet(event.valuators.mask, valuator))
+            continue;
+        double value = 0.0;
+        std::memcpy(&value, place, sizeof(value));
+        place += sizeof(value);
+        visit(valuator, value);
     }
 }
 

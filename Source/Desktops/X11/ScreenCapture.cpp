@@ -137,7 +137,8 @@ int ScreenCapture::Native::CopyScreen(::Display* display)
     image = reader->Read(static_cast<int>(visible.left), static_cast<int>(visible.top),
                          static_cast<unsigned int>(visible.right - visible.left),
                          static_cast<unsigned int>(visible.bottom - visible.top));
-    if (image == nullptr)
+    // In a layout of fewer bytes the rows would end before their pixels.
+    if (image == nullptr || GetLayout(*image) != converter->GetLayout())
         return EIO;
     const bool isDeliverable = IsDeliverable(visible);
     if (!isDeliverable && !ConvertImage(visible))

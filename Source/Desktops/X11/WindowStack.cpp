@@ -72,7 +72,9 @@ bool IsCovered(::Display* display, ::Window window)
         xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
     if (tree == nullptr)
         return false;
-    const std::span<const xcb_window_t> windows(xcb_query_tree_children(tree.get()), tree->children_len); // from below
+    // From below. XCB doesn't hold the count against the answer's length.
+    const std::span<const xcb_window_t> windows(xcb_query_tree_children(tree.get()),
+                                                std::min<std::size_t>(tree->children_len, tree->length));
     const auto own = std::find(windows.begin(), windows.end(), static_cast<xcb_window_t>(window));
     // The window itself first, then those above it.
     const std::vector<xcb_window_t> shown = FindShown(connection, {own, windows.end()});

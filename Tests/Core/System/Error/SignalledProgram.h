@@ -52,7 +52,7 @@ public:
         while (!m_isAsked)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         m_finish();
-        m_returnCode = 5;
+        std::atomic_ref(m_returnCode).store(5); // the signal thread looks for it
     }
 
 private:
