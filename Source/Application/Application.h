@@ -81,6 +81,8 @@ private:
     [[nodiscard]] System::Tools::ToolContext MakeToolContext() const;
     bool OnWindowEvent(const System::Desktop::WindowEvent& event);
     bool OnResult(Graphics::Tools::SnipBench::Result& result);
+    /// False if the files can't be saved.
+    bool SaveAndRemember(Graphics::Tools::SnipBench::Result& result, const SnipFileSettings& settings);
     /// Takes the last selection back. False if there is none.
     bool TakeBack();
     /// Shows a text about files for a second.

@@ -319,14 +319,21 @@ bool Application::OnResult(Graphics::Tools::SnipBench::Result& result)
     const SnipFileSettings settings = MakeFileSettings();
     if (m_annotate)
         result.isKept = SaveAnnotation(result, settings);
-    else if (std::optional<SnipPaths> paths = SaveSnip(result, settings))
-        m_snips.push_back(std::move(*paths));
     else
-        result.isKept = false;
+        result.isKept = SaveAndRemember(result, settings);
     // It is never set again: the run may have been asked to end in the meantime.
     if (m_oneShot)
         m_running = false;
     return !m_oneShot;
+}
+
+// A run of ten thousand selections that can't be taken back takes no more memory than one of ten.
+bool Application::SaveAndRemember(Graphics::Tools::SnipBench::Result& result, const SnipFileSettings& settings)
+{
+    std::optional<SnipPaths> paths = SaveSnip(result, settings);
+    if (paths && m_settings->m_switches.undo)
+        m_snips.push_back(std::move(*paths));
+    return paths.has_value();
 }
 
 bool Application::TakeBack()

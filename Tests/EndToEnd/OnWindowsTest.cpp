@@ -61,7 +61,8 @@ TEST_F(OnWindows, ThePackageRunsBelowAPathWithBlanksAndLettersOfAllKinds)
     const ChildOptions unpack = {"cmake", {"-E", "tar", "xf", Installation::GetPackage()}, {}, folder};
     ASSERT_EQ(StartWith(unpack).Wait(s_endLimit).exitCode, 0);
     const fs::path unpacked = ListFiles(folder).front();
-    for (const char* const name : {"Readme.txt", "License.txt", "Licenses/FreeType.txt", "Resources", "Docs/UserGuide.md"})
+    for (const char* const name :
+         {"Readme.txt", "License.txt", "Licenses/FreeType.txt", "Resources", "Docs/UserGuide.md"})
         EXPECT_TRUE(fs::exists(unpacked / name)) << name;
     const std::string picture = (folder / "pictur\xC3\xA9.png").string();
     SavePng(m_picture, picture);
