@@ -44,9 +44,10 @@ protected:
     {
         long residentBytes = 0;
         std::size_t descriptors = 0;
+        unsigned int serverResources = 0;
     };
 
-    [[nodiscard]] static Use GetUse(const ChildProcess& process)
+    [[nodiscard]] Use GetUse(const ChildProcess& process) const
     {
         const fs::path folder = "/proc/" + std::to_string(process.GetId());
         std::istringstream text(ReadText(folder / "statm"));
@@ -54,7 +55,8 @@ protected:
         long resident = 0;
         text >> total >> resident;
         const auto descriptors = std::distance(fs::directory_iterator(folder / "fd"), fs::directory_iterator());
-        return {resident * sysconf(_SC_PAGESIZE), static_cast<std::size_t>(descriptors)};
+        return {resident * sysconf(_SC_PAGESIZE), static_cast<std::size_t>(descriptors),
+                m_overlay->CountServerResources()};
     }
 
     /// A person may work at once: nothing is grabbed, and no overlay is in the way.
@@ -141,8 +143,10 @@ TEST_F(Endurance, ManySnipsInOneRunTakeNoMore)
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
     EXPECT_EQ(after.descriptors, before.descriptors);
     EXPECT_LE(after.residentBytes - before.residentBytes, 1'500'000);
+    EXPECT_GT(before.serverResources, 0U);
+    EXPECT_EQ(after.serverResources, before.serverResources);
     std::cout << snips << " snips: " << (after.residentBytes - before.residentBytes) / 1024 << " KiB more, "
-              << after.descriptors << " descriptors\n";
+              << after.descriptors << " descriptors, " << after.serverResources << " resources of the server\n";
     for (const SnipFiles& snip : files)
     {
         const Picture picture = LoadPng(snip.image);
@@ -183,8 +187,10 @@ TEST_F(Endurance, AThousandInputsASecondAreTaken)
     MoveTo({100, 75}); // the crosshair comes after all of it
     const Use after = GetUse(process);
     EXPECT_EQ(after.descriptors, before.descriptors);
+    EXPECT_EQ(after.serverResources, before.serverResources);
     EXPECT_LE(after.residentBytes - before.residentBytes, 8'000'000);
-    std::cout << inputs << " inputs: " << (after.residentBytes - before.residentBytes) / 1024 << " KiB more\n";
+    std::cout << inputs << " inputs: " << (after.residentBytes - before.residentBytes) / 1024 << " KiB more, "
+              << after.serverResources << " resources of the server\n";
     ExpectAnswer(EndByEscape(process), 0, Answer::Success);
 }
 

@@ -55,6 +55,9 @@ public:
     /// What the screen of a compositor shows without the overlay from now on.
     void SetGround(Picture ground) { m_ground = std::move(ground); }
 
+    /// Of X servers alone: how many things the server keeps for the overlay's process; 0 if it doesn't say.
+    [[nodiscard]] unsigned int CountServerResources() const;
+
     /// Of X servers alone: asks the overlay to close, as a window manager does.
     void AskToClose() const;
 

@@ -1,6 +1,7 @@
 #include "Tests/Support/Desktop/OverlayWatcher.h"
 
 #include "Tests/Support/Desktop/CompositorClient.h"
+#include "Tests/Support/Desktop/ServerResources.h"
 #include "Tests/Support/Desktop/XSession.h"
 
 #include <algorithm>
@@ -158,6 +159,12 @@ void OverlayWatcher::AskToClose() const
     request.xclient.data.l[0] = static_cast<long>(XInternAtom(m_session->GetDisplay(), "WM_DELETE_WINDOW", False));
     XSendEvent(m_session->GetDisplay(), request.xclient.window, False, NoEventMask, &request);
     m_session->Synchronize();
+}
+
+unsigned int OverlayWatcher::CountServerResources() const
+{
+    State state = State::Missing;
+    return Tests::CountServerResources(*m_session, FindWindow(state));
 }
 
 Area OverlayWatcher::GetVisiblePart() const
