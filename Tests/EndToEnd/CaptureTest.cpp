@@ -144,8 +144,12 @@ public:
         return -1;
     }
 
-    /// When the picture of that number went, if it did.
-    [[nodiscard]] Clock::time_point GetEnd(int number) const { return m_begins.at(static_cast<std::size_t>(number)); }
+    /// When the picture of that number went; the last one is still there.
+    [[nodiscard]] Clock::time_point GetEnd(int number) const
+    {
+        const auto index = static_cast<std::size_t>(number);
+        return index < m_begins.size() ? m_begins[index] : Clock::time_point::max();
+    }
 
     static constexpr int Width = 32;
     static constexpr int Height = 16;
