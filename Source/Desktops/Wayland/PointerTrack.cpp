@@ -38,22 +38,42 @@ bool PointerAxis::IsAtEdge(double place) const
     return place <= 0.0 || place >= m_units - 1.0;
 }
 
+double PointerAxis::Read(double place)
+{
+    if (place >= m_units)
+        m_raise = 2.0 * s_grain;
+    else if (place <= 0.0)
+        m_raise = 0.0;
+    return place - m_raise;
+}
+
 void PointerAxis::Enter(double place)
 {
-    m_place = place;
+    m_raise = 0.0;
+    m_place = Read(place);
     m_offset = 0.0;
     m_excess = 0.0;
-    m_own = Clamp(place * m_scale);
+    m_own = Clamp(m_place * m_scale);
 }
 
 void PointerAxis::Attach(double place)
 {
-    m_place = place;
+    m_place = Read(place);
+    KeepDistance();
+}
+
+void PointerAxis::KeepDistance()
+{
     m_excess = 0.0;
     m_offset = m_own - m_place * m_scale;
 }
 
 void PointerAxis::Move(double place, const std::optional<double>& relative)
+{
+    Go(Read(place), relative);
+}
+
+void PointerAxis::Go(double place, const std::optional<double>& relative)
 {
     const double way = place - m_place;
     const double excess = relative ? GetExcess(*relative, way) * m_scale : 0.0;
@@ -79,13 +99,13 @@ void PointerAxis::Move(double place, const std::optional<double>& relative)
 void PointerAxis::Push(double way)
 {
     if (way < 0.0 ? m_place <= 0.0 : m_place >= m_units - 1.0)
-        Move(m_place, way);
+        Go(m_place, way);
 }
 
 void PointerAxis::Place(std::int32_t pixel)
 {
     m_own = std::clamp(pixel, 0, static_cast<std::int32_t>(m_pixels) - 1) + 0.5;
-    Attach(m_place);
+    KeepDistance();
 }
 
 std::int32_t PointerAxis::GetPixel() const

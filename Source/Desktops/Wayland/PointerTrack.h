@@ -35,6 +35,12 @@ public:
 
 private:
     [[nodiscard]] double Clamp(double coordinate) const;
+    /// The place that the compositor means by the one that it reports. At the far edge the pointer is held up a trifle
+    /// before the end, which some report rounded up to the end itself; and so each place from there on.
+    [[nodiscard]] double Read(double place);
+    void Go(double place, const std::optional<double>& relative);
+    /// The own one is where the program has put it, and the compositor's stays where it is.
+    void KeepDistance();
     [[nodiscard]] bool IsAtEdge(double place) const;
 
     std::uint32_t m_pixels = 1;
@@ -43,6 +49,7 @@ private:
     double m_place = 0.0;  ///< the compositor's, units
     double m_own = 0.0;    ///< pixels
     double m_offset = 0.0; ///< from the compositor's to the own one, pixels
+    double m_raise = 0.0;  ///< what the compositor's are rounded up by, units
     double m_excess = 0.0; ///< how far it has gone on while the compositor's was held up, pixels
 };
 
