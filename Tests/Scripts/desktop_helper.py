@@ -49,7 +49,9 @@ class Display:
 
     def find_overlay(self):
         """The window of the overlay, once it is shown."""
-        return self.xdotool("search", "--onlyvisible", "--class", "^Orvik::Snipping$").split()
+        # OpenGL puts its version into the window's title, and Wine the program's name for its class.
+        return (self.xdotool("search", "--onlyvisible", "--class", "^Orvik::Snipping$").split() or
+                self.xdotool("search", "--onlyvisible", "--name", r"^SnipBench [0-9.]+$").split())
 
     def wait_for_overlay(self):
         return wait_for(self.find_overlay, "overlay")
