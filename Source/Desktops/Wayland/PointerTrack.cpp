@@ -40,7 +40,7 @@ bool PointerAxis::IsAtEdge(double place) const
 
 double PointerAxis::Read(double place)
 {
-    if (place >= m_units)
+    if (place > m_units - 2.0 * s_grain)
         m_raise = 2.0 * s_grain;
     else if (place <= 0.0)
         m_raise = 0.0;

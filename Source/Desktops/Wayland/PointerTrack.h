@@ -35,8 +35,8 @@ public:
 
 private:
     [[nodiscard]] double Clamp(double coordinate) const;
-    /// The place that the compositor means by the one that it reports. At the far edge the pointer is held up a trifle
-    /// before the end, which some report rounded up to the end itself; and so each place from there on.
+    /// The place that the compositor means by the one that it reports. At the far edge some hold the pointer up a trifle
+    /// before the end, or report that rounded up to the end itself; and so each place from there on.
     [[nodiscard]] double Read(double place);
     void Go(double place, const std::optional<double>& relative);
     /// The own one is where the program has put it, and the compositor's stays where it is.

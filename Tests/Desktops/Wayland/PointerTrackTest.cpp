@@ -186,22 +186,25 @@ TEST(PointerTrack, AWayAloneMovesNothingAwayFromTheEdges)
     EXPECT_EQ(track.GetPixel(), (Point{0, 250}));
 }
 
-// The pointer is held up a trifle before the end, which is rounded to the end; the places on the way back are as well.
+// The pointer is held up a trifle before the end, or that is rounded to the end; the places on the way back are as well.
 TEST(PointerTrack, FromAnEdgeThatIsRoundedUpItGoesBackByPixels)
 {
-    PointerTrack track;
-    track.SetSpace({800, 600}, {800, 600});
-    track.Enter({760.0, 570.0});
-    track.Move({800.0, 600.0}, SurfaceVector{300.0, 300.0});
-    EXPECT_EQ(track.GetPixel(), (Point{799, 599}));
-    track.Place({798, 598});
-    track.Push({3.0, 3.0});
-    EXPECT_EQ(track.GetPixel(), (Point{799, 599}));
-    track.Move({799.0, 599.0}, SurfaceVector{-1.0, -1.0});
-    EXPECT_EQ(track.GetPixel(), (Point{798, 598}));
-    track.Move({0.0, 0.0}, SurfaceVector{-900.0, -900.0});
-    track.Move({7.0, 5.0}, SurfaceVector{7.0, 5.0});
-    EXPECT_EQ(track.GetPixel(), (Point{7, 5})) << "there it begins anew";
+    for (const double trifle : {0.0, 1.0 / 256.0})
+    {
+        PointerTrack track;
+        track.SetSpace({800, 600}, {800, 600});
+        track.Enter({760.0, 570.0});
+        track.Move({800.0 - trifle, 600.0 - trifle}, SurfaceVector{300.0, 300.0});
+        EXPECT_EQ(track.GetPixel(), (Point{799, 599}));
+        track.Place({798, 598});
+        track.Push({3.0, 3.0});
+        EXPECT_EQ(track.GetPixel(), (Point{799, 599}));
+        track.Move({799.0 - trifle, 599.0 - trifle}, SurfaceVector{-1.0, -1.0});
+        EXPECT_EQ(track.GetPixel(), (Point{798, 598})) << trifle;
+        track.Move({0.0, 0.0}, SurfaceVector{-900.0, -900.0});
+        track.Move({7.0, 5.0}, SurfaceVector{7.0, 5.0});
+        EXPECT_EQ(track.GetPixel(), (Point{7, 5})) << "there it begins anew";
+    }
 }
 
 TEST(PointerTrack, WhatItHasGoneOnIsKeptOnTheWayBack)
