@@ -35,7 +35,7 @@ public:
 
 private:
     [[nodiscard]] double Clamp(double coordinate) const;
-    /// The place that the compositor means by the one that it reports. At the far edge some hold the pointer up a trifle
+    /// The place that the compositor means by the one that it reports. At the far edge some hold the pointer up just
     /// before the end, or report that rounded up to the end itself; and so each place from there on.
     [[nodiscard]] double Read(double place);
     void Go(double place, const std::optional<double>& relative);

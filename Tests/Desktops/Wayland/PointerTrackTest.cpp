@@ -186,7 +186,7 @@ TEST(PointerTrack, AWayAloneMovesNothingAwayFromTheEdges)
     EXPECT_EQ(track.GetPixel(), (Point{0, 250}));
 }
 
-// The pointer is held up a trifle before the end, or that is rounded to the end; the places on the way back are as well.
+// The pointer is held up just before the end, or that is rounded to the end; the places on the way back are as well.
 TEST(PointerTrack, FromAnEdgeThatIsRoundedUpItGoesBackByPixels)
 {
     for (const double trifle : {0.0, 1.0 / 256.0})
