@@ -1,5 +1,5 @@
-// The order of a run. It is in this layer because a run begins and ends with folders above the `Application`: threads,
-// processes, error handling.
+// The order of a run. It is in this layer because a run begins and ends with threads, processes and error handling, and
+// some of those need the framework's `Application` in turn.
 #include "Core/System/Error/ErrorHandling.h"
 #include "Core/System/Error/Exception.h"
 #include "Core/System/Log/Log.h"

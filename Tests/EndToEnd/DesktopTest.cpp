@@ -3,26 +3,11 @@
 #include "Tests/Support/Desktop/OverlaySteps.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <sys/stat.h>
 #include <thread>
 
 namespace Orvik::Tests
 {
-namespace
-{
-
-/// 0 if it doesn't say it in the usual way.
-int ReadWineVersion()
-{
-    constexpr std::chrono::seconds limit(60);
-    const std::string beginning = "wine-";
-    ChildProcess process({"wine", {"--version"}, MakeEnvironment({}), "."});
-    const std::string text = process.Wait(limit).standardOutput;
-    return text.starts_with(beginning) ? std::atoi(text.c_str() + beginning.size()) : 0;
-}
-
-} // namespace
 
 DesktopTest::DesktopTest(int width, int height) : m_size{width, height}
 {
@@ -32,9 +17,8 @@ DesktopTest::DesktopTest(int width, int height) : m_size{width, height}
 void DesktopTest::SetUp()
 {
     constexpr int firstThatCuts = 10;
-    static const int s_version = Installation::IsForWindows() ? ReadWineVersion() : 0;
-    if (s_version >= firstThatCuts)
-        GTEST_SKIP() << "Wine " << s_version << " cuts windows to the screen, so that an overlay is a row too low.";
+    if (const int version = Installation::GetWineVersion(); version >= firstThatCuts)
+        GTEST_SKIP() << "Wine " << version << " cuts windows to the screen, so that an overlay is a row too low.";
 }
 
 DesktopTest::~DesktopTest()

@@ -1,5 +1,6 @@
 #include "Tests/EndToEnd/Installation.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <string_view>
 
@@ -12,11 +13,27 @@ namespace
 constexpr std::string_view s_wine = ORVIK_WINE;
 constexpr std::string_view s_launcher = ORVIK_LAUNCHER;
 
+/// 0 if it doesn't say it in the usual way.
+int ReadWineVersion()
+{
+    constexpr std::chrono::seconds limit(60);
+    const std::string beginning = "wine-";
+    ChildProcess process({"wine", {"--version"}, MakeEnvironment({}), "."});
+    const std::string text = process.Wait(limit).standardOutput;
+    return text.starts_with(beginning) ? std::atoi(text.c_str() + beginning.size()) : 0;
+}
+
 } // namespace
 
 bool Installation::IsForWindows()
 {
     return !s_wine.empty();
+}
+
+int Installation::GetWineVersion()
+{
+    static const int s_version = IsForWindows() ? ReadWineVersion() : 0;
+    return s_version;
 }
 
 std::filesystem::path Installation::GetLauncher()

@@ -19,6 +19,8 @@ public:
 
     /// Whether the program is one for Windows, which runs under Wine.
     [[nodiscard]] static bool IsForWindows();
+    /// The first number of Wine's version; 0 for a native program, or if it can't be asked.
+    [[nodiscard]] static int GetWineVersion();
 
     [[nodiscard]] const std::filesystem::path& GetProgram() const { return m_program; }
     /// How the program is started in its working directory with its home; the environment is left to the caller.
