@@ -2,6 +2,7 @@
 #include "Core/System/Desktop/PixelSurface.h"
 #include "Core/System/Desktop/Window.h"
 #include "Desktops/Wayland/WaylandDesktop.h"
+#include "Tests/Fuzz/Receive.h"
 #include "Tests/Fuzz/Targets.h"
 #include "Tests/Support/NullDesktop.h"
 
@@ -103,25 +104,8 @@ private:
     /// False if the program has gone.
     bool Read()
     {
-        std::array<char, 4096> bytes = {};
-        std::array<char, CMSG_SPACE(28 * sizeof(int))> control = {};
-        iovec part = {bytes.data(), bytes.size()};
-        msghdr header = {};
-        header.msg_iov = &part;
-        header.msg_iovlen = 1;
-        header.msg_control = control.data();
-        header.msg_controllen = control.size();
-        const ssize_t count = recvmsg(m_socket, &header, MSG_CMSG_CLOEXEC | MSG_DONTWAIT);
-        if (count <= 0)
+        if (!Receive(m_socket, MSG_DONTWAIT, m_requests))
             return false;
-        for (cmsghdr* each = CMSG_FIRSTHDR(&header); each != nullptr; each = CMSG_NXTHDR(&header, each))
-            for (std::size_t place = 0; CMSG_LEN(place + sizeof(int)) <= each->cmsg_len; place += sizeof(int))
-            {
-                int descriptor = -1;
-                std::memcpy(&descriptor, CMSG_DATA(each) + place, sizeof(int));
-                close(descriptor);
-            }
-        m_requests.insert(m_requests.end(), bytes.data(), bytes.data() + count);
         while (TakeRequest())
         {
         }
@@ -248,7 +232,7 @@ private:
 
     int m_socket;
     Reader m_script;
-    std::vector<char> m_requests;
+    std::vector<std::uint8_t> m_requests;
     std::vector<std::uint32_t> m_said; ///< and not yet sent
     std::uint32_t m_registry = 2;
     std::uint32_t m_names = 0;

@@ -1,10 +1,11 @@
 #include "Tests/Fuzz/HostileServer.h"
 
+#include "Tests/Fuzz/Receive.h"
+
 #include <X11/X.h>
 #include <X11/Xproto.h>
 #include <X11/extensions/XI2.h>
 #include <algorithm>
-#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -32,17 +33,6 @@ Systems::FileDescriptor Listen(int display)
                 listen(listener.Get(), 1) == 0,
             "a server can listen");
     return listener;
-}
-
-void CloseDescriptors(msghdr& header)
-{
-    for (cmsghdr* each = CMSG_FIRSTHDR(&header); each != nullptr; each = CMSG_NXTHDR(&header, each))
-        for (std::size_t place = 0; CMSG_LEN(place + sizeof(int)) <= each->cmsg_len; place += sizeof(int))
-        {
-            int descriptor = -1;
-            std::memcpy(&descriptor, CMSG_DATA(each) + place, sizeof(int));
-            close(descriptor);
-        }
 }
 
 } // namespace
@@ -79,7 +69,7 @@ void HostileServer::Run()
     sigfillset(&signals);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     m_client = Systems::FileDescriptor(accept(m_listener.Get(), nullptr, nullptr));
-    while (Read())
+    while (Receive(m_client.Get(), 0, m_heard))
     {
         const std::lock_guard lock(m_mutex);
         if (!m_isSetUp && !TakeSetup())
@@ -92,24 +82,6 @@ void HostileServer::Run()
 }
 
 /// False if the program has gone.
-bool HostileServer::Read()
-{
-    std::array<char, 65536> bytes = {};
-    std::array<char, CMSG_SPACE(16 * sizeof(int))> control = {};
-    iovec part = {bytes.data(), bytes.size()};
-    msghdr header = {};
-    header.msg_iov = &part;
-    header.msg_iovlen = 1;
-    header.msg_control = control.data();
-    header.msg_controllen = control.size();
-    const ssize_t count = recvmsg(m_client.Get(), &header, MSG_CMSG_CLOEXEC);
-    if (count <= 0)
-        return false;
-    CloseDescriptors(header);
-    m_heard.insert(m_heard.end(), bytes.data(), bytes.data() + count);
-    return true;
-}
-
 bool HostileServer::TakeSetup()
 {
     const XRequest setup(m_heard);

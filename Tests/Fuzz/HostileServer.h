@@ -50,7 +50,6 @@ private:
     };
 
     void Run();
-    [[nodiscard]] bool Read();
     [[nodiscard]] bool TakeSetup();
     [[nodiscard]] bool TakeRequest();
     void Handle(const XRequest& request);

@@ -51,10 +51,7 @@ public:
     template <typename Value>
     [[nodiscard]] Value Get(std::size_t place) const
     {
-        Value value = 0;
-        if (place + sizeof(value) <= m_bytes.size())
-            std::memcpy(&value, &m_bytes[place], sizeof(value));
-        return value;
+        return ReadValue<Value>(m_bytes, place);
     }
     [[nodiscard]] std::string GetText(std::size_t place, std::size_t bytes) const;
 

@@ -3,10 +3,21 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <vector>
 
 namespace Orvik::Fuzz
 {
+
+/// A value in the order of bytes of this machine; 0 if it ends beyond the bytes.
+template <typename Value>
+[[nodiscard]] Value ReadValue(std::span<const std::uint8_t> bytes, std::size_t place)
+{
+    Value value = 0;
+    if (place + sizeof(value) <= bytes.size())
+        std::memcpy(&value, &bytes[place], sizeof(value));
+    return value;
+}
 
 /// An answer, an error or an event of an X server, in the order of bytes of this machine. Its size is a multiple of
 /// four and at least 32.
@@ -24,10 +35,7 @@ public:
     template <typename Value>
     [[nodiscard]] Value Get(std::size_t place) const
     {
-        Value value = 0;
-        if (place + sizeof(value) <= m_bytes.size())
-            std::memcpy(&value, &m_bytes[place], sizeof(value));
-        return value;
+        return ReadValue<Value>(m_bytes, place);
     }
     template <typename Value>
     void Set(std::size_t place, Value value)

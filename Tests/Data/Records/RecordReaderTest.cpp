@@ -143,6 +143,7 @@ TEST(RecordReader, WhatIsNoFileOfTheProgramIsRefused)
     EXPECT_THAT(FindIn(std::string("{}\0", 3)), ElementsAre(HasSubstr("zero byte")));
     EXPECT_THAT(FindIn("{\"annotations\": 5}"), ElementsAre(HasSubstr("schema")));
     EXPECT_THAT(FindIn("{\"a\": [{\"b\": 1, \"b\": 2}]}"), ElementsAre("a member is there twice"));
+    EXPECT_THAT(FindIn("{\"a\": \"\xC3\"}"), ElementsAre("has a text that isn't UTF-8"));
 }
 
 TEST(RecordReader, DepthHasAnEnd)
