@@ -153,6 +153,9 @@ install_protocols()
 if ! has_font && ! command -v npm >/dev/null; then
     packages+=(npm)
 fi
+if ! has_protocols; then
+    packages+=(bzip2 xz-utils) # what its archives are packed with
+fi
 require_packages "${packages[@]}"
 has_font || install_font
 has_protocols || install_protocols
