@@ -87,8 +87,8 @@ private:
     bool TakeBack();
     /// Shows a text about files for a second.
     void ShowMessage(const std::string& text);
-    /// Moves the time of texts on that disappear by themselves, in nanoseconds.
-    void TickTexts(std::int64_t elapsed);
+    /// Moves the time of texts that disappear by themselves on to now.
+    void TickTexts();
     /// When the first of them disappears, in nanoseconds from now; less than 0 if there is none.
     [[nodiscard]] std::int64_t GetTextTime() const;
     /// How files are written. Paths are shown if there is an overlay.
@@ -121,6 +121,7 @@ private:
     const SnipBenchConfig* m_settings = nullptr; ///< what the configuration says; the configuration cache's
     std::vector<SnipPaths> m_snips;              ///< what was saved and can be taken back, oldest first
     std::int64_t m_lastFrame = 0;                ///< when the last frame was drawn, nanoseconds of the monotonic clock
+    std::int64_t m_textTime = 0;                 ///< until when the time of texts has been counted, the same
     System::Threads::WakeSignal m_wake;          ///< ends a wait when the run is asked to end
     std::mutex m_delayMutex;
     std::condition_variable m_delayCondition; ///< ends a delay when the run is asked to end

@@ -198,14 +198,12 @@ void Application::StartTool(Graphics::Tools::SnipBench::Parameters parameters)
 void Application::RunFrameLoop()
 {
     m_hasStarted = true;
-    std::int64_t time = System::Time::GetMonotonicNanoseconds();
+    m_textTime = System::Time::GetMonotonicNanoseconds();
     while (m_running)
     {
         const std::int64_t now = System::Time::GetMonotonicNanoseconds();
-        const std::int64_t elapsed = now - time;
-        time = now;
         m_window->Update();
-        TickTexts(elapsed);
+        TickTexts();
         if (const std::int64_t wait = FinishFrame(now); wait != 0)
             m_window->WaitForMessage(wait, m_wake);
     }
@@ -357,16 +355,20 @@ SnipFileSettings Application::MakeFileSettings()
     return settings;
 }
 
+// The time before it doesn't count: the loop may have waited for long, and saving takes its time.
 void Application::ShowMessage(const std::string& text)
 {
+    TickTexts();
     if (m_settings->m_switches.contrast)
         ShowSavedPath(text, m_savedPathLabel, m_savedPathEdge, m_renderer);
     else
         ShowSavedPath(text, m_savedPathLabel, m_renderer);
 }
 
-void Application::TickTexts(std::int64_t elapsed)
+void Application::TickTexts()
 {
+    const std::int64_t now = System::Time::GetMonotonicNanoseconds();
+    const std::int64_t elapsed = now - std::exchange(m_textTime, now);
     if (m_savedPathLabel.Tick(elapsed, m_renderer))
         m_savedPathEdge.Hide(m_renderer.GetTextRenderer());
     m_hints.Tick(elapsed, m_renderer);

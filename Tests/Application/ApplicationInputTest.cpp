@@ -125,6 +125,52 @@ TEST_F(ApplicationInput, PermissionIsThereAndTheRunGoesOn)
     EXPECT_EQ(ListFiles(output.GetPath()).size(), 2U);
 }
 
+// A person who aims holds the mouse still, and the loop waits.
+TEST_F(ApplicationInput, ThePathIsShownForASecondHoweverLongTheLoopHasWaitedBefore)
+{
+    using Clock = std::chrono::steady_clock;
+    constexpr std::size_t width = 800;
+    constexpr std::size_t height = 600;
+    desktop.displays.clear();
+    AddDisplay(0, 0, width, height);
+    desktop.hasGraphicsCard = false;
+    UseOutput();
+    Move({10, 20});
+    Button(1, true);
+    Move({110, 70});
+    // Right of the pointer, in the lower part: nothing but the path is there.
+    const auto readBand = [this]
+    {
+        std::vector<std::uint32_t> band;
+        for (std::size_t y = height * 3 / 4; y < height && desktop.shownPixels.size() == width * height; ++y)
+        {
+            const auto row = desktop.shownPixels.begin() + static_cast<std::ptrdiff_t>(y * width);
+            band.insert(band.end(), row + width / 4, row + width);
+        }
+        return band;
+    };
+    std::vector<std::uint32_t> empty;
+    std::vector<bool> isShown;
+    Clock::time_point release;
+    desktop.onWait = [&]
+    {
+        if (empty.empty() && !readBand().empty())
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+            empty = readBand();
+            release = Clock::now();
+            Button(1, false);
+        }
+        if (empty.empty() || Clock::now() < release + std::chrono::milliseconds(isShown.empty() ? 200 : 1500))
+            return;
+        isShown.push_back(readBand() != empty);
+        if (isShown.size() == 2)
+            Escape();
+    };
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(isShown, testing::ElementsAre(true, false));
+}
+
 TEST_F(ApplicationInput, WithoutAnOutputDirectoryFilesGoBelowTheRoot)
 {
     const std::filesystem::path folder = Tests::GetOwnProgram().parent_path() / ".temp";
