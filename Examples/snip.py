@@ -4,7 +4,8 @@
     snip.py [-l SECONDS] PROGRAM [options of SnipBench]
 
 Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-passed; with 127 if the program can't be started, 2 if none is named; else as SnipBench did. The image stays in a new temporary folder.
+passed; with 127 if the program can't be started, 2 if none is named; else as SnipBench did. The image stays in a new
+temporary folder.
 """
 import json
 import os

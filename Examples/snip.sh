@@ -4,13 +4,18 @@
 #   snip.sh [-l SECONDS] PROGRAM [options of SnipBench]
 #
 # Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-# passed; with 127 if the program can't be started; else as SnipBench did. The image stays in a new folder below TMPDIR.
+# passed; with 127 if the program can't be started, 2 if none is named; else as SnipBench did. The image stays in a new
+# folder below TMPDIR.
 set -eu
 
 limit=60
 if [ "${1:-}" = -l ]; then
     limit=$2
     shift 2
+fi
+if [ $# -eq 0 ]; then
+    echo "usage: $0 [-l SECONDS] PROGRAM [options of SnipBench]" >&2
+    exit 2
 fi
 program=$1
 shift

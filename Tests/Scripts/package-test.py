@@ -21,8 +21,8 @@ PROGRAM = ROOT / sys.argv.pop(1)
 METADATA = "usr/share/metainfo/invalid.orvik.snipbench.metainfo.xml"
 
 
-def run(*command, **options):
-    return subprocess.run(command, capture_output=True, text=True, timeout=LIMIT, check=False, **options)
+def run(*command, timeout=LIMIT, **options):
+    return subprocess.run(command, capture_output=True, text=True, timeout=timeout, check=False, **options)
 
 
 class Package(unittest.TestCase):
@@ -44,7 +44,7 @@ class Package(unittest.TestCase):
 
     @classmethod
     def make(cls, script):
-        result = run(ROOT / "Scripts" / script)
+        result = run(ROOT / "Scripts" / script, timeout=2 * LIMIT)  # it compresses all that is installed
         if result.returncode != 0:
             raise RuntimeError(result.stderr)
         return Path(result.stdout.strip())

@@ -143,7 +143,7 @@ public:
         if (!text)
             picture.error = "can't be read, or is larger than 16 MiB";
         else if (!size)
-            picture.error = "its picture is neither PNG nor BMP";
+            picture.error = "its picture is no PNG or BMP file that can be read";
         else
             ReadLines(*text, *size, picture);
         return picture;

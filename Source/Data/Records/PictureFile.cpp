@@ -18,7 +18,7 @@ namespace
 
 using System::Multimedia::Bitmap;
 
-constexpr std::size_t s_headBytes = 33; ///< a PNG's signature and first chunk; a BMP's sizes stand within them
+constexpr std::size_t s_headBytes = 34; ///< within them are a PNG's signature and first chunk, a BMP's size and kind
 using Head = std::array<std::uint8_t, s_headBytes>;
 
 constexpr std::array<std::uint8_t, 8> s_pngSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
@@ -44,6 +44,33 @@ bool IsPng(const Head& head)
            std::memcmp(head.data() + type, "IHDR", 4) == 0;
 }
 
+bool IsSide(std::int64_t side)
+{
+    return side >= 1 && side <= std::numeric_limits<std::uint16_t>::max();
+}
+
+/// Of a BMP file that a `Bitmap` reads right: with a BITMAPINFOHEADER, the pixels directly after it, and all rows. Of
+/// another one a `Bitmap` takes the pixels from a wrong place, and doesn't notice those that are missing.
+std::optional<PictureHeader> ReadBmpHeader(const Head& head, std::uintmax_t fileBytes)
+{
+    constexpr std::int32_t informationHeaderBytes = 40;
+    constexpr std::int32_t headerBytes = 14 + informationHeaderBytes;
+    const auto read = [&head](std::size_t place) { return ReadLittleEndian(head.data() + place); };
+    const bool isPlain = head[0] == 'B' && head[1] == 'M' && read(10) == headerBytes &&
+                         read(14) == informationHeaderBytes && read(30) == 0; // not compressed
+    const std::int64_t width = read(18);
+    const std::int64_t height = std::abs(std::int64_t{read(22)}); // negative: the rows come from the top
+    const int bits = head[28] | head[29] << 8;
+    if (!isPlain || !IsSide(width) || !IsSide(height) || (bits != 24 && bits != 32))
+        return std::nullopt;
+    const std::int64_t stride = width * bits / 8;
+    const std::int64_t paddedStride = (stride + 3) / 4 * 4;
+    const std::int64_t leastBytes = headerBytes + paddedStride * (height - 1) + stride;
+    if (fileBytes < static_cast<std::uintmax_t>(leastBytes))
+        return std::nullopt;
+    return PictureHeader{static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), false};
+}
+
 System::Text::File OpenRegular(const std::filesystem::path& path)
 {
     std::error_code error;
@@ -60,9 +87,12 @@ std::optional<Head> ReadHead(std::FILE& file)
     return head;
 }
 
-/// Whether a chunk of that type stands ahead of the pixels. The file stands after its head.
+/// Whether a chunk of that type is between a PNG's first one and the pixels.
 bool HasChunk(std::FILE& file, std::string_view type)
 {
+    constexpr long firstChunkEnd = 33;
+    if (std::fseek(&file, firstChunkEnd, SEEK_SET) != 0)
+        return false;
     std::array<std::uint8_t, s_chunkHeadBytes> chunk = {};
     while (std::fread(chunk.data(), 1, chunk.size(), &file) == chunk.size())
     {
@@ -111,26 +141,23 @@ std::optional<PictureHeader> ReadPictureHeader(const std::filesystem::path& path
     const std::optional<Head> head = file != nullptr ? ReadHead(*file) : std::nullopt;
     if (!head)
         return std::nullopt;
-    constexpr std::int64_t maximum = std::numeric_limits<std::uint16_t>::max();
-    std::int64_t width = 0;
-    std::int64_t height = 0;
-    if (IsPng(*head))
+    if (!IsPng(*head))
     {
-        width = ReadBigEndian(head->data() + 16);
-        height = ReadBigEndian(head->data() + 20);
+        std::error_code error;
+        const std::uintmax_t bytes = std::filesystem::file_size(path, error);
+        return error ? std::nullopt : ReadBmpHeader(*head, bytes);
     }
-    else if ((*head)[0] == 'B' && (*head)[1] == 'M')
-    {
-        width = ReadLittleEndian(head->data() + 18);
-        height = std::abs(std::int64_t{ReadLittleEndian(head->data() + 22)}); // negative: the rows come from the top
-    }
-    if (width < 1 || width > maximum || height < 1 || height > maximum)
+    const std::int64_t width = ReadBigEndian(head->data() + 16);
+    const std::int64_t height = ReadBigEndian(head->data() + 20);
+    if (!IsSide(width) || !IsSide(height))
         return std::nullopt;
-    return PictureHeader{static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), IsPng(*head)};
+    return PictureHeader{static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), true};
 }
 
 std::optional<Bitmap> LoadPicture(const std::filesystem::path& path)
 {
+    if (path.extension() == ".bmp" && !ReadPictureHeader(path))
+        return std::nullopt;
     Bitmap picture;
     if (!picture.Load(System::Text::PathToUtf8(path)) || picture.GetWidth() == 0 || picture.GetHeight() == 0)
         return std::nullopt;

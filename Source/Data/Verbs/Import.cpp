@@ -81,7 +81,7 @@ public:
         const bool isOfSize = header && (picture.width == 0 || picture.width == header->width) &&
                               (picture.height == 0 || picture.height == header->height);
         if (picture.error.empty() && !header)
-            picture.error = "its picture isn't there, or neither PNG nor BMP";
+            picture.error = "its picture isn't there, or is no PNG or BMP file that can be read";
         else if (picture.error.empty() && !isOfSize)
             picture.error = "its picture has another size than it says";
         Imported imported;

@@ -112,6 +112,32 @@ TEST_F(PictureFileTest, ADamagedPictureIsntLoaded)
     EXPECT_FALSE(LoadPicture(m_png));
 }
 
+// A bitmap would take the pixels from a wrong place, or not miss any.
+TEST_F(PictureFileTest, ABmpOfAnotherKindIsNone)
+{
+    ASSERT_TRUE(MakeSample(24).SaveBmp(System::Text::PathToUtf8(m_bmp)));
+    const Tests::Bytes file = Tests::ReadBytes(m_bmp);
+    constexpr std::size_t pixels = 10; // where they begin
+    constexpr std::size_t header = 14; // its size
+    constexpr std::size_t bits = 28;
+    constexpr std::size_t compression = 30;
+    for (const auto& [place, value] :
+         {std::pair{pixels, 138}, {header, 124}, {bits, 8}, {bits + 1, 1}, {compression, 3}})
+    {
+        Tests::Bytes other = file;
+        other[place] = static_cast<std::uint8_t>(value);
+        other.resize(other.size() + 84); // what would be the longer header
+        Tests::WriteBytes(m_bmp, other);
+        EXPECT_FALSE(ReadPictureHeader(m_bmp)) << place;
+        EXPECT_FALSE(LoadPicture(m_bmp)) << place;
+    }
+    Tests::Bytes cut = file;
+    cut.pop_back();
+    Tests::WriteBytes(m_bmp, cut);
+    EXPECT_FALSE(ReadPictureHeader(m_bmp));
+    EXPECT_FALSE(LoadPicture(m_bmp));
+}
+
 TEST_F(PictureFileTest, ThePictureBesideAFileIsPngFirst)
 {
     const std::filesystem::path json = m_directory.GetPath() / "a.json";

@@ -190,7 +190,7 @@ TEST_P(RoundTrip, APictureThatIsNoneIsNamedAndAllElseImported)
     WriteText(picture, "no picture");
     const ProgramRun run = Import();
     EXPECT_EQ(run.code, ExitCode::Findings);
-    EXPECT_THAT(run.errors, HasSubstr("PNG nor BMP"));
+    EXPECT_THAT(run.errors, HasSubstr("no PNG or BMP file that can be read"));
     EXPECT_EQ(CountFiles(m_directory.GetPath() / "back"), 2 * (m_records.size() - 1) + 1);
 }
 
