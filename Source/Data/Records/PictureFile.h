@@ -17,9 +17,9 @@ struct PictureHeader
     bool isPng = false; ///< else it is a BMP
 };
 
-/// Reads the beginning of a PNG or BMP file, whatever its name. Nothing if it is neither, no regular file, or a BMP file
-/// that `LoadPicture` refuses: it takes those of 24 and 32 bits without compression that have the header of 40 bytes
-/// (BITMAPINFOHEADER), the pixels directly after it, and all rows.
+/// Reads the beginning of a PNG or BMP file, whatever its name. Nothing if it is neither, no regular file, or a BMP
+/// file that `LoadPicture` refuses: it takes those of 24 and 32 bits without compression that have the header of 40
+/// bytes (BITMAPINFOHEADER), the pixels directly after it, and all rows.
 [[nodiscard]] std::optional<PictureHeader> ReadPictureHeader(const std::filesystem::path& path);
 
 /// Reads a whole picture from a file whose name ends in ".png" or ".bmp": always 32 bits to the pixel, blue, green, red
