@@ -356,8 +356,11 @@ TEST_F(Ending, AFileThatIsBeingWrittenWhenASecondRunStartsIsWhole)
     const std::uintmax_t written = std::filesystem::file_size(ListFiles(GetOutput()).front());
     ChildProcess second = Start({"-h"});
     EXPECT_TRUE(WaitForPendingEnd(first));
+    // The second has patience for three seconds, and a busy machine may need longer.
+    second.SendSignal(SIGSTOP);
     first.SendSignal(SIGCONT);
     ExpectAnswer(first.Wait(s_endLimit), 0, Answer::Success);
+    second.SendSignal(SIGCONT);
     EXPECT_EQ(second.Wait(s_endLimit).exitCode, 0);
 
     const SnipFiles snip = WaitForSnips(GetOutput(), 1).front();
