@@ -10,13 +10,11 @@ namespace
 
 /// Between the selection and the text; the outline is in it.
 constexpr float s_gap = 4.0F;
-/// How far letters reach below their line, as a part of their height.
-constexpr float s_descent = 0.25F;
 
-/// The line of the text, y downward. `height` is that of the letters with what they have below their line.
+/// The line of the text, y downward.
 float ChooseBaseline(const ShownSelection& selection, Size window, float letterHeight)
 {
-    const float descent = letterHeight * s_descent;
+    const float descent = GetDescent(letterHeight);
     const auto top = static_cast<float>(selection.area.top);
     if (top - s_gap - descent >= letterHeight)
         return top - s_gap - descent;

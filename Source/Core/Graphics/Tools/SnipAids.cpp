@@ -1,5 +1,6 @@
 #include "Core/Graphics/Tools/SnipAids.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvik::Graphics::Tools
@@ -28,12 +29,11 @@ void SnipAids::Begin(ToolSwitches switches, const SnipView& view, Renderer::Rend
 
 void SnipAids::FollowMagnifier(const MagnifierPlace& place, Size magnifier, Size window, Renderer::Renderer& renderer)
 {
-    Renderer::TextRenderer& texts = renderer.GetTextRenderer();
     m_letterHeight = GetLabelHeight(place.margin);
     const float scale = Renderer::TextRenderer::GetScale(static_cast<std::uint16_t>(m_letterHeight));
     const auto bottom = static_cast<float>(window.height - place.top - magnifier.height);
-    m_sizeLabel.Place(place.left, bottom - m_letterHeight, scale, texts);
-    m_labels.Place(place.left, bottom - m_letterHeight, scale, window, texts);
+    const float line = std::max(bottom - m_letterHeight, GetDescent(m_letterHeight));
+    m_labels.Place(place.left, line, scale, window, renderer.GetTextRenderer());
 }
 
 void SnipAids::ShowSelection(const ShownSelection& selection, const System::Multimedia::Bitmap& capture,
@@ -45,13 +45,13 @@ void SnipAids::ShowSelection(const ShownSelection& selection, const System::Mult
         m_brightArea.Show(selection, capture, view, renderer);
 }
 
-void SnipAids::FollowPolygon(const std::vector<System::Math::Point>& vertices, System::Math::Point cursor, Size window,
-                             Renderer::Renderer& renderer)
+void SnipAids::FollowPolygon(const std::vector<System::Math::Point>& vertices, System::Math::Point cursor,
+                             const SnipView& view, Renderer::Renderer& renderer)
 {
     if (!m_switches.contrast)
         return;
-    if (ClosesPolygon(vertices, cursor))
-        m_closingMark.Show(vertices.front(), window, renderer.GetLineRenderer());
+    if (ClosesPolygon(view, vertices, cursor))
+        m_closingMark.Show(vertices.front(), view.window, renderer.GetLineRenderer());
     else
         m_closingMark.Hide(renderer.GetLineRenderer());
 }

@@ -31,8 +31,8 @@ public:
     void HideSelection(Renderer::Renderer& renderer);
 
     /// A polygon has changed, or the cursor has moved.
-    void FollowPolygon(const std::vector<System::Math::Point>& vertices, System::Math::Point cursor, Size window,
-                       Renderer::Renderer& renderer);
+    void FollowPolygon(const std::vector<System::Math::Point>& vertices, System::Math::Point cursor,
+                       const SnipView& view, Renderer::Renderer& renderer);
 
     /// The selection is done.
     void Keep(const ShownSelection& selection, Size window, const System::Math::Vector4& plainColour,

@@ -17,7 +17,7 @@ using System::Tools::ToolContext;
 void SnipBench::UpdatePolygonMode(ToolContext& context, Renderer::Renderer& renderer)
 {
     AdvancePolygon(context, renderer);
-    m_aids.FollowPolygon(m_polygonModeData.points, GetCursor(), GetWindowSize(), renderer);
+    m_aids.FollowPolygon(m_polygonModeData.points, GetCursor(), GetView(), renderer);
 }
 
 void SnipBench::AdvancePolygon(const ToolContext& context, Renderer::Renderer& renderer)
@@ -63,16 +63,13 @@ void SnipBench::AdvancePolygon(const ToolContext& context, Renderer::Renderer& r
 // Closes the polygon or adds a vertex. The click that closes it adds none.
 void SnipBench::PlaceVertex(Renderer::Renderer& renderer)
 {
-    if (ClosesPolygon(m_polygonModeData.points, GetCursor()))
+    if (!ClosesPolygon(GetView(), m_polygonModeData.points, GetCursor()))
     {
-        Rectangle bounds = GetPolygonBounds(GetView(), m_polygonModeData.points);
-        if (HasArea(bounds))
-        {
-            FinishPolygon(bounds, renderer);
-            return;
-        }
+        m_polygonModeData.points.push_back(GetCursor());
+        return;
     }
-    m_polygonModeData.points.push_back(GetCursor());
+    Rectangle bounds = GetPolygonBounds(GetView(), m_polygonModeData.points);
+    FinishPolygon(bounds, renderer);
 }
 
 void SnipBench::RemoveVertex(Renderer::Renderer& renderer)

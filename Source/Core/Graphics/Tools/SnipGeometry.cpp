@@ -150,6 +150,11 @@ float GetLabelHeight(float margin)
     return std::max(margin * 0.75F, s_minLabelHeight);
 }
 
+float GetDescent(float letterHeight)
+{
+    return letterHeight * 0.25F;
+}
+
 void GrowRectangle(RectangleModeData& rectangle, Point cursor)
 {
     const auto cursorX = static_cast<std::uint16_t>(cursor.x);
@@ -169,13 +174,13 @@ Rectangle GetRectangleBounds(const SnipView& view, const RectangleModeData& rect
     return {left, top, left + Truncate(width / view.scale), top + Truncate(height / view.scale)};
 }
 
-bool ClosesPolygon(const std::vector<Point>& vertices, Point cursor)
+bool ClosesPolygon(const SnipView& view, const std::vector<Point>& vertices, Point cursor)
 {
     if (vertices.size() < s_minVertices)
         return false;
     const std::int64_t distanceX = cursor.x - vertices.front().x;
     const std::int64_t distanceY = cursor.y - vertices.front().y;
-    return distanceX * distanceX + distanceY * distanceY < s_closingLimit;
+    return distanceX * distanceX + distanceY * distanceY < s_closingLimit && HasArea(GetPolygonBounds(view, vertices));
 }
 
 Rectangle GetPolygonBounds(const SnipView& view, const std::vector<Point>& vertices)

@@ -92,14 +92,19 @@ struct RectangleModeData
 /// The height of the labels at a magnifier with that margin.
 [[nodiscard]] float GetLabelHeight(float margin);
 
+/// How far letters of that height reach below their line.
+[[nodiscard]] float GetDescent(float letterHeight);
+
 /// Extends the rectangle from its anchor to the cursor.
 void GrowRectangle(RectangleModeData& rectangle, System::Math::Point cursor);
 
 /// The selection, in capture pixels.
 [[nodiscard]] System::Math::Rectangle GetRectangleBounds(const SnipView& view, const RectangleModeData& rectangle);
 
-/// Whether a click at the cursor closes the polygon: near the first vertex, if there are enough vertices.
-[[nodiscard]] bool ClosesPolygon(const std::vector<System::Math::Point>& vertices, System::Math::Point cursor);
+/// Whether a click at the cursor closes the polygon: near the first vertex, if there are enough vertices and the box
+/// around them has an area.
+[[nodiscard]] bool ClosesPolygon(const SnipView& view, const std::vector<System::Math::Point>& vertices,
+                                 System::Math::Point cursor);
 
 /// The box around the vertices, of which there must be at least one; capture pixels.
 [[nodiscard]] System::Math::Rectangle GetPolygonBounds(const SnipView& view,

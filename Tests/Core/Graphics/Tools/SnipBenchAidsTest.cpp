@@ -162,6 +162,16 @@ TEST_F(SnipBenchAids, TheLabelStandsBelowTheMagnifier)
     EXPECT_EQ(m_renderer.GetTextRenderer().GetCount(), 0U);
 }
 
+TEST_F(SnipBenchAids, NoLetterOfTheLabelReachesBelowTheDisplay)
+{
+    StartWith({.labels = {"polygon"}});
+    const Renderer::Text& text = GetText(GetAids().GetLabels().GetId());
+    Update(Move(100, 204));
+    EXPECT_EQ(text.model.elements[13], 4.0F) << "the magnifier ends as low as it does anywhere";
+    Update(Move(100, 199));
+    EXPECT_EQ(text.model.elements[13], 5.0F) << "there is room below the line";
+}
+
 TEST_F(SnipBenchAids, BackspaceTakesTheLastOneBack)
 {
     StartWith({.marks = true, .undo = true});
@@ -310,6 +320,16 @@ TEST_F(SnipBenchAids, ContrastMarksTheFirstCornerWhileAClickWouldClose)
     Click(103, 103);
     EXPECT_FALSE(isMarked());
     EXPECT_EQ(m_deliveries.size(), 1U);
+}
+
+TEST_F(SnipBenchAids, AClickThatWouldNotCloseALineIsNotAnnounced)
+{
+    StartWith({.contrast = true});
+    m_tool.SetMode(SnipMode::Polygon);
+    for (const std::int32_t x : {100, 200, 150})
+        Click(x, 100);
+    Update(Move(103, 103));
+    EXPECT_EQ(GetLine(GetAids().GetClosingMark().GetIds()[0]).model, Matrix4::Collapse());
 }
 
 TEST_F(SnipBenchAids, ContrastDrawsEveryLineAndTextWithADarkEdge)

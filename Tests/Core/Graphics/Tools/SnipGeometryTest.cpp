@@ -208,16 +208,19 @@ TEST(SnipGeometryTest, ARectanglesBoundsAreCapturePixels)
 
 TEST(SnipGeometryTest, APolygonClosesWithinSixteenPixelsOfItsFirstVertex)
 {
+    const SnipView view = MakeView({400, 300}, {400, 300});
     const std::vector<Point> triangle = {{100, 100}, {200, 110}, {150, 200}};
-    EXPECT_TRUE(ClosesPolygon(triangle, {116, 100}));  // squared distance 256
-    EXPECT_TRUE(ClosesPolygon(triangle, {100, 84}));   // 256
-    EXPECT_FALSE(ClosesPolygon(triangle, {116, 101})); // 257
-    EXPECT_FALSE(ClosesPolygon(triangle, {99, 116}));  // 257
-    EXPECT_TRUE(ClosesPolygon(triangle, {111, 111}));  // 242
-    EXPECT_FALSE(ClosesPolygon(triangle, {112, 112})); // 288
+    EXPECT_TRUE(ClosesPolygon(view, triangle, {116, 100}));  // squared distance 256
+    EXPECT_TRUE(ClosesPolygon(view, triangle, {100, 84}));   // 256
+    EXPECT_FALSE(ClosesPolygon(view, triangle, {116, 101})); // 257
+    EXPECT_FALSE(ClosesPolygon(view, triangle, {99, 116}));  // 257
+    EXPECT_TRUE(ClosesPolygon(view, triangle, {111, 111}));  // 242
+    EXPECT_FALSE(ClosesPolygon(view, triangle, {112, 112})); // 288
 
-    EXPECT_FALSE(ClosesPolygon({{100, 100}, {200, 110}}, {100, 100})) << "two vertices never close";
-    EXPECT_FALSE(ClosesPolygon({}, {100, 100}));
+    EXPECT_FALSE(ClosesPolygon(view, {{100, 100}, {200, 110}}, {100, 100})) << "two vertices never close";
+    EXPECT_FALSE(ClosesPolygon(view, {}, {100, 100}));
+    EXPECT_FALSE(ClosesPolygon(view, {{100, 100}, {200, 100}, {150, 100}}, {100, 100})) << "a level line has no area";
+    EXPECT_FALSE(ClosesPolygon(view, {{100, 100}, {100, 200}, {100, 150}}, {100, 100})) << "an upright one neither";
 }
 
 TEST(SnipGeometryTest, APolygonsBoundsAndRingAreCapturePixels)
