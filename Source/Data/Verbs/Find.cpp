@@ -65,12 +65,17 @@ std::string Run(const Arguments& arguments, Report& report)
 
     const SearchTemplate wanted = MakeSearchTemplate(*small);
     const SearchPicture picture = MakeSearchPicture(*large);
-    std::vector<FoundPlace> places = FindExact(wanted, picture, most);
+    // One more than is printed, to know whether there are more.
+    std::vector<FoundPlace> places = FindExact(wanted, picture, most + 1);
     const bool isExact = !places.empty() || arguments.Has("--exact");
     if (!isExact && CanCorrelate(wanted, picture))
-        places = FindSimilar(wanted, picture, *score, most);
+        places = FindSimilar(wanted, picture, *score, most + 1);
+    const bool hasMore = places.size() > most;
+    if (hasMore)
+        places.pop_back();
     report.AddJson("method", isExact ? "\"exact\"" : "\"correlation\"");
     report.AddJson("places", MakeJson(places, wanted.picture));
+    report.AddJson("more", hasMore ? "true" : "false");
     if (places.empty())
         report.RaiseExitCode(ExitCode::Findings);
     return {};
@@ -86,11 +91,11 @@ Verb GetFindVerb()
              2,
              "Find where a small picture lies on a large one; prints JSON in any case",
              "All places that are equal in each pixel, from the top; without one, those that are much alike, the\n"
-             "best first, by normalised correlation. Fully transparent pixels of the template don't count. The exit\n"
-             "code is 1 if there is no place.\n",
+             "best first, by normalised correlation. Fully transparent pixels of the template don't count. If there\n"
+             "are more places than --limit, \"more\" is true. The exit code is 1 if there is no place.\n",
              {{"--score", "NUMBER", "How much alike a place has to be, up to 1 (0.9)"},
               {"--exact", nullptr, "Look for equal pixels alone"},
-              {"--limit", "NUMBER", "The most places (1000)"}}},
+              {"--limit", "NUMBER", "The most places that are printed, 1 to 100000 (1000)"}}},
             &Run};
 }
 

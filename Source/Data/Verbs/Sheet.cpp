@@ -141,7 +141,7 @@ public:
         if (error.empty())
             ++m_written;
         else
-            m_report.AddFinding(path, error);
+            m_report.Fail(path, error);
     }
 
     [[nodiscard]] std::int64_t GetWritten() const { return m_written; }

@@ -63,6 +63,25 @@ TEST_F(Find, AnAlikePlaceIsFoundByCorrelation)
     EXPECT_LT(document["places"][0]["score"].GetDouble(), 1.0);
 }
 
+TEST_F(Find, MorePlacesThanTheLimitAreSaid)
+{
+    System::Multimedia::Bitmap plain;
+    plain.SetSize(6, 5, 24);
+    std::fill_n(plain.GetPixels(), plain.GetSize(), std::uint8_t{128});
+    EXPECT_TRUE(plain.SavePng(At("picture.png")));
+    EXPECT_TRUE(plain.Crop(0, 0, 4, 4).SavePng(At("plain.png")));
+    constexpr unsigned all = 6;
+    for (const unsigned limit : {all - 1, all})
+    {
+        const ProgramRun run = RunWith({"find", At("plain.png"), At("picture.png"), "--limit", std::to_string(limit)});
+        EXPECT_EQ(run.code, ExitCode::Done);
+        const rapidjson::Document document = run.Parse();
+        ASSERT_TRUE(document.IsObject()) << run.output;
+        EXPECT_EQ(document["places"].Size(), limit);
+        EXPECT_EQ(document["more"].GetBool(), limit < all);
+    }
+}
+
 TEST_F(Find, NoPlaceIsTheCodeOne)
 {
     for (const ProgramRun& run : {Search(16, {"--exact"}), Search(255, {"--score", "1"})})

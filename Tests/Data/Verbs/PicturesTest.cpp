@@ -180,7 +180,8 @@ TEST_F(Pictures, NothingIsReplacedUnlessForced)
         EXPECT_THAT(again.errors, HasSubstr("exists already")) << verb;
     }
     ASSERT_EQ(RunWith({"sheet", GetText(m_source), At("s.png")}).code, ExitCode::Done);
-    EXPECT_EQ(RunWith({"sheet", GetText(m_source), At("s.png")}).code, ExitCode::Findings);
+    EXPECT_EQ(RunWith({"sheet", GetText(m_source), At("s.png")}).code, ExitCode::CannotRun);
+    EXPECT_EQ(RunWith({"sheet", GetText(m_source), At("none/s.png")}).code, ExitCode::CannotRun);
 }
 
 TEST_F(Pictures, AMaskThatNoBitmapHoldsIsRefused)
