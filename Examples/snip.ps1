@@ -15,7 +15,7 @@ $ErrorActionPreference = 'Stop'
 $causes = @{
     'Wrong Parameter(s)'            = 'an option is wrong, or the region isn''t within the picture'
     'Failed to load file'           = 'the picture can''t be read or shown'
-    'Failed to initialize systems'  = 'there is no display'
+    'Failed to initialize systems'  = 'there is no display, or none of that name'
     'Failed to create window'       = 'the overlay can''t be shown; the log says why'
     'Failed to initialize renderer' = 'the overlay can''t be shown; the log says why'
 }

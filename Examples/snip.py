@@ -4,7 +4,7 @@
     snip.py [-l SECONDS] PROGRAM [options of SnipBench]
 
 Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-passed; with 127 if the program can't be started, 2 if none is named; else as SnipBench did. The image stays in a new
+passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The image stays in a new
 temporary folder.
 """
 import json
@@ -18,7 +18,7 @@ import tempfile
 CAUSES = {
     "Wrong Parameter(s)": "an option is wrong, or the region isn't within the picture",
     "Failed to load file": "the picture can't be read or shown",
-    "Failed to initialize systems": "there is no display",
+    "Failed to initialize systems": "there is no display, or none of that name",
     "Failed to create window": "the overlay can't be shown; the log says why",
     "Failed to initialize renderer": "the overlay can't be shown; the log says why",
 }
@@ -75,10 +75,10 @@ def snip(program, *options, limit=60):
 
 def main(arguments):
     limit = 60
-    if len(arguments) > 1 and arguments[0] == "-l" and arguments[1].isdigit():
-        limit = int(arguments[1])
+    if arguments[:1] == ["-l"]:
+        limit = int(arguments[1]) if arguments[1:] and arguments[1].isdecimal() else 0
         arguments = arguments[2:]
-    if not arguments or arguments[0] == "-l":
+    if not arguments or limit == 0:
         print("usage: snip.py [-l SECONDS] PROGRAM [options of SnipBench]", file=sys.stderr)
         return 2
     try:

@@ -4,16 +4,16 @@
 #   snip.sh [-l SECONDS] PROGRAM [options of SnipBench]
 #
 # Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-# passed; with 127 if the program can't be started, 2 if none is named; else as SnipBench did. The image stays in a new
+# passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The image stays in a new
 # folder below TMPDIR.
 set -eu
 
 limit=60
 if [ "${1:-}" = -l ]; then
-    limit=$2
-    shift 2
+    limit=${2:-0}
+    shift $(($# < 2 ? $# : 2))
 fi
-if [ $# -eq 0 ]; then
+if [ $# -eq 0 ] || ! [ "$limit" -gt 0 ] 2>/dev/null; then
     echo "usage: $0 [-l SECONDS] PROGRAM [options of SnipBench]" >&2
     exit 2
 fi
@@ -31,10 +31,13 @@ case $code in
     124) echo "No selection within $limit seconds." >&2 ;;
     255) echo "$name: an option is wrong, or the region isn't within the picture." >&2 ;;
     254) echo "$name: the picture can't be read or shown." >&2 ;;
-    253) echo "$name: there is no display." >&2 ;;
+    253) echo "$name: there is no display, or none of that name." >&2 ;;
     252 | 251) echo "$name: the overlay can't be shown; the log says why." >&2 ;;
     134) echo "An error, with a report in ~/.orvik/Logs." >&2 ;;
-    126 | 127) echo "The program can't be started." >&2 ;;
+    126 | 127)
+        echo "The program can't be started." >&2
+        code=127
+        ;;
     *) if [ "$code" -gt 128 ]; then echo "Ended by signal $((code - 128))." >&2; else echo "Ended with $code." >&2; fi ;;
 esac
 if [ "$code" -ne 0 ]; then

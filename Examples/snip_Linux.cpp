@@ -5,8 +5,8 @@
 //   ./snip [-l SECONDS] PROGRAM [options of SnipBench]
 //
 // Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-// passed; with 127 if the program can't be started, 2 if none is named; else as SnipBench did. The image stays in a new
-// temporary folder.
+// passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The image stays in a
+// new temporary folder.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -41,7 +41,7 @@ constexpr int s_notStarted = 127;
 const std::map<std::string, std::string> s_causes = {
     {"Wrong Parameter(s)", "an option is wrong, or the region isn't within the picture"},
     {"Failed to load file", "the picture can't be read or shown"},
-    {"Failed to initialize systems", "there is no display"},
+    {"Failed to initialize systems", "there is no display, or none of that name"},
     {"Failed to create window", "the overlay can't be shown; the log says why"},
     {"Failed to initialize renderer", "the overlay can't be shown; the log says why"},
 };
@@ -177,10 +177,10 @@ int main(int argc, char** argv)
 {
     std::vector<std::string> arguments(argv + 1, argv + argc);
     std::chrono::seconds limit{60};
-    if (arguments.size() > 1 && arguments[0] == "-l")
+    if (!arguments.empty() && arguments[0] == "-l")
     {
-        limit = std::chrono::seconds(std::atoi(arguments[1].c_str()));
-        arguments.erase(arguments.begin(), arguments.begin() + 2);
+        limit = std::chrono::seconds(arguments.size() > 1 ? std::atoi(arguments[1].c_str()) : 0);
+        arguments.erase(arguments.begin(), arguments.begin() + std::min<std::ptrdiff_t>(std::ssize(arguments), 2));
     }
     if (arguments.empty() || limit <= limit.zero())
     {

@@ -87,15 +87,19 @@ class Example:
     def test_program_that_is_not_there(self):
         if "PowerShell" in type(self).__name__:
             self.skipTest("PowerShell's own code")
-        code, output, errors = self.run_example(program=self.installed.folder / "nothing")
-        self.assertEqual((code, output), (127, ""))
-        self.assertIn("can't be started", errors)
+        for program in (self.installed.folder / "nothing", self.installed.folder):
+            code, output, errors = self.run_example(program=program)
+            self.assertEqual((code, output), (127, ""))
+            self.assertIn("can't be started", errors)
 
-    def test_no_program(self):
+    def test_wrong_calls(self):
         if "PowerShell" in type(self).__name__:
-            self.skipTest("PowerShell asks for it")
-        code, output, _ = self.installed.run(*self.command(60, "snipbench")[:-3])
-        self.assertEqual((code, output), (2, ""))
+            self.skipTest("PowerShell asks for what is missing")
+        example = self.command(60, "snipbench")[:-3]
+        for words in ((), ("-l",), ("-l", "5"), ("-l", "0", "snipbench"), ("-l", "soon", "snipbench")):
+            code, output, errors = self.installed.run(*example, *words)
+            self.assertEqual((code, output), (2, ""), words)
+            self.assertTrue(errors.startswith("usage: "), errors)
 
     def test_end_of_another_kind(self):
         self.installed.add_tool("stand-in", "#!/bin/sh\nexit 1\n")
