@@ -94,7 +94,7 @@ public:
                                 image.error};
         if (!IsRelativePath(image.name))
         {
-            picture.error = "the data set gives a picture a name that can't be used";
+            picture.error = fmt::format("the data set gives a picture a name that can't be used: {}", image.name);
             return picture;
         }
         for (const Mark& mark : image.marks)

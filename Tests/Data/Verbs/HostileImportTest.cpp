@@ -108,6 +108,11 @@ TEST_F(HostileImport, NoNameLeadsOutOfTheSet)
     }
 }
 
+TEST_F(HostileImport, ANameThatCannotBeUsedIsSaid)
+{
+    EXPECT_THAT(ImportCoco(s_cocoBox, "../secret.png").errors, testing::HasSubstr("can't be used: ../secret.png\n"));
+}
+
 TEST_F(HostileImport, BoxesLieWithinThePicture)
 {
     for (const char* box : {"[-2, 0, 10, 10]", "[95, 0, 10, 10]", "[0, 0, 0, 10]", "[0, 0, 10]", "[0, 0, 1e300, 10]",
