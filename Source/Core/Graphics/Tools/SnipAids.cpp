@@ -29,11 +29,13 @@ void SnipAids::Begin(ToolSwitches switches, const SnipView& view, Renderer::Rend
 
 void SnipAids::FollowMagnifier(const MagnifierPlace& place, Size magnifier, Size window, Renderer::Renderer& renderer)
 {
+    Renderer::TextRenderer& texts = renderer.GetTextRenderer();
     m_letterHeight = GetLabelHeight(place.margin);
     const float scale = Renderer::TextRenderer::GetScale(static_cast<std::uint16_t>(m_letterHeight));
     const auto bottom = static_cast<float>(window.height - place.top - magnifier.height);
+    m_sizeLabel.Place(place.left, bottom - m_letterHeight, scale, texts);
     const float line = std::max(bottom - m_letterHeight, GetDescent(m_letterHeight));
-    m_labels.Place(place.left, line, scale, window, renderer.GetTextRenderer());
+    m_labels.Place(place.left, line, scale, window, texts);
 }
 
 void SnipAids::ShowSelection(const ShownSelection& selection, const System::Multimedia::Bitmap& capture,
