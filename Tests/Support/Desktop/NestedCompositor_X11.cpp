@@ -192,9 +192,11 @@ void NestedCompositor::StartBuses()
     m_environment["XDG_CURRENT_DESKTOP"] = isGnome ? "GNOME" : "KDE";
     m_systemBus.emplace(GetRuntime(), "system-bus", MakeEnvironment(), m_user, BusServices::None);
     m_environment["DBUS_SYSTEM_BUS_ADDRESS"] = m_systemBus->GetAddress();
+    // A portal that this machine has for another desktop would ask a person whether to take a picture.
+    const bool isWithoutPortal = m_options.kind == CompositorKind::VirtualKWin;
     m_sessionBus.emplace(GetRuntime(), "session-bus",
                          MakeEnvironment({"WAYLAND_DISPLAY=" + m_environment["WAYLAND_DISPLAY"]}), m_user,
-                         BusServices::Installed);
+                         isWithoutPortal ? BusServices::None : BusServices::Installed);
     m_environment["DBUS_SESSION_BUS_ADDRESS"] = m_sessionBus->GetAddress();
 }
 
