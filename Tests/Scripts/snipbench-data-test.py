@@ -328,6 +328,17 @@ class Data(unittest.TestCase):
             self.assertIsNone(process.poll())
             process.kill()
 
+    def test_a_missing_font_is_named(self):
+        alone = self.folder / "alone"
+        alone.mkdir()
+        shutil.copy(PROGRAM, alone)
+        for verb, target in (("draw", "drawn"), ("sheet", "sheet.png")):
+            result = subprocess.run([alone / Path(PROGRAM).name, verb, self.source, self.folder / target],
+                                    capture_output=True, encoding="utf-8", timeout=100, check=False)
+            self.assertEqual(result.returncode, 1)
+            self.assertEqual(result.stderr, "Mulish-Regular.ttf: the font isn't there; the pictures bear no names\n")
+            self.assertTrue((self.folder / target).exists())
+
     def test_output_that_cannot_be_written_is_an_error(self):
         with open("/dev/full", "wb") as full:
             result = subprocess.run([PROGRAM, "check", str(self.source)], stdout=full, check=False)

@@ -104,6 +104,7 @@ public:
             if (box)
                 annotation.box = *box;
             const bool hasRing = !mark.ring.empty() && TakeRing(annotation, mark.ring, image.width, image.height);
+            picture.leftOut += mark.ring.empty() || hasRing ? 0 : 1;
             if (!box && !hasRing && picture.error.empty())
                 picture.error = "the box of an annotation is empty, or doesn't lie within the picture";
             picture.annotations.push_back(std::move(annotation));
@@ -141,8 +142,12 @@ private:
     {
         const std::optional<std::int64_t> id = GetId(value, "id");
         std::string name = GetText(value, "name");
-        if (!id || !IsLabel(name) || m_categories.size() >= s_maxClasses)
-            return "a category has no number, or a name that can't be a label";
+        if (!id)
+            return "a category has no number";
+        if (!IsLabel(name))
+            return fmt::format("the name of category {} can't be a label", *id);
+        if (m_categories.size() >= s_maxClasses)
+            return fmt::format("there are more than {} categories", s_maxClasses);
         if (!m_categories.emplace(*id, std::move(name)).second)
             return fmt::format("category {} is there twice", *id);
         return {};
@@ -171,30 +176,38 @@ private:
         const std::optional<std::int64_t> imageId = GetId(value, "image_id");
         const auto number = imageId ? m_imageNumbers.find(*imageId) : m_imageNumbers.end();
         if (number == m_imageNumbers.end())
-            return "an annotation is of no picture in the file";
+            return NameAnnotation(value) + " is of no picture in the file";
         Image& image = m_images[number->second];
-        if (image.error.empty())
-            image.error = AddMark(image, value);
+        const std::string error = image.error.empty() ? AddMark(image, value) : "";
+        if (!error.empty())
+            image.error = NameAnnotation(value) + " " + error;
         return {};
     }
 
+    static std::string NameAnnotation(const Value& value)
+    {
+        const std::optional<std::int64_t> id = GetId(value, "id");
+        return id ? fmt::format("annotation {}", *id) : "an annotation";
+    }
+
+    /// What is wrong with the annotation, or nothing.
     std::string AddMark(Image& image, const Value& value) const
     {
         const std::optional<std::int64_t> category = GetId(value, "category_id");
         const auto number = category ? m_classNumbers.find(*category) : m_classNumbers.end();
         const std::optional<std::vector<double>> sides = GetNumbers(FindMember(value, "bbox"), 4);
         if (number == m_classNumbers.end())
-            return "an annotation is of no category in the file";
+            return "is of no category in the file";
         if (!sides || sides->size() != 4)
-            return "an annotation has no box";
+            return "has no box";
         if (image.marks.size() >= s_maxAnnotations)
-            return fmt::format("has more than {} annotations", s_maxAnnotations);
+            return fmt::format("is one too many for its picture: {} are the most", s_maxAnnotations);
         const std::optional<std::int32_t> left = RoundPixels((*sides)[0]);
         const std::optional<std::int32_t> top = RoundPixels((*sides)[1]);
         const std::optional<std::int32_t> right = RoundPixels((*sides)[0] + (*sides)[2]);
         const std::optional<std::int32_t> bottom = RoundPixels((*sides)[1] + (*sides)[3]);
         if (!left || !top || !right || !bottom)
-            return "the box of an annotation is beyond any picture";
+            return "has a box beyond any picture";
         Mark mark{{*left, *top, *right, *bottom}, number->second, {}};
         const Value* const segmentation = FindMember(value, "segmentation");
         if (segmentation != nullptr && !ReadSegmentation(*segmentation, mark.ring))

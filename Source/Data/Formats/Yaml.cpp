@@ -28,16 +28,31 @@ bool IsSpace(char character)
     return character == ' ' || character == '\t';
 }
 
-/// Reads one line, or several, from the left to the right.
+bool IsLineEnd(char character)
+{
+    return character == '\n' || character == '\r';
+}
+
+/// Reads a line from the left to the right; between brackets, on over the ends of lines and the comments there.
 class Reader
 {
 public:
     explicit Reader(std::string_view text) : m_text(text) {}
 
+    void SetBetweenBrackets(bool isBetween) { m_isBetweenBrackets = isBetween; }
+
     void SkipSpaces()
     {
-        while (!m_text.empty() && IsSpace(m_text.front()))
-            m_text.remove_prefix(1);
+        while (!m_text.empty())
+        {
+            const char next = m_text.front();
+            if (IsSpace(next) || (m_isBetweenBrackets && IsLineEnd(next)))
+                m_text.remove_prefix(1);
+            else if (m_isBetweenBrackets && next == '#')
+                m_text.remove_prefix(std::min(m_text.find('\n'), m_text.size()));
+            else
+                return;
+        }
     }
 
     [[nodiscard]] bool Take(char character)
@@ -49,11 +64,11 @@ public:
         return true;
     }
 
-    /// Whether nothing is left but a comment.
+    /// Whether nothing is left of the line but a comment.
     [[nodiscard]] bool IsAtEnd()
     {
         SkipSpaces();
-        return m_text.empty() || m_text.front() == '#';
+        return m_text.empty() || m_text.front() == '#' || IsLineEnd(m_text.front());
     }
 
     /// A number and the colon after it.
@@ -122,6 +137,7 @@ private:
     }
 
     std::string_view m_text;
+    bool m_isBetweenBrackets = false;
 };
 
 /// Takes names in the order of their numbers, up to the limit.
@@ -133,19 +149,24 @@ bool AddName(std::vector<std::string>& names, std::optional<std::size_t> key, st
     return true;
 }
 
-/// What stands in one pair of brackets.
+/// What stands in one pair of brackets, on one line or several; a comma may stand after the last name.
 std::optional<std::vector<std::string>> ReadBrackets(Reader& reader, char end)
 {
     std::vector<std::string> names;
     const bool isMap = end == '}';
+    reader.SetBetweenBrackets(true);
     while (!reader.Take(end))
     {
-        if (!names.empty() && !reader.Take(','))
-            return std::nullopt;
         const std::optional<std::size_t> key = isMap ? reader.TakeKey() : std::nullopt;
-        if ((isMap && !key) || !AddName(names, key, reader.TakeText(",]}")))
+        if ((isMap && !key) || !AddName(names, key, reader.TakeText(",]}\r\n")))
             return std::nullopt;
+        if (reader.Take(','))
+            continue;
+        if (!reader.Take(end))
+            return std::nullopt;
+        break;
     }
+    reader.SetBetweenBrackets(false);
     return reader.IsAtEnd() ? std::optional(std::move(names)) : std::nullopt;
 }
 
@@ -201,7 +222,8 @@ std::optional<std::vector<std::string>> ReadYamlNames(const std::string& text)
     {
         if (!lines[i].starts_with(key))
             continue;
-        Reader reader(lines[i].substr(key.size()));
+        const char* const value = lines[i].data() + key.size();
+        Reader reader({value, static_cast<std::size_t>(text.data() + text.size() - value)});
         if (reader.Take('['))
             return ReadBrackets(reader, ']');
         if (reader.Take('{'))

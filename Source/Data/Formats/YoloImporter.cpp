@@ -113,7 +113,8 @@ public:
         const std::optional<std::string> text = ReadTextFile(m_folder / "data.yaml", s_maxYamlBytes);
         std::optional<std::vector<std::string>> names = text ? ReadYamlNames(*text) : std::nullopt;
         if (!names)
-            return text ? "data.yaml has no names that can be read" : "data.yaml can't be read";
+            return text ? "data.yaml has no names that can be read: a list, or numbers from 0 on without a gap"
+                        : "data.yaml can't be read";
         if (!std::all_of(names->begin(), names->end(), [](const std::string& name) { return IsLabel(name); }))
             return "data.yaml has a name that can't be a label";
         m_classes = std::move(*names);
@@ -162,7 +163,9 @@ private:
                 continue;
             std::optional<Annotation> annotation = ReadLine(line, size);
             if (!annotation || picture.annotations.size() >= s_maxAnnotations)
-                picture.error = fmt::format("line {} is no annotation within the picture, or one too many", number);
+                picture.error = fmt::format(
+                    "line {} is no class of data.yaml and a box or polygon within the picture, or is one too many",
+                    number);
             else
                 picture.annotations.push_back(std::move(*annotation));
         }

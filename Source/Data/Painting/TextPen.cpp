@@ -14,6 +14,7 @@ namespace
 using Graphics::Renderer::FontFile;
 using Graphics::Renderer::GlyphBitmap;
 
+constexpr const char* s_fontFile = "Mulish-Regular.ttf";
 constexpr std::uint32_t s_advanceUnit = 64;
 /// More characters than one person's labels have; a file can't fill the memory with them.
 constexpr std::size_t s_maxGlyphs = 4096;
@@ -42,11 +43,19 @@ std::unique_ptr<TextPen> TextPen::Open(std::uint32_t pixelSize)
 {
     const std::filesystem::path directory = System::Runtime::FindExecutablePathPlatform().parent_path();
     const std::filesystem::path path =
-        System::Runtime::ResolveResource(directory, {"Resources", "UI", "Textures"}, "Mulish-Regular.ttf");
+        System::Runtime::ResolveResource(directory, {"Resources", "UI", "Textures"}, s_fontFile);
     FontFile font;
     if (!font.InitializeLibrary() || !font.Open(path, pixelSize))
         return nullptr;
     return std::unique_ptr<TextPen>(new TextPen(std::move(font), pixelSize));
+}
+
+std::unique_ptr<TextPen> TextPen::Open(std::uint32_t pixelSize, Report& report)
+{
+    std::unique_ptr<TextPen> pen = Open(pixelSize);
+    if (pen == nullptr)
+        report.AddFinding(s_fontFile, "the font isn't there; the pictures bear no names");
+    return pen;
 }
 
 const TextPen::Glyph& TextPen::FindGlyph(std::uint32_t character)

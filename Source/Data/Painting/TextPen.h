@@ -2,6 +2,7 @@
 
 #include "Core/Graphics/Renderer/FontFile.h"
 #include "Data/Painting/Paint.h"
+#include "Data/Run/Report.h"
 
 #include <cstdint>
 #include <memory>
@@ -18,6 +19,8 @@ class TextPen
 public:
     /// The font of the installation that this program belongs to, at that size in pixels. Null if it can't be had.
     [[nodiscard]] static std::unique_ptr<TextPen> Open(std::uint32_t pixelSize);
+    /// The same; the report names a font that can't be had.
+    [[nodiscard]] static std::unique_ptr<TextPen> Open(std::uint32_t pixelSize, Report& report);
 
     /// Pixels that a text takes across and, for every text, down.
     [[nodiscard]] std::int32_t GetWidth(std::string_view text);

@@ -81,6 +81,7 @@ ParsedArguments ParseArguments(const CallSpec& spec, const std::vector<std::stri
 {
     ParsedArguments parsed;
     bool areOptionsOver = false;
+    const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
     for (std::size_t index = 0; index < words.size(); ++index)
     {
         const std::string& word = words[index];
@@ -88,7 +89,7 @@ ParsedArguments ParseArguments(const CallSpec& spec, const std::vector<std::stri
             areOptionsOver = true;
         else if (!areOptionsOver && word == "-h")
             parsed.arguments.Set("--help", {});
-        else if (areOptionsOver || !word.starts_with("--"))
+        else if (areOptionsOver || !isOption(word))
             parsed.arguments.operands.push_back(word);
         else
             parsed.error = TakeOption(spec, words, index, parsed.arguments);

@@ -44,7 +44,7 @@ KnownLabels LoadLabels(const Arguments& arguments, Report& report)
             report.Fail(file, "can't be read");
         if (!loaded.error.empty())
             report.AddFinding(file, loaded.error);
-        known.emplace(path, std::move(loaded));
+        known.emplace((path / "file").parent_path(), std::move(loaded)); // as its files say it: "shots" for "shots/"
     }
     return known;
 }

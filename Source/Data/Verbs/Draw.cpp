@@ -33,9 +33,7 @@ bool DrawFile(const RecordFile& file, const std::filesystem::path& folder, TextP
 
 std::string Run(const Arguments& arguments, Report& report)
 {
-    const bool hasText = !arguments.Has("--no-text");
-    if (hasText && TextPen::Open(s_textSize) == nullptr)
-        report.AddFinding("Mulish-Regular.ttf", "the font isn't there; the pictures bear no names");
+    const bool hasText = !arguments.Has("--no-text") && TextPen::Open(s_textSize, report) != nullptr;
     const OutputFiles output(arguments.Has("--force"));
     Pool<TextPen> pens([hasText] { return hasText ? TextPen::Open(s_textSize) : nullptr; });
     RunIntoFolder(

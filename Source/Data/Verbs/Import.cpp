@@ -21,11 +21,23 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// A picture that the program has named keeps its name; any other gets one that follows from its own.
+/// A picture that the program has named keeps its name, in whatever folder it is; any other gets one that follows from
+/// its own, with the folder's.
 std::string MakePictureId(const std::string& name)
 {
-    const std::string stem = name.substr(0, name.rfind('.'));
+    const std::size_t begin = name.rfind('/') + 1; // 0 if there is no folder
+    const std::string stem = name.substr(begin, name.rfind('.') - begin);
     return IsIdentifier(stem) ? stem : MakeIdentifier(name);
+}
+
+/// Cuts an annotation to the picture; a format that didn't know its size couldn't. False if it lies elsewhere.
+bool FitAnnotation(Annotation& annotation, std::int32_t width, std::int32_t height)
+{
+    if (!annotation.ring.empty())
+        return TakeRing(annotation, annotation.ring, width, height);
+    const std::optional<System::Math::Rectangle> box = FitBox(annotation.box, width, height);
+    annotation.box = box.value_or(annotation.box);
+    return box.has_value();
 }
 
 std::string FindTime(const ImportedPicture& picture)
@@ -48,7 +60,7 @@ std::string MakeRecord(const ImportedPicture& picture, const PictureHeader& head
     {
         Annotation& annotation = record.annotations[i];
         annotation.id = MakeIdentifier(fmt::format("{}/{}", record.id, i));
-        if (annotation.box.right > record.width || annotation.box.bottom > record.height)
+        if (!FitAnnotation(annotation, record.width, record.height))
             return "an annotation doesn't lie within the picture";
     }
     return {};
@@ -184,12 +196,16 @@ std::string Run(const Arguments& arguments, Report& report)
         return fmt::format("unknown format {}", format);
     std::string error = importer->Open();
     if (!error.empty())
+    {
         report.Fail(source, error);
+        return {};
+    }
     error = MakeFolder(target);
     if (!error.empty())
+    {
         report.Fail(target, error);
-    if (report.GetExitCode() == ExitCode::CannotRun)
         return {};
+    }
 
     const Import import(*importer, target, arguments.Get("--unlabelled").value_or("unlabelled"),
                         arguments.Has("--force"));

@@ -45,7 +45,7 @@ std::optional<RecordFile> ReadRecordFile(const std::filesystem::path& json, Find
     const std::optional<PictureHeader> header = ReadPictureHeader(file.picture);
     if (!header)
     {
-        findings.push_back({file.picture, "isn't a picture"});
+        findings.push_back({file.picture, "isn't a picture that can be read"});
         return std::nullopt;
     }
     if (header->width != file.record.width || header->height != file.record.height)

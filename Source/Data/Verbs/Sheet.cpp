@@ -99,7 +99,7 @@ public:
           m_layout(layout),
           m_output(output),
           m_report(report),
-          m_pen(TextPen::Open(s_textSize))
+          m_pen(TextPen::Open(s_textSize, report))
     {
     }
 

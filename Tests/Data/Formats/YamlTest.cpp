@@ -25,9 +25,11 @@ TEST(Yaml, WhatIsWrittenIsReadBack)
 
 TEST(Yaml, AllUsualWaysAreRead)
 {
-    for (const char* text : {"names:\n  0: a\n  1: b c\n", "names:\n- a\n- b c\n", "names:\n  - a # one\n  - 'b c'\n",
-                             "names: [a, b c]\n", "names: [ 'a' , \"b c\" ] # two\n", "names: {0: a, 1: b c}\n",
-                             "# first\nnc: 2\nnames:\r\n  0: a\r\n\r\n  1: b c\r\ntrain: x\r\n"})
+    for (const char* text :
+         {"names:\n  0: a\n  1: b c\n", "names:\n- a\n- b c\n", "names:\n  - a # one\n  - 'b c'\n", "names: [a, b c]\n",
+          "names: [ 'a' , \"b c\" ] # two\n", "names: {0: a, 1: b c}\n", "names: [a, b c,]\n",
+          "names: [a, # one\n        b c] # two\nnc: 2\n", "names: [\r\n  'a',\r\n# between\r\n  \"b c\",\r\n]\r\n",
+          "names: {\n0: a,\n1: b c\n}", "# first\nnc: 2\nnames:\r\n  0: a\r\n\r\n  1: b c\r\ntrain: x\r\n"})
     {
         const std::optional<std::vector<std::string>> names = ReadYamlNames(text);
         ASSERT_TRUE(names) << text;
@@ -38,10 +40,27 @@ TEST(Yaml, AllUsualWaysAreRead)
 
 TEST(Yaml, OtherWaysAreRefused)
 {
-    for (const char* text : {"", "nc: 2\n", "names: a\n", "names:\n  1: a\n", "names:\n  0: a\n  2: b\n", "names: [a\n",
-                             "names: [a b] c\n", "names: [[a]]\n", "names:\n  0: &x a\n", "names:\n  0: *x\n",
-                             "names:\n  0: \"a\n", "names:\n  0: \"\\u0041\"\n", "names:\n  - |\n",
-                             "names: {0: a, b}\n", "names:\n  0:\n", " names: [a]\n", "names:\n  0: \"a\" b\n"})
+    for (const char* text : {"",
+                             "nc: 2\n",
+                             "names: a\n",
+                             "names:\n  1: a\n",
+                             "names:\n  0: a\n  2: b\n",
+                             "names: [a\n",
+                             "names: [a b] c\n",
+                             "names: [[a]]\n",
+                             "names:\n  0: &x a\n",
+                             "names:\n  0: *x\n",
+                             "names:\n  0: \"a\n",
+                             "names:\n  0: \"\\u0041\"\n",
+                             "names:\n  - |\n",
+                             "names: {0: a, b}\n",
+                             "names: [,]\n",
+                             "names: [a,, b]\n",
+                             "names: [a\nb]\n",
+                             "names: [a] b\n",
+                             "names:\n  0:\n",
+                             " names: [a]\n",
+                             "names:\n  0: \"a\" b\n"})
         EXPECT_FALSE(ReadYamlNames(text)) << text;
 }
 

@@ -42,12 +42,14 @@ TEST(Arguments, TheLastOfTwoCounts)
 
 TEST(Arguments, WhatFollowsTwoHyphensAreOperands)
 {
-    EXPECT_THAT(ParseArguments(s_spec, {"--", "--force", "--x"}).arguments.operands, ElementsAre("--force", "--x"));
+    EXPECT_THAT(ParseArguments(s_spec, {"--", "--force", "-x"}).arguments.operands, ElementsAre("--force", "-x"));
 }
 
 TEST(Arguments, WhatIsWrongIsSaid)
 {
     EXPECT_EQ(GetError({"a", "--other"}), "unknown option --other");
+    EXPECT_EQ(GetError({"a", "-force"}), "unknown option -force");
+    EXPECT_THAT(GetError({"a", "-"}), IsEmpty());
     EXPECT_EQ(GetError({"a", "--force=1"}), "--force takes no value");
     EXPECT_EQ(GetError({"a", "--size"}), "--size needs PIXELS");
     EXPECT_EQ(GetError({}), "expected A B...");

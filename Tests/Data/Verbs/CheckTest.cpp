@@ -88,6 +88,7 @@ TEST_F(Check, LabelsHaveToBeKnownWhereThereIsAList)
 {
     WriteText(m_source / "classes.txt", "button\ntext field\nMen\xC3\xBC <&>\n");
     EXPECT_THAT(FindIn(), HasSubstr("unknown label \"icon\""));
+    EXPECT_EQ(RunWith({"check", GetText(m_source) + "/"}).code, ExitCode::Findings) << "the same folder";
     WriteText(m_source / "classes.txt", "button\ntext field\nMen\xC3\xBC <&>\nicon\n");
     EXPECT_EQ(FindIn(), "");
     WriteText(m_directory.GetPath() / "other.txt", "button\n");

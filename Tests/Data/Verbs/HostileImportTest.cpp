@@ -113,6 +113,56 @@ TEST_F(HostileImport, ANameThatCannotBeUsedIsSaid)
     EXPECT_THAT(ImportCoco(s_cocoBox, "../secret.png").errors, testing::HasSubstr("can't be used: ../secret.png\n"));
 }
 
+TEST_F(HostileImport, AnAnnotationThatCannotBeUsedIsSaid)
+{
+    EXPECT_THAT(ImportCoco(R"({"id": 5, "image_id": 1, "category_id": 8, "bbox": [0, 0, 1, 1]})").errors,
+                HasSubstr("a.png: annotation 5 is of no category in the file\n"));
+    const ProgramRun run = ImportCoco(R"({"id": 6, "image_id": 2, "category_id": 7, "bbox": [0, 0, 1, 1]})");
+    EXPECT_EQ(run.code, ExitCode::CannotRun);
+    EXPECT_THAT(run.errors, HasSubstr("annotation 6 is of no picture in the file\n"));
+    EXPECT_THAT(ImportCoco(R"({"image_id": 2})").errors, HasSubstr("an annotation is of no picture in the file\n"));
+}
+
+TEST_F(HostileImport, AnIdentifierInAFolderIsKept)
+{
+    const std::string id = MakeIdentifier("kept");
+    fs::create_directories(m_set / "images" / "train");
+    fs::copy_file(m_set / "images" / "a.png", m_set / "images" / "train" / (id + ".png"));
+    EXPECT_EQ(ImportCoco(s_cocoBox, "train/" + id + ".png").code, ExitCode::Done);
+    EXPECT_TRUE(fs::exists(m_directory.GetPath() / "back" / (id + ".png")));
+}
+
+TEST_F(HostileImport, ASetThatCannotBeReadLeavesNoFolder)
+{
+    EXPECT_EQ(Import("coco").code, ExitCode::CannotRun);
+    EXPECT_FALSE(fs::exists(m_directory.GetPath() / "back"));
+}
+
+TEST_F(HostileImport, WhatReachesAPixelBeyondAPictureOfUnknownSizeIsCut)
+{
+    EXPECT_EQ(ImportVoc("<bndbox><xmin>11</xmin><ymin>21</ymin><xmax>101</xmax><ymax>81</ymax></bndbox>"
+                        "<polygon><pt><x>10</x><y>20</y></pt><pt><x>101</x><y>20</y></pt>"
+                        "<pt><x>101</x><y>81</y></pt></polygon>")
+                  .code,
+              ExitCode::Done);
+    EXPECT_EQ(GetOnly().box, (System::Math::Rectangle{10, 20, 100, 80}));
+    EXPECT_EQ(GetOnly().ring, (Ring{{10, 20}, {100, 20}, {100, 80}, {10, 20}}));
+    EXPECT_EQ(ImportVoc("<bndbox><xmin>11</xmin><ymin>21</ymin><xmax>102</xmax><ymax>80</ymax></bndbox>").code,
+              ExitCode::Findings);
+}
+
+TEST_F(HostileImport, EachPolygonThatBecomesItsBoxIsCounted)
+{
+    for (const char* polygon : {"[500, 500, 1, 1, 1, 9]", "[1, 1, 9, 9]", "[1, 2, 3]", "[1, 1, 5, 1, 9, 1]"})
+    {
+        const std::string annotation = R"({"id": 1, "image_id": 1, "category_id": 7, "bbox": [10, 20, 30, 40], )"
+                                       R"("segmentation": [)";
+        const ProgramRun run = ImportCoco(annotation + polygon + "]}");
+        EXPECT_THAT(run.output, HasSubstr("polygons that became their boxes: 1\n")) << polygon;
+        EXPECT_EQ(GetOnly().box, s_box) << polygon;
+    }
+}
+
 TEST_F(HostileImport, BoxesLieWithinThePicture)
 {
     for (const char* box : {"[-2, 0, 10, 10]", "[95, 0, 10, 10]", "[0, 0, 0, 10]", "[0, 0, 10]", "[0, 0, 1e300, 10]",
