@@ -51,6 +51,8 @@ std::string_view Application::RunRegion(Bitmap picture)
     if (picture.GetSize() == 0 &&
         !Graphics::Tools::CaptureDisplay(*m_displaySystem->GetDisplay(m_displayId), nullptr, picture))
     {
+        if (!m_running) // asked to end while a portal was asking a person
+            return ReturnCodeName::Success;
         Log::Write(Log::s_graphics, Log::MessageTypeID::Error, "Failed to get display capture.");
         return ReturnCodeName::InitializeSystemsFailed;
     }

@@ -296,6 +296,16 @@ TEST_F(Switches, ARegionOfAScreenThatCannotBeCopiedIsAFailure)
     EXPECT_EQ(CountFiles(), 0U);
 }
 
+TEST_F(Switches, ARunThatIsAskedToEndWhileItCopiesTheScreenEndsAsAnyOther)
+{
+    desktop.captureSucceeds = false;
+    desktop.onCapture = [] { System::Runtime::Application::RequestShutdown(); };
+    Configure(R"({"region": {}})");
+    EXPECT_EQ(Run(), 0);
+    EXPECT_THAT(printed, EndsWith(MakeCodeObject("Success", 0)));
+    EXPECT_EQ(CountFiles(), 0U);
+}
+
 TEST_F(Switches, TheDisplayIsTheOneThatIsNamed)
 {
     AddDisplay(200, 0, 120, 90);

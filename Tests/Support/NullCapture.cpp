@@ -27,6 +27,8 @@ bool NullCapture::Initialize(const System::Math::Rectangle& region)
 Desktops::Failure NullCapture::CopyScreen()
 {
     NullDesktop& desktop = NullDesktop::GetInstance();
+    if (desktop.onCapture)
+        desktop.onCapture();
     if (!desktop.captureSucceeds || m_pixels.empty())
         return System::Error::FormatError(s_refusedCapture);
     desktop.captures.push_back(m_region);

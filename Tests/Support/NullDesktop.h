@@ -32,6 +32,7 @@ struct NullDesktopValues
     Desktops::Failure captureObstacle; ///< known before it is tried
     bool captureInitializes = true;
     bool captureSucceeds = true;
+    std::function<void()> onCapture; ///< called before each copy; may be empty
     /// The pixel at a screen position, as blue | green << 8 | red << 16 | fourth byte << 24.
     std::function<std::uint32_t(std::int32_t x, std::int32_t y)> screenPixel;
     std::vector<System::Math::Rectangle> captures; ///< every region that was copied

@@ -181,11 +181,13 @@ CaptureAnswer PortalCapture::Capture(const CapturedOutput& output, unsigned char
     if (!response)
         return answer;
     if (response->code != 0)
-        return {CaptureOutcome::Failed,
-                response->code == 1
-                    ? "the desktop's portal was not allowed to take a picture: allow it when the desktop asks, or, if "
-                      "it doesn't any more, forget the answer with 'flatpak permission-remove screenshot screenshot'"
-                    : "the desktop's portal takes no picture"};
+        return {
+            CaptureOutcome::Failed,
+            response->code == 1
+                ? "the desktop's portal was not allowed to take a picture: allow it when the desktop asks, or, if "
+                  "it doesn't any more, forget the answer with 'flatpak permission-remove screenshot screenshot'"
+                : "the desktop's portal takes no picture. If it was not allowed to, forget the answer with 'flatpak "
+                  "permission-remove screenshot screenshot'"};
     const std::optional<std::filesystem::path> file = FindFileOfUri(response->uri);
     if (!file)
         return {CaptureOutcome::Failed, "the desktop's portal names no file for its picture"};

@@ -235,7 +235,7 @@ Failure X11Desktop::CheckCapture()
     if (display == nullptr || (!m_hasXwaylandMonitor && !HasXwaylandExtension(display)))
         return std::nullopt;
     const std::string advice = m_waylandFailure.empty()
-                                   ? "Start SnipBench with WAYLAND_DISPLAY set"
+                                   ? "Start SnipBench with WAYLAND_DISPLAY set, and ORVIK_DESKTOP not"
                                    : fmt::format("WAYLAND_DISPLAY is set, but {}", m_waylandFailure);
     return fmt::format("This X server is the one of a Wayland session (Xwayland): the screen isn't on it. {}", advice);
 }

@@ -165,6 +165,7 @@ TEST_F(GnomeSession, GivesNothingWhereTheUserHasRefusedIt)
     m_compositor->AnswerPortal("no");
     const std::string answer = TakePicturesIn(*m_compositor, [](const Picture&) { return true; });
     EXPECT_NE(answer.find("the desktop's portal"), std::string::npos) << answer;
+    EXPECT_NE(answer.find("flatpak permission-remove"), std::string::npos) << answer;
 }
 
 } // namespace

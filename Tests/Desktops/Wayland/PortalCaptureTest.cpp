@@ -168,7 +168,8 @@ TEST_F(Portal, ThatIsRefusedSaysWhatToAllow)
 TEST_F(Portal, ThatFailsTakesNoPicture)
 {
     ServeResponse(2, GetUri());
-    ExpectFailure("the desktop's portal takes no picture");
+    ExpectFailure("the desktop's portal takes no picture. If it was not allowed to, forget the answer with 'flatpak "
+                  "permission-remove screenshot screenshot'");
     EXPECT_TRUE(std::filesystem::exists(m_file));
 }
 

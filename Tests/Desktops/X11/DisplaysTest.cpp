@@ -136,7 +136,8 @@ TEST_F(DisplayCacheX11Test, CanBeCaptured)
 TEST_F(DisplayCacheX11Test, OfAWaylandSessionAreNotTheScreen)
 {
     m_client.AddMonitor("XWAYLAND0", {0, 0, 1280, 720}, true, m_client.GetOutput());
-    EXPECT_THAT(FindObstacle(), testing::StartsWith("This X server is the one of a Wayland session (Xwayland)"));
+    EXPECT_EQ(FindObstacle(), "This X server is the one of a Wayland session (Xwayland): the screen isn't on it. "
+                              "Start SnipBench with WAYLAND_DISPLAY set, and ORVIK_DESKTOP not");
     static_cast<Desktops::X11::X11Desktop&>(Desktops::GetDesktop()).SetWaylandFailure("nobody is there");
     EXPECT_THAT(FindObstacle(), testing::EndsWith(" WAYLAND_DISPLAY is set, but nobody is there"));
     static_cast<Desktops::X11::X11Desktop&>(Desktops::GetDesktop()).SetWaylandFailure("");
