@@ -9,6 +9,7 @@
 // new temporary folder.
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -171,6 +172,14 @@ int Snip(std::vector<std::string> arguments, std::chrono::seconds limit)
     return run.isLate ? s_limitPassed : run.code;
 }
 
+/// Whole seconds; 0 if the text is anything else.
+std::chrono::seconds ReadLimit(const std::string& text)
+{
+    int seconds = 0;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    return std::chrono::seconds(error == std::errc() && stop == text.data() + text.size() ? seconds : 0);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -179,7 +188,7 @@ int main(int argc, char** argv)
     std::chrono::seconds limit{60};
     if (!arguments.empty() && arguments[0] == "-l")
     {
-        limit = std::chrono::seconds(arguments.size() > 1 ? std::atoi(arguments[1].c_str()) : 0);
+        limit = ReadLimit(arguments.size() > 1 ? arguments[1] : "");
         arguments.erase(arguments.begin(), arguments.begin() + std::min<std::ptrdiff_t>(std::ssize(arguments), 2));
     }
     if (arguments.empty() || limit <= limit.zero())

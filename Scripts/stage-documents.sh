@@ -7,9 +7,9 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 documents=$1
 
-put() # SOURCE TARGET
+put() # SOURCE TARGET [MODE]
 {
-    install -D -m 644 "$1" "$documents/$2"
+    install -D -m "${3:-644}" "$1" "$documents/$2"
 }
 
 # In the tree, the examples to read and those to run are in two folders.
@@ -20,6 +20,9 @@ done
 for file in "$root"/Docs/Pictures/*.png "$root"/Docs/Schemas/*.json "$root"/Docs/Examples/*.json; do
     put "$file" "${file#"$root"/Docs/}"
 done
-for file in snip.sh snip.py snip.ps1 snip_Linux.cpp; do
+for file in snip.sh snip.py; do
+    put "$root/Examples/$file" "Programs/$file" 755
+done
+for file in snip.ps1 snip_Linux.cpp; do
     put "$root/Examples/$file" "Programs/$file"
 done

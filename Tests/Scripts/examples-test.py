@@ -96,7 +96,8 @@ class Example:
         if "PowerShell" in type(self).__name__:
             self.skipTest("PowerShell asks for what is missing")
         example = self.command(60, "snipbench")[:-3]
-        for words in ((), ("-l",), ("-l", "5"), ("-l", "0", "snipbench"), ("-l", "soon", "snipbench")):
+        for words in ((), ("-l",), ("-l", "5"), ("-l", "0", "snipbench"), ("-l", "soon", "snipbench"),
+                      ("-l", "1.5", "snipbench")):
             code, output, errors = self.installed.run(*example, *words)
             self.assertEqual((code, output), (2, ""), words)
             self.assertTrue(errors.startswith("usage: "), errors)
