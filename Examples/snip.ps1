@@ -3,8 +3,8 @@
 #
 #   snip.ps1 [-Limit SECONDS] -Program PROGRAM [-Options 'options of SnipBench']
 #
-# Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-# passed; else as SnipBench did. The image stays in a new temporary folder.
+# Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected or saved; with 124 if the limit
+# of time passed; else as SnipBench did. The image stays in a new temporary folder.
 param(
     [Parameter(Mandatory)][string]$Program,
     [string]$Options = '',
@@ -55,8 +55,9 @@ if ($run.ExitCode -ne 0) {
 # plain characters, as are the brackets that -LiteralPath is for.
 $meta = Get-ChildItem -LiteralPath $shots -Filter *.json | Select-Object -First 1
 if (-not $meta) {
+    $isEmpty = -not (Get-ChildItem -LiteralPath $shots)
     Remove-Item -LiteralPath $shots -Recurse
-    [Console]::Error.WriteLine('Nothing was selected.')
+    [Console]::Error.WriteLine($(if ($isEmpty) { 'Nothing was selected.' } else { 'The selection couldn''t be saved.' }))
     exit 1
 }
 $image = Get-ChildItem -LiteralPath $shots | Where-Object { $_.BaseName -eq $meta.BaseName -and $_.Name -ne $meta.Name }

@@ -3,13 +3,14 @@
 
     snip.py [-l SECONDS] PROGRAM [options of SnipBench]
 
-Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The image stays in a new
-temporary folder.
+Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected or saved; with 124 if the limit
+of time passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The image stays
+in a new temporary folder.
 """
 import json
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import sys
@@ -69,7 +70,10 @@ def snip(program, *options, limit=60):
     for meta in folder.glob("*.json"):
         image = next(file for file in folder.glob("*") if file.stem == meta.stem and file != meta)
         return image, json.loads(meta.read_text(encoding="utf-8"))
-    folder.rmdir()
+    is_empty = not any(folder.iterdir())
+    shutil.rmtree(folder)
+    if not is_empty:
+        raise SnipError("The selection couldn't be saved.", 1)
     return None
 
 

@@ -3,9 +3,9 @@
 #
 #   snip.sh [-l SECONDS] PROGRAM [options of SnipBench]
 #
-# Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-# passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The image stays in a new
-# folder below TMPDIR.
+# Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected or saved; with 124 if the limit
+# of time passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The image
+# stays in a new folder below TMPDIR.
 set -eu
 
 limit=60
@@ -48,8 +48,12 @@ fi
 # Both files have the same name, braces included. The JSON file comes last: where it is, the image is whole.
 for meta in "$shots"/*.json; do
     if [ ! -e "$meta" ]; then
-        rmdir "$shots"
-        echo "Nothing was selected." >&2
+        if rmdir "$shots" 2>/dev/null; then
+            echo "Nothing was selected." >&2
+        else
+            rm -r "$shots"
+            echo "The selection couldn't be saved." >&2
+        fi
         exit 1
     fi
     for image in "${meta%.json}".[pb][nm][gp]; do

@@ -4,9 +4,9 @@
 //   c++ -std=c++20 -o snip snip_Linux.cpp
 //   ./snip [-l SECONDS] PROGRAM [options of SnipBench]
 //
-// Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected; with 124 if the limit of time
-// passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The image stays in a
-// new temporary folder.
+// Prints the path of the image and its size. Ends with 0; with 1 if nothing was selected or saved; with 124 if the
+// limit of time passed; with 127 if the program can't be started, 2 if the call is wrong; else as SnipBench did. The
+// image stays in a new temporary folder.
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -145,8 +145,8 @@ int PrintSelection(const fs::path& folder)
                           << ReadNumber(text, "height") << '\n';
         return EXIT_SUCCESS;
     }
-    fs::remove(folder);
-    std::cerr << "Nothing was selected.\n";
+    std::cerr << (fs::is_empty(folder) ? "Nothing was selected.\n" : "The selection couldn't be saved.\n");
+    fs::remove_all(folder);
     return s_nothingSelected;
 }
 

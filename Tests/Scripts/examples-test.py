@@ -60,6 +60,18 @@ class Example:
         code, output, errors = self.run_example(drive=lambda display: display.press("Escape"))
         self.assertEqual((code, output, errors), (1, "", "Nothing was selected.\n"))
 
+    def test_selection_that_is_not_saved(self):
+        # An image without its JSON file stays where the disk is full.
+        self.installed.add_tool("stand-in", STAND_IN.replace("\n", '\ntouch "$4/{0}.png"\n', 1))
+        self.installed.environment.update(NAME="Success", CODE="0")
+        folder = self.installed.folder / "unsaved"
+        folder.mkdir(exist_ok=True)
+        self.installed.environment["TMPDIR"] = str(folder)
+        self.addCleanup(self.installed.environment.update, TMPDIR=str(self.installed.folder))
+        code, output, errors = self.run_example(program="stand-in")
+        self.assertEqual((code, output, errors), (1, "", "The selection couldn't be saved.\n"))
+        self.assertEqual(list(folder.iterdir()), [])
+
     def test_limit(self):
         code, output, errors = self.run_example(limit=1)
         self.assertEqual((code, output, errors), (124, "", "No selection within 1 seconds.\n"))
