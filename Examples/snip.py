@@ -10,6 +10,7 @@ in a new temporary folder.
 import json
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -44,12 +45,22 @@ def read_answer(output):
 def snip(program, *options, limit=60):
     """(image, what is known of it), or None if nothing was selected. The image's folder is the caller's to remove."""
     folder = pathlib.Path(tempfile.mkdtemp())
+    selection = None
+    try:
+        selection = snip_into(folder, program, options, limit)
+    finally:
+        if selection is None:
+            shutil.rmtree(folder)
+    return selection
+
+
+def snip_into(folder, program, options, limit):
+    """The same, with the files in a folder that is empty so far."""
     # A line of the log may name a byte that is no text by itself.
     try:
         run = subprocess.Popen([program, "-s", "true", "-o", folder, *options], stdout=subprocess.PIPE,
                                encoding="utf-8", errors="replace")
     except OSError as error:
-        folder.rmdir()
         raise SnipError(f"The program can't be started: {error}", 127) from None
     try:
         output, _ = run.communicate(timeout=limit)
@@ -70,9 +81,7 @@ def snip(program, *options, limit=60):
     for meta in folder.glob("*.json"):
         image = next(file for file in folder.glob("*") if file.stem == meta.stem and file != meta)
         return image, json.loads(meta.read_text(encoding="utf-8"))
-    is_empty = not any(folder.iterdir())
-    shutil.rmtree(folder)
-    if not is_empty:
+    if any(folder.iterdir()):
         raise SnipError("The selection couldn't be saved.", 1)
     return None
 
@@ -80,7 +89,7 @@ def snip(program, *options, limit=60):
 def main(arguments):
     limit = 60
     if arguments[:1] == ["-l"]:
-        limit = int(arguments[1]) if arguments[1:] and arguments[1].isdecimal() else 0
+        limit = int(arguments[1]) if arguments[1:] and re.fullmatch("[0-9]{1,6}", arguments[1]) else 0
         arguments = arguments[2:]
     if not arguments or limit == 0:
         print("usage: snip.py [-l SECONDS] PROGRAM [options of SnipBench]", file=sys.stderr)

@@ -172,12 +172,13 @@ int Snip(std::vector<std::string> arguments, std::chrono::seconds limit)
     return run.isLate ? s_limitPassed : run.code;
 }
 
-/// Whole seconds; 0 if the text is anything else.
+/// Whole seconds, below a million; 0 if the text is anything else.
 std::chrono::seconds ReadLimit(const std::string& text)
 {
     int seconds = 0;
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
-    return std::chrono::seconds(error == std::errc() && stop == text.data() + text.size() ? seconds : 0);
+    const bool isWhole = error == std::errc() && stop == text.data() + text.size();
+    return std::chrono::seconds(isWhole && seconds < 1'000'000 ? seconds : 0);
 }
 
 } // namespace

@@ -109,7 +109,7 @@ class Example:
             self.skipTest("PowerShell asks for what is missing")
         example = self.command(60, "snipbench")[:-3]
         for words in ((), ("-l",), ("-l", "5"), ("-l", "0", "snipbench"), ("-l", "soon", "snipbench"),
-                      ("-l", "1.5", "snipbench")):
+                      ("-l", "1.5", "snipbench"), ("-l", "99999999999999999999", "snipbench")):
             code, output, errors = self.installed.run(*example, *words)
             self.assertEqual((code, output), (2, ""), words)
             self.assertTrue(errors.startswith("usage: "), errors)
