@@ -22,7 +22,7 @@ shift
 shots=$(mktemp -d)
 
 code=0
-output=$(timeout "$limit" "$program" -s true -o "$shots" "$@") || code=$?
+output=$(timeout --foreground "$limit" "$program" -s true -o "$shots" "$@") || code=$?
 
 # The object is the last thing on standard output, from a line that is { to one that is }.
 name=$(printf '%s\n' "$output" | sed -n '/^{$/,/^}$/s/^ *"name": "\(.*\)",$/\1/p')

@@ -129,6 +129,32 @@ std::string ReadNumber(const std::string& text, const std::string& member)
     return match[1];
 }
 
+/// A new folder, which goes again unless it is kept.
+class Folder
+{
+public:
+    Folder()
+    {
+        if (mkdtemp(m_path.data()) == nullptr)
+            throw std::runtime_error("There is no temporary folder.");
+    }
+    ~Folder()
+    {
+        std::error_code ignored;
+        if (!m_isKept)
+            fs::remove_all(m_path, ignored);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    [[nodiscard]] const std::string& GetPath() const { return m_path; }
+    void Keep() { m_isKept = true; }
+
+private:
+    std::string m_path = (fs::temp_directory_path() / "snip-XXXXXX").string();
+    bool m_isKept = false;
+};
+
 /// Prints what there is in the folder, if there is something.
 int PrintSelection(const fs::path& folder)
 {
@@ -146,16 +172,13 @@ int PrintSelection(const fs::path& folder)
         return EXIT_SUCCESS;
     }
     std::cerr << (fs::is_empty(folder) ? "Nothing was selected.\n" : "The selection couldn't be saved.\n");
-    fs::remove_all(folder);
     return s_nothingSelected;
 }
 
 int Snip(std::vector<std::string> arguments, std::chrono::seconds limit)
 {
-    std::string folder = (fs::temp_directory_path() / "snip-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr)
-        throw std::runtime_error("There is no temporary folder.");
-    const std::vector<std::string> own = {"-s", "true", "-o", folder};
+    Folder folder;
+    const std::vector<std::string> own = {"-s", "true", "-o", folder.GetPath()};
     arguments.insert(arguments.begin() + 1, own.begin(), own.end());
     const auto [process, output] = Start(arguments);
     const Run run = Wait(process, output, limit);
@@ -165,10 +188,17 @@ int Snip(std::vector<std::string> arguments, std::chrono::seconds limit)
         std::cerr << *name << ": " << s_causes.at(*name) << ".\n";
     else if (run.isSignal && run.code != 128 + SIGABRT)
         std::cerr << "Ended by signal " << run.code - 128 << ".\n";
-    else if (run.code != 0)
+    else if (run.code == 128 + SIGABRT)
         std::cerr << "An error, with a report in ~/.orvik/Logs.\n";
+    else if (run.code != 0)
+        std::cerr << "Ended with " << run.code << ".\n";
     else
-        return PrintSelection(folder);
+    {
+        const int code = PrintSelection(folder.GetPath());
+        if (code == EXIT_SUCCESS)
+            folder.Keep();
+        return code;
+    }
     return run.isLate ? s_limitPassed : run.code;
 }
 
