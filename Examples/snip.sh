@@ -20,6 +20,7 @@ fi
 program=$1
 shift
 shots=$(mktemp -d)
+trap 'rm -r "$shots"; exit 130' INT
 
 code=0
 output=$(timeout --foreground "$limit" "$program" -s true -o "$shots" "$@") || code=$?

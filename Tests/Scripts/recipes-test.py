@@ -198,7 +198,7 @@ class Recipes(Pages):
         block = self.block("A limit of time", "bash")
         output = self.run_bash(block, escape)
         self.assertEqual((output[1].splitlines()[-1], output[2]), ("ended by the user", ""))
-        shortened = block.replace("timeout 60", "timeout 1")
+        shortened = block.replace("foreground 60", "foreground 1")
         self.assertNotEqual(shortened, block)
         self.assertEqual(self.run_bash(shortened)[1].splitlines()[-1], "no selection within a minute")
         self.installed.environment["DISPLAY"] = ""
