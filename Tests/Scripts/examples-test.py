@@ -38,6 +38,14 @@ class Example:
     def run_example(self, *options, program="snipbench", limit=60, drive=None):
         return self.installed.run(*self.command(limit, program, *options), drive=drive)
 
+    def make_temporary_folder(self, name):
+        """An own one for a test."""
+        folder = self.installed.folder / name
+        folder.mkdir(exist_ok=True)
+        self.installed.environment["TMPDIR"] = str(folder)
+        self.addCleanup(self.installed.environment.update, TMPDIR=str(self.installed.folder))
+        return folder
+
     def test_selection(self):
         for file_type in ("png", "bmp"):
             code, output, errors = self.run_example("-t", file_type, drive=drag)
@@ -49,10 +57,7 @@ class Example:
                 self.assertEqual(file.read(2), b"\x89P" if file_type == "png" else b"BM")
 
     def test_folder_with_letters_that_the_overlay_has_no_glyph_for(self):
-        folder = self.installed.folder / "写真"
-        folder.mkdir(exist_ok=True)
-        self.installed.environment["TMPDIR"] = str(folder)
-        self.addCleanup(self.installed.environment.update, TMPDIR=str(self.installed.folder))
+        folder = self.make_temporary_folder("写真")
         code, output, errors = self.run_example(drive=drag)
         self.assertEqual((code, errors, output[:len(str(folder))]), (0, "", str(folder)))
 
@@ -64,10 +69,7 @@ class Example:
         # An image without its JSON file stays where the disk is full.
         self.installed.add_tool("stand-in", STAND_IN.replace("\n", '\ntouch "$4/{0}.png"\n', 1))
         self.installed.environment.update(NAME="Success", CODE="0")
-        folder = self.installed.folder / "unsaved"
-        folder.mkdir(exist_ok=True)
-        self.installed.environment["TMPDIR"] = str(folder)
-        self.addCleanup(self.installed.environment.update, TMPDIR=str(self.installed.folder))
+        folder = self.make_temporary_folder("unsaved")
         code, output, errors = self.run_example(program="stand-in")
         self.assertEqual((code, output, errors), (1, "", "The selection couldn't be saved.\n"))
         self.assertEqual(list(folder.iterdir()), [])
@@ -103,6 +105,14 @@ class Example:
             code, output, errors = self.run_example(program=program)
             self.assertEqual((code, output), (127, ""))
             self.assertIn("can't be started", errors)
+
+    def test_failures_leave_no_folder(self):
+        if "PowerShell" in type(self).__name__:
+            self.skipTest("PowerShell's leaves the folder")
+        folder = self.make_temporary_folder("failures")
+        for options, program in ((("-x",), "snipbench"), (("-d", "x"), "snipbench"), ((), "no-such-program")):
+            self.assertNotEqual(self.run_example(*options, program=program)[0], 0)
+            self.assertEqual(list(folder.iterdir()), [], options)
 
     def test_wrong_calls(self):
         if "PowerShell" in type(self).__name__:
