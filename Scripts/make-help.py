@@ -94,6 +94,7 @@ def make_bash(options):
             action = f"_snipbench_words '{' '.join(option.value)}'"
         cases.append(f"        {pattern(option)})\n            {action}\n            return\n            ;;\n")
     words = " ".join(word for option in options for word in (f"-{option.name}", f"-{option.short}"))
+    long_words = " ".join(f"--{option.name}" for option in options)
     return f"""# bash completion of snipbench. Generated from the program's own table of options.
 
 _snipbench_paths() # compgen's options
@@ -116,7 +117,11 @@ _snipbench()
     COMPREPLY=()
     case $previous in
 {''.join(cases)}    esac
-    _snipbench_words '{words}'
+    if [[ $word == --* ]]; then
+        _snipbench_words '{long_words}'
+    else
+        _snipbench_words '{words}'
+    fi
 }}
 
 complete -F _snipbench snipbench

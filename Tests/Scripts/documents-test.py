@@ -105,6 +105,8 @@ class Generated(unittest.TestCase):
         names = [word for option in OPTIONS for word in (f"-{option.name}", f"-{option.short}")]
         self.assertEqual(self.complete_in_bash("-"), names)
         self.assertEqual(self.complete_in_bash("-s", "true", "-De"), ["-Delay"])
+        self.assertEqual(self.complete_in_bash("--"), [f"--{option.name}" for option in OPTIONS])
+        self.assertEqual(self.complete_in_bash("-s", "true", "--De"), ["--Delay"])
         (self.folder / "a picture.png").touch()
         (self.folder / "other.txt").touch()
         (self.folder / "a folder").mkdir()
