@@ -47,7 +47,7 @@ if ($answer -and $answer.code -ne 0) {
     exit $run.ExitCode
 }
 if ($run.ExitCode -ne 0) {
-    [Console]::Error.WriteLine('An error; the folder .orvik/Logs in your home has its report.')
+    [Console]::Error.WriteLine('An error; .orvik/Logs in your home may say more.')
     exit $run.ExitCode
 }
 

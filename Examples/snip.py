@@ -69,7 +69,7 @@ def snip_into(folder, program, options, limit):
         run.communicate()
         raise SnipError(f"No selection within {limit} seconds.", 124) from None
     if run.returncode in (-signal.SIGABRT, 134):
-        raise SnipError("An error, with a report in ~/.orvik/Logs.", 134)
+        raise SnipError("An error; ~/.orvik/Logs may say more.", 134)
     if run.returncode < 0:
         raise SnipError(f"Ended by signal {-run.returncode}.", 128 - run.returncode)
     answer = read_answer(output)

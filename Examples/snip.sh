@@ -34,7 +34,7 @@ case $code in
     254) echo "$name: the picture can't be read or shown." >&2 ;;
     253) echo "$name: there is no display, or none of that name." >&2 ;;
     252 | 251) echo "$name: the overlay can't be shown; the log says why." >&2 ;;
-    134) echo "An error, with a report in ~/.orvik/Logs." >&2 ;;
+    134) echo "An error; ~/.orvik/Logs may say more." >&2 ;;
     126 | 127)
         echo "The program can't be started." >&2
         code=127

@@ -38,6 +38,7 @@ constexpr int s_nothingSelected = 1;
 constexpr int s_wrongUse = 2;
 constexpr int s_limitPassed = 124;
 constexpr int s_notStarted = 127;
+constexpr int s_interrupted = 130;
 
 const std::map<std::string, std::string> s_causes = {
     {"Wrong Parameter(s)", "an option is wrong, or the region isn't within the picture"},
@@ -46,6 +47,9 @@ const std::map<std::string, std::string> s_causes = {
     {"Failed to create window", "the overlay can't be shown; the log says why"},
     {"Failed to initialize renderer", "the overlay can't be shown; the log says why"},
 };
+
+/// Whether Ctrl+C was pressed.
+volatile std::sig_atomic_t s_isInterrupted = 0;
 
 /// What keeps the program from being started.
 class StartError : public std::runtime_error
@@ -86,20 +90,24 @@ std::pair<pid_t, int> Start(const std::vector<std::string>& arguments)
     return {process, ends[0]};
 }
 
-/// Reads until the program closes its output. After the limit it is asked to end, which it does within two seconds.
+/// Reads until the program closes its output. After the limit, and after Ctrl+C, it is asked to end, which it does within
+/// two seconds.
 Run Wait(pid_t process, int output, std::chrono::seconds limit)
 {
     Run run;
     const auto end = std::chrono::steady_clock::now() + limit;
     std::array<char, 4096> buffer = {};
+    bool isAsked = false;
     for (ssize_t size = 1; size > 0;)
     {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now()).count();
         pollfd wanted = {output, POLLIN, 0};
-        if (!run.isLate && poll(&wanted, 1, static_cast<int>(std::max<long>(left, 0))) == 0)
+        if (!isAsked)
         {
-            run.isLate = true;
-            kill(process, SIGTERM);
+            run.isLate = poll(&wanted, 1, static_cast<int>(std::max<long>(left, 0))) == 0;
+            isAsked = run.isLate || s_isInterrupted != 0;
+            if (isAsked)
+                kill(process, SIGTERM);
         }
         size = read(output, buffer.data(), buffer.size());
         run.output.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
@@ -180,8 +188,11 @@ int Snip(std::vector<std::string> arguments, std::chrono::seconds limit)
     Folder folder;
     const std::vector<std::string> own = {"-s", "true", "-o", folder.GetPath()};
     arguments.insert(arguments.begin() + 1, own.begin(), own.end());
+    std::signal(SIGINT, [](int) { s_isInterrupted = 1; }); // the folder has to go before the end
     const auto [process, output] = Start(arguments);
     const Run run = Wait(process, output, limit);
+    if (s_isInterrupted != 0)
+        return s_interrupted;
     if (run.isLate)
         std::cerr << "No selection within " << limit.count() << " seconds.\n";
     else if (const auto name = ReadName(run.output); name && run.code != 0)
@@ -189,7 +200,7 @@ int Snip(std::vector<std::string> arguments, std::chrono::seconds limit)
     else if (run.isSignal && run.code != 128 + SIGABRT)
         std::cerr << "Ended by signal " << run.code - 128 << ".\n";
     else if (run.code == 128 + SIGABRT)
-        std::cerr << "An error, with a report in ~/.orvik/Logs.\n";
+        std::cerr << "An error; ~/.orvik/Logs may say more.\n";
     else if (run.code != 0)
         std::cerr << "Ended with " << run.code << ".\n";
     else

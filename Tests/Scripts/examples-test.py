@@ -3,12 +3,14 @@
 
     examples-test.py PROGRAM [Shell | Python | PowerShell | Cpp]
 """
+import os
 import shutil
+import signal
 import subprocess
 import sys
 import unittest
 
-from desktop_helper import ROOT, run_tests
+from desktop_helper import LIMIT, ROOT, run_tests
 from installed_helper import Installed
 
 PROGRAM = ROOT / sys.argv.pop(1)
@@ -86,7 +88,7 @@ class Example:
             self.assertTrue(result[2].startswith(name + ": "), result[2])
         code, _, errors = self.run_example("-d", "x")
         self.assertEqual(code, 134)
-        self.assertIn("An error, with a report in ", errors)
+        self.assertIn("An error; ", errors)
 
     def test_all_codes(self):
         self.installed.add_tool("stand-in", STAND_IN)
@@ -113,6 +115,18 @@ class Example:
         for options, program in ((("-x",), "snipbench"), (("-d", "x"), "snipbench"), ((), "no-such-program")):
             self.assertNotEqual(self.run_example(*options, program=program)[0], 0)
             self.assertEqual(list(folder.iterdir()), [], options)
+
+    def test_control_c(self):
+        if "PowerShell" in type(self).__name__:
+            self.skipTest("PowerShell's leaves the folder")
+        folder = self.make_temporary_folder("interrupted")
+        with self.installed.start(*self.command(60, "snipbench"), start_new_session=True) as example:
+            self.installed.display.wait_for_overlay()
+            os.killpg(example.pid, signal.SIGINT)
+            output, _ = example.communicate(timeout=LIMIT)
+        self.assertIn(example.returncode, (130, -signal.SIGINT))
+        self.assertEqual(output, "")
+        self.assertEqual(list(folder.iterdir()), [])
 
     def test_wrong_calls(self):
         if "PowerShell" in type(self).__name__:
