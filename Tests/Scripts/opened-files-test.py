@@ -45,13 +45,14 @@ OF_OPENGL = {
     "`/sys`": r"/sys/.*",
     "`/run/udev`": r"/run/udev/.*",
     "`/dev/dri`": r"/dev/dri.*",
+    "`/dev/udmabuf`": r"/dev/udmabuf",
     "`/etc/passwd`": r"/etc/passwd",
     "`/etc/group`": r"/etc/group",
     "`/etc/nsswitch.conf`": r"/etc/nsswitch\.conf",
 }
 PAGE = "Docs/Support.md"
 WRITTEN = [LISTED[name] for name in ("the output folder", "`~/.orvik/Logs`", "`/dev/shm`")]
-WRITTEN_OF_OPENGL = [LISTED["`~/.cache`"], OF_OPENGL["`/dev/dri`"]]
+WRITTEN_OF_OPENGL = [LISTED["`~/.cache`"], OF_OPENGL["`/dev/dri`"], OF_OPENGL["`/dev/udmabuf`"]]
 DISPLAY_SOCKET = r"@?/tmp/\.X11-unix/X\d+"
 OPEN_FOR_WRITING = re.compile(r"O_(WRONLY|RDWR|CREAT|TRUNC|APPEND)")
 
