@@ -346,10 +346,22 @@ class Configuration(Pages):
             self.assertNotIn("Configuration ignored", output)
 
     def test_what_a_rule_changes_on_linux(self):
-        line = "No X server to ask for displays."
-        for severity, is_there in (("Error", True), ("Critical", False)):
-            rule = {"configuration": {"LogSystem": {"streams": {"DisplayCache": {"severity": severity}}}}}
-            self.assertEqual(line in self.start(json.dumps(rule))[1], is_there)
+        row = re.search(r"^\| `DisplayCache` .*$", (ROOT / self.PAGE).read_text(encoding="utf-8"), re.MULTILINE)[0]
+        without_compositor = {"WAYLAND_DISPLAY": "nothing"}
+        for environment, said in (
+                ({}, ["No X server to ask for displays."]),
+                (without_compositor, ["No X server to ask for displays.", "WAYLAND_DISPLAY is set, but "]),
+                ({"ORVIK_DESKTOP": "wayland"}, ["No Wayland compositor to ask for displays: "])):
+            self.installed.environment.update(environment)
+            for severity, is_there in (("Error", True), ("Critical", False)):
+                rule = {"configuration": {"LogSystem": {"streams": {"DisplayCache": {"severity": severity}}}}}
+                output = self.start(json.dumps(rule))[1]
+                for line in said:
+                    self.assertIn(line, row)
+                    self.assertEqual(line in output, is_there)
+                self.assertEqual("DisplayCache" in output, is_there)
+            for name in environment:
+                self.installed.environment.pop(name)
 
 
 del Pages  # has no tests of its own
