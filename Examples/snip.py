@@ -65,7 +65,7 @@ def snip_into(folder, program, options, limit):
     try:
         output, _ = run.communicate(timeout=limit)
     except subprocess.TimeoutExpired:
-        run.terminate()  # the run ends by itself within two seconds, keyboard and pointer are free again
+        run.terminate()  # a file that is being written is finished, keyboard and pointer are free again
         run.communicate()
         raise SnipError(f"No selection within {limit} seconds.", 124) from None
     if run.returncode in (-signal.SIGABRT, 134):

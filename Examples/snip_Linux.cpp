@@ -90,8 +90,8 @@ std::pair<pid_t, int> Start(const std::vector<std::string>& arguments)
     return {process, ends[0]};
 }
 
-/// Reads until the program closes its output. After the limit, and after Ctrl+C, it is asked to end, which it does
-/// within two seconds.
+/// Reads until the program closes its output. After the limit, and after Ctrl+C, it is asked to end; a file that is
+/// being written is finished.
 Run Wait(pid_t process, int output, std::chrono::seconds limit)
 {
     Run run;
