@@ -32,17 +32,6 @@ protected:
         return runs;
     }
 
-    /// It was asked to end, or has seen by itself that there is a newer one. Before its first lines have run, the
-    /// signal has its own effect.
-    static void ExpectGivenUp(ChildProcess& run)
-    {
-        const ChildResult result = run.Wait(s_endLimit);
-        if (result.signal != SIGTERM)
-            ExpectAnswer(result, 0, Answer::Success);
-        else
-            EXPECT_EQ(result.standardOutput, "");
-    }
-
     /// One of so many is left, the newest, and it does what a run is for.
     void ExpectOneLeft(int count, std::chrono::milliseconds gap)
     {
@@ -50,7 +39,8 @@ protected:
         for (std::size_t index = 0; index + 1 < runs.size(); ++index)
         {
             SCOPED_TRACE(index);
-            ExpectGivenUp(runs[index]);
+            // It was asked to end, or has seen by itself that there is a newer one.
+            ExpectAnswer(runs[index].Wait(s_endLimit), 0, Answer::Success);
         }
         ChildProcess& newest = runs.back();
         ASSERT_TRUE(newest.IsRunning()) << newest.GetOutput();

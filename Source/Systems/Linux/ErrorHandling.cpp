@@ -31,6 +31,11 @@ constexpr unsigned s_requestTimeLimit = 3; // seconds
 /// How long a report that is under way may still take once the process is asked to end: as long as a run may.
 constexpr std::int64_t s_reportGrace = 2'000'000'000; // nanoseconds
 
+/// How often to look whether a process that has only begun has become a run that can be asked to end, and how long to
+/// wait each time.
+constexpr int s_beginPolls = 250;
+constexpr std::int64_t s_beginPollPeriod = 2'000'000; // nanoseconds
+
 ErrorHandling* s_errorHandling = nullptr;
 std::array<struct sigaction, s_faultSignals.size()> s_previousActions = {};
 std::atomic<int> s_signalBeingReported = 0; ///< 0 for none
@@ -101,7 +106,12 @@ void OnRequest(int signal)
     if (s_signalBeingReported != 0)
         AbortUnlessReported();
     LimitTime(s_requestTimeLimit, SIGABRT);
-    const bool isHandled = s_errorHandling->HandleRequest(signal);
+    bool isHandled = s_errorHandling->HandleRequest(signal);
+    for (int poll = 0; poll < s_beginPolls && !isHandled; ++poll)
+    {
+        Time::Sleep(s_beginPollPeriod);
+        isHandled = s_errorHandling->HandleRequest(signal);
+    }
     alarm(0);
     if (const int fault = s_signalBeingReported; fault != 0)
         LimitTime(s_reportTimeLimit, fault); // it came in the meantime, and that may have replaced its limit

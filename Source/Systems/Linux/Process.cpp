@@ -33,6 +33,8 @@ constexpr std::int64_t s_endNanoseconds = 3'000 * s_millisecond;
 /// How long the system may take to remove a process that was killed.
 constexpr std::int64_t s_killNanoseconds = 1'000 * s_millisecond;
 constexpr std::int64_t s_pollNanoseconds = 5 * s_millisecond;
+/// How long a process may take to load. Only one of another program with our name doesn't hear requests after that.
+constexpr std::int64_t s_loadNanoseconds = 2'000 * s_millisecond;
 /// How long the user may have to wait when this run is asked to end while it waits for another.
 constexpr std::int64_t s_interruptionNanoseconds = 20 * s_millisecond;
 
@@ -119,6 +121,23 @@ std::string_view FindStatusValue(std::string_view status, std::string_view key)
         begin = end + 1;
     }
     return {};
+}
+
+/// Whether SIGTERM is a request to the process, which it then awaits or passes over. Until a run's first lines it isn't.
+bool HearsRequests(const FileDescriptor& directory)
+{
+    const std::optional<std::string> status = ReadProcessFile(directory, "status");
+    if (!status)
+        return true;
+    std::uint64_t heard = 0;
+    for (const std::string_view key : {"SigBlk:", "SigCgt:", "SigIgn:"})
+    {
+        const std::string_view text = FindStatusValue(*status, key);
+        std::uint64_t signals = 0;
+        (void)std::from_chars(text.data(), text.data() + text.size(), signals, 16);
+        heard |= signals;
+    }
+    return (heard >> (SIGTERM - 1) & 1U) != 0;
 }
 
 /// Whether the process runs as our own user; if not, the last system error says why. The directory's owner isn't the
@@ -212,6 +231,20 @@ public:
         return syscall(SYS_pidfd_send_signal, m_descriptor.Get(), signal, nullptr, 0) == 0;
     }
 
+    /// Waits until the process hears requests, or is gone: a request that comes before ends it without an answer.
+    /// False if the wait was interrupted.
+    [[nodiscard]] bool WaitForLoading(const std::function<bool()>& isInterrupted) const
+    {
+        const std::int64_t deadline = Time::GetMonotonicNanoseconds() + s_loadNanoseconds;
+        while (!HearsRequests(m_directory) && !HasEnded() && Time::GetMonotonicNanoseconds() < deadline)
+        {
+            if (isInterrupted && isInterrupted())
+                return false;
+            Time::Sleep(s_millisecond);
+        }
+        return true;
+    }
+
     /// Waits until the process is gone, for `nanoseconds` at most. `Failed` if it is still there then.
     [[nodiscard]] ProcessResult WaitForEnd(std::int64_t nanoseconds, const std::function<bool()>& isInterrupted) const
     {
@@ -261,6 +294,8 @@ private:
 
 ProcessResult AskToEnd(const EndingProcess& process, const std::function<bool()>& isInterrupted)
 {
+    if (!process.WaitForLoading(isInterrupted))
+        return ProcessResult::Interrupted;
     if (!process.Send(SIGTERM))
         return errno == ESRCH ? ProcessResult::Done : ProcessResult::Failed;
     ProcessResult result = process.WaitForEnd(s_endNanoseconds, isInterrupted);

@@ -38,6 +38,22 @@ using Tests::TestProcess;
 constexpr const char* s_roleVariable = "ORVIK_TEST_ROLE";
 constexpr int s_goesOn = 2;
 constexpr int s_givesUp = 3;
+constexpr int s_wasAsked = 4;
+
+/// Loads for a while, in which SIGTERM ends it, and then waits for that as for a request.
+[[noreturn]] void LoadAndListen()
+{
+    Time::Sleep(200'000'000);
+    sigset_t requests;
+    sigemptyset(&requests);
+    sigaddset(&requests, SIGTERM);
+    sigprocmask(SIG_BLOCK, &requests, nullptr);
+    // One that waited for the signal wouldn't be seen to block it meanwhile.
+    const timespec none = {};
+    while (sigtimedwait(&requests, nullptr, &none) != SIGTERM)
+        Time::Sleep(1'000'000);
+    std::_Exit(s_wasAsked);
+}
 
 class RunRole final : public testing::Environment
 {
@@ -47,6 +63,8 @@ public:
         const char* const role = std::getenv(s_roleVariable);
         if (role == nullptr)
             return;
+        if (std::string(role) == "late")
+            LoadAndListen();
         char ignored = 0;
         (void)!read(STDIN_FILENO, &ignored, 1); // until the test closes its end
         const std::int64_t start = Time::GetMonotonicNanoseconds();
@@ -92,6 +110,14 @@ public:
     }
     OwnRun(const OwnRun&) = delete;
     OwnRun& operator=(const OwnRun&) = delete;
+
+    /// Waits until it has become the program of that name.
+    void WaitForName(const std::string& name) const
+    {
+        std::string found;
+        while (ReadProcessNamePlatform(static_cast<std::uint64_t>(m_id), found) != ProcessResult::Done || found != name)
+            Time::Sleep(1'000'000);
+    }
 
     /// Lets it look for others. `s_goesOn` or `s_givesUp`; 1000 plus the signal that ended it.
     int Finish()
@@ -160,6 +186,15 @@ TEST_F(OtherRuns, ANewerOneThatHasEndedDoesNotCount)
     kill(static_cast<pid_t>(newer.GetId()), SIGKILL);
     newer.WaitUntilEnded(); // and is kept, as its result isn't asked for
     EXPECT_EQ(run.Finish(), s_goesOn);
+}
+
+TEST_F(OtherRuns, OneThatIsStillLoadingIsAskedOnceItHears)
+{
+    const std::string name = MakeName("young");
+    OwnRun older({MakeProgram(name)}, "late");
+    older.WaitForName(name);
+    EXPECT_EQ(OwnRun({MakeProgram(name)}).Finish(), s_goesOn);
+    EXPECT_EQ(older.Finish(), s_wasAsked);
 }
 
 TEST_F(OtherRuns, OneThatDoesNotEndIsKilled)
