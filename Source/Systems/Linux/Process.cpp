@@ -123,7 +123,8 @@ std::string_view FindStatusValue(std::string_view status, std::string_view key)
     return {};
 }
 
-/// Whether SIGTERM is a request to the process, which it then awaits or passes over. Until a run's first lines it isn't.
+/// Whether SIGTERM is a request to the process, which it then awaits or passes over. Until a run's first lines it
+/// isn't.
 bool HearsRequests(const FileDescriptor& directory)
 {
     const std::optional<std::string> status = ReadProcessFile(directory, "status");
