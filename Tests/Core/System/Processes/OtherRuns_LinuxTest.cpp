@@ -50,9 +50,13 @@ constexpr int s_wasAsked = 4;
     sigprocmask(SIG_BLOCK, &requests, nullptr);
     // One that waited for the signal wouldn't be seen to block it meanwhile.
     const timespec none = {};
-    while (sigtimedwait(&requests, nullptr, &none) != SIGTERM)
+    for (int poll = 0; poll < 10'000; ++poll)
+    {
+        if (sigtimedwait(&requests, nullptr, &none) == SIGTERM)
+            std::_Exit(s_wasAsked);
         Time::Sleep(1'000'000);
-    std::_Exit(s_wasAsked);
+    }
+    std::_Exit(EXIT_FAILURE);
 }
 
 class RunRole final : public testing::Environment
